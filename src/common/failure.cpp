@@ -1,0 +1,61 @@
+#include "common/failure.h"
+
+#include <array>
+#include <new>
+#include <utility>
+
+namespace tav {
+namespace {
+
+constexpr std::array<std::pair<RunTimeError, TextView>, 12> kMessages = {{
+    {RunTimeError::Overflow, u"Overflow"},
+    {RunTimeError::OutOfMemory, u"Out of memory"},
+    {RunTimeError::SubscriptOutOfRange, u"Subscript out of range"},
+    {RunTimeError::TypeMismatch, u"Type mismatch"},
+    {RunTimeError::InvalidProcedureCall, u"Invalid procedure call or argument"},
+    {RunTimeError::FileNotFound, u"File not found"},
+    {RunTimeError::DiskFull, u"Disk full"},
+    {RunTimeError::PermissionDenied, u"Permission denied"},
+    {RunTimeError::PathFileAccess, u"Path/File access error"},
+    {RunTimeError::PathNotFound, u"Path not found"},
+    {RunTimeError::DataTypeMismatch, u"Data type mismatch in criteria expression."},
+    {RunTimeError::Other, u""},
+}};
+
+Text Describe(RunTimeError error, TextView detail) {
+    Text text(MessageText(error));
+    if (!text.empty() && !detail.empty()) text += text.back() == u'.' ? u" " : u": ";
+    return text.append(detail);
+}
+
+}  // namespace
+
+TextView MessageText(RunTimeError error) {
+    for (const auto& [known, text] : kMessages) {
+        if (known == error) return text;
+    }
+    return {};
+}
+
+Failure::Failure(RunTimeError error, TextView detail)
+    : error_(error), detail_(detail), description_(Describe(error, detail)), what_(ToUtf8(description_)) {}
+
+Failure Failure::In(TextView document) const {
+    Text detail = detail_;
+    if (!detail.empty()) detail += u' ';
+    return Failure(error_, detail.append(u"(").append(document).append(u")"));
+}
+
+Failure CurrentFailure() {
+    try {
+        throw;
+    } catch (const Failure& failure) {
+        return failure;
+    } catch (const std::bad_alloc&) {
+        return Failure(RunTimeError::OutOfMemory);
+    } catch (const std::exception& other) {
+        return Failure(FromUtf8(other.what()));
+    }
+}
+
+}  // namespace tav

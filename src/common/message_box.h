@@ -1,0 +1,43 @@
+// How the system speaks to a person: message boxes. A window shows them, or standard error, or a list in
+// tests.
+#pragma once
+
+#include "common/text.h"
+
+namespace tav {
+
+enum class MessageIcon { Critical, Information };
+
+struct Message {
+    Text title;
+    Text text;
+    MessageIcon icon = MessageIcon::Critical;
+
+    bool operator==(const Message&) const = default;
+};
+
+class MessageBox {
+ public:
+    virtual ~MessageBox() = default;
+    virtual void Show(const Message& message) = 0;
+};
+
+// The box in use: the one of the innermost living ScopedMessageBox, else one that writes "title: text" to
+// standard error.
+MessageBox& CurrentMessageBox();
+
+class ScopedMessageBox {
+ public:
+    explicit ScopedMessageBox(MessageBox& box);
+    ~ScopedMessageBox();
+    ScopedMessageBox(const ScopedMessageBox&) = delete;
+    ScopedMessageBox& operator=(const ScopedMessageBox&) = delete;
+
+ private:
+    MessageBox* outer_;
+};
+
+// Shows a message of the current box.
+void ShowMessage(TextView title, TextView text, MessageIcon icon = MessageIcon::Critical);
+
+}  // namespace tav

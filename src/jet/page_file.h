@@ -1,0 +1,64 @@
+// The pages of one database file: read on demand into a cache, changed in units that reach the disk whole.
+//
+// A unit of work begins with the first change after Open or Commit and ends with Commit or RollBack. Commit
+// writes the original images of the changed pages into the rollback journal (the database's path +
+// "-journal"), syncs it, writes the pages, syncs the file and deletes the journal; a kill or a power loss
+// anywhere in between leaves either the old or the new state after the next open, which rolls back what a
+// journal that was written whole says. Inside a unit each statement can be taken back on its own.
+//
+// The file is locked from open to close (platform/files.h). A file that does not look like a Jet 4 database,
+// is encrypted or asks for a password is refused here, before anything else is read.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+
+#include "common/text.h"
+#include "jet/format.h"
+#include "platform/files.h"
+
+namespace tav::jet {
+
+class PageFile {
+ public:
+    using Access = LockedFile::Access;
+
+    PageFile(TextView path, Access access);
+    ~PageFile();  // rolls back what was not committed
+    PageFile(const PageFile&) = delete;
+    PageFile& operator=(const PageFile&) = delete;
+
+    const Text& path() const;
+    bool writable() const;
+    PageNumber PageCount() const;
+
+    // A page beyond the end, or one that cannot be read, is a Failure naming file and page. The reference
+    // stays valid until the next Trim, Commit or RollBack.
+    const Page& Read(PageNumber page);
+    // The same to change it. Fails on a file opened for reading.
+    Page& Change(PageNumber page);
+    // One page more at the end, all zero; its number.
+    PageNumber Append();
+
+    // A statement: what it changed since BeginStatement is taken back by RollBackStatement, byte for byte, or
+    // kept.
+    void BeginStatement();
+    void KeepStatement();
+    void RollBackStatement();
+
+    // Ends the unit of work. When the disk refuses (full, read error), everything is as before the unit and
+    // the Failure is thrown.
+    void Commit();
+    void RollBack();
+    bool HasChanges() const;
+
+    // Lets go of unchanged pages when the cache holds more than its share. Called between rows and
+    // statements.
+    void Trim();
+
+ private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+}  // namespace tav::jet

@@ -1,0 +1,36 @@
+// The rows a select returned, all of them (a client-side cursor): RecordCount is known.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "common/text.h"
+#include "common/value.h"
+
+namespace tav {
+
+struct ResultTable {
+    std::vector<Text> names;
+    std::vector<std::vector<Value>> rows;
+};
+
+class Recordset {
+ public:
+    Recordset() = default;
+    explicit Recordset(ResultTable table) : table_(std::make_shared<ResultTable>(std::move(table))) {}
+
+    bool Eof() const { return table_ == nullptr || row_ >= table_->rows.size(); }
+    void MoveNext() { ++row_; }
+    int RecordCount() const { return table_ == nullptr ? 0 : static_cast<int>(table_->rows.size()); }
+
+    // The current row's field by ordinal or by name (letter case ignored, the first of that name). Past the
+    // last row, or without such a field, a Failure with the usual words.
+    const Value& Field(std::size_t ordinal) const;
+    const Value& Field(TextView name) const;
+
+ private:
+    std::shared_ptr<ResultTable> table_;
+    std::size_t row_ = 0;
+};
+
+}  // namespace tav

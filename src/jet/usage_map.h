@@ -1,0 +1,41 @@
+// Usage maps: sets of page numbers, each kept as a record of a map page; and the allocation of pages.
+#pragma once
+
+#include <vector>
+
+#include "jet/format.h"
+
+namespace tav::jet {
+
+class PageFile;
+
+// The set that the record at `record` holds, inline (type 0) or by bitmap pages (type 1). Adding a page that
+// does not fit moves the inline window or turns the record into a reference map.
+class UsageMap {
+ public:
+    UsageMap(PageFile& file, Pointer record) : file_(&file), record_(record) {}
+
+    bool Contains(PageNumber page) const;
+    void Add(PageNumber page);
+    void Remove(PageNumber page);
+    // Ascending.
+    std::vector<PageNumber> Pages() const;
+    // The highest page of the set, 0 when it is empty.
+    PageNumber Last() const;
+    // The pages that hold the map's own bitmaps (none when it is inline).
+    std::vector<PageNumber> BitmapPages() const;
+
+ private:
+    PageFile* file_;
+    Pointer record_;
+};
+
+// Takes a page out of the file's global free map, or appends one; it is all zero. With `above`, only pages
+// with a higher number are taken, so that rows stay in the order they were inserted.
+PageNumber AllocatePage(PageFile& file, PageNumber above = 0);
+// Gives a page back to the global free map.
+void FreePage(PageFile& file, PageNumber page);
+// Whether the global map calls the page free.
+bool IsFree(PageFile& file, PageNumber page);
+
+}  // namespace tav::jet

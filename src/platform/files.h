@@ -1,0 +1,87 @@
+// Files and folders. Paths are Text; on Linux their separator is "/" and any bytes of a name survive
+// (common/text.h).
+//
+// What the operating system refuses is a Failure that names the path: "File not found" and "Path not found"
+// (no such file, no such folder), "Permission denied" (no right, a file held by somebody else), "Disk full",
+// else "Path/File access error" with the system's own words.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "common/text.h"
+
+namespace tav {
+
+// "/" on Linux, "\" on Windows.
+extern const char16_t kPathSeparator;
+
+// The folder with one separator at its end; empty text stays empty.
+Text WithSeparator(TextView folder);
+// What stands before and behind the last separator: "/a/b/" and "c.rtf".
+Text FolderOf(TextView path);
+Text NameOf(TextView path);
+// A path as a person types it: both "/" and "\" are understood. A path that exists as it stands is left
+// alone.
+Text UserPath(TextView typed);
+
+bool FileExists(TextView path);  // anything but a folder
+bool FolderExists(TextView path);
+// Whether both name one and the same existing folder, whatever links or letter case the paths go through.
+bool SameFolder(TextView a, TextView b);
+
+// Creates every missing folder on the way to the file, from the root down; the last piece, the file name, is
+// not created.
+void MakeFolders(TextView file_path);
+
+// The bare names of the folder's files (no folders) that end in `ending` without regard to letter case,
+// sorted by their upper-cased names, hidden files included. A folder that is not there is empty.
+std::vector<Text> ListFiles(TextView folder, TextView ending);
+
+std::string ReadFile(TextView path);
+// The first `limit` bytes, or all.
+std::string ReadFileHead(TextView path, std::size_t limit);
+
+// Writes the file whole or not at all: a temporary file in the same folder, synced, then renamed over the
+// target. A failure leaves the old file as it was and no temporary file behind.
+void WriteFileWhole(TextView path, std::string_view bytes);
+void DeleteFile(TextView path);
+
+// Moves a file over `target`, replacing it by one rename. Onto another file system: a copy under a temporary
+// name there, synced and renamed, then the source is deleted. At no moment is there no whole copy.
+void MoveFileOver(TextView source, TextView target);
+
+// An open file read and written by position. The lock is taken when it is opened and held until it is closed:
+// readers share it, a writer has it alone; a file that somebody else holds is "Permission denied" at once.
+class LockedFile {
+ public:
+    enum class Access { Read, Write };
+
+    LockedFile(TextView path, Access access);
+    ~LockedFile();
+    LockedFile(LockedFile&&) noexcept;
+    LockedFile& operator=(LockedFile&&) noexcept;
+
+    std::uint64_t Size() const;
+    // Reads exactly `size` bytes; a file that ends before is "Path/File access error".
+    void ReadAt(std::uint64_t offset, void* buffer, std::size_t size) const;
+    void WriteAt(std::uint64_t offset, const void* buffer, std::size_t size);
+    void Truncate(std::uint64_t size);
+    // What was written is on the disk when this returns.
+    void Sync();
+    // A reader becomes the only holder for a while (to roll back what a killed writer left); false when
+    // others read.
+    bool TryExclusive();
+
+ private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+// Syncs the folder itself, so that a file created or deleted in it stays so across a power loss.
+void SyncFolder(TextView folder);
+
+}  // namespace tav

@@ -1,0 +1,32 @@
+#include "settings/session.h"
+
+#include "platform/environment.h"
+
+namespace tav {
+
+CurrentTaxpayer& Taxpayer() {
+    static CurrentTaxpayer taxpayer;
+    return taxpayer;
+}
+
+std::int32_t& CancelStamp() {
+    static std::int32_t stamp = 0;
+    return stamp;
+}
+
+std::int32_t TimeStamp() {
+    const ClockTime time = Now().time;
+    return time.hour * 10000 + time.minute * 100 + time.second;
+}
+
+void RequestCancel() {
+    CancelStamp() = TimeStamp();
+}
+
+bool PassCancelGuard() {
+    if (CancelStamp() != 0 && CancelStamp() == TimeStamp()) return false;
+    CancelStamp() = 0;
+    return true;
+}
+
+}  // namespace tav

@@ -1,0 +1,32 @@
+// The module-level state that lives as long as the component is loaded.
+#pragma once
+
+#include <cstdint>
+
+#include "common/text.h"
+
+namespace tav {
+
+// The taxpayer the host works with. A KPP of twenty zeros stands for all subdivisions of a consolidated
+// taxpayer.
+struct CurrentTaxpayer {
+    Text inn;
+    Text kpp;
+    Text date;  // "dd.mm.yyyy", the host's working date
+};
+CurrentTaxpayer& Taxpayer();
+
+inline constexpr TextView kAllSubdivisions = u"00000000000000000000";
+
+// The cancel stamp: 0 when no cancel is pending, else the time of day of the last cancel as the number HHMMSS
+// (143005 at 14:30:05). A cancel at exactly 00:00:00 stores 0 and is not seen.
+std::int32_t& CancelStamp();
+// The present time of day in that form.
+std::int32_t TimeStamp();
+// What the cancel button does: the stamp becomes the present time.
+void RequestCancel();
+// The start of an import: false when it was asked for in the very second of the last cancel, which stops it;
+// otherwise the stamp is reset.
+bool PassCancelGuard();
+
+}  // namespace tav

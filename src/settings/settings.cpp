@@ -1,0 +1,118 @@
+#include "settings/settings.h"
+
+#include <array>
+
+#include "common/guard.h"
+#include "common/regional.h"
+#include "platform/environment.h"
+#include "platform/files.h"
+
+namespace tav {
+namespace {
+
+constexpr TextView kOwnKey = u"SOFTWARE\\VELSKAR\\PLX\\TAV_OperationImport\\";
+constexpr TextView kHostKey = u"SOFTWARE\\VELSKAR\\Kventa2\\General";
+
+constexpr auto kUser = Hive::CurrentUser;
+constexpr auto kExpand = RegistryType::ExpandString;
+
+constexpr std::array<Setting, 11> kSettings = {{
+    {u"ImportPath", kUser, kOwnKey, kExpand, u"folder scanned for source documents"},
+    {u"ExportPath", kUser, kOwnKey, kExpand, u"folder of the reports; empty: the temporary folder"},
+    {u"OutPath", kUser, kOwnKey, kExpand, u"folder loaded documents are moved to; empty: TEMP"},
+    {u"ChkOut", kUser, kOwnKey, kExpand, u"whether loaded documents are moved (True or False)"},
+    {u"NameINNKPP", kUser, kOwnKey, kExpand, u"the taxpayer shown in reports: name|INN|KPP"},
+    {u"ChkFilter", kUser, kOwnKey, kExpand, u"state of the filter dialog's check box"},
+    {u"SpVupis", kUser, kOwnKey, kExpand, u"1: statements whose amounts are all zero are loaded too"},
+    {u"SpAct", kUser, kOwnKey, kExpand, u"1: acts whose amounts are all zero are loaded too"},
+    {u"SpVupisOb", kUser, kOwnKey, kExpand, u"1: only dated lines decide whether a statement is all zero"},
+    {u"SpActOb", kUser, kOwnKey, kExpand, u"1: only section 2 decides whether an act is all zero"},
+    {u"DataBasePath", Hive::LocalMachine, kHostKey, RegistryType::String, u"folder of PlX_Base.mdb"},
+}};
+
+constexpr TextView kDatabaseName = u"PlX_Base.mdb";
+
+Text& ChosenDatabase() {
+    static Text path;
+    return path;
+}
+
+Text AsText(const RegistryValue& value) {
+    if (const Text* text = std::get_if<Text>(&value)) return *text;
+    if (const auto* number = std::get_if<std::uint32_t>(&value)) return Digits(*number);
+    return {};
+}
+
+}  // namespace
+
+std::span<const Setting> Settings() {
+    return kSettings;
+}
+
+const Setting* FindSetting(TextView name) {
+    for (const Setting& setting : kSettings) {
+        if (EqualNoCase(setting.name, name)) return &setting;
+    }
+    return nullptr;
+}
+
+RegistryValue ReadSetting(TextView name) {
+    const Setting* setting = FindSetting(name);
+    if (setting == nullptr) throw Failure(RunTimeError::InvalidProcedureCall, name);
+    RegistryValue value;
+    ReadRegistry(setting->hive, setting->key, setting->name, value);
+    return value;
+}
+
+Text SettingText(TextView name) {
+    return AsText(ReadSetting(name));
+}
+
+std::int16_t SettingSwitch(TextView name) {
+    const Text text = SettingText(name);
+    if (text.empty()) return 0;
+    const auto number = ParseInteger(text);
+    if (!number) throw Failure(RunTimeError::TypeMismatch, Text(name).append(u" = ").append(text));
+    if (*number < INT16_MIN || *number > INT16_MAX) throw Failure(RunTimeError::Overflow, name);
+    return static_cast<std::int16_t>(*number);
+}
+
+bool SettingTruth(TextView name) {
+    const Text text = SettingText(name);
+    if (text.empty() || EqualNoCase(text, u"False") || EqualNoCase(text, u"Ложь")) return false;
+    if (EqualNoCase(text, u"True") || EqualNoCase(text, u"Истина")) return true;
+    const auto number = ParseNumber(text);
+    if (!number) throw Failure(RunTimeError::TypeMismatch, Text(name).append(u" = ").append(text));
+    return *number != 0;
+}
+
+bool WriteSetting(TextView name, TextView value) {
+    const Setting* setting = FindSetting(name);
+    if (setting == nullptr) throw Failure(RunTimeError::InvalidProcedureCall, name);
+    return WriteRegistry(setting->hive, setting->key, setting->name, Text(value), setting->type);
+}
+
+Text ExportFolder() {
+    Text folder = SettingText(u"ExportPath");
+    return folder.empty() ? ReportFolder() : folder;
+}
+
+Text getbase() {
+    Text path;
+    Guarded(u"Ошибка в функции getbase", [&] {
+        if (!ChosenDatabase().empty()) {
+            path = ChosenDatabase();
+            return;
+        }
+        const RegistryValue folder = ReadSetting(u"DataBasePath");
+        const Text found = std::holds_alternative<Null>(folder) ? ComponentFolder() : AsText(folder);
+        path = WithSeparator(found).append(kDatabaseName);
+    });
+    return path;
+}
+
+void UseDatabase(TextView path) {
+    ChosenDatabase() = path;
+}
+
+}  // namespace tav

@@ -1,0 +1,48 @@
+// The component's settings and where its database lies.
+#pragma once
+
+#include <span>
+
+#include "common/text.h"
+#include "platform/registry.h"
+
+namespace tav {
+
+struct Setting {
+    TextView name;
+    Hive hive;
+    TextView key;
+    RegistryType type;
+    TextView meaning;
+};
+
+// Every setting there is: the component's own under the current user, the host's DataBasePath under the local
+// machine.
+std::span<const Setting> Settings();
+// The setting of that name in any letter case, or nullptr.
+const Setting* FindSetting(TextView name);
+
+// A value as text; Null when it is absent. `name` must be one of Settings().
+RegistryValue ReadSetting(TextView name);
+// The text of a value, empty when it is absent.
+Text SettingText(TextView name);
+// A switch as a 16-bit whole number, 0 when absent. Text that is no number is "Type mismatch", one too large
+// "Overflow".
+std::int16_t SettingSwitch(TextView name);
+// "True", "-1", "1" and "Истина" are true, "False", "0", "Ложь" and an absent value false; else "Type
+// mismatch".
+bool SettingTruth(TextView name);
+// Writes with the setting's registry type; false when it could not be written.
+bool WriteSetting(TextView name, TextView value);
+
+// The folder reports are written to: ExportPath, else the temporary folder.
+Text ExportFolder();
+
+// The full path of the database: the file set with UseDatabase, else PlX_Base.mdb in the host's DataBasePath,
+// else beside the component. Not checked, not cached. On an unexpected failure: a message and empty text.
+Text getbase();
+// A database file that wins over the settings ("--database FILE"); empty text gives the settings their say
+// back.
+void UseDatabase(TextView path);
+
+}  // namespace tav

@@ -1,0 +1,66 @@
+// What many tests need: a folder of their own, a list of the messages shown, golden files.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "common/message_box.h"
+#include "common/text.h"
+
+namespace tav::test {
+
+// A new empty folder, removed with everything in it at the end.
+class TempFolder {
+ public:
+    TempFolder();
+    ~TempFolder();
+    TempFolder(const TempFolder&) = delete;
+    TempFolder& operator=(const TempFolder&) = delete;
+
+    // With its separator at the end.
+    const Text& path() const { return path_; }
+    // The full path of a file in it.
+    Text operator/(TextView name) const { return path_ + Text(name); }
+    // Writes a file into it and returns its full path.
+    Text Write(TextView name, std::string_view bytes) const;
+
+ private:
+    Text path_;
+};
+
+// Collects what would be shown, instead of showing it.
+class MessageList : public MessageBox {
+ public:
+    MessageList() : scope_(*this) {}
+    void Show(const Message& message) override { messages.push_back(message); }
+
+    std::vector<Message> messages;
+
+ private:
+    ScopedMessageBox scope_;
+};
+
+// Points TAV_SETTINGS at an empty settings file in a folder of its own, and back at the end.
+class OwnSettings {
+ public:
+    OwnSettings();
+    ~OwnSettings();
+    OwnSettings(const OwnSettings&) = delete;
+    OwnSettings& operator=(const OwnSettings&) = delete;
+
+ private:
+    TempFolder folder_;
+};
+
+// A file of tests/, by its path below that folder.
+std::string TestFile(std::string_view path);
+
+// Compares with the golden file of that path below tests/; the test fails with the first line that differs.
+// With TAV_UPDATE_GOLDEN set, the golden file is written instead.
+void ExpectGolden(std::string_view path, std::string_view actual);
+
+// The bytes of a Windows-1251 file for a text, and back.
+std::string Bytes(TextView text);
+
+}  // namespace tav::test
