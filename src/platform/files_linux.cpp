@@ -1,0 +1,247 @@
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "common/get_next.h"
+#include "platform/files.h"
+#include "platform/posix_linux.h"
+
+namespace tav {
+
+using posix::Descriptor;
+using posix::Refuse;
+
+const char16_t kPathSeparator = u'/';
+
+namespace posix {
+
+void Refuse(int error, TextView path) {
+    switch (error) {
+        case ENOENT: {
+            const bool folder = FolderOf(path).empty() || FolderExists(FolderOf(path));
+            throw Failure(folder ? RunTimeError::FileNotFound : RunTimeError::PathNotFound, path);
+        }
+        case ENOTDIR:
+            throw Failure(RunTimeError::PathNotFound, path);
+        case EACCES:
+        case EPERM:
+        case EROFS:
+        case EBUSY:
+        case ETXTBSY:
+        case EWOULDBLOCK:
+            throw Failure(RunTimeError::PermissionDenied, path);
+        case ENOSPC:
+        case EDQUOT:
+        case EFBIG:
+            throw Failure(RunTimeError::DiskFull, path);
+        default:
+            throw Failure(RunTimeError::PathFileAccess,
+                          Text(path).append(u" (").append(FromUtf8(std::strerror(error))).append(u")"));
+    }
+}
+
+void WriteAll(const Descriptor& file, std::string_view bytes, TextView path) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(file.number(), bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) Refuse(errno, path);
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+}  // namespace posix
+
+namespace {
+
+std::string Native(TextView path) {
+    return ToUtf8(path);
+}
+
+bool Status(TextView path, struct stat& status) {
+    return ::stat(Native(path).c_str(), &status) == 0;
+}
+
+Descriptor OpenForReading(TextView path) {
+    Descriptor file(::open(Native(path).c_str(), O_RDONLY | O_CLOEXEC));
+    if (!file) Refuse(errno, path);
+    struct stat status {};
+    if (::fstat(file.number(), &status) == 0 && S_ISDIR(status.st_mode)) {
+        throw Failure(RunTimeError::PathFileAccess, path);
+    }
+    return file;
+}
+
+// The file a path leads to when it is a link, so that a replacement keeps the link.
+Text LinkTarget(TextView path) {
+    char* real = ::realpath(Native(path).c_str(), nullptr);
+    if (real == nullptr) return Text(path);
+    Text target = FromUtf8(real);
+    std::free(real);
+    return target;
+}
+
+// A file that exists and that somebody else holds, or that must not be written, is not replaced.
+void RefuseHeldFile(TextView path) {
+    const std::string native = Native(path);
+    if (!FileExists(path)) return;
+    if (::access(native.c_str(), W_OK) != 0) Refuse(errno, path);
+    const Descriptor file(::open(native.c_str(), O_RDWR | O_CLOEXEC));
+    if (!file) Refuse(errno, path);
+    struct flock range {};
+    range.l_type = F_WRLCK;
+    const bool held = ::fcntl(file.number(), F_GETLK, &range) == 0 && range.l_type != F_UNLCK;
+    if (held || ::flock(file.number(), LOCK_EX | LOCK_NB) != 0) Refuse(EWOULDBLOCK, path);
+}
+
+// A new file beside `target` that becomes `target` by Rename, and goes if it does not get there.
+class ReplacementFile {
+ public:
+    explicit ReplacementFile(TextView target) : target_(LinkTarget(target)) {
+        pattern_ = Native(FolderOf(target_) + u".tav-XXXXXX");
+        file_ = Descriptor(::mkostemp(pattern_.data(), O_CLOEXEC));
+        if (!file_) Refuse(errno, target_);
+        struct stat status {};
+        const mode_t mask = ::umask(0);
+        ::umask(mask);
+        const mode_t mode = Status(target_, status) ? status.st_mode & 07777 : 0666 & ~mask;
+        ::fchmod(file_.number(), mode);
+    }
+    ~ReplacementFile() {
+        if (!renamed_) ::unlink(pattern_.c_str());
+    }
+    ReplacementFile(const ReplacementFile&) = delete;
+    ReplacementFile& operator=(const ReplacementFile&) = delete;
+
+    void Write(std::string_view bytes) { posix::WriteAll(file_, bytes, target_); }
+    void SetTimes(const struct stat& status) {
+        const timespec times[2] = {status.st_atim, status.st_mtim};
+        ::futimens(file_.number(), times);
+    }
+    void Rename() {
+        if (::fsync(file_.number()) != 0) Refuse(errno, target_);
+        if (::rename(pattern_.c_str(), Native(target_).c_str()) != 0) Refuse(errno, target_);
+        renamed_ = true;
+        SyncFolder(FolderOf(target_));
+    }
+
+ private:
+    Text target_;
+    std::string pattern_;
+    Descriptor file_;
+    bool renamed_ = false;
+};
+
+// Hands the file's bytes on in pieces.
+template <class Take>
+void ReadPieces(const Descriptor& file, TextView path, Take take) {
+    std::string buffer(1 << 16, '\0');
+    for (;;) {
+        const ssize_t got = ::read(file.number(), buffer.data(), buffer.size());
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) Refuse(errno, path);
+        if (got == 0) return;
+        take(std::string_view(buffer).substr(0, static_cast<std::size_t>(got)));
+    }
+}
+
+void CopyOver(TextView source, TextView target) {
+    const Descriptor file = OpenForReading(source);
+    struct stat status {};
+    ::fstat(file.number(), &status);
+    ReplacementFile replacement(target);
+    ReadPieces(file, source, [&](std::string_view piece) { replacement.Write(piece); });
+    replacement.SetTimes(status);
+    replacement.Rename();
+}
+
+}  // namespace
+
+bool FileExists(TextView path) {
+    struct stat status {};
+    return Status(path, status) && !S_ISDIR(status.st_mode);
+}
+
+bool FolderExists(TextView path) {
+    struct stat status {};
+    return Status(path, status) && S_ISDIR(status.st_mode);
+}
+
+bool SameFolder(TextView a, TextView b) {
+    struct stat first {};
+    struct stat second {};
+    return Status(a, first) && Status(b, second) && first.st_dev == second.st_dev &&
+           first.st_ino == second.st_ino;
+}
+
+void MakeFolders(TextView file_path) {
+    TextView rest = file_path;
+    Text folder;
+    while (rest.find(kPathSeparator) != TextView::npos) {
+        folder.append(GetNext(rest, TextView(&kPathSeparator, 1))) += kPathSeparator;
+        if (!FolderExists(folder) && ::mkdir(Native(folder).c_str(), 0777) != 0 && errno != EEXIST)
+            Refuse(errno, folder);
+    }
+}
+
+std::vector<Text> ListFiles(TextView folder, TextView ending) {
+    const Text prefix = WithSeparator(folder);
+    const std::unique_ptr<DIR, int (*)(DIR*)> listing(
+        ::opendir(prefix.empty() ? "." : Native(prefix).c_str()), ::closedir);
+    std::vector<std::pair<Text, Text>> found;  // upper-cased name, name
+    if (listing == nullptr) {
+        if (errno == ENOENT || errno == ENOTDIR) return {};
+        Refuse(errno, folder);
+    }
+    while (const dirent* entry = ::readdir(listing.get())) {
+        Text name = FromUtf8(entry->d_name);
+        if (name.size() < ending.size() || !EqualNoCase(Right(name, ending.size()), ending)) continue;
+        const bool plain = entry->d_type == DT_REG;
+        if (!plain && !FileExists(prefix + name)) continue;
+        found.emplace_back(UpperCase(name), std::move(name));
+    }
+    std::sort(found.begin(), found.end());
+    std::vector<Text> names;
+    names.reserve(found.size());
+    for (auto& entry : found) names.push_back(std::move(entry.second));
+    return names;
+}
+
+std::string ReadFile(TextView path) {
+    const Descriptor file = OpenForReading(path);
+    struct stat status {};
+    ::fstat(file.number(), &status);
+    std::string bytes;
+    bytes.reserve(static_cast<std::size_t>(std::max<off_t>(status.st_size, 0)) + 1);
+    ReadPieces(file, path, [&](std::string_view piece) { bytes.append(piece); });
+    return bytes;
+}
+
+void WriteFileWhole(TextView path, std::string_view bytes) {
+    RefuseHeldFile(path);
+    ReplacementFile replacement(path);
+    replacement.Write(bytes);
+    replacement.Rename();
+}
+
+void DeleteFile(TextView path) {
+    if (::unlink(Native(path).c_str()) != 0) Refuse(errno, path);
+}
+
+void MoveFileOver(TextView source, TextView target) {
+    if (::rename(Native(source).c_str(), Native(target).c_str()) == 0) return;
+    if (errno != EXDEV) Refuse(errno, source);
+    CopyOver(source, target);
+    DeleteFile(source);
+}
+
+void SyncFolder(TextView folder) {
+    const Descriptor descriptor(
+        ::open(folder.empty() ? "." : Native(folder).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (descriptor) ::fsync(descriptor.number());
+}
+
+}  // namespace tav

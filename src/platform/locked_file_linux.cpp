@@ -1,0 +1,79 @@
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include "platform/files.h"
+#include "platform/posix_linux.h"
+
+namespace tav {
+
+using posix::Descriptor;
+using posix::Refuse;
+
+struct LockedFile::State {
+    Descriptor file;
+    Text path;
+};
+
+LockedFile::LockedFile(TextView path, Access access) : state_(std::make_unique<State>()) {
+    state_->path = path;
+    const int mode = access == Access::Write ? O_RDWR : O_RDONLY;
+    state_->file = Descriptor(::open(ToUtf8(path).c_str(), mode | O_CLOEXEC));
+    if (!state_->file) Refuse(errno, path);
+    struct stat status {};
+    if (::fstat(state_->file.number(), &status) != 0) Refuse(errno, path);
+    if (!S_ISREG(status.st_mode)) throw Failure(RunTimeError::PathFileAccess, path);
+    if (::flock(state_->file.number(), (access == Access::Write ? LOCK_EX : LOCK_SH) | LOCK_NB) != 0)
+        Refuse(errno, path);
+}
+
+LockedFile::~LockedFile() = default;
+LockedFile::LockedFile(LockedFile&&) noexcept = default;
+LockedFile& LockedFile::operator=(LockedFile&&) noexcept = default;
+
+std::uint64_t LockedFile::Size() const {
+    struct stat status {};
+    if (::fstat(state_->file.number(), &status) != 0) Refuse(errno, state_->path);
+    return static_cast<std::uint64_t>(status.st_size);
+}
+
+void LockedFile::ReadAt(std::uint64_t offset, void* buffer, std::size_t size) const {
+    char* to = static_cast<char*>(buffer);
+    while (size > 0) {
+        const ssize_t got = ::pread(state_->file.number(), to, size, static_cast<off_t>(offset));
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) Refuse(errno, state_->path);
+        if (got == 0)
+            throw Failure(RunTimeError::PathFileAccess,
+                          Text(state_->path).append(u" (unexpected end of file)"));
+        to += got;
+        offset += static_cast<std::uint64_t>(got);
+        size -= static_cast<std::size_t>(got);
+    }
+}
+
+void LockedFile::WriteAt(std::uint64_t offset, const void* buffer, std::size_t size) {
+    const char* from = static_cast<const char*>(buffer);
+    while (size > 0) {
+        const ssize_t put = ::pwrite(state_->file.number(), from, size, static_cast<off_t>(offset));
+        if (put < 0 && errno == EINTR) continue;
+        if (put < 0) Refuse(errno, state_->path);
+        from += put;
+        offset += static_cast<std::uint64_t>(put);
+        size -= static_cast<std::size_t>(put);
+    }
+}
+
+void LockedFile::Truncate(std::uint64_t size) {
+    if (::ftruncate(state_->file.number(), static_cast<off_t>(size)) != 0) Refuse(errno, state_->path);
+}
+
+void LockedFile::Sync() {
+    if (::fsync(state_->file.number()) != 0) Refuse(errno, state_->path);
+}
+
+bool LockedFile::TryExclusive() {
+    return ::flock(state_->file.number(), LOCK_EX | LOCK_NB) == 0;
+}
+
+}  // namespace tav

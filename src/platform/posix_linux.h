@@ -1,0 +1,41 @@
+// What the Linux platform files share: descriptors that close themselves, errno as a Failure.
+#pragma once
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+#include <utility>
+
+#include "common/failure.h"
+
+namespace tav::posix {
+
+class Descriptor {
+ public:
+    Descriptor() = default;
+    explicit Descriptor(int number) : number_(number) {}
+    ~Descriptor() { Close(); }
+    Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+    Descriptor& operator=(Descriptor&& other) noexcept {
+        std::swap(number_, other.number_);
+        return *this;
+    }
+
+    int number() const { return number_; }
+    explicit operator bool() const { return number_ >= 0; }
+    void Close() {
+        if (number_ >= 0) ::close(std::exchange(number_, -1));
+    }
+
+ private:
+    int number_ = -1;
+};
+
+// The failure that `error` (an errno value) means for this path.
+[[noreturn]] void Refuse(int error, TextView path);
+
+// Writes everything, or refuses.
+void WriteAll(const Descriptor& file, std::string_view bytes, TextView path);
+
+}  // namespace tav::posix
