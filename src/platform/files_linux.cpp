@@ -182,8 +182,9 @@ void MakeFolders(TextView file_path) {
     Text folder;
     while (rest.find(kPathSeparator) != TextView::npos) {
         folder.append(GetNext(rest, TextView(&kPathSeparator, 1))) += kPathSeparator;
-        if (!FolderExists(folder) && ::mkdir(Native(folder).c_str(), 0777) != 0 && errno != EEXIST)
-            Refuse(errno, folder);
+        if (!FolderExists(folder) && ::mkdir(Native(folder).c_str(), 0777) != 0 && !FolderExists(folder)) {
+            Refuse(errno == EEXIST ? ENOTDIR : errno, folder);
+        }
     }
 }
 
