@@ -4,10 +4,9 @@
 #include <map>
 #include <random>
 
-#include "common/failure.h"
-#include "jet/create.h"
 #include "jet/database.h"
 #include "jet/index_key.h"
+#include "jet/jet_fixtures.h"
 #include "jet/jet_samples.h"
 #include "jet/usage_map.h"
 
@@ -15,37 +14,12 @@ namespace tav::jet {
 namespace {
 
 using test::CopySample;
+using test::FailureOf;
+using test::NewDatabase;
 using test::SamplePath;
 using test::TempFolder;
-using Values = std::vector<Value>;
-
-Text NewDatabase(const TempFolder& folder) {
-    const std::vector<TablePlan> plans = {
-        {u"things",
-         {{u"id", ColumnType::Long},
-          {u"name", ColumnType::Text, 255},
-          {u"amount", ColumnType::Double},
-          {u"day", ColumnType::Date},
-          {u"note", ColumnType::Text, 255}},
-         {{u"PrimaryKey", {u"id"}, true}, {u"byname", {u"name"}}}},
-        {u"plain", {{u"a", ColumnType::Long}, {u"b", ColumnType::Text, 20}}, {}}};
-    return folder.Write(u"new.mdb", EmptyDatabase(plans));
-}
-
-Values Thing(std::int64_t id, TextView name, Value note = Null()) {
-    return {id, Text(name), id / 2.0, Date{40000.0 + static_cast<double>(id % 1000)}, std::move(note)};
-}
-
-// What the failure of `body` says; empty when it does not fail.
-template <class Body>
-std::string FailureOf(Body body) {
-    try {
-        body();
-    } catch (const Failure& failure) {
-        return failure.what();
-    }
-    return {};
-}
+using test::Thing;
+using test::Values;
 
 using Model = std::map<RowId, Values>;
 
