@@ -2,14 +2,13 @@
 // its row, and every row has its entry.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <map>
 
 #include "common/failure.h"
 #include "jet/database.h"
 #include "jet/index_key.h"
 #include "jet/index_probe.h"
-#include "platform/files.h"
+#include "jet/jet_samples.h"
 
 namespace tav::jet {
 namespace {
@@ -29,7 +28,7 @@ void CompareIndex(PageFile& file, Table& table, std::size_t number, Count& count
     std::map<RowId, std::string> expected;
     std::set<RowId> refused;
     for (auto scan = table.Rows(); !scan.AtEnd(); scan.Next()) {
-        const Table::Row row = scan.row();
+        const auto row = scan.row();
         const std::vector<Value> values = row.All();
         if (index.ignores_nulls && AllNull(index, values)) continue;
         try {
@@ -53,13 +52,11 @@ void CompareIndex(PageFile& file, Table& table, std::size_t number, Count& count
 }
 
 TEST(IndexSamples, EveryEntryIsTheKeyOfItsRow) {
-    const char* folder = std::getenv("TAV_MDB_SAMPLES");
-    if (folder == nullptr) GTEST_SKIP() << "TAV_MDB_SAMPLES names no folder of sample databases";
+    TAV_NEEDS_SAMPLES();
     Count count;
-    const Text path = WithSeparator(FromUtf8(folder));
-    for (const Text& name : ListFiles(path, u".mdb")) {
+    for (const Text& name : test::SampleDatabases()) {
         SCOPED_TRACE(ToUtf8(name));
-        Database database(path + name, Database::Access::Read);
+        Database database(test::SamplePath(ToUtf8(name)), Database::Access::Read);
         for (PageNumber page = 2; page <= 5; ++page) {
             Table table(database.file(), ReadTableDefinition(database.file(), page, u"system table"));
             for (std::size_t i = 0; i < table.definition().indexes.size(); ++i) {

@@ -34,6 +34,7 @@ class IndexTreeTest : public testing::Test {
         tree_ = std::make_unique<IndexTree>(*file_, table_, table_.indexes.at(0));
     }
 
+    static PageNumber PageIn(std::mt19937& random) { return static_cast<PageNumber>(random() % 300 + 20); }
     static std::string Entry(const std::string& key, RowId row) { return key + BigEndian(row.Word()); }
     void Add(const std::string& entry) { tree_->Add(KeyOf(entry), RowOf(entry)); }
     void Remove(const std::string& entry) { tree_->Remove(KeyOf(entry), RowOf(entry)); }
@@ -73,7 +74,7 @@ class IndexTreeTest : public testing::Test {
             const bool grow = random() % 10 < (step / (steps / 4) % 2 == 0 ? 8 : 3);
             if (grow || entries.empty()) {
                 const std::string entry =
-                    Entry(make_key(random), {random() % 300 + 20, static_cast<std::uint8_t>(random())});
+                    Entry(make_key(random), {PageIn(random), static_cast<std::uint8_t>(random())});
                 if (!entries.insert(entry).second) continue;
                 EXPECT_EQ(tree_->HasKey(KeyOf(entry)), [&] {
                     const auto at = entries.lower_bound(Entry(std::string(KeyOf(entry)), {}));
@@ -95,7 +96,9 @@ class IndexTreeTest : public testing::Test {
             const auto cursor = tree_->Seek(key);
             const auto at = entries.lower_bound(key);
             EXPECT_EQ(cursor.AtEnd(), at == entries.end());
-            if (at != entries.end()) EXPECT_EQ(Entry(std::string(cursor.key()), cursor.row()), *at);
+            if (at != entries.end()) {
+                EXPECT_EQ(Entry(std::string(cursor.key()), cursor.row()), *at);
+            }
         }
         EXPECT_EQ(Walk(tree_->First()), std::vector<std::string>(entries.begin(), entries.end()));
         while (!entries.empty()) {
@@ -183,10 +186,10 @@ TEST_F(IndexTreeTest, RefusesWhatCannotBe) {
 // Damaged trees: every operation ends, with a result or with a failure that names the file.
 TEST_F(IndexTreeTest, SurvivesFlippedBytes) {
     std::mt19937 random(9);
-    const auto key = [&] { return std::string(random() % 200, 'k') + LongKey(random() % 1000); };
+    const auto key = [&] { return std::string(random() % 900, 'k') + LongKey(random() % 1000); };
     Entries entries;
     while (entries.size() < 1500) {
-        const std::string entry = Entry(key(), {random() % 300 + 20, 0});
+        const std::string entry = Entry(key(), {PageIn(random), 0});
         if (entries.insert(entry).second) Add(entry);
     }
     const ProbedTree good = Probe();
@@ -207,7 +210,7 @@ TEST_F(IndexTreeTest, SurvivesFlippedBytes) {
         const std::function<void()> operations[] = {
             [&] { Walk(tree_->First()); }, [&] { Walk(tree_->Seek(key())); },
             [&] {
-                Add(Entry(key(), {random() % 300 + 20, 1}));
+                Add(Entry(key(), {PageIn(random), 1}));
             },
             [&] {
                 Remove(*std::next(entries.begin(), static_cast<std::ptrdiff_t>(random() % entries.size())));
