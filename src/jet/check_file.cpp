@@ -4,13 +4,12 @@
 #include <cmath>
 
 #include "jet/check_slots.h"
-#include "jet/header.h"
+#include "jet/header_mask.h"
 #include "jet/system_tables.h"
 
 namespace tav::jet::check {
 namespace {
 
-constexpr std::size_t kMaskedBegin = 0x18;
 constexpr std::size_t kPassword = 0x42;
 constexpr std::size_t kPasswordSize = 40;
 constexpr std::size_t kCreated = 0x72;

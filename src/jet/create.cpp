@@ -4,7 +4,7 @@
 
 #include "jet/definition_plan.h"
 #include "jet/definition_writer.h"
-#include "jet/header.h"
+#include "jet/header_mask.h"
 #include "jet/index_key.h"
 #include "jet/index_page.h"
 #include "jet/page_builder.h"
