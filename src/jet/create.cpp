@@ -1,14 +1,14 @@
 #include "jet/create.h"
 
 #include <algorithm>
-#include <bit>
 
 #include "jet/definition_plan.h"
 #include "jet/definition_writer.h"
 #include "jet/header_mask.h"
 #include "jet/index_key.h"
+#include "jet/index_page.h"
 #include "jet/page_builder.h"
-#include "jet/row_bytes.h"
+#include "jet/row.h"
 
 namespace tav::jet {
 namespace {
@@ -16,30 +16,31 @@ namespace {
 constexpr PageNumber kFirstTable = 2;
 constexpr PageNumber kSystemMaps = 6;
 constexpr PageNumber kMappedPages = 512;
+constexpr std::uint16_t kCodePage = 1252;
+constexpr std::uint16_t kSortOrder = 0x0409;
+
+void PutBytes(Page& page, std::size_t at, std::string_view bytes) {
+    std::ranges::copy(bytes, page.begin() + static_cast<std::ptrdiff_t>(at));
+}
 
 // The first page: what kind of file this is, the creation date, and a password field that holds none.
 Page HeaderPage() {
     Page page{};
-    std::ranges::copy(std::string_view("\0\1\0\0Standard Jet DB\0\1", 21), page.begin());
+    PutBytes(page, 0, {"\0\1\0\0Standard Jet DB\0\1", 21});
 
-    std::array<std::uint8_t, kMaskedSize> masked{};
-    PutU32(&masked[0x00], Pointer{1, 0}.Word());
-    PutU32(&masked[0x04], Pointer{1, 1}.Word());
-    for (std::uint32_t i = 0; i < kSystemTables; ++i) PutU32(&masked[0x08 + 4 * i], kFirstTable + i);
-    PutU16(&masked[0x24], 1252);
-    std::uint64_t date = 0;
-    for (std::size_t i = 0; i < 8; ++i) {
-        masked[0x5A + i] = static_cast<std::uint8_t>(kCreationDate[i]);
-        date |= std::uint64_t{masked[0x5A + i]} << 8 * i;
-    }
-    const auto day = static_cast<std::uint32_t>(std::bit_cast<double>(date));
-    for (std::size_t i = 0; i < 40; i += 4) PutU32(&masked[0x2A + i], day);
-    PutU16(&masked[0x52], kEngineBuild);
-    PutU16(&masked[0x56], 0x0409);
-    for (std::size_t i = 0; i < kMaskedSize; ++i) page[kMaskedBegin + i] = masked[i] ^ kHeaderMask[i];
+    PutU32(&page[0x18], Pointer{1, 0}.Word());
+    PutU32(&page[0x1C], Pointer{1, 1}.Word());
+    for (std::uint32_t i = 0; i < kSystemTables; ++i) PutU32(&page[0x20 + 4 * i], kFirstTable + i);
+    PutU16(&page[0x3C], kCodePage);
+    PutBytes(page, 0x72, kCreationDate);
+    const auto day = static_cast<std::uint32_t>(DoubleAt(&page[0x72]));
+    for (std::size_t i = 0x42; i < 0x6A; i += 4) PutU32(&page[i], day);
+    PutU16(&page[0x6A], kEngineBuild);
+    PutU16(&page[0x6E], kSortOrder);
+    MaskHeader(page.data());
 
     PutU16(&page[0x98], 1620);
-    std::ranges::copy(std::string_view("4.0"), page.begin() + 0x9C);
+    PutBytes(page, 0x9C, "4.0");
     for (std::size_t i = 0xE00; i < kPageSize; i += 2) PutU16(&page[i], 0x0100);
     PutU16(&page[0xE00], 0x0101);
     return page;
@@ -55,9 +56,11 @@ struct RowCollector {
     void Add(std::initializer_list<NamedValue> named) {
         std::vector<Value> values(table.columns.size());
         for (const auto& [name, value] : named) values[table.FindColumn(name).value()] = value;
-        const RowId row{page, data.Add(RowBytes(table, values))};
+        std::string record;
+        EncodeRow(table, values, record);
+        const RowId row{page, data.Add(record)};
         for (std::size_t i = 0; i < entries.size(); ++i) {
-            entries[i].push_back(LeafEntry(EncodeKey(table, table.indexes[i], values), row));
+            entries[i].push_back(EncodeKey(table, table.indexes[i], values) + BigEndian(row.Word()));
         }
         ++rows;
     }
@@ -158,11 +161,7 @@ void NewFile::AddTable(const TablePlan& plan) {
 }
 
 void NewFile::AddObject(const ObjectRow& row) {
-    std::uint64_t date = 0;
-    for (std::size_t i = 0; i < 8; ++i) {
-        date |= std::uint64_t{static_cast<std::uint8_t>(kCatalogueDate[i])} << 8 * i;
-    }
-    const Date made{std::bit_cast<double>(date)};
+    const Date made{DoubleAt(reinterpret_cast<const std::uint8_t*>(kCatalogueDate.data()))};
     rows_[kObjects].Add({{u"Id", std::int64_t{row.id}},
                          {u"ParentId", std::int64_t{row.parent}},
                          {u"Name", Text(row.name)},
@@ -199,7 +198,7 @@ void NewFile::WriteRows(RowCollector& collector) {
         std::uint32_t distinct = 0;
         std::string_view previous;
         for (const std::string& entry : entries) {
-            const std::string_view key = std::string_view(entry).substr(0, entry.size() - 4);
+            const std::string_view key = std::string_view(entry).substr(0, entry.size() - kRowIdSize);
             if (key != previous) ++distinct;
             previous = key;
         }

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "jet/definition_writer.h"
-
 namespace tav::jet {
 namespace {
 
@@ -14,14 +12,9 @@ constexpr std::uint8_t kSystemColumn = 0x10;
 constexpr std::uint8_t kMasked = 0x20;
 constexpr std::uint8_t kCompress = 0x01;
 
-bool IsFixedType(ColumnType type) {
-    return type == ColumnType::Boolean || SizeOfType(type) != 0;
-}
-
-std::uint16_t LengthOf(const ColumnPlan& column) {
-    if (column.type == ColumnType::Boolean) return 1;
-    if (IsFixedType(column.type)) return SizeOfType(column.type);
-    return static_cast<std::uint16_t>(2 * column.characters);  // 0 for memo and OLE
+bool IsVariable(ColumnType type) {
+    using enum ColumnType;
+    return type == Text || type == Binary || type == Memo || type == Ole;
 }
 
 void AddColumns(TableDefinition& table, const TablePlan& plan) {
@@ -31,16 +24,18 @@ void AddColumns(TableDefinition& table, const TablePlan& plan) {
         column.type = planned.type;
         column.number = table.column_capacity++;
         column.variable_index = table.variable_columns;
-        column.length = LengthOf(planned);
+        column.length = static_cast<std::uint16_t>(2 * planned.characters);
         column.sort_order = kGeneralSortOrder;
         column.flags = kNullable;
-        if (IsFixedType(column.type)) {
-            column.flags |= kFixed;
-            const std::uint16_t size = SizeOfType(column.type);
-            if (size != 0) column.fixed_offset = table.fixed_size;
-            table.fixed_size = static_cast<std::uint16_t>(table.fixed_size + size);
-        } else {
+        if (IsVariable(column.type)) {
             ++table.variable_columns;
+        } else {
+            column.flags |= kFixed;
+            const bool boolean = column.type == ColumnType::Boolean;
+            const std::uint16_t size = ValueSize(column);
+            column.length = boolean ? 1 : size;
+            column.fixed_offset = boolean ? 0 : table.fixed_size;
+            table.fixed_size = static_cast<std::uint16_t>(table.fixed_size + size);
         }
         table.columns.push_back(std::move(column));
     }
@@ -65,11 +60,18 @@ void AddIndexes(TableDefinition& table, const TablePlan& plan) {
                       [](const auto& a, const auto& b) { return CompareNoCase(a.name, b.name) < 0; });
 }
 
+// Once the columns have their order.
+void OrderVariableColumns(TableDefinition& table) {
+    table.variable_order.resize(table.variable_columns);
+    for (std::size_t i = 0; i < table.columns.size(); ++i) {
+        const Column& column = table.columns[i];
+        if (!column.IsFixed()) table.variable_order[column.variable_index] = i;
+    }
+}
+
 void AddLongValues(TableDefinition& table) {
     for (const Column& column : table.columns) {
-        if (column.type == ColumnType::Memo || column.type == ColumnType::Ole) {
-            table.long_values.push_back({column.number, {}, {}});
-        }
+        if (column.IsLongValue()) table.long_values.push_back({column.number, {}, {}});
     }
 }
 
@@ -80,12 +82,11 @@ TableDefinition PlanUserTable(const TablePlan& plan) {
     table.name = plan.name;
     AddColumns(table, plan);
     for (Column& column : table.columns) {
-        if (column.type == ColumnType::Text || column.type == ColumnType::Memo) {
-            column.extended_flags = kCompress;
-        }
+        if (column.IsText()) column.extended_flags = kCompress;
     }
     AddIndexes(table, plan);
     AddLongValues(table);
+    OrderVariableColumns(table);
     return table;
 }
 
@@ -108,6 +109,7 @@ TableDefinition PlanSystemTable(const SystemTablePlan& plan) {
         table.indexes[i].required = (flags & 0x08) != 0;
     }
     AddLongValues(table);
+    OrderVariableColumns(table);
     return table;
 }
 

@@ -73,28 +73,6 @@ void PutLogicalIndex(Bytes& out, const LogicalIndex& index) {
 
 }  // namespace
 
-std::uint16_t SizeOfType(ColumnType type) {
-    switch (type) {
-        case ColumnType::Byte:
-            return 1;
-        case ColumnType::Integer:
-            return 2;
-        case ColumnType::Long:
-        case ColumnType::Single:
-            return 4;
-        case ColumnType::Currency:
-        case ColumnType::Double:
-        case ColumnType::Date:
-            return 8;
-        case ColumnType::Guid:
-            return 16;
-        case ColumnType::Numeric:
-            return 17;
-        default:
-            return 0;
-    }
-}
-
 std::string DefinitionBytes(const TableDefinition& table, const DefinitionCounts& counts) {
     Bytes out;
     PutHeader(out, table, counts.rows);

@@ -13,9 +13,6 @@ struct DefinitionCounts {
     std::vector<std::uint32_t> distinct_keys;  // of each index
 };
 
-// Bytes of a value of the type; 0 for booleans and for what has no size of its own (text, memo, ...).
-std::uint16_t SizeOfType(ColumnType type);
-
 // The whole definition as one run of bytes, the header of its first page included (free field and next page
 // are 0). Pages, root pages and map pointers are written as the definition has them.
 std::string DefinitionBytes(const TableDefinition& table, const DefinitionCounts& counts);

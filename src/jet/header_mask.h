@@ -34,4 +34,9 @@ inline constexpr std::array<std::uint8_t, kMaskedSize> kHeaderMask = [] {
     return mask;
 }();
 
+// Masks or unmasks the first page.
+inline void MaskHeader(std::uint8_t* page) {
+    for (std::size_t i = 0; i < kMaskedSize; ++i) page[kMaskedBegin + i] ^= kHeaderMask[i];
+}
+
 }  // namespace tav::jet

@@ -16,12 +16,12 @@ std::vector<std::size_t> Sums(std::span<const std::string> entries) {
     return sums;
 }
 
-// The position in [0, count) for which the larger of the two sides is smallest.
+// The position in [begin, end) for which the larger of the two sides is smallest.
 template <class Left, class Right>
-std::size_t Middle(std::size_t count, Left left, Right right) {
-    std::size_t best = 0;
-    std::size_t best_size = std::max(left(0), right(0));
-    for (std::size_t cut = 1; cut < count; ++cut) {
+std::size_t Middle(std::size_t begin, std::size_t end, Left left, Right right) {
+    std::size_t best = begin;
+    std::size_t best_size = std::max(left(begin), right(begin));
+    for (std::size_t cut = begin + 1; cut < end; ++cut) {
         const std::size_t size = std::max(left(cut), right(cut));
         if (size < best_size) {
             best = cut;
@@ -41,7 +41,7 @@ std::size_t CutLeaf(std::span<const std::string> entries, bool appended) {
         return sums[end] - sums[begin] - (end - begin - 1) * CommonPrefix(entries[begin], entries[end - 1]);
     };
     return Middle(
-        count - 1, [&](std::size_t cut) { return packed(0, cut + 1); },
+        0, count - 1, [&](std::size_t cut) { return packed(0, cut + 1); },
         [&](std::size_t cut) { return packed(cut + 1, count); });
 }
 
@@ -50,7 +50,7 @@ std::size_t CutNode(std::span<const std::string> entries, bool appended) {
     if (appended) return count - 2;
     const std::vector<std::size_t> sums = Sums(entries);
     return Middle(
-        count, [&](std::size_t cut) { return sums[cut]; },
+        1, count - 1, [&](std::size_t cut) { return sums[cut]; },
         [&](std::size_t cut) { return sums[count] - sums[cut + 1]; });
 }
 

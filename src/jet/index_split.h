@@ -15,7 +15,7 @@ namespace tav::jet {
 std::size_t CutLeaf(std::span<const std::string> entries, bool appended);
 
 // The entries [0, cut) of a node go left, where the child of entry `cut` becomes the tail; the others right.
-// At least two entries.
+// At least three entries, so that both nodes keep one.
 std::size_t CutNode(std::span<const std::string> entries, bool appended);
 
 }  // namespace tav::jet

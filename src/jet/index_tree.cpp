@@ -102,7 +102,7 @@ void IndexTree::Split(Path& path, std::size_t level, const IndexPageEditor::Over
     IndexPageEditor right = Edit(path[level].page);
     CheckLinks(right);
     const std::span<const std::string> entries = all.entries;
-    if (entries.size() < 2) right.Damaged(u"an entry is too long");
+    if (entries.size() < (right.IsLeaf() ? 2 : 3)) right.Damaged(u"an entry is too long");
     const bool appended = right.Next() == 0 && all.added + 1 == entries.size();
     const std::size_t cut = right.IsLeaf() ? CutLeaf(entries, appended) : CutNode(entries, appended);
 

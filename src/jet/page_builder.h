@@ -29,7 +29,4 @@ std::string MapRecord(PageNumber first, PageNumber end);
 // The one leaf of a small index. `entries` are in byte order. A Failure when they do not fit.
 Page LeafPage(std::uint32_t owner, std::span<const std::string> entries);
 
-// A key with its row, as an entry.
-std::string LeafEntry(std::string_view key, RowId row);
-
 }  // namespace tav::jet
