@@ -11,12 +11,18 @@ namespace tav::jet {
 namespace {
 
 constexpr std::size_t kMaskSize = kEntriesAt - kMaskAt;
-constexpr std::size_t kWordBits = 64;
+constexpr std::size_t kWordShift = 6;
+constexpr std::size_t kWordBits = 1 << kWordShift;
 constexpr std::size_t kMaskWords = (kMaskSize * 8 + kWordBits - 1) / kWordBits;
 constexpr std::uint64_t kLastWord = (std::uint64_t{1} << kMaskSize * 8 % kWordBits) - 1;
 
 // The mask is read in words whose lowest bit is the first byte's.
 static_assert(std::endian::native == std::endian::little);
+
+// In the word of the mask that has the bit `place`: that bit and those below.
+std::uint64_t BitsUpTo(std::size_t place) {
+    return ~std::uint64_t{0} >> (kWordBits - 1 - place % kWordBits);
+}
 
 void Format(Page& page, PageType type, PageNumber table) {
     page.fill(0);
@@ -70,7 +76,7 @@ std::uint64_t IndexPage::MaskWord(std::size_t word) const {
 
 std::size_t IndexPage::Boundary(std::size_t place) const {
     std::size_t word = place / kWordBits;
-    std::uint64_t bits = MaskWord(word) & ~std::uint64_t{0} >> (kWordBits - 1 - place % kWordBits);
+    std::uint64_t bits = MaskWord(word) & BitsUpTo(place);
     while (bits == 0 && word > 0) bits = MaskWord(--word);
     return bits == 0 ? 0 : word * kWordBits + static_cast<std::size_t>(std::bit_width(bits)) - 1;
 }
@@ -163,18 +169,32 @@ void IndexPageEditor::SetPrefix(std::size_t prefix) {
     PutU16(to_ + 24, static_cast<std::uint16_t>(prefix));
 }
 
+void IndexPageEditor::PutMaskWord(std::size_t word, std::uint64_t bits) {
+    const std::size_t at = word * sizeof(bits);
+    std::memcpy(to_ + kMaskAt + at, &bits, std::min(sizeof(bits), kMaskSize - at));
+}
+
 void IndexPageEditor::Splice(std::size_t at, std::size_t removed, std::string_view added) {
-    std::array<std::size_t, kEntrySpace> ends;
-    std::size_t count = 0;
-    for (std::size_t end = at; end < used_;) {
-        end = Behind(end);
-        ClearEnd(end);
-        if (end > at + removed) ends[count++] = end - removed + added.size();
+    const std::size_t end = at + removed;
+    std::array<std::uint64_t, kMaskWords> moving{};
+    for (std::size_t word = end / kWordBits; word < kMaskWords; ++word) moving[word] = MaskWord(word);
+    moving[end / kWordBits] &= ~BitsUpTo(end);
+    const auto word_at = [&](std::ptrdiff_t word) {
+        const auto index = static_cast<std::size_t>(word);
+        return index < kMaskWords ? moving[index] : 0;
+    };
+    const auto moved = static_cast<std::ptrdiff_t>(removed) - static_cast<std::ptrdiff_t>(added.size());
+    const std::uint64_t kept = MaskWord(at / kWordBits) & BitsUpTo(at);
+    for (std::size_t word = at / kWordBits; word < kMaskWords; ++word) {
+        const std::ptrdiff_t from = static_cast<std::ptrdiff_t>(word * kWordBits) + moved;
+        const int shift = static_cast<int>(from & (kWordBits - 1));
+        std::uint64_t bits = word_at(from >> kWordShift) >> shift;
+        if (shift != 0) bits |= word_at((from >> kWordShift) + 1) << (static_cast<int>(kWordBits) - shift);
+        PutMaskWord(word, word == at / kWordBits ? bits | kept : bits);
     }
     std::uint8_t* here = to_ + kEntriesAt + at;
-    std::memmove(here + added.size(), here + removed, used_ - at - removed);
+    std::memmove(here + added.size(), here + removed, used_ - end);
     std::copy(added.begin(), added.end(), here);
-    std::for_each_n(ends.begin(), count, [this](std::size_t end) { SetEnd(end); });
     if (!added.empty()) SetEnd(at + added.size());
     SetUsed(used_ - removed + added.size());
 }

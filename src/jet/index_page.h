@@ -65,6 +65,7 @@ class IndexPage {
     std::string_view Stored(std::size_t begin, std::size_t end) const;
     // An entry with its prefix and, in a node, its child.
     std::string Whole(std::size_t place) const;
+    std::uint64_t MaskWord(std::size_t word) const;
     std::size_t ChildSize() const { return IsLeaf() ? 0 : kChildSize; }
 
     const std::uint8_t* bytes_;
@@ -72,7 +73,6 @@ class IndexPage {
     std::size_t prefix_ = 0;
 
  private:
-    std::uint64_t MaskWord(std::size_t word) const;
     // The highest entry end not above `place`, 0 when there is none.
     std::size_t Boundary(std::size_t place) const;
     // An entry's two parts, without the child: what the first entry shares with it, and what is stored.
@@ -120,7 +120,7 @@ class IndexPageEditor : public IndexPage {
     // those within the removed bytes go.
     void Splice(std::size_t at, std::size_t removed, std::string_view added);
     void SetEnd(std::size_t end) { to_[kMaskAt + end / 8] |= static_cast<std::uint8_t>(1 << end % 8); }
-    void ClearEnd(std::size_t end) { to_[kMaskAt + end / 8] &= static_cast<std::uint8_t>(~(1 << end % 8)); }
+    void PutMaskWord(std::size_t word, std::uint64_t bits);
     void SetUsed(std::size_t used);
     void SetPrefix(std::size_t prefix);
 
