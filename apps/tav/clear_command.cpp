@@ -1,0 +1,34 @@
+// tav clear: removes documents from the database.
+
+#include <memory>
+
+#include "commands.h"
+#include "db/clearbase.h"
+#include "settings/settings.h"
+
+namespace tav::cli {
+
+void AddClearCommand(CLI::App& app, Context& context) {
+    struct Options {
+        std::string inn;
+        std::string kpp;
+        bool all = false;
+    };
+    const auto options = std::make_shared<Options>();
+    CLI::App& clear =
+        *app.add_subcommand("clear", "Удалить из базы данных документы налогоплательщика или все");
+    AddTaxpayerOptions(clear, options->inn, options->kpp, false);
+    clear.add_flag("--all", options->all, "Документы всех налогоплательщиков");
+    AddDatabaseOption(clear, context);
+    clear.callback([options] {
+        const bool taxpayer = !options->inn.empty() && !options->kpp.empty();
+        if (taxpayer == options->all) throw WrongUsage("нужны --inn и --kpp или --all");
+        if (options->all) {
+            clearbaseAll(getbase());
+        } else {
+            clearbase(getbase(), FromUtf8(options->inn), FromUtf8(options->kpp));
+        }
+    });
+}
+
+}  // namespace tav::cli

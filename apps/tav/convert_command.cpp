@@ -1,0 +1,39 @@
+// tav convert: catalogue entries of single files, as the folder scan would make them.
+
+#include <memory>
+
+#include "commands.h"
+#include "common/guard.h"
+#include "convert/load_rtf_file.h"
+#include "convert/load_xml_file.h"
+#include "platform/environment.h"
+#include "platform/files.h"
+#include "terminal.h"
+
+namespace tav::cli {
+namespace {
+
+std::string ConvertFile(const Text& path) {
+    const Text folder = FolderOf(path);
+    const Text name = NameOf(path);
+    const TextView ending = Right(name, 3);
+    if (EqualNoCase(ending, u"rtf")) return LoadRtfFile(folder, name);
+    if (EqualNoCase(ending, u"xml")) return LoadXMLFile(folder, name);
+    throw Failure(Text(u"Не rtf и не xml: ") + path);
+}
+
+}  // namespace
+
+void AddConvertCommand(CLI::App& app, Context&) {
+    const auto files = std::make_shared<std::vector<std::string>>();
+    CLI::App& convert = *app.add_subcommand(
+        "convert", "Записи каталога для файлов rtf и xml — на стандартный вывод (Windows-1251)");
+    convert.add_option("FILE", *files, "Документы")->required();
+    convert.callback([files] {
+        for (const std::string& file : *files) {
+            Guarded(u"Преобразование", [&] { Print(ConvertFile(PathArgument(file))); });
+        }
+    });
+}
+
+}  // namespace tav::cli

@@ -1,0 +1,139 @@
+// tav db: create, check, dump.
+
+#include <nlohmann/json.hpp>
+
+#include "commands.h"
+#include "common/guard.h"
+#include "common/regional.h"
+#include "db/empty_database.h"
+#include "jet/checker.h"
+#include "jet/database.h"
+#include "settings/settings.h"
+#include "terminal.h"
+
+namespace tav::cli {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string IsoDate(Date date) {
+    const CivilDate day = CivilFromDate(date);
+    Text text = Digits(day.year, 4) + u"-" + Digits(day.month, 2) + u"-" + Digits(day.day, 2);
+    const ClockTime time = TimeFromDate(date);
+    if (time.hour != 0 || time.minute != 0 || time.second != 0) {
+        text += u" " + Digits(time.hour, 2) + u":" + Digits(time.minute, 2) + u":" + Digits(time.second, 2);
+    }
+    return ToUtf8(text);
+}
+
+std::string HexDigits(const std::string& bytes) {
+    constexpr std::string_view kDigits = "0123456789abcdef";
+    std::string out;
+    for (const char c : bytes) {
+        const auto byte = static_cast<unsigned char>(c);
+        out += {kDigits[byte >> 4], kDigits[byte & 15U]};
+    }
+    return out;
+}
+
+Json JsonOf(const Value& value) {
+    struct Converter {
+        Json operator()(const Null&) const { return nullptr; }
+        Json operator()(bool flag) const { return flag; }
+        Json operator()(std::int64_t number) const { return number; }
+        Json operator()(double number) const { return number; }
+        Json operator()(const Money& money) const {
+            return static_cast<double>(money.ten_thousandths) / 10000;
+        }
+        Json operator()(const Date& date) const { return IsoDate(date); }
+        Json operator()(const Text& text) const { return ToUtf8(text); }
+        Json operator()(const Binary& binary) const { return HexDigits(binary.bytes); }
+    };
+    return std::visit(Converter(), value);
+}
+
+std::string Dumped(const Json& json) {
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+void DumpTable(jet::Table& table, bool first) {
+    std::string out = first ? "\n" : ",\n";
+    out += Dumped(ToUtf8(table.definition().name)) + ": [";
+    std::vector<std::string> names;
+    for (const jet::Column& column : table.definition().columns)
+        names.push_back(ToUtf8(LowerCase(column.name)));
+    const char* separator = "\n";
+    for (auto rows = table.Rows(); !rows.AtEnd(); rows.Next()) {
+        Json row = Json::object();
+        const std::vector<Value> values = rows.row().All();
+        for (std::size_t i = 0; i < values.size(); ++i) row[names[i]] = JsonOf(values[i]);
+        out.append(separator).append(Dumped(row));
+        separator = ",\n";
+        if (out.size() > 1 << 16) {
+            Print(out);
+            out.clear();
+        }
+    }
+    Print(out + "]");
+}
+
+void Dump() {
+    Guarded(u"Содержимое базы данных", [] {
+        jet::Database database(getbase(), jet::Database::Access::Read);
+        Print("{");
+        bool first = true;
+        for (const jet::TableEntry& entry : database.Tables()) {
+            DumpTable(*database.FindTable(entry.name), first);
+            first = false;
+        }
+        Print("\n}\n");
+    });
+}
+
+void Check() {
+    constexpr TextView kTitle = u"Проверка базы данных";
+    Guarded(kTitle, [&] {
+        const Text path = getbase();
+        int errors = 0;
+        for (const jet::Finding& finding : jet::CheckDatabase(path)) {
+            errors += finding.error ? 1 : 0;
+            PrintLine(Text(finding.error ? u"error " : u"note ") + Digits(finding.invariant) + u": " +
+                      finding.text);
+        }
+        if (errors == 0) {
+            PrintLine(u"Ошибок нет: " + path);
+        } else {
+            ShowMessage(kTitle, u"Нарушений: " + Digits(errors) + u" (" + path + u")");
+        }
+    });
+}
+
+void Create() {
+    Guarded(u"Создание базы данных", [] {
+        CreateDatabase(getbase());
+        PrintLine(getbase());
+    });
+}
+
+}  // namespace
+
+void AddDatabaseCommand(CLI::App& app, Context& context) {
+    CLI::App& db = *app.add_subcommand("db", "Файл базы данных: создать, проверить, показать содержимое");
+    db.require_subcommand(1);
+    struct Action {
+        const char* name;
+        const char* help;
+        void (*run)();
+    };
+    for (const Action& action :
+         {Action{"create", "Создать пустую базу с четырьмя таблицами (существующий файл не заменяется)",
+                 Create},
+          Action{"check", "Проверить строение файла; найденное — на стандартный вывод", Check},
+          Action{"dump", "Все таблицы в виде JSON", Dump}}) {
+        CLI::App& command = *db.add_subcommand(action.name, action.help);
+        AddDatabaseOption(command, context);
+        command.callback(action.run);
+    }
+}
+
+}  // namespace tav::cli

@@ -1,0 +1,116 @@
+// tav import, scan, load: from a folder of documents to the database.
+
+#include <memory>
+
+#include "commands.h"
+#include "common/guard.h"
+#include "convert/check_xml.h"
+#include "db/constr_tab_type_oper.h"
+#include "host/import.h"
+#include "platform/environment.h"
+#include "platform/files.h"
+#include "settings/session.h"
+#include "settings/settings.h"
+#include "terminal.h"
+
+namespace tav::cli {
+namespace {
+
+struct ImportOptions {
+    std::string inn;
+    std::string kpp;
+    std::string folder;
+    std::string move_to;
+};
+
+// Runs `action` under a progress bar, with Ctrl-C as its cancel button.
+template <class Action>
+void WithProgress(Context& context, Action action) {
+    TerminalProgress progress;
+    const ScopedProgress scope(progress);
+    const InterruptWatch watch;
+    action();
+    context.cancelled = InterruptWatch::Interrupted();
+    if (context.cancelled) ShowMessage(u"Импорт", u"Прервано пользователем.", MessageIcon::Information);
+}
+
+void PrintLoad(const LoadResult& load) {
+    if (load.documents == 0) {
+        PrintLine(u"Новых документов нет.");
+    } else {
+        PrintLine(u"Загружено документов: " + Digits(load.documents) + u", файлов: " + Digits(load.files));
+    }
+    if (load.moved > 0) PrintLine(u"Перенесено файлов: " + Digits(load.moved));
+}
+
+// A folder that has to be there: named in the message when it is not.
+Text ExistingFolder(const Text& folder) {
+    if (!FolderExists(folder)) throw Failure(RunTimeError::PathNotFound, folder);
+    return folder;
+}
+
+void Import(Context& context, const ImportOptions& options) {
+    if (options.folder.empty() && SettingText(u"ImportPath").empty()) {
+        throw WrongUsage("не задана папка документов: --folder DIR или параметр ImportPath");
+    }
+    Guarded(u"Ошибка в функции import", [&] {
+        ImportFolders folders = FoldersOfSettings();
+        if (!options.folder.empty()) folders.import = PathArgument(options.folder);
+        if (!options.move_to.empty()) folders.move_to = PathArgument(options.move_to);
+        ExistingFolder(folders.import);
+        WithProgress(context, [&] {
+            const ImportResult result = RunImport(folders, FromUtf8(options.inn), FromUtf8(options.kpp));
+            if (result.outcome == ImportOutcome::Done) PrintLoad(result.load);
+        });
+    });
+}
+
+void Scan(Context& context, const std::string& folder) {
+    Guarded(u"Ошибка в функции CheckXml", [&] {
+        const Text path = ExistingFolder(PathArgument(folder));
+        WithProgress(context, [&] {
+            const Text catalogue = CheckXml(path);
+            if (!catalogue.empty()) PrintLine(catalogue);
+        });
+    });
+}
+
+void Load(Context& context, const std::string& catalogue, const ImportOptions& options) {
+    WithProgress(context, [&] {
+        const Text move_to = options.move_to.empty() ? Text() : PathArgument(options.move_to);
+        PrintLoad(LoadFromXml(PathArgument(catalogue), getbase(), FromUtf8(options.inn),
+                              FromUtf8(options.kpp), move_to));
+        ConstrTabTypeOper(getbase());
+    });
+}
+
+}  // namespace
+
+void AddImportCommands(CLI::App& app, Context& context) {
+    const auto options = std::make_shared<ImportOptions>();
+    const auto place = std::make_shared<std::string>();
+
+    CLI::App& import_command =
+        *app.add_subcommand("import", "Прочитать папку документов и загрузить новые в базу данных");
+    AddTaxpayerOptions(import_command, options->inn, options->kpp, true);
+    import_command.add_option("--folder", options->folder, "Папка документов (вместо ImportPath)")
+        ->type_name("DIR");
+    import_command.add_option("--move-to", options->move_to, "Куда перенести загруженные (вместо OutPath)")
+        ->type_name("DIR");
+    AddDatabaseOption(import_command, context);
+    import_command.callback([&context, options] { Import(context, *options); });
+
+    CLI::App& scan = *app.add_subcommand(
+        "scan", "Только прочитать папку: обновить её listfiles.xml и показать путь к нему");
+    scan.add_option("DIR", *place, "Папка документов")->required();
+    scan.callback([&context, place] { Scan(context, *place); });
+
+    CLI::App& load = *app.add_subcommand("load", "Только загрузить listfiles.xml в базу данных");
+    load.add_option("CATALOGUE", *place, "Путь к listfiles.xml")->required();
+    AddTaxpayerOptions(load, options->inn, options->kpp, true);
+    load.add_option("--move-to", options->move_to, "Куда перенести загруженные документы")->type_name("DIR");
+    AddDatabaseOption(load, context);
+    load.callback([&context, options, place] { Load(context, *place, *options); });
+}
+
+}  // namespace tav::cli

@@ -1,0 +1,79 @@
+// tav list: what the database holds.
+
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "commands.h"
+#include "common/guard.h"
+#include "common/regional.h"
+#include "db/holdings.h"
+#include "settings/settings.h"
+#include "terminal.h"
+
+namespace tav::cli {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct ListOptions {
+    std::string inn;
+    std::string kpp;
+    bool json = false;
+};
+
+Json JsonOf(const HeldDocument& document) {
+    return {{"id", document.id},
+            {"kind", document.act ? "act" : "statement"},
+            {"current", document.current},
+            {"filename", ToUtf8(document.file_name)},
+            {"inn", ToUtf8(document.inn)},
+            {"kpp", ToUtf8(document.kpp)},
+            {"name", ToUtf8(document.name)},
+            {"kbk", ToUtf8(document.code)},
+            {"tax", ToUtf8(document.tax)},
+            {"okato", ToUtf8(document.okato)},
+            {"begin", ToUtf8(ValueText(document.begin))},
+            {"end", ToUtf8(ValueText(document.end))}};
+}
+
+void PrintJson(const std::vector<HeldDocument>& documents, const HoldingCounts& counts) {
+    Json list = Json::array();
+    for (const HeldDocument& document : documents) list.push_back(JsonOf(document));
+    const Json whole = {{"statements", counts.statements},
+                        {"acts", counts.acts},
+                        {"alone", counts.alone},
+                        {"documents", list}};
+    Print(whole.dump(1, ' ', false, Json::error_handler_t::replace) + "\n");
+}
+
+void PrintText(const std::vector<HeldDocument>& documents, const HoldingCounts& counts) {
+    for (const HeldDocument& document : documents) {
+        const Text period = ValueText(document.begin) + u" - " + ValueText(document.end);
+        PrintLine(Digits(document.id) + u"   " + document.code + u"   " + document.okato + u"   " + period +
+                  u"   " + document.tax + (document.act ? u"   Акт" : u"   Выписка"));
+    }
+    PrintLine(u"Выписок в базе данных: " + Digits(counts.statements));
+    PrintLine(u"Актов в базе данных: " + Digits(counts.acts));
+    PrintLine(u"Не перекрываются интервалами: " + Digits(counts.alone));
+}
+
+void List(const ListOptions& options) {
+    Guarded(u"Документы в базе данных", [&] {
+        const std::vector<HeldDocument> documents =
+            HeldDocuments(getbase(), FromUtf8(options.inn), FromUtf8(options.kpp));
+        (options.json ? PrintJson : PrintText)(documents, CountHoldings(documents));
+    });
+}
+
+}  // namespace
+
+void AddListCommand(CLI::App& app, Context& context) {
+    const auto options = std::make_shared<ListOptions>();
+    CLI::App& list = *app.add_subcommand("list", "Документы в базе данных и их количества");
+    AddTaxpayerOptions(list, options->inn, options->kpp, false);
+    list.add_flag("--json", options->json, "В виде JSON");
+    AddDatabaseOption(list, context);
+    list.callback([options] { List(*options); });
+}
+
+}  // namespace tav::cli

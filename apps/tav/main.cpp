@@ -1,0 +1,69 @@
+// tav: the component for people without a host, and the way everything is tried from outside.
+//
+// Exit status 0: done; 1: a failure message was shown; 2: wrong usage; 130: cancelled by Ctrl-C.
+
+#include <cstdio>
+
+#include "commands.h"
+#include "common/guard.h"
+#include "platform/files.h"
+#include "settings/settings.h"
+#include "terminal.h"
+
+namespace tav::cli {
+
+void AddDatabaseOption(CLI::App& command, Context& context) {
+    command
+        .add_option("--database", context.database,
+                    "Файл базы данных (вместо PlX_Base.mdb в папке DataBasePath)")
+        ->type_name("FILE")
+        ->each([](const std::string& path) { UseDatabase(PathArgument(path)); });
+}
+
+void AddTaxpayerOptions(CLI::App& command, std::string& inn, std::string& kpp, bool required) {
+    command.add_option("--inn", inn, "ИНН налогоплательщика")->type_name("INN")->required(required);
+    command.add_option("--kpp", kpp, "КПП налогоплательщика; двадцать нулей — все подразделения")
+        ->type_name("KPP")
+        ->required(required);
+}
+
+Text PathArgument(const std::string& typed) {
+    return UserPath(FromUtf8(typed));
+}
+
+namespace {
+
+int Run(int argc, char** argv) {
+    CLI::App app("Импорт актов сверки и выписок операций, полученных из ТАВ, в базу данных и справки по ним",
+                 "tav");
+    app.require_subcommand(1);
+    Context context;
+    AddDatabaseCommand(app, context);
+    AddSettingsCommand(app, context);
+    AddImportCommands(app, context);
+    AddConvertCommand(app, context);
+    AddListCommand(app, context);
+    AddReportCommand(app, context);
+    AddClearCommand(app, context);
+
+    TerminalBox box;
+    const ScopedMessageBox scope(box);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        if (error.get_exit_code() == 0) return app.exit(error);
+        std::fprintf(stderr, "tav: %s\nПодробнее: tav --help\n", error.what());
+        return 2;
+    } catch (...) {
+        ShowFailure(u"tav", CurrentFailure());
+    }
+    if (context.cancelled) return 130;
+    return box.failed() ? 1 : 0;
+}
+
+}  // namespace
+}  // namespace tav::cli
+
+int main(int argc, char** argv) {
+    return tav::cli::Run(argc, argv);
+}

@@ -1,0 +1,88 @@
+#include "db/holdings.h"
+
+#include <algorithm>
+#include <limits>
+#include <map>
+#include <tuple>
+
+#include "common/regional.h"
+#include "db/connection.h"
+
+namespace tav {
+namespace {
+
+// A missing end leaves the period open on that side.
+double SerialOr(const Value& value, double missing) {
+    const Date* date = std::get_if<Date>(&value);
+    return date == nullptr ? missing : date->serial;
+}
+
+struct Period {
+    double begin = 0;
+    double end = 0;
+};
+
+// Periods sorted by begin: one is alone when it begins behind every end before it and ends before the next
+// begin.
+int CountAlone(std::vector<Period> periods) {
+    std::sort(periods.begin(), periods.end(),
+              [](const Period& a, const Period& b) { return a.begin < b.begin; });
+    int alone = 0;
+    double latest_end = -std::numeric_limits<double>::infinity();
+    for (std::size_t i = 0; i < periods.size(); ++i) {
+        const bool behind = i == 0 || periods[i].begin > latest_end;
+        const bool before = i + 1 == periods.size() || periods[i].end < periods[i + 1].begin;
+        if (behind && before) ++alone;
+        latest_end = std::max(latest_end, periods[i].end);
+    }
+    return alone;
+}
+
+}  // namespace
+
+std::vector<HeldDocument> HeldDocuments(TextView database, TextView inn, TextView kpp) {
+    SqlText sql(
+        u"select id, filename, vid, perb, pere, h1, h2, h3, h6, h7, h8, h10 from tav_operations_header");
+    if (!inn.empty()) sql.Fixed(u" where h1='").Value(inn).Fixed(u"'");
+    if (!kpp.empty()) sql.Fixed(inn.empty() ? u" where h2='" : u" and h2='").Value(kpp).Fixed(u"'");
+    sql.Fixed(u" order by h7, h10, perb");
+
+    Connection connection;
+    connection.CursorLocation = 3;
+    connection.OpenForReading(ConnectionString(database));
+    std::vector<HeldDocument> documents;
+    for (Recordset rows = connection.Execute(sql); !rows.Eof(); rows.MoveNext()) {
+        const auto text = [&](TextView field) { return ValueText(rows.Field(field)); };
+        HeldDocument document;
+        const auto* id = std::get_if<std::int64_t>(&rows.Field(u"id"));
+        document.id = id == nullptr ? 0 : *id;
+        document.file_name = text(u"filename");
+        document.inn = text(u"h1");
+        document.kpp = text(u"h2");
+        document.name = text(u"h3");
+        document.code = text(u"h7");
+        document.tax = text(u"h8");
+        document.okato = text(u"h10");
+        document.begin = rows.Field(u"perb");
+        document.end = rows.Field(u"pere");
+        document.act = IsNull(rows.Field(u"h6"));
+        document.current = !IsNull(rows.Field(u"vid"));
+        documents.push_back(std::move(document));
+    }
+    return documents;
+}
+
+HoldingCounts CountHoldings(const std::vector<HeldDocument>& documents) {
+    HoldingCounts counts;
+    std::map<std::tuple<bool, TextView, TextView, TextView, TextView>, std::vector<Period>> series;
+    for (const HeldDocument& document : documents) {
+        ++(document.act ? counts.acts : counts.statements);
+        constexpr double kEver = std::numeric_limits<double>::infinity();
+        series[{document.act, document.inn, document.kpp, document.code, document.okato}].push_back(
+            {SerialOr(document.begin, -kEver), SerialOr(document.end, kEver)});
+    }
+    for (const auto& [key, periods] : series) counts.alone += CountAlone(periods);
+    return counts;
+}
+
+}  // namespace tav

@@ -1,0 +1,38 @@
+// What the database holds: its documents, one per header row, and the counts that are shown of them.
+#pragma once
+
+#include <vector>
+
+#include "common/text.h"
+#include "common/value.h"
+
+namespace tav {
+
+struct HeldDocument {
+    std::int64_t id = 0;
+    Text file_name;
+    Text inn;
+    Text kpp;
+    Text name;
+    Text code;  // budget classification code
+    Text tax;
+    Text okato;
+    Value begin;  // Date or Null
+    Value end;
+    bool act = false;      // else a statement
+    bool current = false;  // a statement that no later one has superseded
+};
+
+// Ordered by code, OKATO and begin. An empty INN means every taxpayer, an empty KPP every subdivision.
+// Failures are thrown.
+std::vector<HeldDocument> HeldDocuments(TextView database, TextView inn, TextView kpp);
+
+struct HoldingCounts {
+    int statements = 0;
+    int acts = 0;
+    // Documents whose period shares no day with another document of the same kind, taxpayer, code and OKATO.
+    int alone = 0;
+};
+HoldingCounts CountHoldings(const std::vector<HeldDocument>& documents);
+
+}  // namespace tav

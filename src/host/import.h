@@ -1,0 +1,35 @@
+// One unattended import, from a folder of documents to the database.
+#pragma once
+
+#include "common/text.h"
+#include "db/load_from_xml.h"
+
+namespace tav {
+
+struct ImportFolders {
+    Text import;   // scanned; empty: there is nothing to import
+    Text move_to;  // loaded documents are moved there; empty: they stay
+};
+
+// The folders as the settings have them: ImportPath, and OutPath when ChkOut is true (TEMP when OutPath is
+// empty; without either, a Failure: documents are never moved to a place nobody named).
+ImportFolders FoldersOfSettings();
+
+enum class ImportOutcome {
+    Nothing,  // no folder, a second import while one runs, or one asked for in the very second of the last
+              // cancel
+    NoCatalogue,  // no document in the folder, or a failure that was shown
+    Cancelled,
+    Done
+};
+
+struct ImportResult {
+    ImportOutcome outcome = ImportOutcome::Nothing;
+    LoadResult load;
+};
+
+// Scans the folder, loads the catalogue for the taxpayer, numbers the new operation types. What fails is
+// shown by the procedures themselves.
+ImportResult RunImport(const ImportFolders& folders, TextView inn, TextView kpp);
+
+}  // namespace tav

@@ -1,0 +1,306 @@
+// The program from outside: what a person or a script sees.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <nlohmann/json.hpp>
+#include <thread>
+
+#include "platform/files.h"
+#include "samples/generator.h"
+#include "support/process.h"
+#include "support/support.h"
+
+namespace tav {
+namespace {
+
+using test::Outcome;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using Json = nlohmann::json;
+
+const std::string kInn = ToUtf8(samples::SampleTaxpayer().inn);
+const std::string kKpp = ToUtf8(samples::SampleTaxpayer().kpp);
+
+class Cli : public ::testing::Test {
+ protected:
+    Outcome Tav(const std::vector<std::string>& arguments, const std::function<void()>& in_child = {}) const {
+        return test::RunProgram("tav", arguments, in_child);
+    }
+    std::string Path(TextView name) const { return ToUtf8(folder_ / name); }
+    std::string Database() const { return Path(u"PlX_Base.mdb"); }
+    std::vector<std::string> ImportArguments() const {
+        return {"import", "--inn", kInn, "--kpp", kKpp, "--folder", Path(u"in"), "--database", Database()};
+    }
+    Outcome Import() const { return Tav(ImportArguments()); }
+    void Create() const { ASSERT_EQ(Tav({"db", "create", "--database", Database()}).status, 0); }
+    Json Dump() const { return Json::parse(Tav({"db", "dump", "--database", Database()}).out); }
+    void ExpectWhole() const {
+        const Outcome check = Tav({"db", "check", "--database", Database()});
+        EXPECT_EQ(check.status, 0) << check.out << check.err;
+    }
+    // The dump without what depends on the day.
+    Json Content() const {
+        Json dump = Dump();
+        for (Json& row : dump["tav_operations_type"]) row.erase("add_date");
+        return dump;
+    }
+
+    const test::OwnSettings settings_;
+    const test::TempFolder folder_;
+};
+
+TEST_F(Cli, WrongUsageIsTwoAndSaysWhy) {
+    for (const std::vector<std::string>& arguments :
+         std::vector<std::vector<std::string>>{{},
+                                               {"nonsense"},
+                                               {"db"},
+                                               {"clear"},
+                                               {"clear", "--inn", "1"},
+                                               {"clear", "--all", "--inn", "1", "--kpp", "2"},
+                                               {"import", "--inn", "1"},
+                                               {"import", "--inn", "1", "--kpp", "2"},
+                                               {"report", "statement", "x"},
+                                               {"settings", "get", "Nothing"},
+                                               {"convert"}}) {
+        const Outcome outcome = Tav(arguments);
+        EXPECT_EQ(outcome.status, 2) << outcome.err;
+        EXPECT_THAT(outcome.err, HasSubstr("tav: "));
+        EXPECT_THAT(outcome.out, IsEmpty());
+    }
+    for (const char* command :
+         {"db", "settings", "import", "scan", "load", "convert", "list", "report", "clear"}) {
+        const Outcome help = Tav({command, "--help"});
+        EXPECT_EQ(help.status, 0);
+        EXPECT_THAT(help.out, HasSubstr("--help"));
+    }
+}
+
+TEST_F(Cli, SettingsAreKept) {
+    EXPECT_EQ(Tav({"settings", "set", "ImportPath", "/a b/в"}).status, 0);
+    EXPECT_EQ(Tav({"settings", "get", "importpath"}).out, "/a b/в\n");
+    EXPECT_THAT(Tav({"settings"}).out, HasSubstr("ImportPath = /a b/в\n"));
+}
+
+TEST_F(Cli, AFolderBecomesADatabaseAndAReport) {
+    samples::SampleFolder(folder_ / u"in/");
+    Create();
+    EXPECT_EQ(Tav({"db", "create", "--database", Database()}).status, 1);  // never over an existing one
+    const Outcome first = Import();
+    EXPECT_EQ(first.status, 0) << first.err;
+    EXPECT_THAT(first.out, HasSubstr("Загружено документов: "));
+    ExpectWhole();
+    const Json before = Dump();
+    const Outcome second = Import();
+    EXPECT_EQ(second.status, 0) << second.err;
+    EXPECT_EQ(second.out, "Новых документов нет.\n");
+    EXPECT_EQ(Dump(), before);
+
+    const Json list = Json::parse(Tav({"list", "--inn", kInn, "--json", "--database", Database()}).out);
+    EXPECT_EQ(list["documents"].size(),
+              list["statements"].get<std::size_t>() + list["acts"].get<std::size_t>());
+    EXPECT_GT(list["statements"], 3);
+    EXPECT_GT(list["acts"], 0);
+    std::string statement;
+    for (const Json& document : list["documents"]) {
+        if (document["kind"] == "statement") statement = std::to_string(document["id"].get<int>());
+    }
+    const Outcome report =
+        Tav({"report", "statement", statement, "--to", Path(u"out"), "--database", Database()});
+    EXPECT_EQ(report.out, Path(u"out/vipis.doc") + "\n") << report.err;
+    EXPECT_EQ(Tav({"report", "statement", "30000", "--to", Path(u"out"), "--database", Database()}).status,
+              1);
+
+    EXPECT_EQ(Tav({"clear", "--all", "--database", Database()}).status, 0);
+    EXPECT_TRUE(Dump()["tav_operations"].empty());
+    EXPECT_FALSE(Dump()["tav_operations_type"].empty());
+    ExpectWhole();
+}
+
+TEST_F(Cli, IndependentReadersSeeTheSame) {
+    if (!test::HasProgram("mdb-count")) GTEST_SKIP() << "mdbtools is not installed";
+    samples::SampleFolder(folder_ / u"in/");
+    Create();
+    ASSERT_EQ(Import().status, 0);
+    const Json dump = Dump();
+    for (const auto& [table, rows] : dump.items()) {
+        EXPECT_EQ(test::RunProgram("mdb-count", {Database(), table}).out, std::to_string(rows.size()) + "\n");
+    }
+    const std::string exported = test::RunProgram("mdb-export", {"-H", "-d", "|", "-Q", "-D", "%Y-%m-%d",
+                                                                 Database(), "tav_operations"})
+                                     .out;
+    std::string expected;
+    for (const Json& row : dump["tav_operations"]) {
+        for (const char* column : {"id", "p1", "p2", "p3", "p4", "p5", "p6", "p7", "p8", "p9", "p10", "p11",
+                                   "p12", "p13", "p14", "tid"}) {
+            const Json& value = row[column];
+            if (value.is_string()) {
+                expected += value.get<std::string>();
+            } else if (value.is_number_float()) {
+                char text[64];
+                std::snprintf(text, sizeof text, "%.15g", value.get<double>());
+                expected += text;
+            } else if (value.is_number()) {
+                expected += value.dump();
+            }
+            expected += column == std::string("tid") ? "\n" : "|";
+        }
+    }
+    EXPECT_EQ(exported, expected);
+}
+
+TEST_F(Cli, LoadedFilesAreMoved) {
+    samples::SampleFolder(folder_ / u"in/");
+    Create();
+    std::vector<std::string> arguments = ImportArguments();
+    arguments.insert(arguments.end(), {"--move-to", Path(u"loaded")});
+    EXPECT_EQ(Tav(arguments).status, 0);
+    const std::size_t documents = Dump()["tav_operations_header"].size();
+    EXPECT_GE(ListFiles(folder_ / u"loaded", u".rtf").size(), 1u);
+    EXPECT_LE(ListFiles(folder_ / u"loaded", u".rtf").size(), documents + 2);
+    // Another taxpayer's document stays.
+    EXPECT_FALSE(ListFiles(folder_ / u"in", u".rtf").empty());
+}
+
+TEST_F(Cli, NamesOfEveryKind) {
+    const samples::Document sample = samples::MakeStatement({});
+    for (const TextView name :
+         {u"a & b < c.rtf", u"\"quoted\".rtf", u"с пробелом №1.RTF", u"...rtf", u"it's.rtf"}) {
+        folder_.Write(u"x", "");
+        MakeFolders(folder_ / u"in/x");
+        samples::WriteDocument(folder_ / u"in/", {Text(name), sample.bytes, sample.parts});
+    }
+    WriteFileWhole(folder_ / u"in/" + FromUtf8("\xFF\xFE.rtf"), sample.bytes);
+    Create();
+    const Outcome outcome = Import();
+    EXPECT_NE(outcome.err, "");  // names what cannot be taken
+    ExpectWhole();
+    EXPECT_EQ(ListFiles(folder_ / u"in", u".rtf").size(), 6u);
+}
+
+struct BadDatabase {
+    const char* name;
+    std::string bytes;
+};
+
+TEST_F(Cli, DatabasesThatCannotBeUsed) {
+    samples::SampleFolder(folder_ / u"in/");
+    Create();
+    const std::string good = ReadFile(folder_ / u"PlX_Base.mdb");
+    std::string jet3 = good;
+    jet3[0x14] = 0;
+    std::string encrypted = good;
+    encrypted[0x3E] = static_cast<char>(encrypted[0x3E] ^ 0x55);
+    std::string damaged = good;
+    std::fill(damaged.begin() + 2 * 4096, damaged.begin() + 3 * 4096, '\x5A');
+    for (const BadDatabase& bad :
+         {BadDatabase{"empty", ""}, BadDatabase{"text", "not a database"},
+          BadDatabase{"half", good.substr(0, good.size() / 2 + 100)}, BadDatabase{"jet3", jet3},
+          BadDatabase{"encrypted", encrypted}, BadDatabase{"damaged", damaged}}) {
+        WriteFileWhole(folder_ / u"PlX_Base.mdb", bad.bytes);
+        const Outcome outcome = Import();
+        EXPECT_EQ(outcome.status, 1) << bad.name;
+        EXPECT_THAT(outcome.err, HasSubstr("PlX_Base.mdb")) << bad.name;
+        EXPECT_EQ(ReadFile(folder_ / u"PlX_Base.mdb"), bad.bytes) << bad.name;
+        EXPECT_EQ(Tav({"db", "check", "--database", Database()}).status, 1) << bad.name;
+    }
+    DeleteFile(folder_ / u"PlX_Base.mdb");
+    const Outcome missing = Import();
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_THAT(missing.err, HasSubstr("PlX_Base.mdb"));
+    EXPECT_FALSE(FileExists(folder_ / u"PlX_Base.mdb"));
+}
+
+TEST_F(Cli, ADatabaseInUseIsLeftAlone) {
+    samples::SampleFolder(folder_ / u"in/");
+    Create();
+    const std::string before = ReadFile(folder_ / u"PlX_Base.mdb");
+    {
+        const LockedFile holder(folder_ / u"PlX_Base.mdb", LockedFile::Access::Read);
+        const Outcome outcome = Import();
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_THAT(outcome.err, HasSubstr("already in use"));
+        EXPECT_EQ(Tav({"db", "dump", "--database", Database()}).status, 0);  // readers share it
+    }
+    EXPECT_EQ(ReadFile(folder_ / u"PlX_Base.mdb"), before);
+    EXPECT_EQ(Import().status, 0);
+}
+
+TEST_F(Cli, AFullDiskLosesNothing) {
+    samples::SampleFolder(folder_ / u"in/");
+    Create();
+    const auto size = static_cast<rlim_t>(ReadFile(folder_ / u"PlX_Base.mdb").size());
+    for (const rlim_t room : {rlim_t{0}, rlim_t{8192}, rlim_t{40000}}) {
+        const Outcome outcome = Tav(ImportArguments(), [&] {
+            ::signal(SIGXFSZ, SIG_IGN);
+            const rlimit limit{size + room, size + room};
+            ::setrlimit(RLIMIT_FSIZE, &limit);
+        });
+        EXPECT_EQ(outcome.status, 1) << room;
+        ExpectWhole();
+    }
+    EXPECT_EQ(Import().status, 0);
+    const Json interrupted = Content();
+    DeleteFile(folder_ / u"PlX_Base.mdb");
+    DeleteFile(folder_ / u"in/listfiles.xml");
+    Create();
+    EXPECT_EQ(Import().status, 0);
+    EXPECT_EQ(Content(), interrupted);
+}
+
+TEST_F(Cli, AKillAtAnyMomentLosesNothing) {
+    samples::ManyFiles(folder_ / u"in/", 60);
+    Create();
+    ASSERT_EQ(Import().status, 0);
+    const Json whole = Content();
+    for (int kill = 1; kill <= 12; ++kill) {
+        DeleteFile(folder_ / u"PlX_Base.mdb");
+        if (kill % 2 == 0) DeleteFile(folder_ / u"in/listfiles.xml");
+        Create();
+        test::Process import(std::string(TAV_BINARY_DIR) + "/tav", ImportArguments());
+        std::this_thread::sleep_for(std::chrono::milliseconds(4 * kill));
+        import.Signal(SIGKILL);
+        import.Wait();
+        ExpectWhole();
+        ASSERT_EQ(Import().status, 0);
+        ExpectWhole();
+        EXPECT_EQ(Content(), whole) << kill;
+    }
+}
+
+TEST_F(Cli, CtrlCCancels) {
+    samples::ManyFiles(folder_ / u"in/", 3000);
+    Create();
+    test::Process import(std::string(TAV_BINARY_DIR) + "/tav", ImportArguments());
+    std::this_thread::sleep_for(std::chrono::milliseconds(60));
+    import.Signal(SIGINT);
+    const Outcome outcome = import.Wait();
+    EXPECT_EQ(outcome.status, 130);
+    EXPECT_THAT(outcome.err, HasSubstr("Прервано"));
+    ExpectWhole();
+}
+
+TEST_F(Cli, ConvertNamesWhatItCannotRead) {
+    samples::ActOptions options;
+    const samples::Document act = samples::MakeActXml(options);
+    folder_.Write(u"act.xml", act.bytes);
+    EXPECT_EQ(Tav({"convert", Path(u"act.xml")}).status, 0);
+    folder_.Write(u"broken.xml", "<a>");
+    folder_.Write(u"dtd.xml", "<!DOCTYPE a [<!ENTITY e 'x'>]><a>&e;</a>");
+    folder_.Write(u"other.xml", "<a/>");
+    folder_.Write(u"x.txt", "");
+    for (const TextView name : {u"broken.xml", u"dtd.xml", u"other.xml", u"x.txt", u"none.rtf"}) {
+        const Outcome outcome = Tav({"convert", Path(name)});
+        EXPECT_EQ(outcome.status, 1) << ToUtf8(name);
+        EXPECT_THAT(outcome.err, HasSubstr(ToUtf8(name)));
+    }
+}
+
+}  // namespace
+}  // namespace tav
