@@ -17,7 +17,7 @@ constexpr int kNameX = 1602;
 constexpr int kValueX = 5457;
 constexpr int kPayerX = 8157;
 constexpr int kHeaderLine = 270;
-constexpr int kRowHeight = 250;
+constexpr int kRowHeight = 220;
 
 struct Block {
     const char16_t* title;
@@ -86,7 +86,7 @@ class ActPrinter {
         };
         for (const std::vector<Text>& frame : lines) {
             const int height = kHeaderLine * static_cast<int>(frame.size());
-            form_.Frame({kHeaderX, form_.y(), 14400, height}, {.half_points = 18}, frame);
+            form_.Frame({kHeaderX, form_.y(), 10600, height}, {.half_points = 18}, frame);
             form_.Advance(height);
         }
         form_.Advance(150);
@@ -101,12 +101,12 @@ class ActPrinter {
             form_.Need(kRowHeight);
             const long long kopecks = amounts.lines[at];
             const Text value = kopecks == 0 && at % 3 != 0 ? Text() : AmountText(kopecks);
-            const Look look{.border = true, .half_points = 14};
-            const Look right{.border = true, .align = 'r', .half_points = 14};
+            const Look look{.border = true};
+            const Look right{.border = true, .align = 'r'};
             form_.Frame({kNumberX, form_.y(), kNameX - kNumberX, kRowHeight}, look, Numbered(line.code));
             form_.Frame({kNameX, form_.y(), kValueX - kNameX, kRowHeight}, look, Meaning(line));
             form_.Frame({kValueX, form_.y(), kPayerX - kValueX, kRowHeight}, right, value);
-            form_.Frame({kPayerX, form_.y(), kPayerX - kValueX, kRowHeight}, right, u"");
+            form_.Frame({kPayerX, form_.y(), kPayerX - kValueX, kRowHeight}, right, value);
             form_.Advance(kRowHeight);
             expected.emplace_back(ActField(line.code), value.empty() ? u"0.00" : Plain(value));
         }
@@ -116,8 +116,7 @@ class ActPrinter {
     void Footnote() {
         form_.Need(2 * kHeaderLine);
         form_.Advance(kHeaderLine);
-        form_.Frame({kHeaderX, form_.y(), 14400, kHeaderLine}, {.half_points = 14},
-                    u"* Суммы указаны в рублях и копейках.");
+        form_.Frame({kHeaderX, form_.y(), 10600, kHeaderLine}, {}, u"* Суммы указаны в рублях и копейках.");
         form_.Advance(kHeaderLine);
     }
 
@@ -161,7 +160,7 @@ Document MakeActRtf(const ActOptions& options) {
     DayNumber(options.drawn_up);
     CheckCount(options.parts, "parts");
     Document document{options.name, {}, {}};
-    Form form(u"Акт совместной сверки расчетов", options.letters, options.cut);
+    Form form(u"Акт совместной сверки расчетов", kPortrait, options.letters, options.cut);
     for (int i = 0; i < options.parts; ++i) {
         if (i > 0) form.NewSheet();
         const Tax& tax = TaxOfPart(options.tax, i);

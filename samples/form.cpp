@@ -67,7 +67,7 @@ Text DateText(const CivilDate& date) {
     return Digits(date.day, 2) + u"." + Digits(date.month, 2) + u"." + Digits(date.year, 4);
 }
 
-Form::Form(TextView title, Letters letters, Cut cut) : cut_(cut) {
+Form::Form(TextView title, const Sheet& sheet, Letters letters, Cut cut) : sheet_(sheet), cut_(cut) {
     for (int byte = 0; byte < 256; ++byte) {
         const auto character = static_cast<unsigned char>(byte);
         letters_[character] = Written(character, letters);
@@ -79,7 +79,8 @@ Form::Form(TextView title, Letters letters, Cut cut) : cut_(cut) {
         "{\\info{\\title ";
     Escape(title);
     rtf_ += "}}\r\n";
-    rtf_ += Number("\\paperw", kWidth) + Number("\\paperh", kHeight) + "\\landscape";
+    rtf_ += Number("\\paperw", sheet.width) + Number("\\paperh", sheet.height);
+    if (sheet.width > sheet.height) rtf_ += "\\landscape";
     for (const char* margin : {"\\margl", "\\margr", "\\margt", "\\margb"}) rtf_ += Number(margin, kMargin);
     rtf_ += "\r\n";
 }
@@ -97,7 +98,7 @@ void Form::Frame(const Box& box, const Look& look, const std::vector<Text>& line
 }
 
 bool Form::Need(int height) {
-    return y_ + height > kHeight - kMargin && NewSheet();
+    return y_ + height > sheet_.height - kMargin && NewSheet();
 }
 
 bool Form::NewSheet() {

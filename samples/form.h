@@ -36,17 +36,21 @@ struct Look {
     bool border = false;
     bool bold = false;
     char align = 'l';      // l, c, r
-    int half_points = 14;  // size of the letters
+    int half_points = 12;  // size of the letters
 };
+
+struct Sheet {
+    int width = 0;
+    int height = 0;
+};
+inline constexpr Sheet kPortrait{11906, 16838};
+inline constexpr Sheet kLandscape{16838, 11906};
 
 class Form {
  public:
-    // The sheet, in twips.
-    static constexpr int kWidth = 16838;
-    static constexpr int kHeight = 11906;
     static constexpr int kMargin = 567;
 
-    Form(TextView title, Letters letters, Cut cut);
+    Form(TextView title, const Sheet& sheet, Letters letters, Cut cut);
 
     void Frame(const Box& box, const Look& look, TextView text);
     // Several paragraphs in one frame: only the first one shows the frame's position.
@@ -67,6 +71,7 @@ class Form {
     void Run(const Look& look, TextView text);
     void Escape(TextView text);
 
+    Sheet sheet_;
     Cut cut_;
     int y_ = kMargin;
     std::array<std::string, 256> letters_;  // how each character of Windows-1251 is written

@@ -13,9 +13,10 @@ namespace tav::samples {
 namespace {
 
 constexpr int kColumns = 14;
-constexpr int kLetterWidth = 78;  // of a letter of the table, on average
-constexpr int kLineHeight = 170;
+constexpr int kLetterWidth = 72;  // of a letter of the table, on average
+constexpr int kLineHeight = 150;
 constexpr int kHeaderHeight = 290;
+constexpr int kLabelWidth = 2150;
 
 struct Cell {
     int column = 0;
@@ -185,7 +186,7 @@ constexpr HeaderCell kHeader[] = {
     {2, 0, u"", kMiddle, 8800},
     {3, 702, u"Статус плательщика:", kLeft, 4400},
     {3, 8202, u"КБК:", kRight, 4700},
-    {4, 702, u"Наименование налога:", kLeft, 11300},
+    {4, 702, u"Вид налога:", kLeft, 11300},
     {5, 702, u"Бюджет:", kLeft, 4400},
     {5, 8202, u"ОКАТО:", kRight, 4700},
     {6, 702, u"Валюта:", kLeft, 4400},
@@ -226,7 +227,8 @@ class Printer {
         for (std::size_t i = 0; i < std::size(kHeader); ++i) {
             const HeaderCell& cell = kHeader[i];
             const int y = form_.y() + cell.line * kHeaderHeight;
-            if (cell.label_x > 0) form_.Frame({cell.label_x, y, 2100, kHeaderHeight}, look, cell.label);
+            if (cell.label_x > 0)
+                form_.Frame({cell.label_x, y, kLabelWidth, kHeaderHeight}, look, cell.label);
             form_.Frame({cell.x, y, cell.width, kHeaderHeight}, look, head[i].second);
         }
         form_.Advance(kHeader[std::size(kHeader) - 1].line * kHeaderHeight + kHeaderHeight + 120);
@@ -351,7 +353,7 @@ Document MakeStatement(const StatementOptions& options) {
     if (options.layout != 1 && options.layout != 2)
         throw std::invalid_argument("the layout is neither 1 nor 2");
     Document document{options.name, {}, {}};
-    Form form(u"Выписка операций по расчету с бюджетом", options.letters, options.cut);
+    Form form(u"Выписка операций по расчету с бюджетом", kLandscape, options.letters, options.cut);
     for (int i = 0; i < options.parts; ++i) {
         if (i > 0) form.NewSheet();
         StatementOptions own = options;

@@ -139,6 +139,11 @@ Document MakeActXml(const ActOptions& options);
 // a statement without any amount, acts as RTF and as XML, a division, and a statement of another taxpayer.
 std::vector<Document> SampleSet();
 
+// What a reader has to return for the document, as the bytes of the catalogue, without indentation.
+std::string CatalogueEntry(const Document& document);
+// A whole catalogue of the documents; `actual` lists those whose names end in ".rtf".
+std::string Catalogue(const std::vector<Document>& documents);
+
 // Writes a document into a folder, which is made when it is missing.
 void WriteDocument(TextView folder, const Document& document);
 // SampleSet, written into the folder.
