@@ -108,7 +108,7 @@ void ManyFiles(TextView folder, int count, std::uint64_t seed) {
     for (int i = 0; i < count; ++i) {
         StatementOptions options{.name = u"statement" + Digits(i, 7) + u".rtf",
                                  .okato = u"0" + Digits(i, 10),
-                                 .rows = 6,
+                                 .rows = 3,
                                  .seed = seed + static_cast<std::uint64_t>(i)};
         options.tax = Taxes()[static_cast<std::size_t>(i) % Taxes().size()];
         Write(path / options.name, MakeStatement(options).bytes);
