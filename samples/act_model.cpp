@@ -153,7 +153,7 @@ ActAmounts MakeActAmounts(std::uint64_t seed, bool all_zero) {
     for (std::size_t kind = 0; kind < sums.opening.size(); ++kind) {
         const KindLines& lines = kKinds[kind];
         const long long share = kind == 0 ? 1 : 50;  // penalties and fines are smaller than the tax
-        sums.opening[kind] = (random.Amount() - random.Amount()) / share;
+        sums.opening[kind] = random.Balance() / share;
         sums.charged[kind] = random.Amount() / share;
         sums.paid[kind] = random.Amount() / share;
         sums.closing[kind] = sums.opening[kind] + sums.paid[kind] - sums.charged[kind];

@@ -60,7 +60,7 @@ std::vector<StatementOptions> SampleStatements() {
         {.name = u"Выписка 09 отделение имущество 2010.rtf",
          .taxpayer = DivisionTaxpayer(),
          .tax = taxes[3],
-         .okato = u"00402000000",
+         .okato = u"45290000000",
          .period = kYear,
          .seed = 9},
         {.name = u"Выписка 10 другой плательщик.rtf",

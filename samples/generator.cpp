@@ -2,12 +2,11 @@
 
 #include <algorithm>
 #include <iterator>
-#include <numeric>
 #include <stdexcept>
 
 #include "samples/form.h"
+#include "samples/ledger.h"
 #include "samples/model.h"
-#include "samples/random.h"
 
 namespace tav::samples {
 namespace {
@@ -17,123 +16,6 @@ constexpr int kLetterWidth = 72;  // of a letter of the table, on average
 constexpr int kLineHeight = 150;
 constexpr int kHeaderHeight = 290;
 constexpr int kLabelWidth = 2150;
-
-struct Cell {
-    int column = 0;
-    Text text;
-};
-using Line = std::vector<Cell>;
-
-// --- what the statement says
-
-struct OperationKind {
-    const char16_t* text;
-    const char16_t* document;
-    const char16_t* second_line;
-    int payment;  // index of kPaymentKinds
-    bool charge;
-};
-
-constexpr OperationKind kOperations[] = {
-    {u"Начислен налог по декларации", u"Декларация", u"первичная", 0, true},
-    {u"Уплачен налог", u"Платежное поручение", u"клиент-банк", 0, false},
-    {u"Начислены пени за просрочку платежа", u"Расчет пеней", u"автомат", 1, true},
-    {u"Уплачены пени", u"Платежное поручение", u"клиент-банк", 1, false},
-    {u"Начислен налог — аванс", u"Расчет аванса", u"квартал", 0, true},
-    {u"Уплачен налог", u"Платежное поручение", u"клиент-банк", 0, false},
-    {u"Начислен штраф по решению №", u"Решение", u"проверка", 2, true},
-    {u"Уплачен штраф", u"Платежное поручение", u"клиент-банк", 2, false},
-    {u"Уменьшен налог по уточнённой декларации", u"Декларация", u"уточнённая", 0, false},
-    {u"Начислен налог по декларации", u"Декларация", u"уточнённая", 0, true},
-};
-
-class Ledger {
- public:
-    explicit Ledger(const StatementOptions& options) : options_(options), random_(options.seed) {
-        if (options.all_zero) return;
-        sums_.opening = {random_.Amount() - random_.Amount(), -random_.Below(50'000),
-                         -100LL * random_.Below(2)};
-        balance_ = sums_.opening;
-    }
-
-    // The table's lines: balances at the begin, at every new year and at the end, and between them the
-    // operations, evenly spread.
-    std::vector<Line> Lines() {
-        const int begin = DayNumber(options_.period.begin);
-        const long long days = DayNumber(options_.period.end) - begin + 1;
-        std::vector<Line> lines;
-        lines.reserve(static_cast<std::size_t>(options_.rows) + 6);
-        AddBalances(lines, options_.period.begin);
-        int year = options_.period.begin.year;
-        for (int i = 0; i < options_.rows; ++i) {
-            const int day = begin + static_cast<int>(days * i / options_.rows);
-            const CivilDate date = DayOf(day);
-            if (date.year != year) AddBalances(lines, {year = date.year, 1, 1});
-            lines.push_back(Operation(i, day));
-        }
-        AddBalances(lines, options_.period.end);
-        sums_.closing = balance_;
-        return lines;
-    }
-
-    const Sums& sums() const { return sums_; }
-
- private:
-    long long Total() const { return std::accumulate(balance_.begin(), balance_.end(), 0LL); }
-
-    void AddBalances(std::vector<Line>& lines, const CivilDate& date) const {
-        for (std::size_t kind = 0; kind < balance_.size(); ++kind) {
-            lines.push_back({{3, u"Сальдо на " + DateText(date)},
-                             {9, kPaymentKinds[kind]},
-                             {13, AmountText(balance_[kind])},
-                             {14, AmountText(Total())}});
-        }
-    }
-
-    long long OperationAmount(const OperationKind& kind, long long balance) {
-        if (options_.all_zero) return 0;
-        const bool settles = !kind.charge && balance < 0 && random_.Below(3) > 0;
-        if (settles) return -balance;
-        return kind.payment == 0 ? random_.Amount() : 100 + random_.Below(300'000);
-    }
-
-    Line Operation(int number, int day) {
-        const OperationKind& kind = kOperations[static_cast<std::size_t>(number) % std::size(kOperations)];
-        const auto payment = static_cast<std::size_t>(kind.payment);
-        const long long amount = OperationAmount(kind, balance_[payment]);
-        (kind.charge ? sums_.charged : sums_.paid)[payment] += amount;
-        balance_[payment] += kind.charge ? -amount : amount;
-
-        const int document = 100 + number + random_.Below(40);
-        const CivilDate date = DayOf(day);
-        Text text = kind.text;
-        if (text.back() == u'№') text += u" " + Digits(document);
-        Line line{{1, DateText(date)},
-                  {2, DateText(DayOf(day + random_.Below(10)))},
-                  {3, std::move(text)},
-                  {4, kind.document},
-                  {5, u"КВ." + Digits((date.month + 2) / 3, 2) + u"." + Digits(date.year, 4)},
-                  {6, Digits(document)},
-                  {7, DateText(DayOf(day - random_.Below(6)))},
-                  {8, DateText(date)},
-                  {9, kPaymentKinds[payment]},
-                  {10, AmountText(kind.charge ? amount : 0)},
-                  {11, AmountText(kind.charge ? 0 : amount)},
-                  {12, AmountText(0)},
-                  {13, AmountText(balance_[payment])},
-                  {14, AmountText(Total())}};
-        const int every = options_.second_line_every;
-        if (every > 0 && number % every == every - 1) line.push_back({4, kind.second_line});
-        return line;
-    }
-
-    const StatementOptions& options_;
-    Random random_;
-    Sums sums_;
-    Money balance_{};
-};
-
-// --- how it is printed
 
 // Where the columns begin, in twips, and the right edge of the last one.
 using Edges = std::array<int, kColumns + 1>;

@@ -5,7 +5,7 @@
 // back from the bytes, so a test may compare the two.
 //
 // The same options give the same bytes on every machine: the generator has random numbers of its own.
-// Persons, organisations, their numbers and their amounts are invented; region "00" of an INN does not exist.
+// Organisations, their numbers and their amounts are invented.
 //
 // Texts are those of the catalogue: what Windows-1251 makes of them, the minus sign a "-", the blanks between
 // thousands U+00A0. Money is in kopecks. Dates must exist, a period must not end before it begins, counts
@@ -97,7 +97,7 @@ struct StatementOptions {
     Text name = u"statement.rtf";
     Taxpayer taxpayer = SampleTaxpayer();
     Tax tax = Taxes()[0];
-    Text okato = u"00401000000";
+    Text okato = u"45280000000";
     Text status = u"налогоплательщик";
     Text currency = u"Российский рубль";
     Period period{{2010, 1, 1}, {2010, 12, 31}};
@@ -116,7 +116,7 @@ struct ActOptions {
     Text name = u"act.rtf";
     Taxpayer taxpayer = SampleTaxpayer();
     Tax tax = Taxes()[0];
-    Text okato = u"00401000000";
+    Text okato = u"45280000000";
     Text authority = u"0099";
     CivilDate drawn_up{2011, 1, 17};
     Period period{{2010, 1, 1}, {2010, 12, 31}};

@@ -26,17 +26,17 @@ void CheckCount(int count, const char* what) {
 }
 
 const Taxpayer& SampleTaxpayer() {
-    static const Taxpayer taxpayer{u"0012345678", u"001201001", u"ООО \"Берёзовая роща\""};
+    static const Taxpayer taxpayer{u"7701234567", u"770101001", u"ООО \"Берёзовая роща\""};
     return taxpayer;
 }
 
 const Taxpayer& DivisionTaxpayer() {
-    static const Taxpayer taxpayer{u"0012345678", u"001202002", u"ООО \"Берёзовая роща\", отделение № 2"};
+    static const Taxpayer taxpayer{u"7701234567", u"770245001", u"ООО \"Берёзовая роща\", отделение № 2"};
     return taxpayer;
 }
 
 const Taxpayer& OtherTaxpayer() {
-    static const Taxpayer taxpayer{u"0087654321", u"008701001", u"АО «Тихий берег»"};
+    static const Taxpayer taxpayer{u"7807654321", u"780701001", u"АО «Тихий берег»"};
     return taxpayer;
 }
 

@@ -24,6 +24,12 @@ class Random {
         return 100 + Below(kLimits[Below(4)]);
     }
 
+    // The difference of two amounts.
+    long long Balance() {
+        const long long credit = Amount();
+        return credit - Amount();
+    }
+
  private:
     std::uint64_t state_;
 };
