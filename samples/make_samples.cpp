@@ -20,6 +20,8 @@ void WriteTo(const std::string& file, const Document& document) {
     std::printf("%s: %zu bytes\n", file.c_str(), document.bytes.size());
 }
 
+constexpr int kMost = 1'000'000;  // what fits into memory with ease
+
 Text NameIn(const std::string& file) {
     return FromUtf8(std::filesystem::path(file).filename().string());
 }
@@ -47,7 +49,7 @@ int main(int argc, char** argv) {
     one->add_option("FILE", target, "RTF file to write")->required();
     one->add_option("--rows", statement.rows, "Operations")
         ->capture_default_str()
-        ->check(CLI::NonNegativeNumber);
+        ->check(CLI::Range(0, kMost));
     one->add_option("--layout", statement.layout, "Version of the form")
         ->capture_default_str()
         ->check(CLI::Range(1, 2));
@@ -59,7 +61,7 @@ int main(int argc, char** argv) {
 
     auto* many = app.add_subcommand("many", "A folder of many small statements");
     many->add_option("DIR", target, "Folder, made when missing")->required();
-    many->add_option("--files", files, "How many")->capture_default_str()->check(CLI::NonNegativeNumber);
+    many->add_option("--files", files, "How many")->capture_default_str()->check(CLI::Range(0, kMost));
     many->add_option("--seed", seed, "Another seed, other amounts")->capture_default_str();
     many->callback([&] { ManyFiles(FromUtf8(target), files, seed); });
 
