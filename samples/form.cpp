@@ -104,7 +104,8 @@ bool Form::Need(int height) {
 bool Form::NewSheet() {
     if (cut_ == Cut::None) return false;
     y_ = kMargin;
-    rtf_ += cut_ == Cut::InsideGroup ? "{\\pard\\plain\\page\\par}\r\n" : "\\pard\\plain\\page\r\n";
+    rtf_ += cut_ == Cut::InsideGroup ? "{\\pard\\plain\\page\\par}\r\n"
+                                     : "\\pard\\plain\\page\\pard\\plain\\par\r\n";
     return true;
 }
 
