@@ -132,22 +132,23 @@ class Printer {
         form_.Advance(kLineHeight + 40);
     }
 
-    // Returns whether the numbering line was printed again, on top of a new sheet.
+    // A second line of column 4 is a frame of its own below the first one. Returns whether the numbering line
+    // was printed again, on top of a new sheet.
     bool Row(const Line& line) {
-        int lines = 1;
-        for (const Cell& cell : line) lines = std::max(lines, LineCount(cell.text, Width(cell.column)));
-        const bool second = line.back().column == 4;
-        if (second) lines = std::max(lines, LineCount(kSecondLineRoom, Width(4)));
-        const int height = lines * kLineHeight + 60;
+        std::array<int, kColumns + 1> lines{};
+        for (const Cell& cell : line)
+            lines[static_cast<std::size_t>(cell.column)] += LineCount(cell.text, Width(cell.column));
+        const int height = *std::max_element(lines.begin(), lines.end()) * kLineHeight + 60;
         const bool again = form_.Need(height) && options_.repeat_numbering;
         if (again) Numbering();
         for (const Cell& cell : line) {
             Box box = CellBox(cell.column, height);
-            if (second && cell.column == 4) {
-                const int below = kLineHeight + 30;
-                const bool is_second = &cell == &line.back();
-                if (is_second) box.y += height - below;
-                box.height = is_second ? below : height - below;
+            const bool shared = cell.column == 4 && line.back().column == 4;
+            if (shared && &cell == &line.back()) {
+                box.y += height - kSecondLine;
+                box.height = kSecondLine;
+            } else if (shared) {
+                box.height -= kSecondLine;
             }
             const char align = cell.column >= 10 ? 'r' : cell.column == 3 ? 'l' : 'c';
             form_.Frame(box, {.border = true, .align = align}, cell.text);
@@ -166,7 +167,7 @@ class Printer {
     }
 
  private:
-    static constexpr const char16_t* kSecondLineRoom = u"Платежное поручение клиент-банк";
+    static constexpr int kSecondLine = kLineHeight + 30;
 
     int Width(int column) const {
         const auto at = static_cast<std::size_t>(column);
