@@ -28,13 +28,14 @@ class Database {
     PageFile& file() { return file_; }
     // The local user tables in the order of the catalogue.
     const std::vector<TableEntry>& Tables() const { return tables_; }
-    // nullptr when there is no table of that name (letter case ignored). The table lives as long as the
-    // database.
+    // nullptr when there is no table of that name (letter case ignored); a Failure when it is only linked
+    // here. The table lives as long as the database.
     Table* FindTable(TextView name);
 
  private:
     PageFile file_;
     std::vector<TableEntry> tables_;
+    std::vector<Text> linked_;
     std::map<PageNumber, std::unique_ptr<Table>> open_;
 };
 

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <array>
+#include <bit>
 #include <compare>
 #include <cstdint>
 #include <cstring>
@@ -56,6 +57,17 @@ inline void PutU32(std::uint8_t* at, std::uint32_t value) {
 inline std::uint32_t BigU32(const std::uint8_t* at) {
     return static_cast<std::uint32_t>(at[0]) << 24 | static_cast<std::uint32_t>(at[1]) << 16 |
            static_cast<std::uint32_t>(at[2]) << 8 | at[3];
+}
+
+inline std::uint64_t U64(const std::uint8_t* at) {
+    return U32(at) | static_cast<std::uint64_t>(U32(at + 4)) << 32;
+}
+inline void PutU64(std::uint8_t* at, std::uint64_t value) {
+    PutU32(at, static_cast<std::uint32_t>(value));
+    PutU32(at + 4, static_cast<std::uint32_t>(value >> 32));
+}
+inline double DoubleAt(const std::uint8_t* at) {
+    return std::bit_cast<double>(U64(at));
 }
 
 }  // namespace tav::jet

@@ -4,10 +4,13 @@
 // writes the original images of the changed pages into the rollback journal (the database's path +
 // "-journal"), syncs it, writes the pages, syncs the file and deletes the journal; a kill or a power loss
 // anywhere in between leaves either the old or the new state after the next open, which rolls back what a
-// journal that was written whole says. Inside a unit each statement can be taken back on its own.
+// journal that was written whole says (rollback_journal.h). Page 0 is never written. Inside a unit each
+// statement can be taken back on its own.
 //
-// The file is locked from open to close (platform/files.h). A file that does not look like a Jet 4 database,
-// is encrypted or asks for a password is refused here, before anything else is read.
+// The file is locked from open to close (platform/files.h): readers share it, a writer has it alone. A file
+// that does not look like a Jet 4 database, is encrypted or asks for a password is refused here, before
+// anything else is read. So is one that other programs hold: a lock, or a ".ldb" file beside it that cannot
+// be deleted.
 #pragma once
 
 #include <cstddef>
@@ -51,6 +54,13 @@ class PageFile {
     void Commit();
     void RollBack();
     bool HasChanges() const;
+
+    // Grows with every rollback of a statement or a unit: whoever keeps what he read from pages reads it
+    // again when this has changed.
+    std::uint64_t Rollbacks() const;
+
+    // The Failure of a page that contradicts itself: "The database '...' is damaged (page 17): reason."
+    [[noreturn]] void Damaged(PageNumber page, TextView reason) const;
 
     // Lets go of unchanged pages when the cache holds more than its share. Called between rows and
     // statements.

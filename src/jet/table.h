@@ -8,7 +8,9 @@
 #include <vector>
 
 #include "common/value.h"
+#include "jet/data_page.h"
 #include "jet/index_tree.h"
+#include "jet/row.h"
 #include "jet/table_definition.h"
 
 namespace tav::jet {
@@ -24,23 +26,7 @@ class Table {
     const TableDefinition& definition() const { return definition_; }
     IndexTree Index(std::size_t real_index);
 
-    // One row's bytes. Values are decoded one by one, when asked for. Valid until the file's next Trim or
-    // change.
-    class Row {
-     public:
-        RowId id() const { return id_; }
-        // By position in definition().columns.
-        Value Get(std::size_t column) const;
-        std::vector<Value> All() const;
-
-     private:
-        friend class Table;
-        PageFile* file_ = nullptr;
-        const TableDefinition* definition_ = nullptr;
-        RowId id_;
-        const std::uint8_t* bytes_ = nullptr;
-        std::size_t size_ = 0;
-    };
+    using Row = jet::Row;
 
     // Walks all rows in page order, following moved rows. Rows may be deleted or updated behind it; rows
     // inserted meanwhile may or may not be met.
@@ -57,22 +43,37 @@ class Table {
         std::size_t page_ = 0;
         int slot_ = -1;
         bool at_end_ = false;
+        std::uint64_t releases_ = 0;  // of the table, when the present page was last known to be the table's
     };
     Scan Rows();
 
     // The row of that id; a Failure when there is none.
     Row Find(RowId id);
 
-    // Values in the order of definition().columns, already of the columns' kinds (see ConvertForColumn). All
-    // rules (length, range, Null, uniqueness, keys that can be made) are checked before the first byte
-    // changes; a failure carries the database engine's usual message.
+    // Values in the order of definition().columns, already of the columns' kinds (see ConvertForColumn). A
+    // Null for an autonumber column becomes the next number. All rules (length, range, Null, uniqueness, keys
+    // that can be made) are checked before the first byte changes; a failure carries the database engine's
+    // usual message. What fails later (a full database, damage that is met on the way) is taken back with the
+    // statement.
     RowId Insert(std::span<const Value> values);
     void Update(RowId id, std::span<const Value> values);
     void Delete(RowId id);
 
  private:
+    // Where a row stands: its id's slot, and the slot that has its bytes, another one when the row was moved.
+    struct Place {
+        Pointer home;
+        Pointer body;
+        Record record;  // of the body
+    };
+
     PageFile* file_;
     TableDefinition definition_;
+    std::uint64_t releases_ = 0;  // pages given back since the table was opened
+
+    bool Owns(PageNumber page) const;
+    Place FindPlace(RowId id) const;
+    Row RowAt(const Place& place) const;
 };
 
 // A value as the column stores it: text into a number or a date by the regional form, numbers into text,

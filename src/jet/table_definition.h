@@ -45,6 +45,7 @@ struct Column {
     bool IsFixed() const { return (flags & 0x01) != 0; }
     bool IsAutonumber() const { return (flags & 0x04) != 0; }
     bool CompressesText() const { return (extended_flags & 0x01) != 0; }
+    bool IsLongValue() const { return type == ColumnType::Memo || type == ColumnType::Ole; }
     bool IsText() const { return type == ColumnType::Text || type == ColumnType::Memo; }
 };
 
@@ -63,7 +64,7 @@ struct RealIndex {
     bool required = false;
     bool primary = false;        // some logical index makes it the primary key
     Text name;                   // of the first logical index that names it
-    std::size_t counter_at = 0;  // offset of its 12-byte counter in the definition
+    std::size_t counter_at = 0;  // offset of its 12-byte counter on the first page
 };
 
 // What refers to a real index by name; relationships are logical indexes too.
@@ -71,7 +72,8 @@ struct LogicalIndex {
     Text name;
     std::uint32_t number = 0;
     std::size_t real_index = 0;
-    std::uint8_t type = 0;  // 0 normal, 1 primary key, 2 foreign key
+    std::uint8_t type = 0;          // 0 normal, 1 primary key, 2 foreign key
+    std::uint8_t relationship = 0;  // 0 none, 1 this table is the referenced side, 2 the referencing side
     PageNumber partner_table = 0;
 };
 
@@ -95,6 +97,8 @@ struct TableDefinition {
     Pointer owned_map;
     Pointer free_map;
     std::uint16_t fixed_size = 0;  // bytes of the fixed area
+    // Position in `columns` by variable index; columns.size() where a column was deleted.
+    std::vector<std::size_t> variable_order;
 
     // Position of the column of that name, letter case ignored.
     std::optional<std::size_t> FindColumn(TextView column_name) const;
@@ -102,6 +106,10 @@ struct TableDefinition {
     // ...), or empty.
     Text WhyReadOnly() const;
 };
+
+// Bytes of a column's value in the fixed area, or in a variable place when its type fixes them. A boolean has
+// none: it is its bit in the null mask.
+std::uint16_t ValueSize(const Column& column);
 
 // Reads the definition that starts on `page`. What contradicts itself is a Failure that names file, page and
 // reason.

@@ -26,8 +26,13 @@ class UsageMap {
     std::vector<PageNumber> BitmapPages() const;
 
  private:
+    struct View;
     PageFile* file_;
     Pointer record_;
+
+    bool MoveWindow(PageNumber page);
+    void TurnIntoReferences();
+    void AddToBitmap(PageNumber page);
 };
 
 // Takes a page out of the file's global free map, or appends one; it is all zero. With `above`, only pages
@@ -37,5 +42,8 @@ PageNumber AllocatePage(PageFile& file, PageNumber above = 0);
 void FreePage(PageFile& file, PageNumber page);
 // Whether the global map calls the page free.
 bool IsFree(PageFile& file, PageNumber page);
+// How many pages the file may have at most: what the global map can grow to on its page (32,032 in a new
+// file). Growing beyond is a Failure.
+PageNumber MaximumPages(PageFile& file);
 
 }  // namespace tav::jet
