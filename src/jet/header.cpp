@@ -2,41 +2,19 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 #include <string_view>
+
+#include "jet/header_mask.h"
 
 namespace tav::jet {
 namespace {
 
-constexpr std::size_t kMaskBegin = 0x18;
-constexpr std::size_t kMaskSize = 0x80;
 constexpr std::size_t kVersionAt = 0x14;
 constexpr std::size_t kDatabaseKeyAt = 0x3E;
 constexpr std::size_t kPasswordAt = 0x42;
 constexpr std::size_t kCreatedAt = 0x72;
 constexpr std::string_view kMagic("\0\1\0\0Standard Jet DB\0", 20);
 constexpr std::string_view kNewerMagic("\0\1\0\0Standard ACE DB\0", 20);
-
-std::array<std::uint8_t, kMaskSize> MakeMask() {
-    constexpr std::array<std::uint8_t, 4> kKey = {0xC7, 0xDA, 0x39, 0x6B};
-    std::array<std::uint8_t, 256> box{};
-    std::iota(box.begin(), box.end(), std::uint8_t{0});
-    std::uint8_t j = 0;
-    for (std::size_t i = 0; i < box.size(); ++i) {
-        j = static_cast<std::uint8_t>(j + box[i] + kKey[i % kKey.size()]);
-        std::swap(box[i], box[j]);
-    }
-    std::array<std::uint8_t, kMaskSize> mask{};
-    std::uint8_t i = 0;
-    j = 0;
-    for (std::uint8_t& byte : mask) {
-        i = static_cast<std::uint8_t>(i + 1);
-        j = static_cast<std::uint8_t>(j + box[i]);
-        std::swap(box[i], box[j]);
-        byte = box[static_cast<std::uint8_t>(box[i] + box[j])];
-    }
-    return mask;
-}
 
 // The password is empty when its first unit equals the mask's.
 bool HasPassword(const std::uint8_t* plain, double created) {
@@ -45,11 +23,6 @@ bool HasPassword(const std::uint8_t* plain, double created) {
 }
 
 }  // namespace
-
-void MaskHeader(std::uint8_t* page0) {
-    static const std::array<std::uint8_t, kMaskSize> kMask = MakeMask();
-    for (std::size_t i = 0; i < kMaskSize; ++i) page0[kMaskBegin + i] ^= kMask[i];
-}
 
 Text WhyForeign(TextView path, const std::uint8_t* header) {
     const Text unrecognized = Text(u"Unrecognized database format '").append(path).append(u"'.");
@@ -66,7 +39,7 @@ Text WhyForeign(TextView path, const std::uint8_t* header) {
 
     std::array<std::uint8_t, kHeaderSize> plain{};
     std::copy_n(header, kHeaderSize, plain.begin());
-    MaskHeader(plain.data());
+    for (std::size_t i = 0; i < kMaskedSize; ++i) plain[kMaskedBegin + i] ^= kHeaderMask[i];
     if (U32(plain.data() + kDatabaseKeyAt) != 0) {
         return Text(u"The database '").append(path).append(u"' is encrypted and cannot be opened.");
     }

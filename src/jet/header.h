@@ -1,8 +1,7 @@
 // Page 0: what kind of file this is.
 //
-// Bytes 0x18 to 0x97 are masked with a constant key stream (the first 128 bytes of RC4 under the key
-// C7 DA 39 6B). The password field is masked once more with the creation date's day number, so without a
-// password it is not zero.
+// Bytes 0x18 to 0x97 are masked (header_mask.h). The password field is masked once more with the creation
+// date's day number, so without a password it is not zero.
 #pragma once
 
 #include "common/text.h"
@@ -11,9 +10,6 @@
 namespace tav::jet {
 
 inline constexpr std::size_t kHeaderSize = 0x98;  // up to the end of the masked area
-
-// Masks or unmasks the bytes 0x18 to 0x97 of page 0.
-void MaskHeader(std::uint8_t* page0);
 
 // Why the file that starts with these kHeaderSize bytes (as they stand on the disk) cannot be used; empty
 // when it can. The text names the file.

@@ -1,14 +1,17 @@
 #include "jet/table.h"
 
-#include <algorithm>
-
 #include "common/failure.h"
 #include "jet/page_file.h"
 #include "jet/usage_map.h"
 
 namespace tav::jet {
 
-Table::Table(PageFile& file, TableDefinition definition) : file_(&file), definition_(std::move(definition)) {}
+Table::Table(PageFile& file, TableDefinition definition) : file_(&file), definition_(std::move(definition)) {
+    for (std::size_t i = 0; i < definition_.columns.size(); ++i) {
+        const Column& column = definition_.columns[i];
+        if (column.IsAutonumber() && column.type == ColumnType::Long) autonumber_ = i;
+    }
+}
 
 IndexTree Table::Index(std::size_t real_index) {
     return IndexTree(*file_, definition_, definition_.indexes.at(real_index));
@@ -43,11 +46,15 @@ Row Table::RowAt(const Place& place) const {
                std::span<const std::uint8_t>(page).subspan(place.record.begin, place.record.size));
 }
 
-Row Table::Find(RowId id) {
+Table::Place Table::FindOwnPlace(RowId id) const {
     if (!Owns(id.page)) {
         file_->Damaged(id.page, Text(u"table '").append(definition_.name).append(u"' has no rows there"));
     }
-    return RowAt(FindPlace(id));
+    return FindPlace(id);
+}
+
+Row Table::Find(RowId id) {
+    return RowAt(FindOwnPlace(id));
 }
 
 Table::Scan Table::Rows() {
