@@ -167,7 +167,7 @@ Value ForComparison(const Column& column, Value literal) {
     std::optional<Value> converted = Converted(column, literal);
     if (converted) return *std::move(converted);
     throw Failure(RunTimeError::DataTypeMismatch,
-                  Text(column.name).append(u": '").append(ValueText(literal)).append(u"'"));
+                  Text(column.name).append(u" = '").append(ValueText(literal)).append(u"'"));
 }
 
 std::optional<Value> ForIndex(const Column& column, const Value& value) {

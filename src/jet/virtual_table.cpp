@@ -215,7 +215,8 @@ void VirtualTable::Take(std::size_t column_at, sqlite3_value* value) {
 RowId VirtualTable::Insert(sqlite3_value** values) {
     for (std::size_t i = 0; i < row_.size(); ++i) Take(i, values[i]);
     const RowId id = table_.Insert(row_);
-    search_.Inserted(row_, id);
+    // Read again: the table gives autonumber columns their values.
+    if (search_.HasHashes()) search_.Inserted(table_.Find(id).All(), id);
     return id;
 }
 
