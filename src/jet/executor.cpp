@@ -39,7 +39,7 @@ void CheckValues(const SqlText& sql) {
 }  // namespace
 
 struct Executor::State {
-    State(TextView path, Database::Access access) : database(path, access), sqlite(OpenSqlite()) {}
+    State(TextView path, Database::Access access) : database(path, access), sqlite(OpenSqlite(callbacks)) {}
 
     const TableDefinition* FindTable(TextView name);
     StatementHandle PrepareOne(const Rewritten& rewritten, const std::string& sql);
@@ -49,7 +49,7 @@ struct Executor::State {
     Recordset Execute(const SqlText& sql);
 
     Database database;
-    PendingFailure pending;
+    Callbacks callbacks;
     std::map<Table*, std::unique_ptr<VirtualTable>> tables;
     SqliteHandle sqlite;
     StatementCache cache;
@@ -61,7 +61,7 @@ const TableDefinition* Executor::State::FindTable(TextView name) {
     if (table == nullptr) return nullptr;
     std::unique_ptr<VirtualTable>& known = tables[table];
     if (known == nullptr) {
-        known = std::make_unique<VirtualTable>(*table, pending);
+        known = std::make_unique<VirtualTable>(*table, callbacks);
         known->Register(sqlite.get());
     }
     return &table->definition();
@@ -73,7 +73,7 @@ StatementHandle Executor::State::PrepareOne(const Rewritten& rewritten, const st
     const int result = sqlite3_prepare_v3(sqlite.get(), sql.data(), static_cast<int>(sql.size()),
                                           SQLITE_PREPARE_PERSISTENT, &statement, &tail);
     StatementHandle handle(statement);
-    pending.Rethrow();
+    callbacks.Rethrow();
     if (result != SQLITE_OK) throw SqliteFailure(sqlite.get(), rewritten.kind);
     if (handle == nullptr || tail != sql.data() + sql.size()) {
         throw Failure(u"Characters found after end of SQL statement.");
@@ -138,7 +138,7 @@ ResultTable Executor::State::Run(Prepared& prepared) {
             row.push_back(FromSqlite(sqlite3_column_value(statement, static_cast<int>(i))));
         }
     }
-    pending.Rethrow();
+    callbacks.Rethrow();
     if (result != SQLITE_DONE) throw SqliteFailure(sqlite.get(), prepared.rewritten.kind);
     return table;
 }

@@ -25,25 +25,29 @@ constexpr std::array<std::pair<int, int>, 11> kLimits = {{{SQLITE_LIMIT_LENGTH, 
 constexpr std::array<std::string_view, 8> kFunctions = {"abs", "avg", "count", "iif",
                                                         "max", "min", "sum",   "ucase"};
 
+bool IsOwn(const char* name) {
+    return std::string_view(name == nullptr ? "" : name).substr(0, 7) == "sqlite_";
+}
+
 // What a statement may do. A row's internal number is no column.
-int Authorize(void*, int action, const char* first, const char* second, const char*, const char*) {
-    switch (action) {
-        case SQLITE_SELECT:
-        case SQLITE_INSERT:
-        case SQLITE_UPDATE:
-        case SQLITE_DELETE:
-            return first == nullptr || std::string_view(first).substr(0, 7) != "sqlite_" ? SQLITE_OK
-                                                                                         : SQLITE_DENY;
-        case SQLITE_READ:
-            return std::string_view(second) == "ROWID" || std::string_view(first).substr(0, 7) == "sqlite_"
-                       ? SQLITE_DENY
-                       : SQLITE_OK;
-        case SQLITE_FUNCTION:
-            return std::find(kFunctions.begin(), kFunctions.end(), second) != kFunctions.end() ? SQLITE_OK
-                                                                                               : SQLITE_DENY;
-        default:
-            return SQLITE_DENY;
-    }
+int Authorize(void* callbacks, int action, const char* first, const char* second, const char*, const char*) {
+    const auto allowed = [&] {
+        switch (action) {
+            case SQLITE_SELECT:
+                return true;
+            case SQLITE_INSERT:
+            case SQLITE_UPDATE:
+            case SQLITE_DELETE:
+                return !IsOwn(first);
+            case SQLITE_READ:
+                return !IsOwn(first) && std::string_view(second) != "ROWID";
+            case SQLITE_FUNCTION:
+                return std::find(kFunctions.begin(), kFunctions.end(), second) != kFunctions.end();
+            default:
+                return false;
+        }
+    };
+    return static_cast<Callbacks*>(callbacks)->declares_table || allowed() ? SQLITE_OK : SQLITE_DENY;
 }
 
 // What SQLite's message begins or ends with, and what is said instead.
@@ -75,7 +79,7 @@ constexpr std::array<TextView, 4> kSyntaxErrors = {
 
 }  // namespace
 
-SqliteHandle OpenSqlite() {
+SqliteHandle OpenSqlite(Callbacks& callbacks) {
     sqlite3* raw = nullptr;
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_MEMORY | SQLITE_OPEN_NOMUTEX;
     const int opened = sqlite3_open_v2(":memory:", &raw, flags, nullptr);
@@ -91,7 +95,7 @@ SqliteHandle OpenSqlite() {
         throw Failure(RunTimeError::OutOfMemory);
     }
     AddDialect(raw);
-    sqlite3_set_authorizer(raw, &Authorize, nullptr);
+    sqlite3_set_authorizer(raw, &Authorize, &callbacks);
     return database;
 }
 

@@ -43,20 +43,25 @@ Cursor& CursorOf(sqlite3_vtab_cursor* cursor) {
 
 // Runs the body of a callback; nothing it throws goes through SQLite.
 template <class Body>
-int Guarded(PendingFailure& pending, Body body) noexcept {
+int Guarded(Callbacks& callbacks, Body body) noexcept {
     try {
         body();
         return SQLITE_OK;
     } catch (...) {
-        pending.Keep();
+        callbacks.Keep();
         return SQLITE_ERROR;
     }
 }
 
 int Connect(sqlite3* database, void* table, int, const char* const*, sqlite3_vtab** handle, char**) {
     auto& virtual_table = *static_cast<VirtualTable*>(table);
-    return Guarded(virtual_table.pending(), [&] {
-        if (sqlite3_declare_vtab(database, virtual_table.Declaration().c_str()) != SQLITE_OK) {
+    return Guarded(virtual_table.callbacks(), [&] {
+        const std::string declaration = virtual_table.Declaration();
+        bool& declares = virtual_table.callbacks().declares_table;
+        declares = true;
+        const int declared = sqlite3_declare_vtab(database, declaration.c_str());
+        declares = false;
+        if (declared != SQLITE_OK) {
             throw Failure(Text(u"Table '")
                               .append(virtual_table.table().definition().name)
                               .append(u"' cannot be used in a statement: ")
@@ -74,11 +79,11 @@ int Disconnect(sqlite3_vtab* handle) {
 }
 
 int BestIndex(sqlite3_vtab* handle, sqlite3_index_info* question) {
-    return Guarded(TableOf(handle).pending(), [&] { TableOf(handle).search().Plan(*question); });
+    return Guarded(TableOf(handle).callbacks(), [&] { TableOf(handle).search().Plan(*question); });
 }
 
 int Open(sqlite3_vtab* handle, sqlite3_vtab_cursor** cursor) {
-    return Guarded(TableOf(handle).pending(), [&] {
+    return Guarded(TableOf(handle).callbacks(), [&] {
         auto made = std::make_unique<Cursor>();
         made->table = &TableOf(handle);
         *cursor = made.release();
@@ -92,7 +97,7 @@ int Close(sqlite3_vtab_cursor* cursor) {
 
 int Filter(sqlite3_vtab_cursor* handle, int plan, const char*, int count, sqlite3_value** arguments) {
     Cursor& cursor = CursorOf(handle);
-    return Guarded(cursor.table->pending(), [&] {
+    return Guarded(cursor.table->callbacks(), [&] {
         std::vector<Value> values;
         for (int i = 0; i < count; ++i) values.push_back(FromSqlite(arguments[i]));
         std::optional<std::vector<RowId>> found = cursor.table->search().Find(plan, values);
@@ -109,7 +114,7 @@ int Filter(sqlite3_vtab_cursor* handle, int plan, const char*, int count, sqlite
 
 int Next(sqlite3_vtab_cursor* handle) {
     Cursor& cursor = CursorOf(handle);
-    return Guarded(cursor.table->pending(), [&] {
+    return Guarded(cursor.table->callbacks(), [&] {
         if (cursor.scan) {
             cursor.scan->Next();
         } else {
@@ -127,7 +132,7 @@ int ColumnValue(sqlite3_vtab_cursor* handle, sqlite3_context* context, int colum
     // A column that an update does not touch is not needed; its new value reads as "no change".
     if (sqlite3_vtab_nochange(context) != 0) return SQLITE_OK;
     Cursor& cursor = CursorOf(handle);
-    return Guarded(cursor.table->pending(),
+    return Guarded(cursor.table->callbacks(),
                    [&] { SetResult(context, cursor.row->Get(static_cast<std::size_t>(column))); });
 }
 
@@ -141,7 +146,7 @@ int Change(sqlite3_vtab* handle, int count, sqlite3_value** arguments, sqlite3_i
     const auto row = [&] {
         return RowId::FromWord(static_cast<std::uint32_t>(sqlite3_value_int64(arguments[0])));
     };
-    return Guarded(table.pending(), [&] {
+    return Guarded(table.callbacks(), [&] {
         if (count == 1) {
             table.Delete(row());
         } else if (sqlite3_value_type(arguments[0]) == SQLITE_NULL) {
@@ -175,8 +180,8 @@ std::string Quoted(TextView name) {
 
 }  // namespace
 
-VirtualTable::VirtualTable(Table& table, PendingFailure& pending)
-    : table_(table), pending_(pending), search_(table), row_(table.definition().columns.size()) {}
+VirtualTable::VirtualTable(Table& table, Callbacks& callbacks)
+    : table_(table), callbacks_(callbacks), search_(table), row_(table.definition().columns.size()) {}
 
 void VirtualTable::Register(sqlite3* database) {
     const std::string name = ToUtf8(table_.definition().name);

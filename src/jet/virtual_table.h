@@ -3,31 +3,19 @@
 
 #include <sqlite3.h>
 
-#include <exception>
+#include <string>
 #include <vector>
 
+#include "jet/sqlite_handles.h"
 #include "jet/table.h"
 #include "jet/table_search.h"
 
 namespace tav::jet {
 
-// What a callback threw; it must not cross SQLite, so it waits here until SQLite has returned.
-class PendingFailure {
- public:
-    void Keep() noexcept { failure_ = std::current_exception(); }
-    void Forget() noexcept { failure_ = nullptr; }
-    void Rethrow() {
-        if (failure_ != nullptr) std::rethrow_exception(std::exchange(failure_, nullptr));
-    }
-
- private:
-    std::exception_ptr failure_;
-};
-
 class VirtualTable {
  public:
     // Everything given outlives the table, and the table outlives the SQLite connection.
-    VirtualTable(Table& table, PendingFailure& pending);
+    VirtualTable(Table& table, Callbacks& callbacks);
     VirtualTable(const VirtualTable&) = delete;
     VirtualTable& operator=(const VirtualTable&) = delete;
 
@@ -35,7 +23,7 @@ class VirtualTable {
 
     Table& table() { return table_; }
     TableSearch& search() { return search_; }
-    PendingFailure& pending() { return pending_; }
+    Callbacks& callbacks() { return callbacks_; }
     // "create table" as SQLite wants it declared.
     std::string Declaration() const;
 
@@ -47,7 +35,7 @@ class VirtualTable {
     void Take(std::size_t column, sqlite3_value* value);
 
     Table& table_;
-    PendingFailure& pending_;
+    Callbacks& callbacks_;
     TableSearch search_;
     std::vector<Value> row_;  // of the change being made; kept, so that its texts keep their memory
     Value literal_;
