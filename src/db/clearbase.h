@@ -1,0 +1,17 @@
+// Emptying the database: one taxpayer's documents, or all. The dictionary of operation types is kept by both.
+//
+// A failure is shown under "clearbase", by both; a database that somebody else holds gives the file-in-use
+// message. What was deleted before the failure stays deleted.
+#pragma once
+
+#include "common/text.h"
+
+namespace tav {
+
+// Removes the taxpayer's documents, and every row that belongs to no document.
+void clearbase(TextView database, TextView inn, TextView kpp);
+
+// Removes all documents.
+void clearbaseAll(TextView database);
+
+}  // namespace tav
