@@ -5,7 +5,10 @@
 #include <algorithm>
 #include <string>
 
+#include "convert/check_xml.h"
 #include "convert/load_rtf_file.h"
+#include "convert/load_xml_file.h"
+#include "platform/files.h"
 #include "samples/generator.h"
 #include "support/support.h"
 
@@ -38,20 +41,29 @@ void ExpectReadBack(const Document& document) {
     const TempFolder folder;
     const MessageList messages;
     WriteDocument(folder.path(), document);
-    const std::string read = WithoutIndentation(LoadRtfFile(folder.path(), document.name));
+    const bool rtf = document.name.ends_with(u".rtf");
+    const std::string read =
+        WithoutIndentation((rtf ? LoadRtfFile : LoadXMLFile)(folder.path(), document.name));
     const std::string expected = CatalogueEntry(document);
     EXPECT_TRUE(read == expected) << ToUtf8(document.name) << FirstDifference(read, expected);
     EXPECT_TRUE(messages.messages.empty());
 }
 
 TEST(SamplesRead, StandardSet) {
-    std::size_t statements = 0;
-    for (const Document& document : SampleSet()) {
-        if (!document.name.ends_with(u".rtf")) continue;
-        ExpectReadBack(document);
-        ++statements;
-    }
-    EXPECT_GT(statements, 10u);
+    const std::vector<Document> documents = SampleSet();
+    EXPECT_GT(documents.size(), 10u);
+    for (const Document& document : documents) ExpectReadBack(document);
+}
+
+TEST(SamplesRead, AScanMakesTheirCatalogue) {
+    const TempFolder folder;
+    std::vector<Document> documents = SampleFolder(folder.path());
+    std::erase_if(documents, [](const Document& document) { return document.name.ends_with(u".xml"); });
+    const Text path = CheckXml(folder.path());
+    ASSERT_FALSE(path.empty());
+    const std::string read = WithoutIndentation(ReadFile(path));
+    const std::string expected = Catalogue(documents);
+    EXPECT_TRUE(read == expected) << FirstDifference(read, expected);
 }
 
 TEST(SamplesRead, StatementsOfEveryMake) {
@@ -85,6 +97,22 @@ TEST(SamplesRead, ActsOfEveryMake) {
                                        .letters = letters,
                                        .parts = 1 + number % 3,
                                        .seed = static_cast<std::uint64_t>(number)}));
+        }
+    }
+}
+
+TEST(SamplesRead, ActsInTheExchangeFormat) {
+    for (bool utf8 : {false, true}) {
+        for (bool sparse : {false, true}) {
+            for (int parts : {1, 2, 3}) {
+                SCOPED_TRACE(parts);
+                ExpectReadBack(MakeActXml({.name = u"акт.xml",
+                                           .all_zero = parts == 3,
+                                           .utf8 = utf8,
+                                           .sparse = sparse,
+                                           .parts = parts,
+                                           .seed = 4}));
+            }
         }
     }
 }
