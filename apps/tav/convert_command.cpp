@@ -13,12 +13,18 @@
 namespace tav::cli {
 namespace {
 
+std::string ConvertXml(const Text& folder, const Text& name) {
+    const ActEntry entry = ConvertAct(folder, name, ActSchemaPath());
+    if (entry.fault != ActFault::None) throw Failure(Text(name).append(u": ").append(entry.reason));
+    return entry.bytes;
+}
+
 std::string ConvertFile(const Text& path) {
     const Text folder = FolderOf(path);
     const Text name = NameOf(path);
     const TextView ending = Right(name, 3);
     if (EqualNoCase(ending, u"rtf")) return LoadRtfFile(folder, name);
-    if (EqualNoCase(ending, u"xml")) return LoadXMLFile(folder, name);
+    if (EqualNoCase(ending, u"xml")) return ConvertXml(folder, name);
     throw Failure(Text(u"Не rtf и не xml: ") + path);
 }
 
