@@ -69,8 +69,9 @@ void AppendTextValue(std::string& out, const Column& column, const Text& text) {
 
 void AppendBinary(std::string& out, const Column& column, const std::string& bytes) {
     if (bytes.size() > column.length) throw Failure(kFieldTooSmall).In(column.name);
-    if (column.IsFixed() || column.type == ColumnType::Guid) {
-        if (bytes.size() != column.length) throw Failure(RunTimeError::DataTypeMismatch, column.name);
+    const bool sized = column.IsFixed() || column.type == ColumnType::Guid;
+    if (sized && bytes.size() != ValueSize(column)) {
+        throw Failure(RunTimeError::DataTypeMismatch, column.name);
     }
     out += bytes;
 }
