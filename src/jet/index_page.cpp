@@ -4,7 +4,7 @@
 #include <bit>
 #include <functional>
 
-#include "common/failure.h"
+#include "jet/page_file.h"
 
 namespace tav::jet {
 
@@ -65,7 +65,7 @@ IndexPage::IndexPage(const Page& page, PageNumber number, TextView file)
 }
 
 void IndexPage::Damaged(TextView reason) const {
-    throw Failure(Text(file_) + u": index page " + Digits(number_) + u" is damaged: " + Text(reason));
+    ThrowDamaged(file_, number_, Text(u"index page: ").append(reason));
 }
 
 std::uint64_t IndexPage::MaskWord(std::size_t word) const {

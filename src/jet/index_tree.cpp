@@ -27,6 +27,10 @@ std::string EntryOf(std::string_view key, RowId row) {
     return std::string(key).append(BigEndian(row.Word()));
 }
 
+Text Named(RowId row) {
+    return u"the row on page " + Digits(row.page) + u", slot " + Digits(row.slot);
+}
+
 }  // namespace
 
 IndexTree::IndexTree(PageFile& file, const TableDefinition& table, const RealIndex& index)
@@ -62,12 +66,12 @@ bool IndexTree::HasKey(std::string_view key) {
 
 void IndexTree::Add(std::string_view key, RowId row) {
     if (key.size() > kMaxKeySize) {
-        throw Failure(file_->path() + u": a key of the index \"" + index_->name + u"\" is too long.");
+        throw Failure(u"A key is too long for the index \"" + index_->name + u"\".");
     }
     const std::string entry = EntryOf(key, row);
     Path path = Descend(entry);
     const IndexPage leaf = View(path.back().page);
-    if (leaf.Equals(path.back().place, entry)) leaf.Damaged(u"a new row has an entry already");
+    if (leaf.Equals(path.back().place, entry)) leaf.Damaged(u"there is an entry of " + Named(row));
     for (const Step& step : path) {
         if (path.back().last && !step.last) leaf.Damaged(u"it ends before the entry in the node above");
     }
@@ -131,7 +135,7 @@ void IndexTree::Remove(std::string_view key, RowId row) {
     Path path = Descend(entry);
     std::size_t level = path.size() - 1;
     IndexPageEditor page = Edit(path[level].page);
-    if (!page.Equals(path[level].place, entry)) page.Damaged(u"a row has no entry");
+    if (!page.Equals(path[level].place, entry)) page.Damaged(u"there is no entry of " + Named(row));
     page.Erase(path[level].place);
 
     if (!page.IsEmpty()) {
@@ -215,13 +219,13 @@ void IndexTree::Join(PageNumber previous, PageNumber next) {
 PageNumber IndexTree::Take() {
     const PageNumber page = AllocatePage(*file_);
     UsageMap map(*file_, index_->map);
-    if (map.Contains(page)) View(page).Damaged(u"it is called free");
+    if (map.Contains(page)) file_->Damaged(page, u"it is called free, but belongs to an index");
     map.Add(page);
     return page;
 }
 
 void IndexTree::Release(PageNumber page) {
-    if (page == index_->root) View(page).Damaged(u"the root is a child");
+    if (page == index_->root) file_->Damaged(page, u"an index's root is its own child");
     UsageMap(*file_, index_->map).Remove(page);
     FreePage(*file_, page);
 }

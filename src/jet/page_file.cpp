@@ -238,12 +238,16 @@ std::uint64_t PageFile::Rollbacks() const {
     return state_->rollbacks;
 }
 
-void PageFile::Damaged(PageNumber page, TextView reason) const {
-    throw Failure(Quoted(u"The database ", state_->path, u" is damaged (page ")
+void ThrowDamaged(TextView path, PageNumber page, TextView reason) {
+    throw Failure(Quoted(u"The database ", path, u" is damaged (page ")
                       .append(Digits(page))
                       .append(u"): ")
                       .append(reason)
                       .append(u"."));
+}
+
+void PageFile::Damaged(PageNumber page, TextView reason) const {
+    ThrowDamaged(path(), page, reason);
 }
 
 const Page& PageFile::Read(PageNumber page) {

@@ -71,4 +71,7 @@ class PageFile {
     std::unique_ptr<State> state_;
 };
 
+// The same for those who have a page's bytes alone.
+[[noreturn]] void ThrowDamaged(TextView path, PageNumber page, TextView reason);
+
 }  // namespace tav::jet

@@ -1,0 +1,82 @@
+#include "convert/code_pages.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+#include "common/text.h"
+#include "common/windows1251.h"
+
+namespace tav {
+namespace {
+
+// The characters of the bytes 0x80 to 0xFF, as far as Windows-1251 has them.
+using UpperHalf = TextView;
+
+// Of the Windows code pages without Cyrillic letters nothing but punctuation can be kept, and that is the
+// same in all of them.
+constexpr UpperHalf kWindows =
+    u"€?‚?„…†‡?‰?‹?????‘’“”•–—?™?›????\u00A0???¤?¦§?©?«¬\u00AD®?°±???µ¶·???»????"
+    u"????????????????????????????????????????????????????????????????";
+constexpr UpperHalf kDosCyrillic =
+    u"АБВГДЕЖЗИЙКЛМНОПРСТУФХЦЧШЩЪЫЬЭЮЯабвгдежзийклмноп????????????????"
+    u"????????????????????????????????рстуфхцчшщъыьэюяЁёЄєЇїЎў°?·?№¤?\u00A0";
+constexpr UpperHalf kMacRoman =
+    u"????????????????????????????????†°??§•¶?®©™??????±???µ??????????"
+    u"??¬????«»…\u00A0?????–—“”‘’?????€‹›??‡·‚„‰???????????????????????????";
+constexpr UpperHalf kMacCyrillic =
+    u"АБВГДЕЖЗИЙКЛМНОПРСТУФХЦЧШЩЪЫЬЭЮЯ†°Ґ?§•¶І®©™Ђђ?Ѓѓ?±??іµґЈЄєЇїЉљЊњ"
+    u"јЅ¬????«»…\u00A0ЋћЌќѕ–—“”‘’?„ЎўЏџ№Ёёяабвгдежзийклмнопрстуфхцчшщъыьэю€";
+constexpr UpperHalf kKoi8 =
+    u"??????????????????????????\u00A0?°?·????ё???????????????Ё???????????©"
+    u"юабцдефгхийклмнопярстужвьызшэщчъЮАБЦДЕФГХИЙКЛМНОПЯРСТУЖВЬЫЗШЭЩЧЪ";
+
+constexpr std::pair<std::int32_t, UpperHalf> kCodePages[] = {
+    {866, kDosCyrillic}, {1250, kWindows},   {1252, kWindows},      {1253, kWindows},
+    {1254, kWindows},    {1255, kWindows},   {1256, kWindows},      {1257, kWindows},
+    {1258, kWindows},    {10000, kMacRoman}, {10007, kMacCyrillic}, {20866, kKoi8},
+};
+static_assert(std::all_of(std::begin(kCodePages), std::end(kCodePages),
+                          [](const auto& page) { return page.second.size() == 128; }));
+
+constexpr std::pair<std::int32_t, std::int32_t> kCharsets[] = {
+    {0, 1252},   {2, 1252},   {77, 10000}, {161, 1253}, {162, 1254}, {163, 1258},
+    {177, 1255}, {178, 1256}, {186, 1257}, {204, 1251}, {238, 1250}, {255, 866},
+};
+
+ByteMap OwnMap() {
+    ByteMap map{};
+    for (int byte = 0x20; byte < 256; ++byte) map[static_cast<std::size_t>(byte)] = static_cast<char>(byte);
+    map['\t'] = '\t';
+    return map;
+}
+
+std::array<ByteMap, std::size(kCodePages)> OtherMaps() {
+    std::array<ByteMap, std::size(kCodePages)> maps;
+    for (std::size_t i = 0; i < maps.size(); ++i) {
+        maps[i] = OwnMap();
+        std::transform(kCodePages[i].second.begin(), kCodePages[i].second.end(), maps[i].begin() + 128,
+                       [](char16_t c) { return ToWindows1251(c); });
+    }
+    return maps;
+}
+
+}  // namespace
+
+const ByteMap& MapOfCodePage(std::int32_t code_page) {
+    static const ByteMap own = OwnMap();
+    static const auto others = OtherMaps();
+    for (std::size_t i = 0; i < others.size(); ++i) {
+        if (kCodePages[i].first == code_page) return others[i];
+    }
+    return own;
+}
+
+std::int32_t CodePageOfCharset(std::int32_t charset) {
+    for (const auto& [known, code_page] : kCharsets) {
+        if (known == charset) return code_page;
+    }
+    return 0;
+}
+
+}  // namespace tav

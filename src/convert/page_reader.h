@@ -1,0 +1,41 @@
+// A printed form, page by page, as plain text in which every frame's line tells the frame's position.
+//
+// In: the bytes of an RTF. Every "\posx" becomes " posx": the blank ends the control word before it, and the
+// position becomes the first visible text of the frame's line. The document is cut at every "\page", also
+// inside a longer word; each page is wrapped into a document of its own (code page 1251, no font table) and
+// converted for itself. A page whose text begins behind a brace, that is with "}" among the first ten
+// characters left of the document, gets the group that this brace closes.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "convert/rich_text.h"
+
+namespace tav {
+
+class PageReader {
+ public:
+    explicit PageReader(std::string document);
+    PageReader(const PageReader&) = delete;
+    PageReader& operator=(const PageReader&) = delete;
+
+    // The number of "\page" and one.
+    std::size_t pages() const { return pages_; }
+    // Whether text remains.
+    bool More() const { return !rest_.empty(); }
+    // The next page's text, Windows-1251 with CR LF; valid until the next call.
+    std::string_view Next();
+    // Whether the page last read had visible text behind its outermost closing brace, where none shows.
+    bool dropped_text() const { return converter_.dropped_text(); }
+
+ private:
+    std::string document_;
+    std::string_view rest_;
+    std::size_t pages_ = 1;
+    std::string page_;
+    RichText converter_;
+};
+
+}  // namespace tav

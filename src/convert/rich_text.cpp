@@ -1,0 +1,390 @@
+#include "convert/rich_text.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "common/windows1251.h"
+
+namespace tav {
+namespace {
+
+constexpr std::string_view kStart = "{\\rtf";
+constexpr std::size_t kFonts = 32768;
+constexpr std::int32_t kLargestNumber = 1'000'000'000;
+
+// Bytes that are text as they stand (through the code page); the others steer.
+constexpr auto kPlain = [] {
+    std::array<bool, 256> plain{};
+    for (std::size_t byte = 0x20; byte < plain.size(); ++byte) plain[byte] = true;
+    plain['\t'] = true;
+    plain['\\'] = plain['{'] = plain['}'] = false;
+    return plain;
+}();
+
+constexpr std::uint8_t kNoDigit = 255;
+
+constexpr auto kHexDigit = [] {
+    std::array<std::uint8_t, 256> digits{};
+    digits.fill(kNoDigit);
+    for (std::uint8_t i = 0; i < 10; ++i) digits['0' + i] = i;
+    for (std::uint8_t i = 0; i < 6; ++i) {
+        digits['a' + i] = digits['A' + i] = static_cast<std::uint8_t>(10 + i);
+    }
+    return digits;
+}();
+
+unsigned char Byte(char c) {
+    return static_cast<unsigned char>(c);
+}
+
+bool IsPlain(char c) {
+    return kPlain[Byte(c)];
+}
+
+bool IsLetter(char c) {
+    return static_cast<unsigned char>((c | 0x20) - 'a') < 26;
+}
+
+bool IsDigit(char c) {
+    return static_cast<unsigned char>(c - '0') < 10;
+}
+
+bool IsVisible(char c) {
+    return c != ' ' && c != '\t' && c != '\r' && c != '\n' && c != '\xA0';
+}
+
+}  // namespace
+
+RichText::RichText() : font_maps_(kFonts, nullptr) {}
+
+std::string_view RichText::Read(std::string_view document) {
+    Begin(document);
+    if (document.starts_with(kStart)) ReadAll();
+    return Finish();
+}
+
+void RichText::Begin(std::string_view document) {
+    at_ = document.data();
+    end_ = at_ + document.size();
+    if (capacity_ < document.size() + 1) {
+        capacity_ = document.size() + 1;
+        buffer_ = std::make_unique_for_overwrite<char[]>(capacity_);
+    }
+    out_ = paragraph_ = buffer_.get();
+    depth_ = 0;
+    format_ = {};
+    outer_formats_.clear();
+    for (const std::int32_t font : fonts_set_) font_maps_[static_cast<std::size_t>(font)] = nullptr;
+    fonts_set_.clear();
+    default_font_ = 0;
+    group_start_ = paragraph_mark_ = nullptr;
+    document_end_ = nullptr;
+    in_row_ = false;
+    SetDocumentMap(0);
+}
+
+std::string_view RichText::Finish() {
+    char* const end = document_end_ == nullptr ? out_ : document_end_;
+    dropped_text_ = std::any_of(end, out_, IsVisible);
+    return {buffer_.get(), static_cast<std::size_t>(end - buffer_.get())};
+}
+
+void RichText::ReadAll() {
+    while (at_ != end_) {
+        const char c = *at_;
+        if (c == '\\') {
+            ReadEscape();
+        } else if (IsPlain(c)) {
+            ReadPlain();
+        } else if (c == '{') {
+            OpenGroup();
+        } else if (c == '}') {
+            CloseGroup();
+        } else {
+            ReadLineEnd();
+        }
+    }
+}
+
+void RichText::ReadPlain() {
+    do {
+        *out_++ = (*map_)[Byte(*at_++)];
+    } while (at_ != end_ && IsPlain(*at_));
+}
+
+// A line end in the source, or a control character: neither is text, nor does it part what stands around it.
+void RichText::ReadLineEnd() {
+    if (group_start_ == at_) ++group_start_;
+    if (paragraph_mark_ == at_) ++paragraph_mark_;
+    ++at_;
+}
+
+void RichText::ReadEscape() {
+    if (end_ - at_ < 2) {
+        at_ = end_;
+    } else if (at_[1] == '\'') {
+        ReadHexBytes();
+    } else if (IsLetter(at_[1])) {
+        Apply(ReadWord());
+    } else {
+        ReadSymbol();
+    }
+}
+
+void RichText::ReadHexBytes() {
+    do {
+        const unsigned high = end_ - at_ < 4 ? kNoDigit : kHexDigit[Byte(at_[2])];
+        const unsigned low = end_ - at_ < 4 ? kNoDigit : kHexDigit[Byte(at_[3])];
+        if (high == kNoDigit || low == kNoDigit) {
+            at_ += 2;
+            return;
+        }
+        Put((*map_)[high * 16 + low]);
+        at_ += 4;
+    } while (end_ - at_ >= 2 && at_[0] == '\\' && at_[1] == '\'');
+}
+
+void RichText::ReadSymbol() {
+    const char symbol = at_[1];
+    const bool opens_group = group_start_ == at_;
+    at_ += 2;
+    switch (symbol) {
+        case '\\':
+        case '{':
+        case '}':
+        case '\t':
+            return Put(symbol);
+        case '~':
+            return Put('\xA0');
+        case '_':
+            return Put('-');
+        case '\r':
+        case '\n':
+            if (symbol == '\r' && at_ != end_ && *at_ == '\n') ++at_;
+            return EndParagraph();
+        case '*':
+            if (opens_group) PassGroup([](const Word&) {});
+            return;
+        default:
+            return;
+    }
+}
+
+// The word at its backslash, with its number and the blank that ends it.
+RichText::Word RichText::ReadWord() {
+    const char* const name = ++at_;
+    while (at_ != end_ && IsLetter(*at_)) ++at_;
+    Word word{&FindRtfWord({name, static_cast<std::size_t>(at_ - name)}), 0, false};
+
+    const bool negative = end_ - at_ >= 2 && at_[0] == '-' && IsDigit(at_[1]);
+    if (negative) ++at_;
+    while (at_ != end_ && IsDigit(*at_)) {
+        word.value = word.value < kLargestNumber / 10 ? word.value * 10 + (*at_ - '0') : kLargestNumber;
+        word.has_value = true;
+        ++at_;
+    }
+    if (negative) word.value = -word.value;
+    if (at_ != end_ && *at_ == ' ') ++at_;
+    return word;
+}
+
+void RichText::Apply(const Word& word) {
+    switch (word.known->action) {
+        case RtfAction::None:
+        case RtfAction::FontCharset:
+        case RtfAction::FontCodePage:
+            return;
+        case RtfAction::Paragraph:
+            return EndParagraph();
+        case RtfAction::Break:
+            return PutBreak();
+        case RtfAction::Character:
+            return Put(word.known->character);
+        case RtfAction::Cell:
+            return EndCell();
+        case RtfAction::Row:
+            return EndRow();
+        case RtfAction::Unicode:
+            if (word.has_value) PutUnicode(word.value);
+            return;
+        case RtfAction::UnicodeSkip:
+            if (FormatIsKept()) format_.unicode_skip = word.has_value ? std::max(word.value, 0) : 1;
+            return;
+        case RtfAction::Binary:
+            return PassBinary(word.value);
+        case RtfAction::Drop:
+            return PassGroup([](const Word&) {});
+        case RtfAction::FontTable:
+            return ReadFontTable();
+        case RtfAction::Font:
+            return SetFont(word.value);
+        case RtfAction::Plain:
+            return SetFont(default_font_);
+        case RtfAction::DefaultFont:
+            default_font_ = word.value;
+            return SetFont(default_font_);
+        case RtfAction::CodePage:
+            return SetDocumentMap(word.value);
+    }
+}
+
+void RichText::OpenGroup() {
+    if (FormatIsKept() && depth_ < kDeepest) outer_formats_.push_back(format_);
+    ++depth_;
+    group_start_ = ++at_;
+}
+
+void RichText::CloseGroup() {
+    if (depth_ == 1 && document_end_ == nullptr) {
+        if (paragraph_mark_ == at_) out_ -= 2;
+        document_end_ = paragraph_ = out_;
+    }
+    ++at_;
+    if (depth_ == 0) return;
+    if (FormatIsKept()) {
+        format_ = outer_formats_.back();
+        outer_formats_.pop_back();
+        ChooseMap();
+    }
+    --depth_;
+}
+
+template <class OnWord>
+void RichText::PassGroup(OnWord&& on_word) {
+    for (std::size_t inner = 0; at_ != end_;) {
+        const char c = *at_;
+        if (c == '}') {
+            if (inner == 0) return;
+            --inner;
+        } else if (c == '{') {
+            ++inner;
+        } else if (c == '\\') {
+            if (end_ - at_ >= 2 && IsLetter(at_[1])) {
+                const Word word = ReadWord();
+                if (word.known->action == RtfAction::Binary) PassBinary(word.value);
+                on_word(word);
+                continue;
+            }
+            if (end_ - at_ >= 2) ++at_;
+        }
+        ++at_;
+    }
+}
+
+void RichText::ReadFontTable() {
+    std::int32_t font = -1;
+    PassGroup([&](const Word& word) {
+        std::int32_t code_page = 0;
+        switch (word.known->action) {
+            case RtfAction::Font:
+                font = word.value;
+                return;
+            case RtfAction::FontCharset:
+                code_page = CodePageOfCharset(word.value);
+                break;
+            case RtfAction::FontCodePage:
+                code_page = word.value;
+                break;
+            default:
+                return;
+        }
+        if (code_page <= 0 || font < 0 || static_cast<std::size_t>(font) >= kFonts) return;
+        const ByteMap*& map = font_maps_[static_cast<std::size_t>(font)];
+        if (map == nullptr) fonts_set_.push_back(font);
+        map = &MapOfCodePage(code_page);
+    });
+    ChooseMap();
+}
+
+// Behind \u stands what readers without Unicode show: so many characters, each of them plain, \'xx or a
+// whole control word. A brace ends it.
+void RichText::PassUnicodeFallback() {
+    for (std::int32_t left = format_.unicode_skip; left > 0 && at_ != end_ && *at_ != '{' && *at_ != '}';) {
+        if (*at_ != '\\') {
+            if (IsPlain(*at_)) --left;
+            ++at_;
+            continue;
+        }
+        --left;
+        if (end_ - at_ < 2) {
+            at_ = end_;
+        } else if (IsLetter(at_[1])) {
+            const Word word = ReadWord();
+            if (word.known->action == RtfAction::Binary) PassBinary(word.value);
+        } else {
+            const bool hex = at_[1] == '\'' && end_ - at_ >= 4 && kHexDigit[Byte(at_[2])] != kNoDigit &&
+                             kHexDigit[Byte(at_[3])] != kNoDigit;
+            at_ += hex ? 4 : 2;
+        }
+    }
+}
+
+void RichText::PassBinary(std::int32_t size) {
+    at_ += std::min<std::ptrdiff_t>(std::max(size, 0), end_ - at_);
+}
+
+// Byte 0 stands for no character.
+void RichText::Put(char byte) {
+    *out_ = byte;
+    if (byte != 0) ++out_;
+}
+
+void RichText::PutBreak() {
+    *out_++ = '\r';
+    *out_++ = '\n';
+    paragraph_ = out_;
+}
+
+void RichText::EndParagraph() {
+    PutBreak();
+    paragraph_mark_ = at_;
+}
+
+// Numbers above 32767 are often written as negative ones. A character beyond 16 bits comes as two halves and
+// shows once, with its first half.
+void RichText::PutUnicode(std::int32_t number) {
+    if (number < 0) number += 65536;
+    const bool second_half = number >= 0xDC00 && number <= 0xDFFF;
+    if (number < 0 || number > 0xFFFF) {
+        Put('?');
+    } else if (!second_half && (number >= 0x20 || number == '\t')) {
+        Put(ToWindows1251(static_cast<char16_t>(number)));
+    }
+    PassUnicodeFallback();
+}
+
+void RichText::EndCell() {
+    if (!in_row_) {
+        std::memmove(paragraph_ + 2, paragraph_, static_cast<std::size_t>(out_ - paragraph_));
+        paragraph_[0] = '\r';
+        paragraph_[1] = '\n';
+        paragraph_ += 2;
+        out_ += 2;
+        in_row_ = true;
+    }
+    Put('\t');
+}
+
+void RichText::EndRow() {
+    PutBreak();
+    in_row_ = false;
+}
+
+void RichText::SetFont(std::int32_t font) {
+    if (!FormatIsKept()) return;
+    format_.font = font;
+    ChooseMap();
+}
+
+void RichText::SetDocumentMap(std::int32_t code_page) {
+    document_map_ = &MapOfCodePage(code_page);
+    ChooseMap();
+}
+
+void RichText::ChooseMap() {
+    const bool listed = format_.font >= 0 && static_cast<std::size_t>(format_.font) < kFonts;
+    const ByteMap* const own = listed ? font_maps_[static_cast<std::size_t>(format_.font)] : nullptr;
+    map_ = own == nullptr ? document_map_ : own;
+}
+
+}  // namespace tav

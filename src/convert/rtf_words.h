@@ -1,0 +1,40 @@
+// The control words of RTF that matter for the plain text, and what each of them does.
+//
+// Names and meanings: the Rich Text Format specification 1.9.1 and what a rich-text control makes of them.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace tav {
+
+enum class RtfAction : std::uint8_t {
+    None,         // unknown words: formatting
+    Paragraph,    // a line break, which the closing brace of the document takes back
+    Break,        // a line break
+    Character,    // one character of text
+    Cell,         // the end of a table cell
+    Row,          // the end of a table row
+    Unicode,      // a character by its number
+    UnicodeSkip,  // how many items stand behind it for readers that know no Unicode
+    Binary,       // so many raw bytes follow
+    Drop,         // the rest of the group is not text
+    FontTable,    // neither is this; it gives the fonts' charsets
+    Font,
+    FontCharset,
+    FontCodePage,
+    Plain,
+    DefaultFont,
+    CodePage,
+};
+
+struct RtfWord {
+    std::string_view name;
+    RtfAction action = RtfAction::None;
+    char character = 0;  // Windows-1251
+};
+
+// The word of that name, of one letter at least; one with the action None when there is none.
+const RtfWord& FindRtfWord(std::string_view name);
+
+}  // namespace tav

@@ -1,0 +1,68 @@
+// The child elements of a head, a row or an act's body as columns of a table with their texts.
+//
+// An element's name becomes a column's by keeping its first letter and the number behind it without leading
+// zeros: h01 is h1, p0211 is p211; a name without a number (perb, pere) is its own column. An element that
+// occurs twice gives one column, at the place of its first occurrence: the texts joined with one blank; in a
+// number or date column the last text that converts, or the last one if none does.
+#pragma once
+
+#include <deque>
+#include <span>
+#include <unordered_map>
+#include <vector>
+
+#include "common/text.h"
+
+namespace tav {
+
+enum class CatalogueTable { Header, Operations, Acts };
+
+// What is known of an element name: made once, used for every row.
+struct CatalogueColumn {
+    enum class Kind { Words, Amount, Day };
+
+    Text element;  // "p01"
+    Text column;   // "p1"
+    Kind kind = Kind::Words;
+    std::size_t position = 0;    // in the values being collected
+    std::size_t collection = 0;  // the number of the collection that `position` belongs to
+
+    // What stands behind the first letter of the element: "01".
+    TextView digits() const { return TextView(element).substr(1); }
+};
+
+// Collects the values of one row after another; the memory is used again.
+class ColumnValues {
+ public:
+    struct Item {
+        const CatalogueColumn* column = nullptr;
+        Text text;
+    };
+
+    explicit ColumnValues(CatalogueTable table) : table_(table) {}
+
+    // Forgets the values.
+    void Clear();
+    void Add(TextView element, TextView text);
+    std::span<const Item> items() const { return {items_.data(), count_}; }
+
+ private:
+    struct Hash {
+        using is_transparent = void;
+        std::size_t operator()(TextView text) const { return std::hash<TextView>()(text); }
+    };
+    using Columns = std::unordered_map<Text, CatalogueColumn, Hash, std::equal_to<>>;
+
+    CatalogueColumn& ColumnOf(TextView element);
+
+    CatalogueTable table_;
+    Columns columns_;
+    std::vector<Item> items_;
+    std::size_t count_ = 0;
+    std::size_t collection_ = 1;
+};
+
+// The column name of an element.
+Text ColumnName(TextView element);
+
+}  // namespace tav

@@ -1,0 +1,74 @@
+#include "jet/sql_collation.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <new>
+
+#include "common/failure.h"
+#include "common/regional.h"
+#include "jet/sql_value.h"
+
+namespace tav::jet {
+namespace {
+
+// Twice the character, so that a letter that has no place of its own fits between two others.
+unsigned Weight(char16_t c) {
+    const char16_t upper = UpperChar(c);
+    return upper == u'Ё' ? 2U * u'Е' + 1 : 2U * upper;
+}
+
+TextView WithoutTrailingBlanks(TextView text) {
+    return text.substr(0, text.find_last_not_of(u' ') + 1);
+}
+
+TextView FromBytes(const void* text, int bytes) {
+    return {static_cast<const char16_t*>(text), static_cast<std::size_t>(bytes) / sizeof(char16_t)};
+}
+
+int CollateBytes(void*, int a_size, const void* a, int b_size, const void* b) {
+    return Collate(FromBytes(a, a_size), FromBytes(b, b_size));
+}
+
+// ucase(x)
+void UpperCaseFunction(sqlite3_context* context, int, sqlite3_value** arguments) {
+    if (sqlite3_value_type(arguments[0]) == SQLITE_NULL) return;
+    try {
+        SetResult(context, UpperCase(ValueText(FromSqlite(arguments[0]))));
+    } catch (const std::bad_alloc&) {
+        sqlite3_result_error_nomem(context);
+    }
+}
+
+}  // namespace
+
+int Collate(TextView a, TextView b) {
+    a = WithoutTrailingBlanks(a);
+    b = WithoutTrailingBlanks(b);
+    const std::size_t common = std::min(a.size(), b.size());
+    for (std::size_t i = 0; i < common; ++i) {
+        if (a[i] == b[i]) continue;
+        const unsigned x = Weight(a[i]);
+        const unsigned y = Weight(b[i]);
+        if (x != y) return x < y ? -1 : 1;
+    }
+    if (a.size() == b.size()) return 0;
+    return a.size() < b.size() ? -1 : 1;
+}
+
+std::uint64_t CollationHash(TextView text) {
+    std::uint64_t hash = 0xCBF29CE484222325;
+    for (const char16_t c : WithoutTrailingBlanks(text)) hash = (hash ^ UpperChar(c)) * 0x100000001B3;
+    return hash;
+}
+
+void AddDialect(sqlite3* database) {
+    const int collation =
+        sqlite3_create_collation(database, kCollation, SQLITE_UTF16LE, nullptr, &CollateBytes);
+    const int function = sqlite3_create_function(database, "ucase", 1,
+                                                 SQLITE_UTF16LE | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS,
+                                                 nullptr, &UpperCaseFunction, nullptr, nullptr);
+    if (collation != SQLITE_OK || function != SQLITE_OK) throw Failure(RunTimeError::OutOfMemory);
+}
+
+}  // namespace tav::jet

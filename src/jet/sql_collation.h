@@ -1,0 +1,24 @@
+// How texts compare: without regard to letter case and to trailing blanks. Order is that of the upper-cased
+// characters, with the letter Ё directly behind Е.
+#pragma once
+
+#include <cstdint>
+
+#include "common/text.h"
+
+struct sqlite3;
+
+namespace tav::jet {
+
+// The name the collation and its texts' columns have in SQLite.
+inline constexpr const char* kCollation = "jet";
+
+// < 0, 0, > 0.
+int Collate(TextView a, TextView b);
+// Texts that compare equal have equal hashes.
+std::uint64_t CollationHash(TextView text);
+
+// Gives a SQLite connection the collation, and the functions of the dialect that it lacks.
+void AddDialect(sqlite3* database);
+
+}  // namespace tav::jet

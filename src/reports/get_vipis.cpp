@@ -1,0 +1,29 @@
+#include "reports/get_vipis.h"
+
+#include "reports/page.h"
+#include "reports/statement_page.h"
+
+namespace tav {
+namespace {
+
+Text StatementOf(TextView database, std::int32_t id) {
+    Connection connection;
+    connection.CursorLocation = 3;
+    connection.OpenForReading(ConnectionString(database));
+    SqlText sql(u"select * from tav_operations_header where id=");
+    Recordset headers = connection.Execute(sql.Number(id).Fixed(u" order by perb"));
+    return StatementPage(connection, headers);
+}
+
+}  // namespace
+
+Text GetVipis(TextView database, std::int32_t id, TextView export_folder) {
+    return GuardedReport(u"Ошибка в функции GetVipis", database, [&](Text& file) {
+        const Text page = StatementOf(database, id);
+        file = ReportPath(export_folder, u"vipis.doc");
+        WriteReport(file, page);
+        return file;
+    });
+}
+
+}  // namespace tav

@@ -1,0 +1,57 @@
+#include "reports/page.h"
+
+#include "common/guard.h"
+#include "common/windows1251.h"
+#include "platform/environment.h"
+#include "platform/files.h"
+
+namespace tav {
+namespace {
+
+constexpr TextView kPageStart =
+    u"<html><meta http-equiv=\"Content-Type\" content=\"text/html; charset=windows-1251\">"
+    u"<style>td { font-size: 12px; }"
+    u"@page Section1{size:841.9pt 595.3pt; mso-page-orientation:landscape; margin:1.0cm 1.0cm 1.0cm 1.0cm;} "
+    u"div.Section1{page:Section1;}</style>"
+    u"<div class=Section1><table border=0 width=100%>";
+constexpr TextView kTableStart =
+    u"</table><br><table border=2 style=\"border-collapse: collapse;\" cellspacing=0 cellpadding=0>";
+constexpr TextView kPageEnd = u"</table>\r\n";
+
+constexpr TextView kExtension = u".doc";
+
+}  // namespace
+
+Text Page(TextView heading, TextView rows) {
+    Text page;
+    page.reserve(kPageStart.size() + heading.size() + kTableStart.size() + rows.size() + kPageEnd.size());
+    return page.append(kPageStart).append(heading).append(kTableStart).append(rows);
+}
+
+Text ReportPath(TextView folder, TextView name) {
+    Text path = WithSeparator(folder).append(name);
+    if (!FileExists(path)) return path;
+    path.resize(path.size() - kExtension.size());
+    return path.append(Digits(Now().time.second, 2)).append(kExtension);
+}
+
+void WriteReport(TextView path, TextView page) {
+    MakeFolders(path);
+    WriteFileWhole(path, ToWindows1251(page).append(ToWindows1251(kPageEnd)));
+}
+
+Text GuardedReport(TextView title, TextView database, const std::function<Text(Text& file)>& body) {
+    Text file(database);
+    Text written;
+    GuardedBy([&] { written = body(file); },
+              [&](const Failure& failure) {
+                  if (failure.error() == RunTimeError::PermissionDenied) {
+                      ShowFileInUse(file);
+                  } else {
+                      ShowFailure(title, failure);
+                  }
+              });
+    return written;
+}
+
+}  // namespace tav

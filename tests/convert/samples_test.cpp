@@ -1,0 +1,150 @@
+// The sample documents themselves: what tests and measurements elsewhere take for granted about them.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+#include <stdexcept>
+
+#include "common/windows1251.h"
+#include "platform/files.h"
+#include "samples/generator.h"
+#include "support/support.h"
+
+namespace tav::samples {
+namespace {
+
+const Text* Find(const Fields& fields, std::string_view name) {
+    const auto at =
+        std::find_if(fields.begin(), fields.end(), [&](const auto& field) { return field.first == name; });
+    return at == fields.end() ? nullptr : &at->second;
+}
+
+// "-1 234.50" with U+00A0 is -123450.
+long long Kopecks(const Text& text) {
+    std::string digits;
+    for (char16_t c : text)
+        if (c == u'-' || (c >= u'0' && c <= u'9')) digits += static_cast<char>(c);
+    return std::stoll(digits);
+}
+
+std::size_t KindOf(const Text& payment) {
+    return payment == u"налог" ? 0 : payment == u"пеня" ? 1 : 2;
+}
+
+TEST(Samples, SameOptionsSameBytes) {
+    EXPECT_EQ(MakeStatement({}).bytes, MakeStatement({}).bytes);
+    EXPECT_NE(MakeStatement({}).bytes, MakeStatement({.seed = 2}).bytes);
+    EXPECT_EQ(MakeActRtf({}).bytes, MakeActRtf({}).bytes);
+    EXPECT_NE(MakeActXml({}).bytes, MakeActXml({.seed = 2}).bytes);
+}
+
+TEST(Samples, StatementAddsUp) {
+    const Part part = MakeStatement({.rows = 200, .seed = 5}).parts.at(0);
+    const Text begin = u"Сальдо на 01.01.2010";
+    const Text end = u"Сальдо на 31.12.2010";
+    Sums sums;
+    for (const Fields& row : part.rows) {
+        if (row.empty()) continue;  // the numbering line
+        const std::size_t kind = KindOf(*Find(row, "p09"));
+        const long long balance = Kopecks(*Find(row, "p13"));
+        if (*Find(row, "p03") == begin) sums.opening[kind] += balance;
+        if (*Find(row, "p03") == end) sums.closing[kind] += balance;
+        if (!Find(row, "p01")) continue;
+        sums.charged[kind] += Kopecks(*Find(row, "p10"));
+        sums.paid[kind] += Kopecks(*Find(row, "p11"));
+        EXPECT_EQ(balance, sums.opening[kind] + sums.paid[kind] - sums.charged[kind]);
+    }
+    EXPECT_EQ(sums.opening, part.sums.opening);
+    EXPECT_EQ(sums.charged, part.sums.charged);
+    EXPECT_EQ(sums.paid, part.sums.paid);
+    EXPECT_EQ(sums.closing, part.sums.closing);
+    for (std::size_t kind = 0; kind < 3; ++kind) {
+        EXPECT_NE(sums.charged[kind], 0);
+        EXPECT_EQ(sums.closing[kind], sums.opening[kind] + sums.paid[kind] - sums.charged[kind]);
+    }
+}
+
+TEST(Samples, PeriodOverTheYearEndHasItsBalances) {
+    const Part part = MakeStatement({.period = {{2010, 10, 1}, {2011, 3, 31}}}).parts.at(0);
+    std::multiset<Text> balances;
+    for (const Fields& row : part.rows)
+        if (!row.empty() && !Find(row, "p01")) balances.insert(*Find(row, "p03"));
+    EXPECT_EQ(balances.count(u"Сальдо на 01.10.2010"), 3u);
+    EXPECT_EQ(balances.count(u"Сальдо на 01.01.2011"), 3u);
+    EXPECT_EQ(balances.count(u"Сальдо на 31.03.2011"), 3u);
+}
+
+TEST(Samples, AllZeroHasNoOtherAmount) {
+    std::size_t amounts = 0;
+    for (const Part& part :
+         {MakeStatement({.all_zero = true}).parts.at(0), MakeActRtf({.all_zero = true}).parts.at(0)}) {
+        for (const Fields& row : part.rows) {
+            for (const auto& [name, text] : row) {
+                if (part.type == u"выписка" && name < "p10") continue;
+                EXPECT_EQ(text, u"0.00") << name;
+                ++amounts;
+            }
+        }
+    }
+    EXPECT_GT(amounts, 150u);
+}
+
+TEST(Samples, ActsHaveTheSameLinesInTheirOwnOrder) {
+    Fields printed = MakeActRtf({.seed = 3}).parts.at(0).rows.at(0);
+    Fields exchanged = MakeActXml({.seed = 3}).parts.at(0).rows.at(0);
+    ASSERT_EQ(printed.size(), 101u);
+    const auto place = [](const Fields& fields, std::string_view name) {
+        return std::find_if(fields.begin(), fields.end(),
+                            [&](const auto& field) { return field.first == name; }) -
+               fields.begin();
+    };
+    EXPECT_LT(place(printed, "p0032"), place(printed, "p3142"));
+    EXPECT_LT(place(exchanged, "p3142"), place(exchanged, "p0032"));
+    for (auto& [name, text] : printed) text = ReplaceAll(text, u"\u00A0", u"");
+    std::sort(printed.begin(), printed.end());
+    std::sort(exchanged.begin(), exchanged.end());
+    EXPECT_EQ(printed, exchanged);
+}
+
+TEST(Samples, StandardSetIsFitForAFolder) {
+    const std::vector<Document> documents = SampleSet();
+    std::set<Text> names;
+    for (const Document& document : documents) {
+        EXPECT_TRUE(IsWindows1251(document.name));
+        EXPECT_TRUE(names.insert(document.name).second);
+        for (const Document& other : documents)
+            EXPECT_TRUE(&other == &document || !other.name.ends_with(document.name)) << ToUtf8(document.name);
+        // Nothing in a value that would break the catalogue or an SQL literal.
+        for (const Part& part : document.parts) {
+            std::vector<Fields> all = part.rows;
+            all.push_back(part.head);
+            for (const Fields& fields : all)
+                for (const auto& [name, text] : fields)
+                    EXPECT_EQ(text.find_first_of(u"&<'"), Text::npos) << name << ToUtf8(text);
+        }
+    }
+    EXPECT_TRUE(std::is_sorted(documents.begin(), documents.end(), [](const Document& a, const Document& b) {
+        return CompareNoCase(a.name, b.name) < 0;
+    }));
+}
+
+TEST(Samples, ManyFilesAreDistinct) {
+    const test::TempFolder folder;
+    ManyFiles(folder.path(), 30);
+    const std::vector<Text> names = ListFiles(folder.path(), u".rtf");
+    EXPECT_EQ(names.size(), 30u);
+    std::set<std::string> contents;
+    for (const Text& name : names) contents.insert(ReadFile(folder / name));
+    EXPECT_EQ(contents.size(), 30u);
+}
+
+TEST(Samples, BadOptionsAreRefused) {
+    EXPECT_THROW(MakeStatement({.rows = -1}), std::invalid_argument);
+    EXPECT_THROW(MakeStatement({.layout = 3}), std::invalid_argument);
+    EXPECT_THROW(MakeStatement({.period = {{2011, 1, 1}, {2010, 12, 31}}}), std::invalid_argument);
+    EXPECT_THROW(MakeActRtf({.drawn_up = {2011, 2, 30}}), std::invalid_argument);
+    EXPECT_THROW(MakeActXml({.parts = 0}), std::invalid_argument);
+}
+
+}  // namespace
+}  // namespace tav::samples

@@ -1,0 +1,111 @@
+#include "db/literals.h"
+
+#include <gmock/gmock.h>
+
+#include "db/column_values.h"
+#include "support/support.h"
+
+namespace tav {
+namespace {
+
+const Date kFirstOfMay2011{40664};
+
+TEST(Literals, TurnNullIntoNothing) {
+    EXPECT_EQ(isn(Null()), Value(std::int64_t{0}));
+    EXPECT_EQ(isn(Text(u"7")), Value(Text(u"7")));
+    EXPECT_EQ(isns(Null()), u"");
+    EXPECT_EQ(isns(12.5), u"12,5");
+    EXPECT_EQ(isns(kFirstOfMay2011), u"01.05.2011");
+}
+
+TEST(Literals, QuoteAsTheyStand) {
+    EXPECT_EQ(sns(u""), u"Null");
+    EXPECT_EQ(sns(u"a'b"), u"'a'b'");
+    EXPECT_EQ(snsi(u""), u"Null");
+    EXPECT_EQ(snsi(u"-"), u"Null");
+    EXPECT_EQ(snsi(u"0"), u"0");
+    EXPECT_EQ(snsi(u"-5"), u"-5");
+}
+
+TEST(Literals, WriteNumbersTheRegionalWay) {
+    EXPECT_EQ(ToLocalNumber(u"1\u00A0234.50"), u"1234,50");
+    EXPECT_EQ(ToLocalNumber(u"1 234.50"), u"1 234,50");
+    EXPECT_EQ(ToLocalNumber(u"-1.2.3"), u"-1,2,3");
+    EXPECT_EQ(ToLocalNumber(u""), u"");
+}
+
+struct BetweenCase {
+    TextView date;
+    TextView mode;
+    bool result;
+    TextView rewritten;
+};
+
+TEST(DateBetween, RemembersTheRangeOfTheLastComparison) {
+    const test::MessageList shown;
+    const BetweenCase cases[] = {
+        {u"30.12.1899", u"29.12.1899", false, u"30.12.1899"},
+        {u"01.02.2011", u"", false, u"01.02.2011"},
+        {u"", u"01.01.2011", false, u""},
+        {u"01.03.2011", u"-1", false, u"28.02.2011"},
+        {u"31.12.2011", u"31.12.2011", false, u"31.12.2011"},
+        {u"31.12.2011", u"", true, u"31.12.2011"},
+        {u"01.01.2011", u"31.03.2011", true, u"01.01.2011"},
+        {u"", u"", false, u""},
+        {u"01.01.2011", u"", true, u"01.01.2011"},
+        {u"31.03.2011", u"", true, u"31.03.2011"},
+        {u"01.04.2011", u"", false, u"01.04.2011"},
+        {u"15.02.2011", u"-", true, u"31.12.2010"},
+        {u"15.02.2011", u"+", true, u"01.04.2011"},
+        {u"15.02.2012", u"+", false, u"15.02.2012"},
+    };
+    for (const BetweenCase& c : cases) {
+        Text date(c.date);
+        EXPECT_EQ(datebetween(date, c.mode), c.result) << ToUtf8(c.date) << " " << ToUtf8(c.mode);
+        EXPECT_EQ(date, c.rewritten) << ToUtf8(c.date) << " " << ToUtf8(c.mode);
+    }
+    EXPECT_TRUE(shown.messages.empty());
+}
+
+TEST(DateBetween, ShowsWhatIsNoDate) {
+    const test::MessageList shown;
+    Text date = u"вчера";
+    EXPECT_FALSE(datebetween(date, u"01.01.2011"));
+    EXPECT_THAT(shown.messages,
+                testing::ElementsAre(Message{u"Ошибка в функции datebetween", u"Type mismatch: вчера\r\n"}));
+}
+
+TEST(ColumnValues, NameColumnsByElements) {
+    for (const auto& [element, column] :
+         std::initializer_list<std::pair<TextView, TextView>>{{u"h01", u"h1"},
+                                                              {u"p0211", u"p211"},
+                                                              {u"p10", u"p10"},
+                                                              {u"p00", u"p0"},
+                                                              {u"perb", u"perb"},
+                                                              {u"pere", u"pere"},
+                                                              {u"p", u"p"},
+                                                              {u"p-5", u"p-5"},
+                                                              {u"p1.5", u"p1.5"}}) {
+        EXPECT_EQ(ColumnName(element), column);
+    }
+}
+
+TEST(ColumnValues, JoinWhatOccursTwice) {
+    ColumnValues row(CatalogueTable::Operations);
+    for (int round = 0; round < 2; ++round) {
+        row.Clear();
+        const std::pair<TextView, TextView> elements[] = {
+            {u"p04", u"Платежное"}, {u"p10", u"5.00"},       {u"p01", u"01.02.2011"}, {u"p04", u"поручение"},
+            {u"p10", u"итого"},     {u"p01", u"02.02.2011"}, {u"p13", u"x"},          {u"p13", u"y"},
+        };
+        for (const auto& [element, text] : elements) row.Add(element, text);
+        std::vector<std::pair<Text, Text>> values;
+        for (const auto& item : row.items()) values.emplace_back(item.column->column, item.text);
+        EXPECT_THAT(values, testing::ElementsAre(
+                                testing::Pair(u"p4", u"Платежное поручение"), testing::Pair(u"p10", u"5.00"),
+                                testing::Pair(u"p1", u"02.02.2011"), testing::Pair(u"p13", u"y")));
+    }
+}
+
+}  // namespace
+}  // namespace tav
