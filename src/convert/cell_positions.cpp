@@ -1,30 +1,57 @@
 #include "convert/cell_positions.h"
 
 #include <algorithm>
-#include <iterator>
+#include <cstddef>
+#include <vector>
 
 namespace tav {
 
-const CellPosition kCellPositions[27] = {
-    {"posx612", "##<p01>"},   {"posx1542", "##<p02>"},    {"posx597", "##<p01>"},    {"posx1557", "##<p02>"},
-    {"posx2427", "##<p03>"},  {"posx3417", "##<p04>"},    {"posx4317", "##<p05>"},   {"posx5097", "##<p06>"},
-    {"posx6027", "##<p07>"},  {"posx6957", "##<p08>"},    {"posx7902", "##<p09>"},   {"posx8682", "##<p10>"},
-    {"posx9927", "##<p11>"},  {"posx11157", "##<p12>"},   {"posx12327", "##<p13>"},  {"posx13707", "##<p14>"},
-    {"posx3747", "##v<h@@>"}, {"posx642", "##<p00>"},     {"posx10377", "##v<h@@>"}, {"posx6222", "##v<h@@>"},
-    {"posx627", "##a<h@@>"},  {"posx5457", "##a<p@@@@>"}, {"posx4302", "##<p05>"},   {"posx5082", "##<p06>"},
-    {"posx9942", "##<p11>"},  {"posx8697", "##<p10>"},    {"posx", "##|"},
+const CellPosition kCellPositions[26] = {
+    {612, "##<p01>"},   {1542, "##<p02>"},    {597, "##<p01>"},  {1557, "##<p02>"},   {2427, "##<p03>"},
+    {3417, "##<p04>"},  {4317, "##<p05>"},    {5097, "##<p06>"}, {6027, "##<p07>"},   {6957, "##<p08>"},
+    {7902, "##<p09>"},  {8682, "##<p10>"},    {9927, "##<p11>"}, {11157, "##<p12>"},  {12327, "##<p13>"},
+    {13707, "##<p14>"}, {3747, "##v<h@@>"},   {642, "##<p00>"},  {10377, "##v<h@@>"}, {6222, "##v<h@@>"},
+    {627, "##a<h@@>"},  {5457, "##a<p@@@@>"}, {4302, "##<p05>"}, {5082, "##<p06>"},   {9942, "##<p11>"},
+    {8697, "##<p10>"},
 };
+
+namespace {
+
+constexpr std::string_view kFrame = "posx";
+constexpr std::string_view kUnknownPosition = "##|";
+constexpr std::size_t kMostDigits = 5;
+
+// The tag of each position; empty where the table has none.
+const std::vector<std::string_view> kTagOfTwips = [] {
+    std::vector<std::string_view> tags(100'000);
+    for (const CellPosition& position : kCellPositions) tags[position.twips] = position.tag;
+    return tags;
+}();
+
+// The tag of the position whose digits begin the text; takes those digits from it.
+std::string_view TakePosition(std::string_view& text) {
+    std::size_t twips = 0;
+    for (std::size_t i = 0; i < std::min(kMostDigits, text.size()); ++i) {
+        const auto digit = static_cast<unsigned char>(text[i] - '0');
+        if (digit > 9 || (i == 0 && digit == 0)) break;
+        twips = twips * 10 + digit;
+        if (!kTagOfTwips[twips].empty()) {
+            text.remove_prefix(i + 1);
+            return kTagOfTwips[twips];
+        }
+    }
+    return kUnknownPosition;
+}
+
+}  // namespace
 
 std::string ReplaceCellPositions(std::string_view text) {
     std::string out;
     out.reserve(text.size() + text.size() / 8);
-    const std::string_view frame = std::prev(std::end(kCellPositions))->frame;
-    for (std::size_t at; (at = text.find(frame)) != text.npos;) {
-        const CellPosition& position = *std::find_if(
-            std::begin(kCellPositions), std::end(kCellPositions),
-            [rest = text.substr(at)](const CellPosition& p) { return rest.starts_with(p.frame); });
-        out.append(text.substr(0, at)).append(position.tag);
-        text.remove_prefix(at + position.frame.size());
+    for (std::size_t at; (at = text.find(kFrame)) != text.npos;) {
+        out.append(text.substr(0, at));
+        text.remove_prefix(at + kFrame.size());
+        out.append(TakePosition(text));
     }
     return out.append(text);
 }

@@ -5,22 +5,23 @@
 // behind the tag.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace tav {
 
 struct CellPosition {
-    std::string_view frame;
+    std::size_t twips;
     std::string_view tag;
 };
 
-// The table in the order in which it is defined to apply: one replacement of every occurrence after the
-// other, over the whole text.
-extern const CellPosition kCellPositions[27];
+// The table in the order in which it is defined to apply: every "posx" with these digits behind it is
+// replaced over the whole text, then the next line's; at last every "posx" left becomes "##|".
+extern const CellPosition kCellPositions[26];
 
-// What those replacements make of the text, in one pass. No frame text begins with another one, and no tag
-// can become part of a frame text, so each "posx" is decided by the digits that follow it alone.
+// What those replacements make of the text, in one pass. No position's digits begin with another's, and no
+// tag can become part of a "posx", so each "posx" is decided by the digits that follow it alone.
 std::string ReplaceCellPositions(std::string_view text);
 
 }  // namespace tav

@@ -1,7 +1,9 @@
 #include "convert/rtf_words.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <iterator>
 #include <stdexcept>
 
 namespace tav {
@@ -57,23 +59,25 @@ constexpr RtfWord kWords[] = {
 
 constexpr std::size_t kSlots = 256;
 
-// With this factor no two words above share a slot: found by trial, kept true by the compiler below.
-constexpr std::uint32_t kFactor = 29;
-
+// With these factors no two words above share a slot: found by trial, kept true by the compiler below.
 constexpr std::size_t Slot(std::string_view name) {
-    std::uint32_t hash = 0;
-    for (const char letter : name) hash = hash * kFactor + static_cast<unsigned char>(letter);
-    return (hash >> 4 ^ hash) % kSlots;
+    const std::size_t last = name.size() - 1;
+    const auto letter = [&](std::size_t at) -> std::size_t { return static_cast<unsigned char>(name[at]); };
+    return (letter(0) * 37 + letter(std::min<std::size_t>(1, last)) * 7 +
+            letter(std::min<std::size_t>(2, last)) * 46 + letter(last) * 42 + last) %
+           kSlots;
 }
 
-constexpr auto kTable = [] {
-    std::array<RtfWord, kSlots> table{};
-    for (const RtfWord& word : kWords) {
-        RtfWord& slot = table[Slot(word.name)];
-        if (!slot.name.empty()) throw std::logic_error("two words share a slot");
-        slot = word;
+// The number of the slot's word, counting from 1; 0 for most slots, so that most unknown words are told by
+// one look into these few bytes.
+constexpr auto kSlotWords = [] {
+    std::array<std::uint8_t, kSlots> words{};
+    for (std::uint8_t i = 0; i < std::size(kWords); ++i) {
+        std::uint8_t& slot = words[Slot(kWords[i].name)];
+        if (slot != 0) throw std::logic_error("two words share a slot");
+        slot = static_cast<std::uint8_t>(i + 1);
     }
-    return table;
+    return words;
 }();
 
 constexpr RtfWord kUnknown{};
@@ -81,8 +85,8 @@ constexpr RtfWord kUnknown{};
 }  // namespace
 
 const RtfWord& FindRtfWord(std::string_view name) {
-    const RtfWord& word = kTable[Slot(name)];
-    return word.name == name ? word : kUnknown;
+    const std::uint8_t number = kSlotWords[Slot(name)];
+    return number != 0 && kWords[number - 1].name == name ? kWords[number - 1] : kUnknown;
 }
 
 }  // namespace tav

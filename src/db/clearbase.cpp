@@ -12,18 +12,11 @@ using Statements = std::array<SqlText, 3>;
 
 // The full clear reports under the same name as the clear of one taxpayer.
 void Clear(TextView database, const Statements& statements) {
-    const auto body = [&] {
+    Guarded(u"Ошибка в функции clearbase", [&] {
         Connection connection;
         connection.Open(ConnectionString(database));
         for (const SqlText& statement : statements) connection.Execute(statement);
         connection.Close();
-    };
-    GuardedBy(body, [&](const Failure& failure) {
-        if (failure.error() == RunTimeError::PermissionDenied) {
-            ShowFileInUse(database);
-        } else {
-            ShowFailure(u"Ошибка в функции clearbase", failure);
-        }
     });
 }
 

@@ -1,7 +1,6 @@
 // Emptying the database: one taxpayer's documents, or all. The dictionary of operation types is kept by both.
 //
-// A failure is shown under "clearbase", by both; a database that somebody else holds gives the file-in-use
-// message. What was deleted before the failure stays deleted.
+// A failure is shown under "clearbase", by both. What was deleted before it stays deleted.
 #pragma once
 
 #include "common/text.h"

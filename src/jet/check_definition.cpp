@@ -107,17 +107,18 @@ bool DefinitionCheck::ReadChain() {
             return true;
         }
         if (!context_.Claim(next, owner)) {
-            if (next == page_) return false;
+            if (table_.definition.pages.empty()) return false;
             Error(9, u"its pages lead to page " + Digits(next) + u", which is not its own");
             return true;
         }
         const Page& page = context_.At(next);
         if (page[0] != static_cast<std::uint8_t>(PageType::TableDefinition)) {
             Error(9, u"page " + Digits(next) + u" of the definition is of another type");
-            return next != page_;
+            return !table_.definition.pages.empty();
         }
         CheckByteOne(context_, next, table_.place);
-        bytes_.insert(bytes_.end(), page.begin() + (next == page_ ? 0 : kPageHeader), page.end());
+        bytes_.insert(bytes_.end(), page.begin() + (table_.definition.pages.empty() ? 0 : kPageHeader),
+                      page.end());
         table_.definition.pages.push_back(next);
         next = U32(&page[4]);
         if (next == 0) return true;

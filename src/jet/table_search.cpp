@@ -231,6 +231,17 @@ void TableSearch::Inserted(std::span<const Value> row, RowId id) {
     for (const auto& hash : hashes_) hash->Add(row, id);
 }
 
+void TableSearch::Updated(std::span<const Value> before, std::span<const Value> after, RowId id) {
+    for (const auto& hash : hashes_) {
+        const std::vector<std::size_t>& columns = hash->columns();
+        const bool same = std::all_of(columns.begin(), columns.end(),
+                                      [&](std::size_t column) { return before[column] == after[column]; });
+        if (same) continue;
+        hash->Remove(before, id);
+        hash->Add(after, id);
+    }
+}
+
 void TableSearch::Deleted(std::span<const Value> row, RowId id) {
     for (const auto& hash : hashes_) hash->Remove(row, id);
 }

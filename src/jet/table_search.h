@@ -27,6 +27,7 @@ class TableSearch {
 
     // What happened to the rows, so that the hashes stay current.
     void Inserted(std::span<const Value> row, RowId id);
+    void Updated(std::span<const Value> before, std::span<const Value> after, RowId id);
     void Deleted(std::span<const Value> row, RowId id);
     bool HasHashes() const { return !hashes_.empty(); }
     void DropHashes() { hashes_.clear(); }

@@ -233,8 +233,7 @@ void VirtualTable::Update(RowId id, sqlite3_value** values) {
     }
     if (row_ == old) return;
     table_.Update(id, row_);
-    search_.Deleted(old, id);
-    search_.Inserted(row_, id);
+    search_.Updated(old, row_, id);
 }
 
 void VirtualTable::Delete(RowId id) {

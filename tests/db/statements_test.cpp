@@ -6,7 +6,6 @@
 #include "common/regional.h"
 #include "db/connection.h"
 #include "db/empty_database.h"
-#include "platform/files.h"
 #include "support/support.h"
 
 namespace tav {
@@ -22,7 +21,8 @@ Text Shown(const Value& value) {
 Text Rows(Recordset rows, std::size_t columns) {
     Text out;
     for (; !rows.Eof(); rows.MoveNext()) {
-        for (std::size_t i = 0; i < columns; ++i) out.append(i == 0 ? u"" : u" | ").append(Shown(rows.Field(i)));
+        for (std::size_t i = 0; i < columns; ++i)
+            out.append(i == 0 ? u"" : u" | ").append(Shown(rows.Field(i)));
         out += u'\n';
     }
     return out;
@@ -52,7 +52,7 @@ TEST(Statements, EverySqlTextOfTheSystem) {
     CreateDatabase(path);
     Connection connection;
     connection.Open(ConnectionString(path));
-    const Text script = FromUtf8(ReadFile(FromUtf8(test::TestFile("db/statements.txt"))));
+    const Text script = FromUtf8(test::TestFile("db/statements.txt"));
     Text answers;
     TextView rest = script;
     bool rows = false;  // the expected rows of a statement are made anew

@@ -10,11 +10,11 @@
 namespace tav::jet {
 namespace {
 
+using test::ExpectSound;
 using test::FailureOf;
 using test::NewDatabase;
 using test::PageOfText;
 using test::TempFolder;
-using test::Thing;
 
 constexpr PageNumber kInlinePages = 512;
 
@@ -26,7 +26,8 @@ bool IsInline(PageFile& file, Pointer map) {
 class Growth : public testing::Test {
  protected:
     TempFolder folder_;
-    Database database_{NewDatabase(folder_), Database::Access::Write};
+    Text path_ = NewDatabase(folder_);
+    Database database_{path_, Database::Access::Write};
     PageFile& file_ = database_.file();
 };
 
@@ -82,6 +83,7 @@ TEST_F(Growth, LargeTableKeepsItsRowsAndMaps) {
     EXPECT_EQ(std::accumulate(global.begin() + second.begin, global.begin() + map.begin, 0), 0);
     EXPECT_EQ(U16(global.data() + 2), second.begin - 14 - 4);
     for (PageNumber page = 0; page < file_.PageCount(); ++page) EXPECT_FALSE(IsFree(file_, page)) << page;
+    ExpectSound(path_);
 }
 
 TEST_F(Growth, FreedPagesAreTakenAgainButNotBelowTheLastOne) {

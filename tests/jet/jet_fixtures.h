@@ -1,12 +1,16 @@
 // What several tests of this room need: a small database to write to, rows for it, the words of a failure.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <vector>
 
 #include "common/failure.h"
 #include "common/value.h"
+#include "jet/checker.h"
 #include "jet/create.h"
+#include "platform/files.h"
 #include "support/support.h"
 
 namespace tav::test {
@@ -52,6 +56,14 @@ std::string FailureOf(Body body) {
         return failure.what();
     }
     return {};
+}
+
+// The checker finds no error in the file as it is on the disk; somebody may hold it open.
+inline void ExpectSound(TextView path) {
+    const TempFolder folder;
+    for (const jet::Finding& finding : jet::CheckDatabase(folder.Write(u"copy.mdb", ReadFile(path)))) {
+        EXPECT_FALSE(finding.error) << finding.invariant << ": " << ToUtf8(finding.text);
+    }
 }
 
 }  // namespace tav::test

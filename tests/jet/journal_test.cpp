@@ -39,6 +39,8 @@ int CountRows(Database& database, TextView table) {
 
 // The number of rows, after everything about them was seen to agree.
 int WholeRows(const Text& path) {
+    { const Database recovered(path, Database::Access::Read); }
+    test::ExpectSound(path);
     Database database(path, Database::Access::Read);
     const int rows = CountRows(database, u"things");
     EXPECT_EQ(rows % kBatch, 0);

@@ -69,7 +69,7 @@ TEST(SqlRewrite, Dialect) {
     const Case cases[] = {
         {u"delete * from docs;", R"(delete from "Docs")"},
         {u"select id from docs where isnull(h1) and not(isnull(h2))",
-         R"(select "id" from "Docs" where (("h1" ) is null) and not ((("h2" ) is null) )"},
+         R"(select "id" from "Docs" where (("h1" ) is null) and not ((("h2" ) is null) ))"},
         {u"Select Max(perb), iif(isnull(h1),Null,h2) as h2 From DOCS",
          R"(select max("perb" ) collate jet , iif((("h1" ) is null) , null , "h2" ) collate jet as "h2" from "Docs")"},
         {u"select [id] from docs where perb = #02/01/2011#",

@@ -1,0 +1,92 @@
+#include "convert/load_xml_file.h"
+
+#include <memory>
+#include <optional>
+
+#include "common/guard.h"
+#include "common/windows1251.h"
+#include "convert/act_fields.h"
+#include "platform/environment.h"
+#include "platform/files.h"
+#include "xml/document.h"
+#include "xml/schema.h"
+
+namespace tav {
+namespace {
+
+// The schema of that file, read anew only when the file has other bytes than before; nullptr when there is
+// none.
+const Schema* SchemaOf(TextView path) {
+    static std::string bytes;
+    static std::unique_ptr<Schema> schema;
+    if (!FileExists(path)) return nullptr;
+    std::string now = ReadFile(path);
+    if (!schema || now != bytes) {
+        schema.reset();
+        schema = std::make_unique<Schema>(path, now);
+        bytes = std::move(now);
+    }
+    return schema.get();
+}
+
+std::string Line(int tabs, std::string_view text) {
+    return std::string(static_cast<std::size_t>(tabs), '\t').append(text).append("\r\n");
+}
+
+std::string Element(int tabs, std::string_view name, std::string_view value) {
+    const std::string tag(name);
+    return Line(tabs, "<" + tag + ">" + std::string(value) + "</" + tag + ">");
+}
+
+std::string Part(const Document& document) {
+    std::string part;
+    for (const ActField& field : ActFields()) {
+        const Node node = document.SelectSingleNode(FullPath(field));
+        if (!node) continue;
+        const std::string value = ToWindows1251(node.Content());
+        if (field.name == "h1") part += Line(1, ToWindows1251(u"<part type=\"акт\">")) + Line(2, "<head>");
+        if (field.name == "perb") part += Element(3, "h13", value);
+        part += Element(3, ElementName(field), value);
+        if (field.name == "pere") part += Line(2, "</head>") + Line(2, "<body>");
+        if (field.name == "p45") part += Line(2, "</body>") + Line(1, "</part>");
+    }
+    return part;
+}
+
+}  // namespace
+
+Text ActSchemaPath() {
+    return ComponentFolder() + u"IU_AKTSVP_1_862_01_05_01_01.xsd";
+}
+
+ActEntry ConvertAct(TextView folder, TextView file_name, TextView schema_path) {
+    ActEntry entry;
+    std::optional<Document> document;
+    try {
+        document = Document::Parse(ReadFile(Text(folder).append(file_name)));
+    } catch (const XmlFailure& failure) {
+        entry.fault = failure.error().doctype ? ActFault::Doctype : ActFault::Malformed;
+        entry.reason = failure.description();
+    }
+    if (const Schema* const schema = SchemaOf(schema_path)) {
+        if (!document) return entry;
+        if (const std::optional<XmlError> error = schema->Validate(*document)) {
+            entry.fault = ActFault::FailsSchema;
+            entry.reason = XmlErrorText(*error);
+            return entry;
+        }
+    }
+    entry.bytes = Line(0, "<file>") + Element(1, "name", ToWindows1251(file_name));
+    if (document) entry.bytes += Part(*document);
+    entry.bytes += Line(0, "</file>");
+    return entry;
+}
+
+std::string LoadXMLFile(TextView folder, TextView file_name) {
+    std::string bytes;
+    Guarded(u"Ошибка в функции LoadXMLFile",
+            [&] { bytes = ConvertAct(folder, file_name, ActSchemaPath()).bytes; });
+    return bytes;
+}
+
+}  // namespace tav

@@ -1,0 +1,103 @@
+// XML documents as a tree, over libxml2: Document, Node and the selection language XPath.
+//
+// Input: bytes of XML 1.0 in Windows-1251, UTF-8, UTF-16 or whatever encoding else the document declares and
+// the library knows. Nothing is fetched from the network, and no entity is substituted but the predefined
+// five: a document with a document type declaration is refused before anything in it is read. The library's
+// limits on depth and on the length of one text stand (no huge mode).
+//
+// Texts are Text (UTF-16). As XML has it, line ends inside a document are single line feeds.
+//
+// Errors: XmlFailure with the line and the reason, in the library's own words. Nothing is written to standard
+// error. Documents are used by one thread each.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "common/failure.h"
+#include "common/text.h"
+
+struct _xmlDoc;
+struct _xmlNode;
+
+namespace tav {
+
+struct XmlError {
+    int line = 0;  // counted from 1; 0 when unknown
+    Text reason;
+    bool doctype = false;  // refused for its document type declaration
+};
+
+// "строка 12: Opening and ending tag mismatch: ..."
+Text XmlErrorText(const XmlError& error);
+
+// A document that is not well-formed, or refused.
+class XmlFailure : public Failure {
+ public:
+    explicit XmlFailure(XmlError error) : Failure(XmlErrorText(error)), error_(std::move(error)) {}
+    // The same with more about it in front of the line: a path, a document's name.
+    XmlFailure(TextView subject, XmlError error)
+        : Failure(Text(subject) + XmlErrorText(error)), error_(std::move(error)) {}
+
+    const XmlError& error() const { return error_; }
+
+ private:
+    XmlError error_;
+};
+
+// An element or attribute of a living Document, or nothing. Copied freely.
+class Node {
+ public:
+    Node() = default;
+    explicit Node(_xmlNode* node) : node_(node) {}
+
+    explicit operator bool() const { return node_ != nullptr; }
+
+    Text Name() const;
+    // The text of the element with everything in it, or the attribute's value.
+    Text Content() const;
+    // The element's child elements, in document order.
+    std::vector<Node> Children() const;
+    // The attribute that stands first, or nothing.
+    Node FirstAttribute() const;
+
+    // The nodes an XPath selects from here, in document order. A path that is no XPath is a Failure; so is, by
+    // a limit of the library, one that begins with a single "/" and a letter outside ASCII (say "//" or start
+    // without it).
+    std::vector<Node> SelectNodes(TextView path) const;
+    // The first of them, or nothing.
+    Node SelectSingleNode(TextView path) const;
+
+ private:
+    _xmlNode* node_ = nullptr;
+};
+
+class Document {
+ public:
+    static Document Parse(std::string_view bytes);
+
+    Node Root() const;
+    // A relative path starts above the root element.
+    std::vector<Node> SelectNodes(TextView path) const { return Whole().SelectNodes(path); }
+    Node SelectSingleNode(TextView path) const { return Whole().SelectSingleNode(path); }
+
+    // The document as Windows-1251 with CR LF line ends, its white space kept. A character the code page
+    // lacks becomes a character reference.
+    std::string Save() const;
+
+    _xmlDoc* handle() const { return document_.get(); }
+
+ private:
+    struct Free {
+        void operator()(_xmlDoc* document) const;
+    };
+
+    explicit Document(_xmlDoc* document) : document_(document) {}
+    Node Whole() const;
+
+    std::unique_ptr<_xmlDoc, Free> document_;
+};
+
+}  // namespace tav

@@ -1,0 +1,90 @@
+#include "xml/push_parser.h"
+
+#include <new>
+#include <utility>
+
+#include "xml/encoding.h"
+
+namespace tav {
+namespace {
+
+constexpr std::size_t kPiece = 64 * 1024;
+
+Text Reason(const xmlError& error) {
+    std::string_view words = error.message == nullptr ? "unknown error" : error.message;
+    while (!words.empty() && (words.back() == '\n' || words.back() == ' ')) words.remove_suffix(1);
+    return FromUtf8(words);
+}
+
+}  // namespace
+
+PushParser::PushParser(xmlSAXHandler* events, void* events_owner)
+    : context_(xmlCreatePushParserCtxt(events, nullptr, nullptr, 0, nullptr)), events_owner_(events_owner) {
+    if (!context_) throw std::bad_alloc();
+    context_->_private = this;
+    context_->sax->internalSubset = RefuseDoctype;
+    context_->sax->serror = NoteError;
+}
+
+PushParser::~PushParser() {
+    if (context_->myDoc != nullptr) xmlFreeDoc(context_->myDoc);
+}
+
+PushParser& PushParser::Of(void* context) {
+    return *static_cast<PushParser*>(static_cast<xmlParserCtxt*>(context)->_private);
+}
+
+void PushParser::Keep(std::exception_ptr exception) {
+    exception_ = std::move(exception);
+    xmlStopParser(context_.get());
+}
+
+void PushParser::RefuseDoctype(void* context, const xmlChar*, const xmlChar*, const xmlChar*) {
+    PushParser& parser = Of(context);
+    const int line = xmlSAX2GetLineNumber(context);
+    try {
+        parser.error_ = XmlError{line, u"document type declarations are refused", true};
+    } catch (...) {
+        parser.exception_ = std::current_exception();
+    }
+    xmlStopParser(parser.context_.get());
+}
+
+void PushParser::NoteError(void* context, xmlError* error) {
+    PushParser& parser = Of(context);
+    if (error->level != XML_ERR_FATAL || parser.error_) return;
+    try {
+        parser.error_ = XmlError{error->line, Reason(*error), false};
+    } catch (...) {
+        parser.Keep(std::current_exception());
+    }
+}
+
+bool PushParser::Feed(std::string_view piece, bool last) {
+    xmlParseChunk(context_.get(), piece.data(), static_cast<int>(piece.size()), last ? 1 : 0);
+    return !exception_ && !error_ && context_->wellFormed != 0;
+}
+
+void PushParser::Read(std::string_view bytes) {
+    // What the declaration says about the encoding does not hold for what was recoded, nor against a byte
+    // order mark of UTF-8.
+    const bool recode = DeclaresWindows1251(bytes);
+    const bool settled = recode || bytes.starts_with("\xEF\xBB\xBF");
+    xmlCtxtUseOptions(context_.get(),
+                      XML_PARSE_NONET | XML_PARSE_COMPACT | (settled ? XML_PARSE_IGNORE_ENC : 0));
+    bool well = true;
+    for (std::size_t at = 0; well && at < bytes.size(); at += kPiece) {
+        const std::string_view piece = bytes.substr(at, kPiece);
+        well = recode ? Feed(Utf8FromWindows1251(piece), false) : Feed(piece, false);
+    }
+    if (well) well = Feed({}, true);
+    if (exception_) std::rethrow_exception(exception_);
+    if (error_) throw XmlFailure(*error_);
+    if (!well) throw XmlFailure(XmlError{0, u"not well-formed", false});
+}
+
+xmlDoc* PushParser::TakeTree() {
+    return std::exchange(context_->myDoc, nullptr);
+}
+
+}  // namespace tav

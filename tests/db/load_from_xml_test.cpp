@@ -1,0 +1,296 @@
+#include <filesystem>
+
+#include "db/database_fixture.h"
+
+namespace tav {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using Loader = test::OperationsDatabase;
+using test::ActPart;
+using test::Elements;
+using test::Head;
+using test::StatementPart;
+
+constexpr TextView kHeaders = u"select id, filename, perb, pere, vid from tav_operations_header order by id";
+constexpr TextView kRows = u"select id, p1, p3, p9, p10, p13 from tav_operations order by id";
+
+const Text kPaid = StatementPart({}, {u"p01=01.02.2011|p03=Уплата|p09=налог|p10=5.00"});
+
+TEST_F(Loader, StoresStatementsWithTheirRows) {
+    const LoadResult result = Load(
+        {{u"a.rtf", StatementPart({}, {u"p03=Сальдо на 01.01.2011|p09=налог|p10=0.00|p13=0.00",
+                                       u"p01=01.02.2011|p02=03.02.2011|p03=Уплата|p04=Плат|p04=поручение|"
+                                       u"p09=налог|p10=1\u00A0234.50|p13=-10.25",
+                                       u"p01=02.02.2011|p03=Пусто|p09=пеня|p10=0.00|p13=0.00"})}});
+    EXPECT_THAT(Shown(), IsEmpty());
+    EXPECT_EQ(result.documents, 1);
+    EXPECT_EQ(result.files, 1);
+    EXPECT_THAT(Rows(u"select id, filename, h1, h2, h3, h6, h7, h10, h11, h12, h13, perb, pere, vid from "
+                     u"tav_operations_header"),
+                ElementsAre("1|a.rtf|7701234567|770101001|ООО Ромашка|НДС|18210101011011000110|45286552000|"
+                            "рубль Российской|31.03.2011|01.01.2011|01.01.2011|31.03.2011|1"));
+    EXPECT_THAT(Rows(u"select id, p1, p2, p3, p4, p9, p10, p13, p14, tid from tav_operations"),
+                ElementsAre("1|01.02.2011|03.02.2011|Уплата|Плат поручение|налог|1234,5|-10,25|-|-",
+                            "1|02.02.2011|-|Пусто|-|пеня|0|0|-|-"))
+        << "the line before the first amount is not stored, the lines behind it are";
+}
+
+TEST_F(Loader, StoresActsWithoutAVersion) {
+    Load({{u"act.rtf", ActPart({}, u"p0011=0.00|p0112=7.50|p1111=3.00")}});
+    EXPECT_THAT(Shown(), IsEmpty());
+    EXPECT_THAT(Rows(u"select id, h4, h6, h12, perb, pere, vid from tav_operations_header"),
+                ElementsAre("1|7701|-|05.04.2011|01.01.2011|31.03.2011|-"));
+    EXPECT_THAT(Rows(u"select id, p11, p112, p1111, p45 from tav_acts"), ElementsAre("1|0|7,5|3|-"));
+}
+
+TEST_F(Loader, PassesOverFilesThatAreThereAlready) {
+    Load({{u"Выписка.RTF", kPaid}});
+    const LoadResult again = Load({{u"выписка.rtf", ActPart({}, u"p0011=5.00")}});
+    EXPECT_EQ(again.documents, 0);
+    EXPECT_EQ(again.known, 1);
+    EXPECT_THAT(Rows(kHeaders), ElementsAre("1|Выписка.RTF|01.01.2011|31.03.2011|1"));
+    EXPECT_THAT(Shown(), IsEmpty());
+}
+
+TEST_F(Loader, ReadsOnlyTheHeadWhenNothingIsNew) {
+    Load({{u"a.rtf", kPaid}});
+    Write({{u"a.rtf", u"<part>broken"}});
+    EXPECT_EQ(Load().known, 1);
+    EXPECT_THAT(Shown(), IsEmpty());
+}
+
+TEST_F(Loader, LoadsNothingOfABrokenCatalogue) {
+    Load({{u"a.rtf", kPaid}, {u"b & c.rtf", u""}, {u"d.rtf", kPaid}});
+    EXPECT_THAT(Shown(),
+                ElementsAre(AllOf(HasSubstr("Ошибка в функции LoadFromXml: "), HasSubstr("b & c.rtf"))));
+    EXPECT_THAT(Rows(kHeaders), IsEmpty());
+}
+
+TEST_F(Loader, SaysWhenThereIsNoCatalogueOrDatabase) {
+    Load();
+    Write({{u"a.rtf", kPaid}});
+    LoadFromXml(catalogue_, folder_ / u"none.mdb", u"7701234567", u"770101001", u"");
+    EXPECT_THAT(Shown(), ElementsAre(HasSubstr("listfiles.xml"), HasSubstr("none.mdb")));
+}
+
+struct TaxpayerCase {
+    TextView inn, kpp;
+    std::vector<int> loaded;  // indexes into the files
+};
+
+TEST_F(Loader, LoadsTheTaxpayersPartsOnly) {
+    const std::vector<std::pair<Text, Text>> files = {
+        {u"0", StatementPart({.inn = u"77"}, {u"p10=1.00"})},
+        {u"1", StatementPart({.inn = u"77", .kpp = u"2"}, {u"p10=1.00"})},
+        {u"2", ActPart({.inn = u"78a", .kpp = u"3"}, u"p0011=1.00")},
+        {u"3", u"<part type=\"акт\"><head><h02>770101001</h02></head><body/></part>"},
+        {u"4", u"<part type=\"акт\"><head><h01>77</h01></head><body/></part>"},
+        {u"5", u"<part type=\"прочее\"><head><h01>77</h01><h02>2</h02></head></part>"},
+        {u"6", StatementPart({.inn = u"1"}, {u"p10=1.00"}) + ActPart({.inn = u"79"}, u"p0011=1.00")},
+    };
+    Write(files);
+    for (const TaxpayerCase& c :
+         {TaxpayerCase{u"77", u"770101001", {0}}, TaxpayerCase{u"77", u"2", {1}},
+          TaxpayerCase{u"77", u"0000000000000000", {0, 1}}, TaxpayerCase{u"77", u"000000000000000", {}},
+          TaxpayerCase{u"77|78A", u"nobody", {0, 1, 2}}, TaxpayerCase{u"|78A|79|", u"", {2, 6}},
+          TaxpayerCase{u"7", u"2", {}}, TaxpayerCase{u"", u"770101001", {}}, TaxpayerCase{u"|", u"", {}}}) {
+        clearbaseAll(database_);
+        Load(c.inn, c.kpp);
+        std::vector<std::string> expected;
+        for (const int file : c.loaded) expected.push_back(std::to_string(file));
+        EXPECT_EQ(Rows(u"select filename from tav_operations_header order by id"), expected)
+            << ToUtf8(c.inn) << " " << ToUtf8(c.kpp);
+    }
+    EXPECT_THAT(Shown(), IsEmpty());
+}
+
+struct SwitchCase {
+    TextView setting;
+    Text part;
+    bool stored;
+    int rows;
+};
+
+TEST_F(Loader, ObeysTheSwitches) {
+    const Text zero = StatementPart({}, {u"p01=01.02.2011|p10=0.00|p11=0.00", u"p01=01.02.2011|p14=0.00"});
+    const Text undated = StatementPart({}, {u"p10=7.00", u"p01=01.02.2011|p10=0.00"});
+    const Text late_date = StatementPart({}, {u"p10=7.00|p01=01.02.2011"});
+    const Text zero_act = ActPart({}, u"p0011=0.00|p0211=0.00");
+    const Text opening_act = ActPart({}, u"p0112=1.00|p0121=2.00|p1121=2.00|p0211=0.00");
+    const Text moved_act = ActPart({}, u"p0211=1.00");
+    for (const SwitchCase& c :
+         {SwitchCase{u"", zero, false, 0}, SwitchCase{u"SpVupis", zero, true, 2},
+          SwitchCase{u"SpAct", zero, false, 0}, SwitchCase{u"", undated, true, 2},
+          SwitchCase{u"SpVupisOb", undated, false, 0}, SwitchCase{u"SpVupisOb", late_date, false, 0},
+          SwitchCase{u"", late_date, true, 1}, SwitchCase{u"", zero_act, false, 0},
+          SwitchCase{u"SpVupis", zero_act, false, 0}, SwitchCase{u"SpAct", zero_act, true, 1},
+          SwitchCase{u"", opening_act, true, 1}, SwitchCase{u"SpActOb", opening_act, false, 0},
+          SwitchCase{u"SpActOb", moved_act, true, 1}}) {
+        clearbaseAll(database_);
+        for (const TextView name : {u"SpVupis", u"SpAct", u"SpVupisOb", u"SpActOb"}) {
+            WriteSetting(name, name == c.setting ? u"1" : u"0");
+        }
+        const LoadResult result = Load({{u"x.rtf", c.part}, {u"y.rtf", kPaid}});
+        EXPECT_EQ(result.empty, c.stored ? 0 : 1);
+        const std::vector<std::string> expected =
+            c.stored ? std::vector<std::string>{"1", "2"} : std::vector<std::string>{"2"};
+        EXPECT_EQ(Rows(u"select id from tav_operations_header order by id"), expected)
+            << "a document that is not stored takes its number all the same";
+        EXPECT_EQ(Rows(u"select id from tav_operations where id=1").size() +
+                      Rows(u"select id from tav_acts where id=1").size(),
+                  static_cast<std::size_t>(c.rows))
+            << ToUtf8(c.setting) << ": " << ToUtf8(c.part);
+    }
+    EXPECT_THAT(Shown(), IsEmpty());
+}
+
+struct Version {
+    Head head;
+    std::string row;  // "perb|pere|vid" of all of them, after all are loaded
+};
+
+TEST_F(Loader, KeepsOneCurrentVersionOfASeries) {
+    const std::vector<std::vector<Version>> runs = {
+        // A later end takes the series number over.
+        {{{.end = u"31.03.2011"}, "01.01.2011|31.03.2011|-"},
+         {{.end = u"30.06.2011"}, "01.01.2011|30.06.2011|1"}},
+        // An end that is no later is stored as superseded, unless it lies in the range remembered last: in
+        // this
+        // run that is the previous run's 31.03.2011 to 30.06.2011.
+        {{{.end = u"31.12.2011"}, "01.01.2011|31.12.2011|1"},
+         {{.end = u"30.09.2011"}, "01.01.2011|30.09.2011|-"}},
+        // The remembered range is now 31.12.2011 to 30.09.2011: nothing lies in it.
+        {{{.end = u"30.06.2011"}, "01.01.2011|30.06.2011|1"},
+         {{.end = u"30.06.2011"}, "01.01.2011|30.06.2011|-"}},
+        // 30.06.2011 to 30.06.2011 is remembered, so the old end lies in it, and the older statement wins.
+        {{{.end = u"30.06.2011"}, "01.01.2011|30.06.2011|-"},
+         {{.end = u"31.03.2011"}, "01.01.2011|31.03.2011|1"}},
+        // Another code, another series; another year too. A statement over a year's end is cut there.
+        {{{.code = u"A"}, "01.01.2011|31.03.2011|1"},
+         {{.code = u"B"}, "01.01.2011|31.03.2011|2"},
+         {{.end = u"31.03.2012", .begin = u"01.01.2012", .code = u"A"}, "01.01.2012|31.03.2012|3"},
+         {{.end = u"31.03.2011", .begin = u"01.10.2010", .code = u"A"}, "01.10.2010|31.12.2010|4"}},
+        // A period that does not begin with its year never becomes anybody's predecessor.
+        {{{.begin = u"01.02.2011"}, "01.02.2011|31.03.2011|1"},
+         {{.begin = u"01.02.2011"}, "01.02.2011|31.03.2011|2"}},
+    };
+    for (const std::vector<Version>& run : runs) {
+        clearbaseAll(database_);
+        std::vector<std::pair<Text, Text>> files;
+        std::vector<std::string> expected;
+        for (const Version& version : run) {
+            files.emplace_back(Digits(static_cast<long long>(files.size())),
+                               StatementPart(version.head, {u"p10=1.00"}));
+            expected.push_back(version.row);
+        }
+        Load(files);
+        EXPECT_EQ(Rows(u"select perb, pere, vid from tav_operations_header order by id"), expected);
+    }
+    EXPECT_THAT(Shown(), IsEmpty());
+}
+
+TEST_F(Loader, RemovesSupersededHeadersAtTheNextLoad) {
+    Load({{u"a", StatementPart({}, {u"p10=1.00"})},
+          {u"b", StatementPart({.end = u"30.06.2011"}, {u"p10=2.00"})},
+          {u"act", ActPart({}, u"p0011=1.00")}});
+    EXPECT_THAT(Rows(u"select id from tav_operations_header order by id"), ElementsAre("1", "2", "3"));
+    Load({{u"b", u""}});
+    EXPECT_THAT(Rows(u"select id from tav_operations_header order by id"), ElementsAre("2", "3"));
+    EXPECT_THAT(Rows(u"select id from tav_operations order by id"), ElementsAre("1", "2"));
+    EXPECT_EQ(Load({{u"c", StatementPart({.end = u"30.09.2011"}, {u"p10=3.00"})}}).superseded, 1);
+    EXPECT_THAT(Rows(u"select id, vid from tav_operations_header order by id"),
+                ElementsAre("2|-", "3|-", "4|1"));
+}
+
+TEST_F(Loader, StopsAtAnApostropheAndClearsUpNextTime) {
+    const Text bad = StatementPart({}, {u"p10=1.00", u"p03=Д'Артаньян|p10=2.00"});
+    Load({{u"a.rtf", kPaid}, {u"bad.rtf", bad}, {u"c.rtf", kPaid}});
+    EXPECT_THAT(Shown(), ElementsAre(HasSubstr("(bad.rtf)")));
+    EXPECT_THAT(Rows(u"select id from tav_operations_header"), ElementsAre("1"));
+    EXPECT_THAT(Rows(u"select id from tav_operations order by id"), ElementsAre("1", "2"));
+    Load({{u"a.rtf", kPaid}, {u"c.rtf", StatementPart({.code = u"1"}, {u"p10=3.00"})}});
+    EXPECT_THAT(Rows(u"select id, p10 from tav_operations order by id"), ElementsAre("1|5", "2|3"));
+}
+
+TEST_F(Loader, NamesTheDocumentWhoseLiteralIsBad) {
+    for (const Text& part :
+         {StatementPart({}, {u"p01=вчера|p10=1.00"}), StatementPart({}, {u"p10="}),
+          StatementPart({.begin = u"01.01.20x1"}, {u"p10=1.00"}),
+          StatementPart({.begin = u"#;--"}, {u"p10=1.00"}), StatementPart({}, {u"p77=1|p10=1.00"})}) {
+        clearbaseAll(database_);
+        shown_.messages.clear();
+        Load({{u"странный.rtf", part}});
+        EXPECT_THAT(Shown(), ElementsAre(HasSubstr("(странный.rtf)"))) << ToUtf8(part);
+        EXPECT_THAT(Rows(kHeaders), IsEmpty());
+    }
+}
+
+TEST_F(Loader, OverflowsPast32767) {
+    Execute(u"insert into tav_operations_header (id,filename,h1) values (32766,'old','1')");
+    Load({{u"a.rtf", kPaid}, {u"b.rtf", kPaid}});
+    EXPECT_THAT(Shown(), ElementsAre(HasSubstr("Overflow")));
+    EXPECT_THAT(Rows(u"select id, filename from tav_operations_header order by id"),
+                ElementsAre("32766|old", "32767|a.rtf"));
+}
+
+class Moves : public Loader {
+ protected:
+    Moves() {
+        folder_.Write(u"in/a.rtf", "new");
+        Write({{u"a.rtf", kPaid}, {u"other.rtf", StatementPart({.inn = u"1"}, {u"p10=1.00"})}});
+        folder_.Write(u"in/other.rtf", "other");
+    }
+    LoadResult LoadAndMove(TextView folder) const { return Load(u"7701234567", u"770101001", folder); }
+};
+
+TEST_F(Moves, LoadedFilesReplaceOlderOnes) {
+    MakeFolders(folder_ / u"done/x/");
+    folder_.Write(u"done/x/a.rtf", "old");
+    EXPECT_EQ(LoadAndMove(folder_ / u"done/x").moved, 1);
+    EXPECT_EQ(ReadFile(folder_ / u"done/x/a.rtf"), "new");
+    EXPECT_FALSE(FileExists(folder_ / u"in/a.rtf"));
+    EXPECT_TRUE(FileExists(folder_ / u"in/other.rtf"));
+}
+
+TEST_F(Moves, MakeTheFolderAndDoNotMissASource) {
+    DeleteFile(folder_ / u"in/a.rtf");
+    const LoadResult result = LoadAndMove(folder_ / u"deep/er");
+    EXPECT_EQ(result.files, 1);
+    EXPECT_EQ(result.moved, 0);
+    EXPECT_TRUE(FolderExists(folder_ / u"deep/er"));
+    EXPECT_THAT(Shown(), IsEmpty());
+}
+
+TEST_F(Moves, LeaveTheImportFolderAlone) {
+    fs::create_directory_symlink(ToUtf8(folder_ / u"in"), ToUtf8(folder_ / u"link"));
+    EXPECT_EQ(LoadAndMove(folder_ / u"link/").moved, 0);
+    EXPECT_EQ(ReadFile(folder_ / u"in/a.rtf"), "new");
+}
+
+TEST_F(Moves, CrossFileSystems) {
+    if (!FolderExists(u"/dev/shm/")) GTEST_SKIP() << "no second file system";
+    const Text target =
+        u"/dev/shm/tav-test-" + NameOf(folder_.path().substr(0, folder_.path().size() - 1)) + u"/";
+    EXPECT_EQ(LoadAndMove(target).moved, 1);
+    EXPECT_EQ(ReadFile(target + u"a.rtf"), "new");
+    EXPECT_FALSE(FileExists(folder_ / u"in/a.rtf"));
+    fs::remove_all(ToUtf8(target));
+}
+
+TEST_F(Moves, SayWhatCannotBeMovedAndKeepWhatIsLoaded) {
+    // A folder of the file's name is in the way, whoever runs this.
+    MakeFolders(folder_ / u"done/a.rtf/x");
+    folder_.Write(u"done/a.rtf/x", "");
+    LoadAndMove(folder_ / u"done");
+    EXPECT_THAT(Shown(), ElementsAre("Запрет: Файл a.rtf используется и не может быть перемещён"));
+    EXPECT_THAT(Rows(u"select filename from tav_operations_header"), ElementsAre("a.rtf"));
+    EXPECT_TRUE(FileExists(folder_ / u"in/a.rtf"));
+}
+
+}  // namespace
+}  // namespace tav

@@ -1,0 +1,202 @@
+#include "xml/document.h"
+
+#include <gtest/gtest.h>
+
+#include "common/windows1251.h"
+#include "support/support.h"
+#include "xml/events.h"
+#include "xml/schema.h"
+
+namespace tav {
+namespace {
+
+using test::Bytes;
+
+const std::string kDeclaration = "<?xml version=\"1.0\" encoding=\"windows-1251\" ?>";
+
+std::string Sample() {
+    return kDeclaration + Bytes(
+                              u"<all>\r\n<file>\r\n\t<name>выписка.rtf</name>\r\n"
+                              u"\t<part type=\"акт\" n='2'><h01>7 &amp; 8</h01><h02/></part>\r\n</file>\r\n"
+                              u"<file><name>b</name></file>\r\n</all>\r\n");
+}
+
+TEST(Document, AnswersAsATreeInText) {
+    const Document document = Document::Parse(Sample());
+    EXPECT_EQ(document.Root().Name(), u"all");
+    EXPECT_EQ(document.SelectSingleNode(u"//all/file/name").Content(), u"выписка.rtf");
+    EXPECT_EQ(document.SelectSingleNode(u"all/file[2]/name").Content(), u"b");
+    EXPECT_FALSE(document.SelectSingleNode(u"//all/nothing"));
+    const Node part = document.SelectSingleNode(u"//file[name=\"выписка.rtf\"]/part");
+    EXPECT_EQ(part.FirstAttribute().Name(), u"type");
+    EXPECT_EQ(part.FirstAttribute().Content(), u"акт");
+    EXPECT_FALSE(part.Children()[0].FirstAttribute());
+    ASSERT_EQ(part.Children().size(), 2u);
+    EXPECT_EQ(part.Children()[0].Content(), u"7 & 8");
+    EXPECT_EQ(part.Children()[1].Name(), u"h02");
+    EXPECT_EQ(part.SelectSingleNode(u"h01").Content(), u"7 & 8");
+    EXPECT_EQ(document.SelectNodes(u"//file").size(), 2u);
+    EXPECT_THROW(document.SelectNodes(u"//file["), Failure);
+}
+
+TEST(Document, ReadsEveryEncodingItIsGiven) {
+    const Text text = u"<а б=\"№ — в\"/>";
+    Text utf16 = u"\uFEFF<?xml version=\"1.0\" encoding=\"UTF-16\"?>" + text;
+    const std::string utf8 = ToUtf8(text);
+    for (const std::string& bytes :
+         {utf8, "\xEF\xBB\xBF" + utf8, "\xEF\xBB\xBF" + kDeclaration + utf8, kDeclaration + Bytes(text),
+          "<?xml version='1.0' encoding = 'CP1251'?>" + Bytes(text),
+          std::string(reinterpret_cast<const char*>(utf16.data()), utf16.size() * 2)}) {
+        EXPECT_EQ(Document::Parse(bytes).SelectSingleNode(u"//а/@б").Content(), u"№ — в");
+    }
+}
+
+TEST(Document, SaveKeepsWhatStood) {
+    EXPECT_EQ(
+        Document::Parse(Sample()).Save(),
+        kDeclaration + Bytes(u"<all>\r\n<file>\r\n\t<name>выписка.rtf</name>\r\n"
+                             u"\t<part type=\"акт\" n=\"2\"><h01>7 &amp; 8</h01><h02/></part>\r\n</file>\r\n"
+                             u"<file><name>b</name></file>\r\n</all>\r\n"));
+    std::string every_byte;
+    for (int byte = 0x20; byte < 0x100; ++byte) {
+        if (byte != '<' && byte != '&' && byte != '>') every_byte.push_back(static_cast<char>(byte));
+    }
+    const std::string bytes = kDeclaration + "<a>\r\n\t \r\n<![CDATA[<x>]]>" + every_byte + "</a>\r\n";
+    EXPECT_EQ(Document::Parse(bytes).Save(), bytes);
+    EXPECT_EQ(Document::Parse(ToUtf8(u"<a>\u4E2D\U0001F600</a>")).Save(),
+              kDeclaration + "<a>&#20013;&#128512;</a>\r\n");
+}
+
+struct Broken {
+    std::string bytes;
+    int line;
+    bool doctype = false;
+};
+
+class NoEvents : public XmlEvents {
+    void StartElement(std::string_view) override {}
+    void Characters(std::string_view) override {}
+    void EndElement() override {}
+};
+
+TEST(Document, RefusesWithLineAndReason) {
+    const std::string bomb = "<!DOCTYPE a [<!ENTITY x \"xxxx\"><!ENTITY y \"&x;&x;\">]><a>&y;</a>";
+    std::string deep;
+    for (int i = 0; i < 100000; ++i) deep += "<a>";
+    const Broken cases[] = {
+        {"", 1},
+        {"<a>\n<b>\n</a>", 3},
+        {"<a>\r\n\r\nA & B</a>", 3},
+        {"<a>&nbsp;</a>", 1},
+        {"<a>\xC0\xC1</a>", 1},
+        {"<?xml version=\"1.0\" encoding=\"no-such\"?><a/>", 1},
+        {"<a>" + std::string(1, '\0') + "</a>", 1},
+        {"<a/><b/>", 1},
+        {"<a><![CDATA[x</a>", 1},
+        {bomb, 1, true},
+        {"<?xml version=\"1.0\"?>\n<!DOCTYPE a SYSTEM \"http://localhost/a.dtd\"><a/>", 2, true},
+        {deep, 1},
+        {"{\\rtf1 no xml at all}", 1},
+    };
+    NoEvents events;
+    for (const Broken& broken : cases) {
+        SCOPED_TRACE(broken.bytes.substr(0, 60));
+        testing::internal::CaptureStderr();
+        for (const bool tree : {true, false}) {
+            try {
+                tree ? void(Document::Parse(broken.bytes)) : ReadXml(broken.bytes, events);
+                ADD_FAILURE() << "accepted";
+            } catch (const XmlFailure& failure) {
+                EXPECT_EQ(failure.error().line, broken.line);
+                EXPECT_EQ(failure.error().doctype, broken.doctype);
+                EXPECT_FALSE(failure.error().reason.empty());
+            }
+        }
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    }
+}
+
+TEST(Document, AnyCutAndAnyFlippedByteIsAnAnswer) {
+    const std::string whole = Sample();
+    NoEvents events;
+    int refused = 0;
+    for (std::size_t i = 0; i < whole.size(); ++i) {
+        std::string flipped = whole;
+        flipped[i] = static_cast<char>(flipped[i] ^ (1 << (i % 8)));
+        for (const std::string& bytes : {whole.substr(0, i), flipped}) {
+            bool tree = true;
+            bool stream = true;
+            try {
+                Document::Parse(bytes);
+            } catch (const XmlFailure&) {
+                tree = false;
+            }
+            try {
+                ReadXml(bytes, events);
+            } catch (const XmlFailure&) {
+                stream = false;
+            }
+            EXPECT_EQ(tree, stream) << bytes;
+            refused += tree ? 0 : 1;
+        }
+    }
+    EXPECT_GT(refused, static_cast<int>(whole.size()));
+}
+
+class ThrowingEvents : public XmlEvents {
+    void StartElement(std::string_view name) override {
+        if (name == "b") throw Failure(u"stopped");
+        EXPECT_NE(name, "c");
+    }
+    void Characters(std::string_view) override {}
+    void EndElement() override {}
+};
+
+TEST(Events, AHandlersFailureComesOut) {
+    ThrowingEvents events;
+    try {
+        ReadXml("<a><b/><c/></a>", events);
+        ADD_FAILURE();
+    } catch (const Failure& failure) {
+        EXPECT_EQ(failure.description(), u"stopped");
+    }
+}
+
+TEST(Events, ALongDocumentOfManyTextsPasses) {
+    std::string bytes = kDeclaration + "<all>\r\n";
+    const std::string row = Bytes(u"<row>" + Text(1000, u'я') + u"</row>\r\n");
+    for (int i = 0; i < 11000; ++i) bytes += row;
+    bytes += "</all>\r\n";
+    ASSERT_GT(bytes.size(), 10u * 1000 * 1000);
+    NoEvents events;
+    EXPECT_NO_THROW(ReadXml(bytes, events));
+    EXPECT_EQ(Document::Parse(bytes).Save(), bytes);
+}
+
+constexpr std::string_view kSchema =
+    "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'><xs:element name='a'><xs:complexType>"
+    "<xs:attribute name='n' type='xs:integer' use='required'/></xs:complexType></xs:element></xs:schema>";
+
+TEST(Schema, TellsWhatADocumentBreaksFirst) {
+    const Schema schema(u"/x/s.xsd", kSchema);
+    EXPECT_FALSE(schema.Validate(Document::Parse("<a n='5'/>")));
+    const auto error = schema.Validate(Document::Parse("\n<a n='five' m='1'/>"));
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->line, 2);
+    EXPECT_NE(error->reason.find(u"'n'"), Text::npos);
+    EXPECT_FALSE(schema.Validate(Document::Parse("<a n='6'/>")));
+}
+
+TEST(Schema, AFileThatIsNoneIsNamed) {
+    for (const std::string_view bytes : {"<not-a-schema/>", "", "<xs:schema"}) {
+        try {
+            Schema(u"/x/s.xsd", bytes);
+            ADD_FAILURE() << bytes;
+        } catch (const XmlFailure& failure) {
+            EXPECT_TRUE(failure.description().starts_with(u"/x/s.xsd: "));
+        }
+    }
+}
+
+}  // namespace
+}  // namespace tav
