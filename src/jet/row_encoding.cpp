@@ -20,8 +20,10 @@ const Kind& As(const Column& column, const Value& value) {
 }
 
 // Appends `size` bytes of a number, the lowest first.
-void AppendNumber(std::string& out, std::uint64_t number, int size) {
-    for (; size > 0; --size, number >>= 8) out += static_cast<char>(number & 0xFF);
+void AppendNumber(std::string& out, std::uint64_t number, std::size_t size) {
+    std::uint8_t bytes[8];
+    PutU64(bytes, number);
+    out.append(reinterpret_cast<const char*>(bytes), size);
 }
 
 template <class Integer>
