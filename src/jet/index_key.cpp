@@ -212,6 +212,7 @@ std::string EncodeKey(const TableDefinition& table, const RealIndex& index, std:
 }
 
 std::optional<std::string> EncodeKeyColumn(const Column& column, bool ascending, const Value& value) {
+    if (value == Value(0.0) || value == Value(Date{0.0})) return std::nullopt;
     std::string key;
     if (!AppendColumn(key, column, ascending, value).empty()) return std::nullopt;
     return key;

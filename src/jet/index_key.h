@@ -44,9 +44,9 @@ Text WhyNoKeys(const TableDefinition& table, const RealIndex& index);
 std::string EncodeKey(const TableDefinition& table, const RealIndex& index, std::span<const Value> row);
 
 // The key of one column's value, to be put together by a search over the leading columns of an index. No
-// value when the searched value has no code, so that the index cannot answer. Values that the index takes
-// for equal (letter case, trailing blanks, what stands behind character 255) have the same key: a search
-// compares the rows it finds.
+// value when the searched value has no code, or more than one (zero with and without its sign, in double and
+// date columns), so that the index cannot answer. Values that the index takes for equal (letter case,
+// trailing blanks, what stands behind character 255) have the same key: a search compares the rows it finds.
 std::optional<std::string> EncodeKeyColumn(const Column& column, bool ascending, const Value& value);
 
 // Whether every index column is Null in the row; such a row has no entry in an index that ignores Nulls.

@@ -41,14 +41,9 @@ Row::Row(PageFile& file, const TableDefinition& definition, RowId id, std::span<
     const std::size_t mask_size = (column_count_ + 7) / 8;
     if (bytes.size() < 2 + mask_size) damaged(u"is too short");
     mask_ = bytes.size() - mask_size;
-    data_limit_ = mask_;
-    if (definition.variable_columns == 0) return;
-    if (mask_ < 6) damaged(u"is too short");
+    if (definition.variable_columns == 0 || mask_ < 6) return;
     variable_count_ = U16(bytes.data() + mask_ - 2);
-    if (variable_count_ > definition.variable_columns || mask_ < 6 + 2 * variable_count_) {
-        damaged(u"has a wrong number of variable values");
-    }
-    data_limit_ = mask_ - 4 - 2 * variable_count_;
+    has_variable_part_ = variable_count_ <= definition.variable_columns && 6 + 2 * variable_count_ <= mask_;
 }
 
 void Row::Damaged(const Column& column, TextView reason) const {
@@ -65,17 +60,25 @@ bool Row::IsPresent(const Column& column) const {
            (bytes_[mask_ + column.number / 8] >> (column.number % 8) & 1) != 0;
 }
 
-// The bytes of a present value; without any when it is Null because the row is older than its column.
+// Whether the column's variable index is in the row. A row from before the table's first variable column has
+// no variable part at all, so its absence is damage only where a value should be in it.
+bool Row::HasVariable(const Column& column) const {
+    if (!has_variable_part_) Damaged(column, u"has no place: the row's variable part is damaged");
+    return column.variable_index < variable_count_;
+}
+
+// The bytes of a present value.
 std::span<const std::uint8_t> Row::Stored(const Column& column) const {
     if (column.IsFixed()) {
         const std::size_t begin = 2 + std::size_t{column.fixed_offset};
-        if (begin + ValueSize(column) > data_limit_) Damaged(column, u"lies outside the row");
+        if (begin + ValueSize(column) > mask_) Damaged(column, u"lies outside the row");
         return bytes_.subspan(begin, ValueSize(column));
     }
+    const std::size_t limit = mask_ - 4 - 2 * variable_count_;
     const std::uint8_t* start = bytes_.data() + mask_ - 4 - 2 * std::size_t{column.variable_index};
     const std::size_t begin = U16(start);
     const std::size_t end = U16(start - 2);
-    if (begin < 2 || begin > end || end > data_limit_) Damaged(column, u"lies outside the row");
+    if (begin < 2 || begin > end || end > limit) Damaged(column, u"lies outside the row");
     return bytes_.subspan(begin, end - begin);
 }
 
@@ -83,7 +86,7 @@ Value Row::Get(std::size_t position) const {
     const Column& column = definition_->columns[position];
     if (column.type == ColumnType::Boolean) return IsPresent(column);
     if (!IsPresent(column)) return Null();
-    if (!column.IsFixed() && column.variable_index >= variable_count_) return Null();
+    if (!column.IsFixed() && !HasVariable(column)) return Null();
     return Decode(column, Stored(column));
 }
 
@@ -139,7 +142,7 @@ std::vector<Value> Row::All() const {
 bool Row::HasDistantValues() const {
     for (const Column& column : definition_->columns) {
         if (!column.IsLongValue() || column.IsFixed() || !IsPresent(column)) continue;
-        if (column.variable_index < variable_count_ && !IsInlineValue(Stored(column))) return true;
+        if (HasVariable(column) && !IsInlineValue(Stored(column))) return true;
     }
     return false;
 }

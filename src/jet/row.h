@@ -46,10 +46,11 @@ class Row {
     std::span<const std::uint8_t> bytes_;
     std::size_t column_count_ = 0;
     std::size_t variable_count_ = 0;
-    std::size_t mask_ = 0;        // offset of the null mask
-    std::size_t data_limit_ = 0;  // no value reaches beyond
+    std::size_t mask_ = 0;  // offset of the null mask
+    bool has_variable_part_ = false;
 
     bool IsPresent(const Column& column) const;
+    bool HasVariable(const Column& column) const;
     std::span<const std::uint8_t> Stored(const Column& column) const;
     Value Decode(const Column& column, std::span<const std::uint8_t> stored) const;
     [[noreturn]] void Damaged(const Column& column, TextView reason) const;

@@ -20,8 +20,10 @@ const Kind& As(const Column& column, const Value& value) {
 }
 
 // Appends `size` bytes of a number, the lowest first.
-void AppendNumber(std::string& out, std::uint64_t number, int size) {
-    for (; size > 0; --size, number >>= 8) out += static_cast<char>(number & 0xFF);
+void AppendNumber(std::string& out, std::uint64_t number, std::size_t size) {
+    std::uint8_t bytes[8];
+    PutU64(bytes, number);
+    out.append(reinterpret_cast<const char*>(bytes), size);
 }
 
 template <class Integer>
@@ -69,8 +71,9 @@ void AppendTextValue(std::string& out, const Column& column, const Text& text) {
 
 void AppendBinary(std::string& out, const Column& column, const std::string& bytes) {
     if (bytes.size() > column.length) throw Failure(kFieldTooSmall).In(column.name);
-    if (column.IsFixed() || column.type == ColumnType::Guid) {
-        if (bytes.size() != column.length) throw Failure(RunTimeError::DataTypeMismatch, column.name);
+    const bool sized = column.IsFixed() || column.type == ColumnType::Guid;
+    if (sized && bytes.size() != ValueSize(column)) {
+        throw Failure(RunTimeError::DataTypeMismatch, column.name);
     }
     out += bytes;
 }

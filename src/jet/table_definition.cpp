@@ -98,6 +98,7 @@ Column ReadColumn(Reader& reader, const TableDefinition& table) {
     if (!IsKnown(column.type)) reader.Damaged(u"a column has an unknown type");
     if (column.number >= table.column_capacity) reader.Damaged(u"a column number is too high");
     if (column.type == ColumnType::Boolean) return column;
+    if (column.IsFixed() && column.IsLongValue()) reader.Damaged(u"a long value is said to be fixed");
     if (!column.IsFixed() && column.variable_index >= table.variable_columns) {
         reader.Damaged(u"a variable column has too high an index");
     }

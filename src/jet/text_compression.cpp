@@ -52,15 +52,20 @@ std::optional<Text> DecodeText(const std::uint8_t* bytes, std::size_t size) {
 }
 
 bool AppendText(std::string& out, TextView text, bool compress) {
-    const auto put = [&](char16_t c, bool narrow) {
-        out += static_cast<char>(c & 0xFF);
-        if (!narrow) out += static_cast<char>(c >> 8);
-    };
     const bool must = text.starts_with(kMark);
     const std::optional<std::size_t> size = compress || must ? CompressedSize(text) : std::nullopt;
     const bool worth = size && text.size() >= kShortestCompressed && *size <= 2 * text.size();
     if (must && !size) return false;
-    if (!must && !worth) {
+
+    const bool compressed = must || worth;
+    const std::size_t begin = out.size();
+    out.resize(begin + (compressed ? *size : 2 * text.size()));
+    char* to = out.data() + begin;
+    const auto put = [&to](char16_t c, bool narrow) {
+        *to++ = static_cast<char>(c & 0xFF);
+        if (!narrow) *to++ = static_cast<char>(c >> 8);
+    };
+    if (!compressed) {
         for (const char16_t c : text) put(c, false);
         return true;
     }
@@ -69,7 +74,7 @@ bool AppendText(std::string& out, TextView text, bool compress) {
     for (const char16_t c : text) {
         if (IsNarrow(c) != narrow) {
             narrow = !narrow;
-            out += '\0';
+            put(0, true);
         }
         put(c, narrow);
     }

@@ -1,0 +1,105 @@
+// The database engine below SQL: rows into a table of 16 columns with one index, and one indexed question to
+// a large file.
+#include <benchmark/benchmark.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+#include "jet/create.h"
+#include "jet/database.h"
+#include "jet/index_key.h"
+#include "platform/files.h"
+
+namespace {
+
+using namespace tav;
+using jet::ColumnType;
+using jet::Database;
+
+constexpr TextView kNames[] = {u"id", u"p1", u"p2",  u"p3",  u"p4",  u"p5",  u"p6",  u"p7",
+                               u"p8", u"p9", u"p10", u"p11", u"p12", u"p13", u"p14", u"tid"};
+
+// A database whose table is shaped like the operations of statements; removed at the end.
+class OperationsFile {
+ public:
+    OperationsFile() {
+        std::vector<jet::ColumnPlan> columns;
+        for (std::size_t i = 0; i < std::size(kNames); ++i) {
+            const bool text = i >= 2 && i <= 9;
+            const ColumnType type = i == 0 || i == 15 ? ColumnType::Long
+                                    : i == 1          ? ColumnType::Date
+                                    : text            ? ColumnType::Text
+                                                      : ColumnType::Double;
+            columns.push_back({kNames[i], type, static_cast<std::uint16_t>(text ? 255 : 0)});
+        }
+        const std::vector<jet::TablePlan> plans = {{u"operations", columns, {{u"id", {u"id"}, false}}}};
+        WriteFileWhole(path_, jet::EmptyDatabase(plans));
+    }
+    ~OperationsFile() { DeleteFile(path_); }
+    OperationsFile(const OperationsFile&) = delete;
+    OperationsFile& operator=(const OperationsFile&) = delete;
+
+    const Text& path() const { return path_; }
+
+ private:
+    Text path_ = FromUtf8(std::filesystem::temp_directory_path().native() + "/tav-bench-" +
+                          std::to_string(std::rand()) + ".mdb");
+};
+
+std::vector<Value> Operation(std::int64_t id) {
+    const Text cell = u"Сальдо на 01.02.2011";
+    return {id,   Date{40575}, cell,           cell, Text(u"1"), Text(u"12"), Text(u"01.02.2011"),
+            cell, cell,        Text(u"налог"), 1.5,  2.5,        3.5,         4.5,
+            5.5,  Null()};
+}
+
+// Each row is a statement of its own, as SQL would have it.
+void InsertRows(benchmark::State& state) {
+    const auto rows = static_cast<std::int64_t>(state.range(0));
+    for (auto _ : state) {
+        state.PauseTiming();
+        const OperationsFile file;
+        Database database(file.path(), Database::Access::Write);
+        jet::Table& table = *database.FindTable(u"operations");
+        std::vector<Value> row = Operation(0);
+        state.ResumeTiming();
+        for (std::int64_t i = 0; i < rows; ++i) {
+            row[0] = i / 50;
+            database.file().BeginStatement();
+            table.Insert(row);
+            database.file().KeepStatement();
+        }
+        state.PauseTiming();
+        database.file().RollBack();
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * rows);
+}
+BENCHMARK(InsertRows)->Arg(10000)->Arg(100000)->Arg(200000)->Unit(benchmark::kMillisecond);
+
+// From opening to the answer, and closing.
+void AskLargeFile(benchmark::State& state) {
+    const OperationsFile file;
+    {
+        Database database(file.path(), Database::Access::Write);
+        jet::Table& table = *database.FindTable(u"operations");
+        std::vector<Value> row = Operation(0);
+        while (database.file().PageCount() < 25000) {
+            row[0] = std::get<std::int64_t>(row[0]) + 1;
+            table.Insert(row);
+        }
+        database.file().Commit();
+    }
+    for (auto _ : state) {
+        Database database(file.path(), Database::Access::Read);
+        jet::Table& table = *database.FindTable(u"operations");
+        const std::string key =
+            *jet::EncodeKeyColumn(table.definition().columns[0], true, Value(std::int64_t{77777}));
+        jet::IndexTree tree = table.Index(0);
+        const auto row = table.Find(tree.Seek(key).row());
+        benchmark::DoNotOptimize(row.Get(3));
+    }
+}
+BENCHMARK(AskLargeFile)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
