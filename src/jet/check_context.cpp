@@ -34,18 +34,21 @@ CheckContext::CheckContext(PageFile& file)
     : file_(&file), owners_(file.PageCount()), names_{u"nobody", u"the usage maps"} {}
 
 void CheckContext::Add(bool error, int invariant, Text text) {
-    if (++counts_[static_cast<std::size_t>(invariant)] > kListed) return;
+    if (++counts_[error][static_cast<std::size_t>(invariant)] > kListed) return;
     findings_.push_back({error, invariant, std::move(text)});
 }
 
+bool CheckContext::ListsError(int invariant) const {
+    return counts_[true][static_cast<std::size_t>(invariant)] < kListed;
+}
+
 std::vector<Finding> CheckContext::Take() {
-    for (std::size_t i = 0; i < counts_.size(); ++i) {
-        if (counts_[i] <= kListed) continue;
-        const bool error = std::ranges::any_of(findings_, [&](const Finding& finding) {
-            return finding.error && finding.invariant == static_cast<int>(i);
-        });
-        findings_.push_back({error, static_cast<int>(i),
-                             Digits(static_cast<long long>(counts_[i] - kListed)) + u" more of this kind"});
+    for (const bool error : {true, false}) {
+        for (std::size_t i = 0; i < counts_[error].size(); ++i) {
+            if (counts_[error][i] <= kListed) continue;
+            const auto more = static_cast<long long>(counts_[error][i] - kListed);
+            findings_.push_back({error, static_cast<int>(i), Digits(more) + u" more of this kind"});
+        }
     }
     return std::move(findings_);
 }
@@ -62,7 +65,9 @@ bool CheckContext::Claim(PageNumber page, Owner owner) {
     }
     if (owners_[page] != kNobody) {
         if (owners_[page] == owner && owner == kMapPages) return true;
-        Error(5, Place(NameOf(owner), page) + u"the page belongs to " + NameOf(owners_[page]) + u" too");
+        Error(5, ListsError(5)
+                     ? Place(NameOf(owner), page) + u"the page belongs to " + NameOf(owners_[page]) + u" too"
+                     : Text());
         return false;
     }
     owners_[page] = owner;
@@ -101,6 +106,7 @@ std::optional<Bytes> CheckContext::MapRecord(Pointer record, TextView purpose) {
 
 void CheckContext::CollectBits(Bytes bits, std::uint64_t first, TextView purpose,
                                std::vector<PageNumber>& pages) {
+    std::uint64_t beyond = 0;  // the last page beyond the end
     for (std::size_t byte = 0; byte < bits.size(); ++byte) {
         for (std::size_t bit = 0; bits[byte] >> bit != 0; ++bit) {
             if ((bits[byte] >> bit & 1) == 0) continue;
@@ -108,10 +114,13 @@ void CheckContext::CollectBits(Bytes bits, std::uint64_t first, TextView purpose
             if (page < PageCount()) {
                 pages.push_back(static_cast<PageNumber>(page));
             } else {
-                Error(7, Text(purpose) + u" holds page " + Digits(static_cast<long long>(page)) +
-                             u", which lies beyond the end of the file");
+                beyond = page;
             }
         }
+    }
+    if (beyond != 0) {
+        Error(7, Text(purpose) + u" holds pages beyond the end of the file, up to " +
+                     Digits(static_cast<long long>(beyond)));
     }
 }
 

@@ -41,7 +41,7 @@ class CheckContext {
     void Trim() { file_->Trim(); }
     PageFile& file() { return *file_; }
 
-    // Whether this program made the file, so that counters are exact in it.
+    // Whether nobody but this program has written the file, so that all counters are exact.
     bool IsOwnFile() const { return own_file_; }
     void SetOwnFile() { own_file_ = true; }
 
@@ -72,16 +72,19 @@ class CheckContext {
  private:
     void Add(bool error, int invariant, Text text);
     std::optional<Bytes> MapRecord(Pointer record, TextView purpose);
+    // Whether one more error of that kind will be listed, so that its text is worth making.
+    bool ListsError(int invariant) const;
     void CollectBits(Bytes bits, std::uint64_t first, TextView purpose, std::vector<PageNumber>& pages);
 
     PageFile* file_;
     std::vector<Finding> findings_;
-    std::array<std::size_t, 32> counts_{};  // findings of each invariant, those left out included
+    // Of errors and notes by invariant, those left out included.
+    std::array<std::array<std::size_t, 32>, 2> counts_{};
     std::vector<Owner> owners_;
     std::vector<Text> names_;
     std::vector<bool> free_;
     bool own_file_ = false;
-    std::set<Pointer> maps_;  // records read so far
+    std::set<Pointer> maps_ = {{1, 0}, {1, 1}};  // records read so far; the global maps serve nothing else
 };
 
 // "table T, page 12, slot 3: " and "table T, page 12: ".

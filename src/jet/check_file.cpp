@@ -17,6 +17,18 @@ constexpr std::uint32_t kPointers[] = {0x100, 0x101, 2, 3, 4, 5};
 constexpr PageNumber kGlobalMap = 1;
 constexpr std::size_t kMapHeader = 5;
 
+// Whether this program made the file and the database engine, which counts its uses up, has not used it.
+bool IsOwnFile(const Page& unmasked) {
+    const bool own_date =
+        std::equal(kCreationDate.begin(), kCreationDate.end(), &unmasked[kCreated],
+                   [](char a, std::uint8_t b) { return static_cast<std::uint8_t>(a) == b; });
+    bool unused = U16(&unmasked[kUseCounters]) == kFirstUseCounter;
+    for (std::size_t i = kUseCounters + 2; i < kPageSize; i += 2) {
+        unused = unused && U16(&unmasked[i]) == kIdleUseCounter;
+    }
+    return own_date && unused;
+}
+
 }  // namespace
 
 void CheckHeader(CheckContext& context) {
@@ -33,10 +45,7 @@ void CheckHeader(CheckContext& context) {
     for (std::size_t i = 0; i < kPasswordSize; ++i) {
         if (page[kPassword + i] != day[i % 4]) return error(u"the password field is neither empty nor text");
     }
-    if (std::equal(kCreationDate.begin(), kCreationDate.end(), &page[kCreated],
-                   [](char a, std::uint8_t b) { return static_cast<std::uint8_t>(a) == b; })) {
-        context.SetOwnFile();
-    }
+    if (IsOwnFile(page)) context.SetOwnFile();
 }
 
 void CheckGlobalMap(CheckContext& context) {

@@ -1,7 +1,6 @@
 #include "jet/check_row.h"
 
-#include <cmath>
-
+#include "jet/row.h"
 #include "jet/text_compression.h"
 
 namespace tav::jet::check {
@@ -125,8 +124,8 @@ bool RowCheck::CheckValue(const Column& column, Bytes value) {
             break;
     }
     if (value.size() != ValueSize(column)) return WrongValue(column, u"the value has a wrong length");
-    if (column.type == ColumnType::Date && !std::isfinite(DoubleAt(value.data()))) {
-        return WrongValue(column, u"the date is not a number");
+    if (column.type == ColumnType::Date && !IsDatabaseDate(tav::Date{DoubleAt(value.data())})) {
+        return WrongValue(column, u"there is no such date");
     }
     return true;
 }

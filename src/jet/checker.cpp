@@ -27,8 +27,8 @@
 //     E  A moved row points to a body on a page of its table; every body is pointed at once. 16 E  Rows:
 //     column counts, length, variable values in order and inside, no bytes for a Null, fixed values
 //           inside.
-//     17 E  Values: text whole and within its column, long values as long as their records, dates finite.
-//     18 E  The row count is exact, in a file this program made.   N  The same in other files.
+//     17 E  Values: text whole and within its column, long values as long as their records, dates there are.
+//     18 E  The row count is exact, in a file that only this program wrote.   N  The same in other files.
 //     19 E  Index pages: type, owner, exact free field, entries inside and long enough, a prefix inside the
 //     first. 20 E  Entries ascend within a page and along the leaves. 21 E  An entry of a node is the last
 //     entry of its child; there is a last child; the tree's pages are in
@@ -142,6 +142,11 @@ std::vector<CatalogueTable> CheckCatalogue(CheckContext& context) {
 }
 
 void CheckTable(CheckContext& context, const CatalogueTable& table) {
+    if (context.OwnerOf(table.page) != CheckContext::kNobody) {
+        return context.Error(8, u"the catalogue: table " + table.name + u" has its definition on page " +
+                                    Digits(table.page) + u", which belongs to " +
+                                    context.NameOf(context.OwnerOf(table.page)));
+    }
     const std::optional<CheckedTable> checked = check::CheckDefinition(context, table.page, table.name);
     if (!checked) return;
     const CheckedRows rows = check::CheckRows(context, *checked, [](const Row&) {});

@@ -41,8 +41,8 @@ Page HeaderPage() {
 
     PutU16(&page[0x98], 1620);
     PutBytes(page, 0x9C, "4.0");
-    for (std::size_t i = 0xE00; i < kPageSize; i += 2) PutU16(&page[i], 0x0100);
-    PutU16(&page[0xE00], 0x0101);
+    PutU16(&page[kUseCounters], kFirstUseCounter);
+    for (std::size_t i = kUseCounters + 2; i < kPageSize; i += 2) PutU16(&page[i], kIdleUseCounter);
     return page;
 }
 

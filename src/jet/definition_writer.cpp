@@ -2,14 +2,12 @@
 
 #include <algorithm>
 
+#include "jet/definition_layout.h"
+
 namespace tav::jet {
 namespace {
 
-constexpr std::uint32_t kMagic = 1625;
-constexpr std::uint32_t kIndexMagic = 1923;
-constexpr std::uint16_t kNoColumn = 0xFFFF;
-constexpr std::size_t kIndexPlaces = 10;
-constexpr std::size_t kPageHeader = 8;
+using namespace layout;
 
 class Bytes {
  public:
@@ -38,7 +36,7 @@ class Bytes {
 void PutHeader(Bytes& out, const TableDefinition& table, std::uint32_t rows) {
     out.Put8(2).Put8(1).Zeros(6);
     out.Zeros(4);  // the length, known at the end
-    out.Put32(kMagic).Put32(rows).Put32(0).Put32(1).Zeros(12);
+    out.Put32(kConstant).Put32(rows).Put32(0).Put32(1).Zeros(12);
     out.Put8(table.system ? 'S' : 'N');
     out.Put16(table.column_capacity).Put16(table.variable_columns).Put16(table.columns.size());
     out.Put32(table.logical_indexes.size()).Put32(table.indexes.size());
@@ -46,7 +44,7 @@ void PutHeader(Bytes& out, const TableDefinition& table, std::uint32_t rows) {
 }
 
 void PutColumn(Bytes& out, const Column& column, bool system) {
-    out.Put8(static_cast<std::uint8_t>(column.type)).Put32(kMagic);
+    out.Put8(static_cast<std::uint8_t>(column.type)).Put32(kConstant);
     out.Put16(column.number).Put16(column.variable_index).Put16(system ? 0 : column.number);
     out.Put16(column.sort_order).Put8(0).Put8(column.sort_version);
     out.Put8(column.flags).Put8(column.extended_flags).Put32(0);
@@ -54,7 +52,7 @@ void PutColumn(Bytes& out, const Column& column, bool system) {
 }
 
 void PutRealIndex(Bytes& out, const TableDefinition& table, const RealIndex& index) {
-    out.Put32(kIndexMagic);
+    out.Put32(kIndexConstant);
     for (std::size_t i = 0; i < kIndexPlaces; ++i) {
         const bool used = i < index.columns.size();
         out.Put16(used ? table.columns[index.columns[i].column].number : kNoColumn);
@@ -67,7 +65,7 @@ void PutRealIndex(Bytes& out, const TableDefinition& table, const RealIndex& ind
 }
 
 void PutLogicalIndex(Bytes& out, const LogicalIndex& index) {
-    out.Put32(kMagic).Put32(index.number).Put32(index.real_index);
+    out.Put32(kConstant).Put32(index.number).Put32(index.real_index);
     out.Put8(0).Put32(0xFFFFFFFF).Put32(0).Put8(4).Put8(4).Put8(index.type).Zeros(4);
 }
 
@@ -85,7 +83,7 @@ std::string DefinitionBytes(const TableDefinition& table, const DefinitionCounts
     for (const LongValueMaps& maps : table.long_values) {
         out.Put16(maps.column_number).Put32(maps.owned.Word()).Put32(maps.free.Word());
     }
-    out.Put16(0xFFFF);
+    out.Put16(kNoColumn);
 
     std::string bytes = out.Take();
     for (std::size_t i = 0; i < 4; ++i) bytes[8 + i] = static_cast<char>(bytes.size() >> 8 * i & 0xFF);

@@ -19,6 +19,11 @@ inline constexpr std::string_view kCreationDate{"\x3e\x85\xd3\x3b\x3e\xab\xe4\x4
 inline constexpr std::string_view kCatalogueDate{"\x4e\xfb\xd3\x3b\x3e\xab\xe4\x40", 8};
 inline constexpr std::uint16_t kEngineBuild = 0x261C;
 
+// At the end of the first page the database engine counts the uses of the file, two bytes for each user.
+inline constexpr std::size_t kUseCounters = 0xE00;
+inline constexpr std::uint16_t kFirstUseCounter = 0x0101;
+inline constexpr std::uint16_t kIdleUseCounter = 0x0100;
+
 inline constexpr std::string_view kEngineSid{"\x65\x89", 2};
 inline constexpr std::string_view kAdminSid{"\x64\x8b", 2};
 inline constexpr std::string_view kUsersSid{"\x65\x8b", 2};

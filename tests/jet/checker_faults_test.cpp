@@ -123,6 +123,14 @@ const Fault kFaults[] = {
      [](Things& t) {
          t.file.Record({kObjectsData, 5})[10] = 5;
      }},
+    {"table of the catalogue on a second page of another", 8,
+     [](Things& t) {
+         const PageNumber page = t.file.AppendPage();
+         t.file.Byte(page, 0) = 2;
+         t.file.Byte(page, 1) = 1;
+         PutU32(Definition(t, 4), page);
+         EmptyInCatalogue(t)[2] = static_cast<std::uint8_t>(page);
+     }},
     {"catalogue's definition", 8, [](Things& t) { t.file.Byte(kObjects, 45) = 200; }},
     {"definition's length", 9, [](Things& t) { ++*Definition(t, 8); }},
     {"definition's constant", 9, [](Things& t) { ++*Definition(t, 12); }},
@@ -190,6 +198,8 @@ const Fault kFaults[] = {
          --row[RecordSize(t, t.rows[12]) - 7];
      }},
     {"text longer than its column", 17, [](Things& t) { *Definition(t, kColumns + kColumn + 23) = 4; }},
+    {"map that is the global one", 5, [](Things& t) { PutU32(t.file.At(t.empty.page, 55), 0x101); }},
+    {"too many columns", 9, [](Things& t) { *Definition(t, 46) = 2; }},
     {"date that is none", 17,
      [](Things& t) { std::fill_n(t.file.Record(SomeRow(t)) + 6, 8, std::uint8_t{0xFF}); }},
     {"memo of an unknown kind", 17,
@@ -238,6 +248,12 @@ const Fault kFaults[] = {
     {"unique index with equal keys", 27, [](Things& t) { *Definition(t, RealIndexes(t) + 52 + 46) |= 1; }},
     {"Null where none may be", 27, [](Things& t) { *Definition(t, RealIndexes(t) + 52 + 46) |= 8; }},
     {"counter of distinct keys", 28, [](Things& t) { *Definition(t, kCounters + 5) = 0; }, false},
+    {"row count in a file that others have used", 18,
+     [](Things& t) {
+         ++*Definition(t, kRowCount);
+         ++t.file.Byte(0, 0xE00);
+     },
+     false},
     {"last autonumber", 29, [](Things& t) { *Definition(t, kColumns + 15) |= 4; }},
     {"entry of the catalogue", 30, [](Things& t) { t.file.Byte(8, kEntriesAt + 8) = 200; }},
     {"key of the catalogue", 30, [](Things& t) { ++t.file.Byte(8, kEntriesAt + 9 * 10 - 5); }},

@@ -78,14 +78,14 @@ inline Things::Things() {
     {
         Database database(path, Database::Access::Write);
         Table& things = *database.FindTable(u"things");
-        for (std::int64_t id = 0; id < 1500; ++id) {
+        for (std::int64_t id = 0; id < 700; ++id) {
             const Text word = id % 3 == 0 ? u"Ромашка" : u"Thing";
             const Value name = id == 7 ? Value(Null()) : Value(word + Digits(id / 2));
             rows.push_back(things.Insert(Thing(id, name)));
         }
         moved = rows[20];
         things.Update(moved, Thing(20, Text(100, u'Ж')));
-        deleted = rows[1000];
+        deleted = rows[600];
         things.Delete(deleted);
         database.file().Commit();
         table = things.definition();
