@@ -9,8 +9,8 @@ namespace {
 
 constexpr std::size_t kMapBytes = 64;
 
-[[noreturn]] void TooManyTables() {
-    throw Failure(u"The tables of a new database do not fit its system tables.");
+[[noreturn]] void TooMuch() {
+    throw Failure(u"The tables of a new database are too many or too wide.");
 }
 
 }  // namespace
@@ -20,12 +20,12 @@ DataPage::DataPage(std::uint32_t owner) {
 }
 
 std::uint8_t DataPage::Add(std::string_view record) {
-    if (SlotCount(page_) >= kMaximumSlots || U16(&page_[2]) < record.size() + 2) TooManyTables();
+    if (SlotCount(page_) >= kMaximumSlots || U16(&page_[2]) < record.size() + 2) TooMuch();
     return AddRecord(page_, {reinterpret_cast<const std::uint8_t*>(record.data()), record.size()}, 0);
 }
 
 std::string MapRecord(PageNumber first, PageNumber end) {
-    if (first > end || end > kMapBytes * 8) TooManyTables();
+    if (first > end || end > kMapBytes * 8) TooMuch();
     std::string record(5 + kMapBytes, '\0');
     for (PageNumber page = first; page < end; ++page) {
         char& byte = record[5 + page / 8];
@@ -37,7 +37,7 @@ std::string MapRecord(PageNumber first, PageNumber end) {
 Page LeafPage(std::uint32_t owner, std::span<const std::string> entries) {
     Page page{};
     IndexPageEditor::FormatLeaf(page, owner);
-    if (!IndexPageEditor(page, 0, {}).Pack(entries)) TooManyTables();
+    if (!IndexPageEditor(page, 0, {}).Pack(entries)) TooMuch();
     return page;
 }
 

@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "common/failure.h"
+#include "jet/checker.h"
 #include "platform/files.h"
 #include "support/support.h"
 
@@ -42,6 +43,12 @@ TEST(EmptyDatabase, AnIndependentReaderSeesTheFourTables) {
     }
     test::ExpectGolden("db/schema.txt", Output("mdb-schema --indexes " + file +
                                                " postgres | sed -E '/^(--|SET|$)/d; s/[[:space:]]+/ /g'"));
+}
+
+TEST(CreateDatabase, MakesASoundFile) {
+    const test::TempFolder folder;
+    CreateDatabase(folder / u"new.mdb");
+    EXPECT_TRUE(jet::CheckDatabase(folder / u"new.mdb").empty());
 }
 
 TEST(CreateDatabase, LeavesAnExistingFileAlone) {

@@ -2,12 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <set>
 
 #include "common/failure.h"
-#include "jet/format.h"
-#include "platform/files.h"
+#include "jet/checker.h"
+#include "jet/database.h"
+#include "jet/jet_samples.h"
 
 namespace tav::jet {
 namespace {
@@ -27,9 +27,8 @@ const std::set<std::size_t> kMeaningless = [] {
 }();
 
 TEST(EmptyDatabase, EqualsWhatTheDatabaseEngineMakes) {
-    const char* folder = std::getenv("TAV_MDB_SAMPLES");
-    if (folder == nullptr) GTEST_SKIP() << "TAV_MDB_SAMPLES names no folder of sample databases";
-    const std::string expected = ReadFile(FromUtf8(std::string(folder) + "/adox_jet4.mdb"));
+    TAV_NEEDS_SAMPLES();
+    const std::string expected = ReadFile(tav::test::SamplePath("adox_jet4.mdb"));
 
     const std::string made = EmptyDatabase({});
 
@@ -39,6 +38,50 @@ TEST(EmptyDatabase, EqualsWhatTheDatabaseEngineMakes) {
         ASSERT_EQ(static_cast<unsigned char>(made[i]), static_cast<unsigned char>(expected[i]))
             << "page " << i / kPageSize << ", offset " << i % kPageSize;
     }
+}
+
+// A table of many types, so wide that its definition takes two pages.
+TEST(EmptyDatabase, HoldsTheTablesOfThePlan) {
+    std::vector<Text> names;
+    for (int i = 0; i < 120; ++i) names.push_back(u"value" + Digits(i));
+    TablePlan wide{u"wide", {}, {{u"second", {u"value1", u"value0"}}, {u"PrimaryKey", {u"value0"}, true}}};
+    const ColumnType types[] = {ColumnType::Long,   ColumnType::Text, ColumnType::Memo, ColumnType::Boolean,
+                                ColumnType::Double, ColumnType::Ole,  ColumnType::Date, ColumnType::Byte};
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        const ColumnType type = i < 16 ? types[i % std::size(types)] : ColumnType::Double;
+        wide.columns.push_back(
+            {names[i], type, static_cast<std::uint16_t>(type == ColumnType::Text ? 30 : 0)});
+    }
+    const TablePlan plans[] = {wide, {u"narrow", {{u"only", ColumnType::Boolean}}, {}}};
+    const tav::test::TempFolder folder;
+    const Text path = folder.Write(u"new.mdb", EmptyDatabase(plans));
+
+    EXPECT_TRUE(CheckDatabase(path).empty());
+    Database database(path, Database::Access::Read);
+    ASSERT_EQ(database.Tables().size(), 2u);
+    const TableDefinition& table = database.FindTable(u"WIDE")->definition();
+    EXPECT_EQ(table.pages.size(), 2u);
+    ASSERT_EQ(table.columns.size(), names.size());
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        EXPECT_EQ(table.columns[i].name, names[i]);
+        EXPECT_EQ(table.columns[i].type, wide.columns[i].type);
+    }
+    ASSERT_EQ(table.indexes.size(), 2u);
+    EXPECT_EQ(table.indexes[0].columns.size(), 2u);
+    EXPECT_FALSE(table.indexes[0].primary);
+    EXPECT_TRUE(table.indexes[1].primary);
+    EXPECT_EQ(table.WhyReadOnly(), Text());
+}
+
+TEST(EmptyDatabase, RefusesMoreTablesThanItsSystemTablesHold) {
+    const std::vector<Text> names = [] {
+        std::vector<Text> made;
+        for (int i = 0; i < 100; ++i) made.push_back(u"table" + Digits(i));
+        return made;
+    }();
+    std::vector<TablePlan> plans;
+    for (const Text& name : names) plans.push_back({name, {{u"id", ColumnType::Long}}, {}});
+    EXPECT_THROW(EmptyDatabase(plans), Failure);
 }
 
 }  // namespace
