@@ -90,8 +90,9 @@ SqliteHandle OpenSqlite(Callbacks& callbacks) {
     sqlite3_db_config(raw, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_db_config(raw, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     sqlite3_db_config(raw, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
-    if (sqlite3_exec(raw, "pragma encoding='UTF-16le'; pragma temp_store=memory", nullptr, nullptr,
-                     nullptr) != SQLITE_OK) {
+    // SQLite has no tables of its own: its transaction is opened once, so that no statement has to end one.
+    const char* const setup = "pragma encoding='UTF-16le'; pragma temp_store=memory; begin";
+    if (sqlite3_exec(raw, setup, nullptr, nullptr, nullptr) != SQLITE_OK) {
         throw Failure(RunTimeError::OutOfMemory);
     }
     AddDialect(raw);
