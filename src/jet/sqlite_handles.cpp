@@ -104,6 +104,7 @@ Failure SqliteFailure(sqlite3* database, StatementKind kind) {
     const int code = sqlite3_errcode(database) & 0xFF;
     if (code == SQLITE_NOMEM || code == SQLITE_TOOBIG) return Failure(RunTimeError::OutOfMemory);
     const std::string_view message = sqlite3_errmsg(database);
+    if (code != SQLITE_ERROR && code != SQLITE_AUTH) return Failure(FromUtf8(message));
     for (const Words& words : kWords) {
         if (!message.starts_with(words.begin) || !message.ends_with(words.end)) continue;
         const Failure failure(words.said);
