@@ -47,6 +47,7 @@ struct Executor::State {
     void Bind(Prepared& prepared, const SqlText& sql);
     ResultTable Run(Prepared& prepared);
     Recordset Execute(const SqlText& sql);
+    void DropHashes();
 
     Database database;
     Callbacks callbacks;
@@ -143,6 +144,11 @@ ResultTable Executor::State::Run(Prepared& prepared) {
     return table;
 }
 
+// What the tables hold is not what the hashes were told: a statement or unit was taken back.
+void Executor::State::DropHashes() {
+    for (auto& [table, virtual_table] : tables) virtual_table->search().DropHashes();
+}
+
 Recordset Executor::State::Execute(const SqlText& sql) {
     CheckValues(sql);
     Prepared* known = cache.Find(sql);
@@ -158,7 +164,7 @@ Recordset Executor::State::Execute(const SqlText& sql) {
         Run(prepared);
     } catch (...) {
         database.file().RollBackStatement();
-        for (auto& [table, virtual_table] : tables) virtual_table->search().DropHashes();
+        DropHashes();
         throw;
     }
     database.file().KeepStatement();
@@ -170,11 +176,17 @@ Executor::Executor(TextView path, Database::Access access) : state_(std::make_un
 Executor::~Executor() = default;
 
 Recordset Executor::Execute(const SqlText& sql) {
-    return state_->Execute(sql.values().empty() ? WithValues(sql) : sql);
+    if (!sql.values().empty()) return state_->Execute(sql);
+    return state_->Execute(WithValues(sql));
 }
 
 void Executor::Commit() {
-    state_->database.file().Commit();
+    try {
+        state_->database.file().Commit();
+    } catch (...) {
+        state_->DropHashes();
+        throw;
+    }
 }
 
 Database& Executor::database() {

@@ -10,11 +10,11 @@ namespace {
 
 constexpr int kMostSelects = 32;
 
-constexpr std::array<TextView, 36> kKeywords = {
+constexpr std::array<TextView, 34> kKeywords = {
     u"select", u"distinct", u"all",    u"from",    u"where", u"and",   u"or",     u"not",   u"in",
     u"is",     u"null",     u"as",     u"on",      u"left",  u"right", u"inner",  u"outer", u"join",
     u"group",  u"order",    u"by",     u"having",  u"asc",   u"desc",  u"insert", u"into",  u"values",
-    u"update", u"set",      u"delete", u"between", u"true",  u"false", u"exists", u"union", u"like"};
+    u"update", u"set",      u"delete", u"between", u"true",  u"false", u"exists"};
 
 // Functions whose result is of their argument's kind.
 constexpr std::array<TextView, 7> kTransparent = {u"min", u"max", u"sum", u"avg", u"abs", u"first", u"last"};

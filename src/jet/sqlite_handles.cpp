@@ -90,8 +90,9 @@ SqliteHandle OpenSqlite(Callbacks& callbacks) {
     sqlite3_db_config(raw, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_db_config(raw, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     sqlite3_db_config(raw, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
-    if (sqlite3_exec(raw, "pragma encoding='UTF-16le'; pragma temp_store=memory", nullptr, nullptr,
-                     nullptr) != SQLITE_OK) {
+    // SQLite has no tables of its own: its transaction is opened once, so that no statement has to end one.
+    const char* const setup = "pragma encoding='UTF-16le'; pragma temp_store=memory; begin";
+    if (sqlite3_exec(raw, setup, nullptr, nullptr, nullptr) != SQLITE_OK) {
         throw Failure(RunTimeError::OutOfMemory);
     }
     AddDialect(raw);
@@ -103,6 +104,7 @@ Failure SqliteFailure(sqlite3* database, StatementKind kind) {
     const int code = sqlite3_errcode(database) & 0xFF;
     if (code == SQLITE_NOMEM || code == SQLITE_TOOBIG) return Failure(RunTimeError::OutOfMemory);
     const std::string_view message = sqlite3_errmsg(database);
+    if (code != SQLITE_ERROR && code != SQLITE_AUTH) return Failure(FromUtf8(message));
     for (const Words& words : kWords) {
         if (!message.starts_with(words.begin) || !message.ends_with(words.end)) continue;
         const Failure failure(words.said);
