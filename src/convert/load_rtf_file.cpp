@@ -1,8 +1,10 @@
 #include "convert/load_rtf_file.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 #include "common/get_next.h"
 #include "common/guard.h"
@@ -30,30 +32,50 @@ class FileProgress {
         CurrentProgress().ProcessEvents();
         return CancelStamp() == 0;
     }
-    void Step() { CurrentProgress().SetFraction(static_cast<double>(++steps_) * step_); }
+    // A line of the document may look like a page's mark: the bar still ends at 1.
+    void Step() { CurrentProgress().SetFraction(std::min(1.0, static_cast<double>(++steps_) * step_)); }
 
  private:
     double step_;
     std::size_t steps_ = 0;
 };
 
-void TellDroppedText(TextView file_name, std::size_t page) {
-    const Text line = Text(file_name)
-                          .append(u", страница ")
-                          .append(Digits(static_cast<long long>(page)))
-                          .append(u": текст за последней закрывающей скобкой не показан\n");
-    std::fputs(ToUtf8(line).c_str(), stderr);
-}
+// Tells the user where visible text got lost; a document damaged all over is told about a few times only.
+class DroppedTextReport {
+ public:
+    explicit DroppedTextReport(TextView file_name) : file_name_(file_name) {}
+
+    void Add(std::size_t page) {
+        if (++pages_ <= kTold) Tell(u", страница " + Digits(static_cast<long long>(page)));
+    }
+    void Finish() const {
+        if (pages_ > kTold) Tell(u", ещё страниц: " + Digits(static_cast<long long>(pages_ - kTold)));
+    }
+
+ private:
+    static constexpr std::size_t kTold = 10;
+
+    void Tell(TextView where) const {
+        const Text line =
+            Text(file_name_).append(where).append(u": текст за последней закрывающей скобкой не показан\n");
+        std::fputs(ToUtf8(line).c_str(), stderr);
+    }
+
+    TextView file_name_;
+    std::size_t pages_ = 0;
+};
 
 // First pass: the plain text of all pages, each followed by its mark. No value when the user cancelled.
 std::optional<std::string> PlainText(PageReader& reader, FileProgress& progress, TextView file_name) {
+    DroppedTextReport dropped(file_name);
     std::string text;
     for (std::size_t page = 1; reader.More(); ++page) {
         if (!FileProgress::GoOn()) return std::nullopt;
         text.append(reader.Next()).append(kLineEnd).append(kPageMark);
-        if (reader.dropped_text()) TellDroppedText(file_name, page);
+        if (reader.dropped_text()) dropped.Add(page);
         progress.Step();
     }
+    dropped.Finish();
     return text;
 }
 
@@ -69,7 +91,7 @@ std::optional<std::string> Parts(std::string_view text, FileProgress& progress) 
             lines.Add(line);
         }
     }
-    return lines.output();
+    return lines.TakeOutput();
 }
 
 std::optional<std::string> ReadDocument(std::string bytes, TextView file_name) {

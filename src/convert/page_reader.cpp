@@ -17,7 +17,8 @@ constexpr std::size_t kBraceSearch = 10;
 std::size_t FindByLetter(std::string_view text, std::string_view word, char letter, std::size_t from) {
     const std::size_t offset = word.find(letter);
     for (std::size_t at = from + offset; (at = text.find(letter, at)) != text.npos; ++at) {
-        if (text.substr(at - offset, word.size()) == word) return at - offset;
+        const std::size_t start = at - offset;
+        if (text[start] == word[0] && text.substr(start, word.size()) == word) return start;
     }
     return text.npos;
 }

@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace tav {
 
@@ -34,8 +35,8 @@ class StatementLines {
     // for a cell whose tag has no number.
     void Add(std::string_view line);
 
-    // What has been written so far.
-    const std::string& output() const { return output_; }
+    // What has been written; the last call.
+    std::string TakeOutput() { return std::move(output_); }
 
  private:
     // Outside of frames: the dates and codes of an act, told apart by the act's line counter.

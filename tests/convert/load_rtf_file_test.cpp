@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <string>
 #include <utility>
@@ -112,6 +113,14 @@ TEST_F(LoadRtfFileTest, SaysWhichPageHidesText) {
     Load("{\\rtf1{\\b{\\i a\\page } b} \\par}\\page {\\rtf1 whole}\\page{\\b{\\i text } b}} lost}");
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               "form.rtf, страница 4: текст за последней закрывающей скобкой не показан\n");
+
+    std::string everywhere;
+    for (int i = 0; i < 50; ++i) everywhere += "{a}}}}}} lost\\page ";
+    testing::internal::CaptureStderr();
+    Load(everywhere);
+    const std::string told = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(std::count(told.begin(), told.end(), '\n'), 11);
+    EXPECT_NE(told.find("form.rtf, ещё страниц: 40:"), told.npos);
 }
 
 TEST_F(LoadRtfFileTest, StandsOddDocuments) {

@@ -19,7 +19,7 @@ std::string Parts(TextView lines) {
     StatementLines reader;
     while (!rest.empty()) reader.Add(GetNext(rest, "\n"));
     std::string output;
-    for (const char c : reader.output()) {
+    for (const char c : reader.TakeOutput()) {
         if (c != '\t' && c != '\r') output += c;
     }
     return output;
