@@ -170,10 +170,11 @@ void Load::CheckRoom(const Text& name) const {
                       .append(u". Очистите базу данных или сожмите её файл"));
 }
 
-// The file in the move folder is replaced by one rename. A source that is gone leaves it alone.
+// The file in the move folder is replaced by one rename. A source that is gone leaves it alone; a name that
+// is not bare would lead out of the folders.
 void Load::Move(const Text& name) {
     const Text source = FolderOf(catalogue_).append(name);
-    if (!FileExists(source)) return;
+    if (NameOf(name) != name || !FileExists(source)) return;
     try {
         MoveFileOver(source, move_folder_ + name);
     } catch (const Failure& failure) {

@@ -1,5 +1,6 @@
 #include <filesystem>
 
+#include "common/progress.h"
 #include "db/database_fixture.h"
 
 namespace tav {
@@ -238,6 +239,43 @@ TEST_F(Loader, OverflowsPast32767) {
                 ElementsAre("32766|old", "32767|a.rtf"));
 }
 
+TEST_F(Loader, StopsBeforeAFileWhenTheDatabaseIsFull) {
+    fs::resize_file(ToUtf8(database_), 119 << 20);
+    Load({{u"a.rtf", kPaid}});
+    EXPECT_THAT(Shown(), ElementsAre(AllOf(HasSubstr("не осталось места"), HasSubstr("a.rtf"))));
+    EXPECT_THAT(Rows(kHeaders), IsEmpty());
+}
+
+// A person who clicks while files are loaded.
+class ClicksClear : public Progress {
+ public:
+    explicit ClicksClear(TextView database) : database_(database) {}
+    void Show(int) override {}
+    void SetLabel(TextView) override {}
+    void SetFilesDone(int) override {}
+    void SetFraction(double) override {}
+    void ProcessEvents() override {
+        ++times;
+        clearbaseAll(database_);
+    }
+    void Close() override {}
+
+    int times = 0;
+
+ private:
+    Text database_;
+};
+
+TEST_F(Loader, ProcessesEventsBetweenFilesAndLetsNobodyElseIn) {
+    ClicksClear progress(database_);
+    const ScopedProgress scope(progress);
+    Load({{u"a.rtf", kPaid}, {u"act.rtf", ActPart({}, u"p0011=1.00")}});
+    EXPECT_EQ(progress.times, 2);
+    EXPECT_THAT(Shown(), ElementsAre(HasSubstr("already in use"), HasSubstr("already in use")));
+    EXPECT_THAT(Rows(u"select filename from tav_operations_header order by id"),
+                ElementsAre("a.rtf", "act.rtf"));
+}
+
 class Moves : public Loader {
  protected:
     Moves() {
@@ -264,6 +302,13 @@ TEST_F(Moves, MakeTheFolderAndDoNotMissASource) {
     EXPECT_EQ(result.moved, 0);
     EXPECT_TRUE(FolderExists(folder_ / u"deep/er"));
     EXPECT_THAT(Shown(), IsEmpty());
+}
+
+TEST_F(Moves, StayWithinTheirFolders) {
+    folder_.Write(u"outside.rtf", "x");
+    Write({{u"../outside.rtf", kPaid}});
+    EXPECT_EQ(LoadAndMove(folder_ / u"done/").files, 1);
+    EXPECT_TRUE(FileExists(folder_ / u"outside.rtf"));
 }
 
 TEST_F(Moves, LeaveTheImportFolderAlone) {
