@@ -30,6 +30,7 @@ TEST_F(Loader, StoresStatementsWithTheirRows) {
                                        u"p01=02.02.2011|p03=Пусто|p09=пеня|p10=0.00|p13=0.00"})}});
     EXPECT_THAT(Shown(), IsEmpty());
     EXPECT_EQ(result.documents, 1);
+    EXPECT_EQ(result.rows, 2);
     EXPECT_EQ(result.files, 1);
     EXPECT_THAT(Rows(u"select id, filename, h1, h2, h3, h6, h7, h10, h11, h12, h13, perb, pere, vid from "
                      u"tav_operations_header"),
