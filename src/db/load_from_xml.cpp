@@ -16,8 +16,9 @@
 namespace tav {
 namespace {
 
-// Without a move folder, so many files reach the disk together.
+// Without a move folder, several files reach the disk together: so many, or fewer with so many lines.
 constexpr int kFilesPerUnit = 64;
+constexpr int kRowsPerUnit = 20000;
 // What a source file may need in the database, in bytes: a statement of 10,000 lines.
 constexpr std::uint64_t kRoomForFile = 4 << 20;
 
@@ -117,10 +118,14 @@ void Load::Run(TextView database) {
     // The import folder itself is no archive: what is in it stays there.
     if (SameFolder(move_folder_, FolderOf(catalogue_))) move_folder_.clear();
     int files = 0;
+    int rows = result.rows;
     for (const Text& name : names) {
         CurrentProgress().ProcessEvents();
         LoadFile(*catalogue, name, parts);
-        if (++files % kFilesPerUnit == 0) connection_.EndUnit();
+        if (++files < kFilesPerUnit && result.rows - rows < kRowsPerUnit) continue;
+        connection_.EndUnit();
+        files = 0;
+        rows = result.rows;
     }
     connection_.Close();
 }
@@ -170,10 +175,11 @@ void Load::CheckRoom(const Text& name) const {
                       .append(u". Очистите базу данных или сожмите её файл"));
 }
 
-// The file in the move folder is replaced by one rename. A source that is gone leaves it alone.
+// The file in the move folder is replaced by one rename. A source that is gone leaves it alone; a name that
+// is not bare would lead out of the folders.
 void Load::Move(const Text& name) {
     const Text source = FolderOf(catalogue_).append(name);
-    if (!FileExists(source)) return;
+    if (NameOf(name) != name || !FileExists(source)) return;
     try {
         MoveFileOver(source, move_folder_ + name);
     } catch (const Failure& failure) {

@@ -14,6 +14,7 @@ namespace tav {
 // What a load did, for those who tell it to a person.
 struct LoadResult {
     int documents = 0;   // statements and acts stored
+    int rows = 0;        // lines of statements stored
     int files = 0;       // files with a document of the taxpayer
     int moved = 0;       // of them, moved away
     int known = 0;       // current files passed over because the database has them

@@ -136,7 +136,10 @@ bool PartLoader::LoadRow(Node row, bool nonzero) {
         insert.Add(column->column, text);
         if (digits == kRecordDateDigits) ignored = false;
     }
-    if (switches_.zero_statements != 0 || nonzero) insert.Execute(connection_);
+    if (switches_.zero_statements != 0 || nonzero) {
+        insert.Execute(connection_);
+        ++result_.rows;
+    }
     return nonzero;
 }
 

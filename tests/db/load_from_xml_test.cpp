@@ -1,5 +1,6 @@
 #include <filesystem>
 
+#include "common/progress.h"
 #include "db/database_fixture.h"
 
 namespace tav {
@@ -29,6 +30,7 @@ TEST_F(Loader, StoresStatementsWithTheirRows) {
                                        u"p01=02.02.2011|p03=Пусто|p09=пеня|p10=0.00|p13=0.00"})}});
     EXPECT_THAT(Shown(), IsEmpty());
     EXPECT_EQ(result.documents, 1);
+    EXPECT_EQ(result.rows, 2);
     EXPECT_EQ(result.files, 1);
     EXPECT_THAT(Rows(u"select id, filename, h1, h2, h3, h6, h7, h10, h11, h12, h13, perb, pere, vid from "
                      u"tav_operations_header"),
@@ -238,6 +240,43 @@ TEST_F(Loader, OverflowsPast32767) {
                 ElementsAre("32766|old", "32767|a.rtf"));
 }
 
+TEST_F(Loader, StopsBeforeAFileWhenTheDatabaseIsFull) {
+    fs::resize_file(ToUtf8(database_), 119 << 20);
+    Load({{u"a.rtf", kPaid}});
+    EXPECT_THAT(Shown(), ElementsAre(AllOf(HasSubstr("не осталось места"), HasSubstr("a.rtf"))));
+    EXPECT_THAT(Rows(kHeaders), IsEmpty());
+}
+
+// A person who clicks while files are loaded.
+class ClicksClear : public Progress {
+ public:
+    explicit ClicksClear(TextView database) : database_(database) {}
+    void Show(int) override {}
+    void SetLabel(TextView) override {}
+    void SetFilesDone(int) override {}
+    void SetFraction(double) override {}
+    void ProcessEvents() override {
+        ++times;
+        clearbaseAll(database_);
+    }
+    void Close() override {}
+
+    int times = 0;
+
+ private:
+    Text database_;
+};
+
+TEST_F(Loader, ProcessesEventsBetweenFilesAndLetsNobodyElseIn) {
+    ClicksClear progress(database_);
+    const ScopedProgress scope(progress);
+    Load({{u"a.rtf", kPaid}, {u"act.rtf", ActPart({}, u"p0011=1.00")}});
+    EXPECT_EQ(progress.times, 2);
+    EXPECT_THAT(Shown(), ElementsAre(HasSubstr("already in use"), HasSubstr("already in use")));
+    EXPECT_THAT(Rows(u"select filename from tav_operations_header order by id"),
+                ElementsAre("a.rtf", "act.rtf"));
+}
+
 class Moves : public Loader {
  protected:
     Moves() {
@@ -264,6 +303,13 @@ TEST_F(Moves, MakeTheFolderAndDoNotMissASource) {
     EXPECT_EQ(result.moved, 0);
     EXPECT_TRUE(FolderExists(folder_ / u"deep/er"));
     EXPECT_THAT(Shown(), IsEmpty());
+}
+
+TEST_F(Moves, StayWithinTheirFolders) {
+    folder_.Write(u"outside.rtf", "x");
+    Write({{u"../outside.rtf", kPaid}});
+    EXPECT_EQ(LoadAndMove(folder_ / u"done/").files, 1);
+    EXPECT_TRUE(FileExists(folder_ / u"outside.rtf"));
 }
 
 TEST_F(Moves, LeaveTheImportFolderAlone) {
