@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <cstring>
 #include <new>
 
 #include "common/failure.h"
@@ -18,16 +19,41 @@ unsigned Weight(char16_t c) {
     return upper == u'Ё' ? 2U * u'Е' + 1 : 2U * upper;
 }
 
-TextView WithoutTrailingBlanks(TextView text) {
-    return text.substr(0, text.find_last_not_of(u' ') + 1);
+// Characters in memory that may begin at an odd address: SQLite keeps them wherever they fit.
+struct Characters {
+    const unsigned char* bytes;
+    std::size_t size;
+
+    Characters(const void* text, std::size_t length)
+        : bytes(static_cast<const unsigned char*>(text)), size(length) {
+        while (size > 0 && (*this)[size - 1] == u' ') --size;  // trailing blanks do not count
+    }
+    explicit Characters(TextView text) : Characters(text.data(), text.size()) {}
+
+    char16_t operator[](std::size_t i) const {
+        char16_t c;
+        std::memcpy(&c, bytes + i * sizeof c, sizeof c);
+        return c;
+    }
+};
+
+int Compare(const Characters& a, const Characters& b) {
+    const std::size_t common = std::min(a.size, b.size);
+    for (std::size_t i = 0; i < common; ++i) {
+        if (a[i] == b[i]) continue;
+        const unsigned x = Weight(a[i]);
+        const unsigned y = Weight(b[i]);
+        if (x != y) return x < y ? -1 : 1;
+    }
+    if (a.size == b.size) return 0;
+    return a.size < b.size ? -1 : 1;
 }
 
-TextView FromBytes(const void* text, int bytes) {
-    return {static_cast<const char16_t*>(text), static_cast<std::size_t>(bytes) / sizeof(char16_t)};
-}
-
-int CollateBytes(void*, int a_size, const void* a, int b_size, const void* b) {
-    return Collate(FromBytes(a, a_size), FromBytes(b, b_size));
+int CollateBytes(void*, int a_bytes, const void* a, int b_bytes, const void* b) {
+    const auto characters = [](const void* text, int bytes) {
+        return Characters(text, static_cast<std::size_t>(bytes) / sizeof(char16_t));
+    };
+    return Compare(characters(a, a_bytes), characters(b, b_bytes));
 }
 
 // ucase(x)
@@ -43,22 +69,15 @@ void UpperCaseFunction(sqlite3_context* context, int, sqlite3_value** arguments)
 }  // namespace
 
 int Collate(TextView a, TextView b) {
-    a = WithoutTrailingBlanks(a);
-    b = WithoutTrailingBlanks(b);
-    const std::size_t common = std::min(a.size(), b.size());
-    for (std::size_t i = 0; i < common; ++i) {
-        if (a[i] == b[i]) continue;
-        const unsigned x = Weight(a[i]);
-        const unsigned y = Weight(b[i]);
-        if (x != y) return x < y ? -1 : 1;
-    }
-    if (a.size() == b.size()) return 0;
-    return a.size() < b.size() ? -1 : 1;
+    return Compare(Characters(a), Characters(b));
 }
 
 std::uint64_t CollationHash(TextView text) {
+    const Characters characters(text);
     std::uint64_t hash = 0xCBF29CE484222325;
-    for (const char16_t c : WithoutTrailingBlanks(text)) hash = (hash ^ UpperChar(c)) * 0x100000001B3;
+    for (std::size_t i = 0; i < characters.size; ++i) {
+        hash = (hash ^ UpperChar(characters[i])) * 0x100000001B3;
+    }
     return hash;
 }
 

@@ -2,6 +2,7 @@
 
 #include <bit>
 #include <cmath>
+#include <cstring>
 #include <optional>
 
 #include "common/failure.h"
@@ -92,10 +93,11 @@ DateBlob EncodeDate(Date date) {
     return blob;
 }
 
-TextView TextOf(sqlite3_value* value) {
+void TakeText(sqlite3_value* value, Text& out) {
     const void* text = sqlite3_value_text16(value);
     const auto bytes = static_cast<std::size_t>(sqlite3_value_bytes16(value));
-    return {static_cast<const char16_t*>(text), bytes / sizeof(char16_t)};
+    out.resize(bytes / sizeof(char16_t));
+    if (!out.empty()) std::memcpy(out.data(), text, bytes);  // it may begin at an odd address
 }
 
 Value FromSqlite(sqlite3_value* value) {
@@ -104,8 +106,11 @@ Value FromSqlite(sqlite3_value* value) {
             return std::int64_t{sqlite3_value_int64(value)};
         case SQLITE_FLOAT:
             return sqlite3_value_double(value);
-        case SQLITE_TEXT:
-            return Text(TextOf(value));
+        case SQLITE_TEXT: {
+            Text text;
+            TakeText(value, text);
+            return text;
+        }
         case SQLITE_BLOB: {
             const auto* bytes = static_cast<const unsigned char*>(sqlite3_value_blob(value));
             const auto size = static_cast<std::size_t>(sqlite3_value_bytes(value));

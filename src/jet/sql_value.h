@@ -20,7 +20,8 @@ using DateBlob = std::array<unsigned char, 8>;
 DateBlob EncodeDate(Date date);
 
 Value FromSqlite(sqlite3_value* value);
-TextView TextOf(sqlite3_value* value);
+// A text into `out`, whose memory is used again.
+void TakeText(sqlite3_value* value, Text& out);
 void SetResult(sqlite3_context* context, const Value& value);
 // The text of a `value` must live until the statement is bound anew.
 void Bind(sqlite3_stmt* statement, int parameter, const Value& value);

@@ -209,10 +209,9 @@ void VirtualTable::Take(std::size_t column_at, sqlite3_value* value) {
     Value& taken = column.IsText() && text ? place : literal_;
     if (!text) {
         taken = FromSqlite(value);
-    } else if (Text* same = std::get_if<Text>(&taken)) {
-        *same = TextOf(value);
     } else {
-        taken = Text(TextOf(value));
+        if (!std::holds_alternative<Text>(taken)) taken = Text();
+        TakeText(value, std::get<Text>(taken));
     }
     if (&taken != &place) place = ConvertForColumn(column, literal_);
 }
