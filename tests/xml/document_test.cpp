@@ -170,7 +170,7 @@ TEST(Events, ALongDocumentOfManyTextsPasses) {
     ASSERT_GT(bytes.size(), 10u * 1000 * 1000);
     NoEvents events;
     EXPECT_NO_THROW(ReadXml(bytes, events));
-    EXPECT_EQ(Document::Parse(bytes).Save(), bytes);
+    EXPECT_EQ(Document::Parse(bytes).Root().Children().size(), 11000u);
 }
 
 constexpr std::string_view kSchema =
