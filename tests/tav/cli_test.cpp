@@ -100,7 +100,14 @@ TEST_F(Cli, AFolderBecomesADatabaseAndAReport) {
     const Outcome second = Import();
     EXPECT_EQ(second.status, 0) << second.err;
     EXPECT_EQ(second.out, "Новых документов нет.\n");
-    EXPECT_EQ(Dump(), before);
+    // Only the headers of superseded statements go, as every load removes them; the operations stay.
+    Json after = before;
+    Json& headers = after["tav_operations_header"];
+    for (std::size_t i = headers.size(); i-- > 0;) {
+        if (headers[i]["vid"].is_null() && !headers[i]["h6"].is_null()) headers.erase(i);
+    }
+    EXPECT_EQ(headers.size() + 1, before["tav_operations_header"].size());
+    EXPECT_EQ(Dump(), after);
 
     const Json list = Json::parse(Tav({"list", "--inn", kInn, "--json", "--database", Database()}).out);
     EXPECT_EQ(list["documents"].size(),
