@@ -97,7 +97,8 @@ void TakeText(sqlite3_value* value, Text& out) {
     const void* text = sqlite3_value_text16(value);
     const auto bytes = static_cast<std::size_t>(sqlite3_value_bytes16(value));
     out.resize(bytes / sizeof(char16_t));
-    if (!out.empty()) std::memcpy(out.data(), text, bytes);  // it may begin at an odd address
+    if (!out.empty())
+        std::memcpy(out.data(), text, out.size() * sizeof(char16_t));  // it may begin at an odd address
 }
 
 Value FromSqlite(sqlite3_value* value) {
