@@ -139,7 +139,7 @@ TEST_F(Cli, IndependentReadersSeeTheSame) {
     for (const auto& [table, rows] : dump.items()) {
         EXPECT_EQ(test::RunProgram("mdb-count", {Database(), table}).out, std::to_string(rows.size()) + "\n");
     }
-    const std::string exported = test::RunProgram("mdb-export", {"-H", "-d", "|", "-Q", "-D", "%Y-%m-%d",
+    const std::string exported = test::RunProgram("mdb-export", {"-H", "-d", "|", "-Q", "-T", "%Y-%m-%d",
                                                                  Database(), "tav_operations"})
                                      .out;
     std::string expected;
@@ -151,7 +151,7 @@ TEST_F(Cli, IndependentReadersSeeTheSame) {
                 expected += value.get<std::string>();
             } else if (value.is_number_float()) {
                 char text[64];
-                std::snprintf(text, sizeof text, "%.15g", value.get<double>());
+                std::snprintf(text, sizeof text, "%.16g", value.get<double>());
                 expected += text;
             } else if (value.is_number()) {
                 expected += value.dump();
