@@ -14,7 +14,7 @@ namespace tav::bench {
 namespace fs = std::filesystem;
 
 Folder::Folder() {
-    std::string pattern = (fs::temp_directory_path() / "tav-bench-XXXXXX").string();
+    std::string pattern = (fs::temp_directory_path() / "tav-bench-").string() + std::string(6, 'X');
     if (::mkdtemp(pattern.data()) == nullptr) std::abort();
     path_ = FromUtf8(pattern) + u"/";
 }

@@ -17,12 +17,13 @@ void AddClearCommand(CLI::App& app, Context& context) {
     const auto options = std::make_shared<Options>();
     CLI::App& clear =
         *app.add_subcommand("clear", "Удалить из базы данных документы налогоплательщика или все");
-    AddTaxpayerOptions(clear, options->inn, options->kpp, false);
+    AddTaxpayerOptions(clear, options->inn, options->kpp, false, "КПП налогоплательщика");
     clear.add_flag("--all", options->all, "Документы всех налогоплательщиков");
     AddDatabaseOption(clear, context);
     clear.callback([options] {
-        const bool taxpayer = !options->inn.empty() && !options->kpp.empty();
-        if (taxpayer == options->all) throw WrongUsage("нужны --inn и --kpp или --all");
+        const bool inn = !options->inn.empty();
+        const bool kpp = !options->kpp.empty();
+        if (inn != kpp || inn == options->all) throw WrongUsage("нужны --inn и --kpp или --all");
         if (options->all) {
             clearbaseAll(getbase());
         } else {

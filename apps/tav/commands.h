@@ -32,7 +32,9 @@ void AddClearCommand(CLI::App& app, Context& context);
 // --database for a command that needs the database.
 void AddDatabaseOption(CLI::App& command, Context& context);
 // --inn and --kpp.
-void AddTaxpayerOptions(CLI::App& command, std::string& inn, std::string& kpp, bool required);
+void AddTaxpayerOptions(
+    CLI::App& command, std::string& inn, std::string& kpp, bool required,
+    const std::string& kpp_help = "КПП налогоплательщика; двадцать нулей — все подразделения");
 
 // A path from the command line.
 Text PathArgument(const std::string& typed);

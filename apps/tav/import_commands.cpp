@@ -23,23 +23,24 @@ struct ImportOptions {
     std::string move_to;
 };
 
-// Runs `action` under a progress bar, with Ctrl-C as its cancel button.
+// Runs `action` under a progress bar, with Ctrl-C as its cancel button. `action` tells whether it was
+// cancelled.
 template <class Action>
 void WithProgress(Context& context, Action action) {
     TerminalProgress progress;
     const ScopedProgress scope(progress);
     const InterruptWatch watch;
-    action();
-    context.cancelled = InterruptWatch::Interrupted();
+    context.cancelled = action();
     if (context.cancelled) ShowMessage(u"Импорт", u"Прервано пользователем.", MessageIcon::Information);
 }
 
 void PrintLoad(const LoadResult& load) {
-    if (load.documents == 0) {
-        PrintLine(u"Новых документов нет.");
-    } else {
+    if (load.files > 0) {
         PrintLine(u"Загружено документов: " + Digits(load.documents) + u", файлов: " + Digits(load.files));
+    } else if (load.complete) {
+        PrintLine(u"Новых документов нет.");
     }
+    if (load.empty > 0) PrintLine(u"Не загружено, так как все суммы нулевые: " + Digits(load.empty));
     if (load.moved > 0) PrintLine(u"Перенесено файлов: " + Digits(load.moved));
 }
 
@@ -54,13 +55,15 @@ void Import(Context& context, const ImportOptions& options) {
         throw WrongUsage("не задана папка документов: --folder DIR или параметр ImportPath");
     }
     Guarded(u"Ошибка в функции import", [&] {
-        ImportFolders folders = FoldersOfSettings();
-        if (!options.folder.empty()) folders.import = PathArgument(options.folder);
-        if (!options.move_to.empty()) folders.move_to = PathArgument(options.move_to);
+        const auto path = [](const std::string& typed) {
+            return typed.empty() ? Text() : PathArgument(typed);
+        };
+        const ImportFolders folders = ChooseFolders(path(options.folder), path(options.move_to));
         ExistingFolder(folders.import);
         WithProgress(context, [&] {
             const ImportResult result = RunImport(folders, FromUtf8(options.inn), FromUtf8(options.kpp));
             if (result.outcome == ImportOutcome::Done) PrintLoad(result.load);
+            return result.outcome == ImportOutcome::Cancelled;
         });
     });
 }
@@ -71,6 +74,7 @@ void Scan(Context& context, const std::string& folder) {
         WithProgress(context, [&] {
             const Text catalogue = CheckXml(path);
             if (!catalogue.empty()) PrintLine(catalogue);
+            return catalogue.empty() && CancelStamp() != 0;
         });
     });
 }
@@ -81,6 +85,7 @@ void Load(Context& context, const std::string& catalogue, const ImportOptions& o
         PrintLoad(LoadFromXml(PathArgument(catalogue), getbase(), FromUtf8(options.inn),
                               FromUtf8(options.kpp), move_to));
         ConstrTabTypeOper(getbase());
+        return false;
     });
 }
 

@@ -17,14 +17,16 @@ void AddDatabaseOption(CLI::App& command, Context& context) {
         .add_option("--database", context.database,
                     "Файл базы данных (вместо PlX_Base.mdb в папке DataBasePath)")
         ->type_name("FILE")
-        ->each([](const std::string& path) { UseDatabase(PathArgument(path)); });
+        ->each([](const std::string& path) {
+            if (path.empty()) throw WrongUsage("--database: пустое имя файла");
+            UseDatabase(PathArgument(path));
+        });
 }
 
-void AddTaxpayerOptions(CLI::App& command, std::string& inn, std::string& kpp, bool required) {
+void AddTaxpayerOptions(CLI::App& command, std::string& inn, std::string& kpp, bool required,
+                        const std::string& kpp_help) {
     command.add_option("--inn", inn, "ИНН налогоплательщика")->type_name("INN")->required(required);
-    command.add_option("--kpp", kpp, "КПП налогоплательщика; двадцать нулей — все подразделения")
-        ->type_name("KPP")
-        ->required(required);
+    command.add_option("--kpp", kpp, kpp_help)->type_name("KPP")->required(required);
 }
 
 Text PathArgument(const std::string& typed) {
@@ -57,8 +59,8 @@ int Run(int argc, char** argv) {
     } catch (...) {
         ShowFailure(u"tav", CurrentFailure());
     }
-    if (context.cancelled) return 130;
-    return box.failed() ? 1 : 0;
+    if (box.failed()) return 1;
+    return context.cancelled ? 130 : 0;
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include "commands.h"
 #include "common/guard.h"
+#include "platform/files.h"
 #include "settings/settings.h"
 #include "terminal.h"
 
@@ -25,8 +26,11 @@ void List() {
 
 void Set(const std::string& name, const std::string& value) {
     const Setting& setting = Known(name);
-    if (!WriteSetting(setting.name, FromUtf8(value))) {
-        ShowMessage(u"Параметры", u"Параметр не записан: " + Text(setting.name));
+    // Both kinds of separators are understood in what a person types.
+    const Text text = setting.name.ends_with(u"Path") ? UserPath(FromUtf8(value)) : FromUtf8(value);
+    if (!WriteSetting(setting.name, text)) {
+        ShowMessage(u"Параметры",
+                    u"Параметр не записан: " + Text(setting.name) + u" (" + LastRegistryFailure() + u")");
     }
 }
 

@@ -14,7 +14,7 @@ namespace tav::cli {
 void Print(std::string_view bytes) {
     const bool written =
         std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size() && std::fflush(stdout) == 0;
-    if (!written) throw Failure(RunTimeError::PathFileAccess, u"standard output");
+    if (!written) throw Failure(RunTimeError::PathFileAccess, u"стандартный вывод");
 }
 
 void PrintLine(TextView text) {

@@ -41,9 +41,10 @@ Failure::Failure(RunTimeError error, TextView detail)
     : error_(error), detail_(detail), description_(Describe(error, detail)), what_(ToUtf8(description_)) {}
 
 Failure Failure::In(TextView document) const {
-    Text detail = detail_;
-    if (!detail.empty()) detail += u' ';
-    return Failure(error_, detail.append(u"(").append(document).append(u")"));
+    Failure named = *this;
+    named.description_.append(u" (").append(document).append(u")");
+    named.what_ = ToUtf8(named.description_);
+    return named;
 }
 
 Failure CurrentFailure() {

@@ -40,7 +40,7 @@ class Failure : public std::exception {
     const Text& description() const { return description_; }
     const char* what() const noexcept override { return what_.c_str(); }
 
-    // The same failure about one document more: the description ends with " (name)".
+    // The same failure about one document: the description ends with " (name)".
     Failure In(TextView document) const;
 
  private:

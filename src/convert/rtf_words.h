@@ -1,6 +1,6 @@
 // The control words of RTF that matter for the plain text, and what each of them does.
 //
-// Names and meanings: the Rich Text Format specification 1.9.1 and what a rich-text control makes of them.
+// Names and meanings: Rich Text Format, version 1.9.1, and what a rich-text control makes of them.
 #pragma once
 
 #include <cstdint>

@@ -93,7 +93,7 @@ std::string NewOperationsDatabase() {
 }
 
 void CreateDatabase(TextView path) {
-    if (FileExists(path)) throw Failure(Text(u"The file is there already: ").append(path));
+    if (FileExists(path)) throw Failure(Text(u"Файл уже существует: ").append(path));
     WriteFileWhole(path, NewOperationsDatabase());
 }
 

@@ -5,6 +5,7 @@
 #include <map>
 #include <tuple>
 
+#include "common/get_next.h"
 #include "common/regional.h"
 #include "db/connection.h"
 
@@ -41,10 +42,21 @@ int CountAlone(std::vector<Period> periods) {
 }  // namespace
 
 std::vector<HeldDocument> HeldDocuments(TextView database, TextView inn, TextView kpp) {
+    constexpr std::size_t kAnyKppCharacters = 16;
     SqlText sql(
         u"select id, filename, vid, perb, pere, h1, h2, h3, h6, h7, h8, h10 from tav_operations_header");
-    if (!inn.empty()) sql.Fixed(u" where h1='").Value(inn).Fixed(u"'");
-    if (!kpp.empty()) sql.Fixed(inn.empty() ? u" where h2='" : u" and h2='").Value(kpp).Fixed(u"'");
+    TextView next = u" where ";
+    if (!inn.empty()) {
+        sql.Fixed(next).Fixed(u"h1 in (");
+        for (TextView inns = inn, comma; !inns.empty(); comma = u",") {
+            sql.Fixed(comma).Fixed(u"'").Value(GetNext(inns, u"|")).Fixed(u"'");
+        }
+        sql.Fixed(u")");
+        next = u" and ";
+    }
+    if (!kpp.empty() && kpp.size() < kAnyKppCharacters) {
+        sql.Fixed(next).Fixed(u"h2='").Value(kpp).Fixed(u"'");
+    }
     sql.Fixed(u" order by h7, h10, perb");
 
     Connection connection;

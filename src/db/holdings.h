@@ -23,7 +23,8 @@ struct HeldDocument {
     bool current = false;  // a statement that no later one has superseded
 };
 
-// Ordered by code, OKATO and begin. An empty INN means every taxpayer, an empty KPP every subdivision.
+// Ordered by code, OKATO and begin. An empty INN means every taxpayer; several INNs stand between "|". An
+// empty KPP, or one of 16 characters and more, means every subdivision.
 // Failures are thrown.
 std::vector<HeldDocument> HeldDocuments(TextView database, TextView inn, TextView kpp);
 

@@ -197,7 +197,10 @@ LoadResult LoadFromXml(TextView catalogue, TextView database, TextView inn, Text
                        TextView move_folder) {
     Load load(catalogue, inn, kpp, move_folder);
     GuardedBy(
-        [&] { load.Run(database); },
+        [&] {
+            load.Run(database);
+            load.result.complete = true;
+        },
         [&](const Failure& failure) {
             if (load.unmovable.empty()) {
                 ShowFailure(u"Ошибка в функции LoadFromXml", failure);

@@ -13,13 +13,14 @@ namespace tav {
 
 // What a load did, for those who tell it to a person.
 struct LoadResult {
-    int documents = 0;   // statements and acts stored
-    int rows = 0;        // lines of statements stored
-    int files = 0;       // files with a document of the taxpayer
-    int moved = 0;       // of them, moved away
-    int known = 0;       // current files passed over because the database has them
-    int empty = 0;       // documents not stored because every amount is 0.00
-    int superseded = 0;  // statements that ceased to be, or never were, the current one of their series
+    int documents = 0;      // statements and acts stored
+    int rows = 0;           // lines of statements stored
+    int files = 0;          // files with a document of the taxpayer
+    int moved = 0;          // of them, moved away
+    int known = 0;          // current files passed over because the database has them
+    int empty = 0;          // documents not stored because every amount is 0.00
+    bool complete = false;  // nothing failed
+    int superseded = 0;     // statements that ceased to be, or never were, the current one of their series
 };
 
 // `catalogue`: full path of listfiles.xml, whose folder is the source files' too. `inn`: the taxpayer's INN,

@@ -30,16 +30,13 @@ class RunningImport {
 
 }  // namespace
 
-ImportFolders FoldersOfSettings() {
-    ImportFolders folders;
-    const bool moves = SettingTruth(u"ChkOut");
-    folders.import = SettingText(u"ImportPath");
-    if (!moves) return folders;
+ImportFolders ChooseFolders(TextView import_folder, TextView move_folder) {
+    ImportFolders folders{Text(import_folder), Text(move_folder)};
+    if (folders.import.empty()) folders.import = SettingText(u"ImportPath");
+    if (folders.import.empty() || !folders.move_to.empty() || !SettingTruth(u"ChkOut")) return folders;
     folders.move_to = SettingText(u"OutPath");
     if (folders.move_to.empty()) folders.move_to = TempVariable();
-    if (folders.move_to.empty() && !folders.import.empty()) {
-        throw Failure(RunTimeError::PathNotFound, u"OutPath, TEMP");
-    }
+    if (folders.move_to.empty()) throw Failure(RunTimeError::PathNotFound, u"OutPath, TEMP");
     return folders;
 }
 

@@ -13,7 +13,7 @@ struct ImportFolders {
 
 // The folders as the settings have them: ImportPath, and OutPath when ChkOut is true (TEMP when OutPath is
 // empty; without either, a Failure: documents are never moved to a place nobody named).
-ImportFolders FoldersOfSettings();
+ImportFolders ChooseFolders(TextView import_folder, TextView move_folder);
 
 enum class ImportOutcome {
     Nothing,  // no folder, a second import while one runs, or one asked for in the very second of the last

@@ -16,7 +16,7 @@ void OpenClass::view_v_id(std::int16_t id) {
 }
 
 void OpenClass::import(TextView inn, TextView kpp) {
-    Guarded(u"Ошибка в функции import", [&] { RunImport(FoldersOfSettings(), inn, kpp); });
+    Guarded(u"Ошибка в функции import", [&] { RunImport(ChooseFolders({}, {}), inn, kpp); });
 }
 
 }  // namespace tav

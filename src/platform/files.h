@@ -30,15 +30,16 @@ Text UserPath(TextView typed);
 
 bool FileExists(TextView path);  // anything but a folder
 bool FolderExists(TextView path);
-// Whether both name one and the same existing folder, whatever links or letter case the paths go through.
+// Whether both name one and the same existing folder, whatever links or letter case the paths go through;
+// empty text is the present folder.
 bool SameFolder(TextView a, TextView b);
 
 // Creates every missing folder on the way to the file, from the root down; the last piece, the file name, is
 // not created.
 void MakeFolders(TextView file_path);
 
-// The bare names of the folder's files (no folders) that end in `ending` without regard to letter case,
-// sorted by their upper-cased names, hidden files included. A folder that is not there is empty.
+// The bare names of the folder's plain files (and links to such) that end in `ending` without regard to
+// letter case, sorted by their upper-cased names, hidden files included. A folder that is not there is empty.
 std::vector<Text> ListFiles(TextView folder, TextView ending);
 
 std::string ReadFile(TextView path);

@@ -100,14 +100,10 @@ void RefuseHeldFile(TextView path) {
 // A new file beside `target` that becomes `target` by Rename, and goes if it does not get there.
 class ReplacementFile {
  public:
-    explicit ReplacementFile(TextView target) : target_(LinkTarget(target)) {
-        pattern_ = Native(FolderOf(target_) + u".tav-XXXXXX");
+    ReplacementFile(TextView target, mode_t mode) : target_(target) {
+        pattern_ = Native(FolderOf(target_) + u".tav-") + std::string(6, 'X');
         file_ = Descriptor(::mkostemp(pattern_.data(), O_CLOEXEC));
         if (!file_) Refuse(errno, target_);
-        struct stat status {};
-        const mode_t mask = ::umask(0);
-        ::umask(mask);
-        const mode_t mode = Status(target_, status) ? status.st_mode & 07777 : 0666 & ~mask;
         ::fchmod(file_.number(), mode);
     }
     ~ReplacementFile() {
@@ -135,6 +131,15 @@ class ReplacementFile {
     bool renamed_ = false;
 };
 
+// The rights of the file that is replaced, or those of a new one.
+mode_t ModeFor(TextView target) {
+    struct stat status {};
+    if (Status(target, status)) return status.st_mode & 07777;
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    return 0666 & ~mask;
+}
+
 // Hands the file's bytes on in pieces.
 template <class Take>
 void ReadPieces(const Descriptor& file, TextView path, Take take) {
@@ -152,7 +157,7 @@ void CopyOver(TextView source, TextView target) {
     const Descriptor file = OpenForReading(source);
     struct stat status {};
     ::fstat(file.number(), &status);
-    ReplacementFile replacement(target);
+    ReplacementFile replacement(target, status.st_mode & 0777);
     ReadPieces(file, source, [&](std::string_view piece) { replacement.Write(piece); });
     replacement.SetTimes(status);
     replacement.Rename();
@@ -173,7 +178,8 @@ bool FolderExists(TextView path) {
 bool SameFolder(TextView a, TextView b) {
     struct stat first {};
     struct stat second {};
-    return Status(a, first) && Status(b, second) && first.st_dev == second.st_dev &&
+    const auto folder = [](TextView path) { return path.empty() ? TextView(u".") : path; };
+    return Status(folder(a), first) && Status(folder(b), second) && first.st_dev == second.st_dev &&
            first.st_ino == second.st_ino;
 }
 
@@ -200,8 +206,10 @@ std::vector<Text> ListFiles(TextView folder, TextView ending) {
     while (const dirent* entry = ::readdir(listing.get())) {
         Text name = FromUtf8(entry->d_name);
         if (name.size() < ending.size() || !EqualNoCase(Right(name, ending.size()), ending)) continue;
-        const bool plain = entry->d_type == DT_REG;
-        if (!plain && !FileExists(prefix + name)) continue;
+        struct stat status {};
+        const bool plain =
+            entry->d_type == DT_REG || (Status(prefix + name, status) && S_ISREG(status.st_mode));
+        if (!plain) continue;
         found.emplace_back(UpperCase(name), std::move(name));
     }
     std::sort(found.begin(), found.end());
@@ -223,7 +231,8 @@ std::string ReadFile(TextView path) {
 
 void WriteFileWhole(TextView path, std::string_view bytes) {
     RefuseHeldFile(path);
-    ReplacementFile replacement(path);
+    const Text target = LinkTarget(path);
+    ReplacementFile replacement(target, ModeFor(target));
     replacement.Write(bytes);
     replacement.Rename();
 }

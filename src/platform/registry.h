@@ -39,7 +39,8 @@ bool ReadRegistry(Hive hive, TextView key, TextView name, RegistryValue& slot);
 // Creates the key when missing and writes the value; false when it could not be written.
 bool WriteRegistry(Hive hive, TextView key, TextView name, const RegistryValue& value, RegistryType type);
 
-// The operating system's result of the last read or write, 0 for success.
+// The operating system's result of the last read or write, 0 for success; and what refused it, in words.
 int LastRegistryResult();
+Text LastRegistryFailure();
 
 }  // namespace tav

@@ -16,6 +16,7 @@ namespace tav {
 namespace {
 
 int last_result = 0;
+Text last_failure;
 
 constexpr std::array<std::pair<RegistryType, TextView>, 5> kTypeNames = {{
     {RegistryType::String, u"string"},
@@ -46,12 +47,14 @@ std::optional<Text> Unquoted(TextView text) {
     Text out;
     for (std::size_t i = 0; i < text.size(); ++i) {
         char16_t c = text[i];
-        if (c == u'\\') {
-            if (++i == text.size()) return std::nullopt;
+        if (c == u'\\' && i + 1 < text.size()) {
             const auto* escape = std::find_if(kEscapes.begin(), kEscapes.end(),
-                                              [&](const auto& e) { return e.second == text[i]; });
-            if (escape == kEscapes.end()) return std::nullopt;
-            c = escape->first;
+                                              [&](const auto& e) { return e.second == text[i + 1]; });
+            // A backslash that a person wrote before any other character is meant as it stands.
+            if (escape != kEscapes.end()) {
+                c = escape->first;
+                ++i;
+            }
         }
         out += c;
     }
@@ -140,7 +143,11 @@ class Store {
     Store() : path_(StorePath()) {
         if (!FileExists(path_)) return;
         const Text content = FromUtf8(ReadFile(path_));
-        for (TextView rest = content; !rest.empty();) lines_.emplace_back(GetNext(rest, u"\n"));
+        for (TextView rest = content; !rest.empty();) {
+            TextView line = GetNext(rest, u"\n");
+            while (line.ends_with(u'\r')) line.remove_suffix(1);
+            lines_.emplace_back(line);
+        }
     }
 
     RegistryValue Find(Hive hive, TextView key, TextView name) const {
@@ -214,6 +221,7 @@ bool Succeeds(Operation operation) {
         last_result = 0;
     } catch (const Failure& failure) {
         last_result = failure.error() == RunTimeError::PermissionDenied ? EACCES : EIO;
+        last_failure = failure.description();
     }
     return last_result == 0;
 }
@@ -239,6 +247,10 @@ bool WriteRegistry(Hive hive, TextView key, TextView name, const RegistryValue& 
 
 int LastRegistryResult() {
     return last_result;
+}
+
+Text LastRegistryFailure() {
+    return last_failure;
 }
 
 }  // namespace tav

@@ -1,21 +1,37 @@
-#include <spawn.h>
+#include <fcntl.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
+#include <cerrno>
+
+#include "platform/posix_linux.h"
 #include "platform/shell.h"
-
-extern char** environ;
 
 namespace tav {
 
+// The opener runs as a process of its own that nobody waits for: without a desktop it is the word processor
+// itself. A pipe that closes when the program starts tells whether there is one.
 bool OpenDocument(TextView path) {
-    std::string program = "xdg-open";
-    std::string document = ToUtf8(path);
-    char* arguments[] = {program.data(), document.data(), nullptr};
-    pid_t child = 0;
-    if (::posix_spawnp(&child, program.c_str(), nullptr, nullptr, arguments, environ) != 0) return false;
-    // The opener hands the document on and ends; what it says is the shell's answer.
-    int status = 0;
-    return ::waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    const std::string document = ToUtf8(path);
+    int ends[2];
+    if (::pipe2(ends, O_CLOEXEC) != 0) return false;
+    const posix::Descriptor reader(ends[0]);
+    posix::Descriptor writer(ends[1]);
+    const pid_t child = ::fork();
+    if (child < 0) return false;
+    if (child == 0) {
+        ::setsid();
+        if (::fork() != 0) ::_exit(0);
+        ::execlp("xdg-open", "xdg-open", document.c_str(), nullptr);
+        const int error = errno;
+        if (::write(writer.number(), &error, sizeof error) < 0) ::_exit(2);
+        ::_exit(1);
+    }
+    writer.Close();
+    while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
+    }
+    int error = 0;
+    return ::read(reader.number(), &error, sizeof error) == 0;
 }
 
 }  // namespace tav

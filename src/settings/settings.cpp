@@ -17,17 +17,18 @@ constexpr auto kUser = Hive::CurrentUser;
 constexpr auto kExpand = RegistryType::ExpandString;
 
 constexpr std::array<Setting, 11> kSettings = {{
-    {u"ImportPath", kUser, kOwnKey, kExpand, u"folder scanned for source documents"},
-    {u"ExportPath", kUser, kOwnKey, kExpand, u"folder of the reports; empty: the temporary folder"},
-    {u"OutPath", kUser, kOwnKey, kExpand, u"folder loaded documents are moved to; empty: TEMP"},
-    {u"ChkOut", kUser, kOwnKey, kExpand, u"whether loaded documents are moved (True or False)"},
-    {u"NameINNKPP", kUser, kOwnKey, kExpand, u"the taxpayer shown in reports: name|INN|KPP"},
-    {u"ChkFilter", kUser, kOwnKey, kExpand, u"state of the filter dialog's check box"},
-    {u"SpVupis", kUser, kOwnKey, kExpand, u"1: statements whose amounts are all zero are loaded too"},
-    {u"SpAct", kUser, kOwnKey, kExpand, u"1: acts whose amounts are all zero are loaded too"},
-    {u"SpVupisOb", kUser, kOwnKey, kExpand, u"1: only dated lines decide whether a statement is all zero"},
-    {u"SpActOb", kUser, kOwnKey, kExpand, u"1: only section 2 decides whether an act is all zero"},
-    {u"DataBasePath", Hive::LocalMachine, kHostKey, RegistryType::String, u"folder of PlX_Base.mdb"},
+    {u"ImportPath", kUser, kOwnKey, kExpand, u"папка, из которой читаются документы"},
+    {u"ExportPath", kUser, kOwnKey, kExpand, u"папка справок; пусто — временная папка"},
+    {u"OutPath", kUser, kOwnKey, kExpand, u"папка, куда переносятся загруженные документы; пусто — TEMP"},
+    {u"ChkOut", kUser, kOwnKey, kExpand, u"переносить ли загруженные документы (True или False)"},
+    {u"NameINNKPP", kUser, kOwnKey, kExpand,
+     u"налогоплательщик, показываемый в справках: наименование|ИНН|КПП"},
+    {u"ChkFilter", kUser, kOwnKey, kExpand, u"состояние флажка в окне выбора периода"},
+    {u"SpVupis", kUser, kOwnKey, kExpand, u"1 — загружать и выписки, в которых все суммы нулевые"},
+    {u"SpAct", kUser, kOwnKey, kExpand, u"1 — загружать и акты, в которых все суммы нулевые"},
+    {u"SpVupisOb", kUser, kOwnKey, kExpand, u"1 — о нулевой выписке судить только по строкам с датой"},
+    {u"SpActOb", kUser, kOwnKey, kExpand, u"1 — о нулевом акте судить только по разделу 2"},
+    {u"DataBasePath", Hive::LocalMachine, kHostKey, RegistryType::String, u"папка базы данных PlX_Base.mdb"},
 }};
 
 constexpr TextView kDatabaseName = u"PlX_Base.mdb";
@@ -105,8 +106,9 @@ Text getbase() {
             return;
         }
         const RegistryValue folder = ReadSetting(u"DataBasePath");
-        const Text found = std::holds_alternative<Null>(folder) ? ComponentFolder() : AsText(folder);
-        path = WithSeparator(found).append(kDatabaseName);
+        path = std::holds_alternative<Null>(folder) ? ComponentFolder() : AsText(folder);
+        if (!path.ends_with(kPathSeparator)) path += kPathSeparator;
+        path += kDatabaseName;
     });
     return path;
 }

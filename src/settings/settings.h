@@ -13,7 +13,7 @@ struct Setting {
     Hive hive;
     TextView key;
     RegistryType type;
-    TextView meaning;
+    TextView meaning;  // for a person, in Russian
 };
 
 // Every setting there is: the component's own under the current user, the host's DataBasePath under the local

@@ -26,7 +26,7 @@ TEST(Guard, ShowsTheDescriptionAndALineBreak) {
 }
 
 TEST(Failures, SayWhatAndWhere) {
-    EXPECT_EQ(Failure(RunTimeError::Overflow).In(u"a.rtf").description(), u"Overflow: (a.rtf)");
+    EXPECT_EQ(Failure(RunTimeError::Overflow).In(u"a.rtf").description(), u"Overflow (a.rtf)");
     EXPECT_EQ(Failure(RunTimeError::DataTypeMismatch, u"p1 = x").In(u"a.rtf").description(),
               u"Data type mismatch in criteria expression. p1 = x (a.rtf)");
     EXPECT_EQ(Failure(u"Record is too large.").description(), u"Record is too large.");

@@ -138,7 +138,12 @@ TEST(Files, MoveReplacesAlsoOntoAnotherFileSystem) {
         GTEST_SKIP() << "no second file system at hand";
     }
     const Text far = u"/dev/shm/tav-test-" + Digits(::getpid());
+    ASSERT_EQ(::chmod(ToUtf8(folder / u"b").c_str(), 0600), 0);
+    // A link that leads back to the source is replaced, not followed.
+    ASSERT_EQ(::symlink(ToUtf8(folder / u"b").c_str(), ToUtf8(far).c_str()), 0);
     MoveFileOver(folder / u"b", far);
+    ASSERT_EQ(::stat(ToUtf8(far).c_str(), &there), 0);
+    EXPECT_EQ(there.st_mode & 0777, 0600u);
     EXPECT_EQ(ReadFile(far), "1");
     EXPECT_FALSE(FileExists(folder / u"b"));
     DeleteFile(far);

@@ -30,7 +30,7 @@ void SendTo(const std::string& path, int descriptor) {
 
 Process::Process(const std::string& program, const std::vector<std::string>& arguments,
                  const std::function<void()>& in_child) {
-    folder_ = (fs::temp_directory_path() / "tav-run-XXXXXX").string();
+    folder_ = (fs::temp_directory_path() / "tav-run-").string() + std::string(6, 'X');
     if (::mkdtemp(folder_.data()) == nullptr) ADD_FAILURE() << "no temporary folder";
     std::vector<std::string> words{program};
     words.insert(words.end(), arguments.begin(), arguments.end());
@@ -54,6 +54,17 @@ Process::~Process() {
 
 void Process::Signal(int signal) const {
     ::kill(pid_, signal);
+}
+
+void Process::AwaitHandler(int signal) const {
+    const std::string path = "/proc/" + std::to_string(pid_) + "/status";
+    for (;;) {
+        const std::string status = ReadAll(path);
+        const std::size_t caught = status.find("SigCgt:");
+        if (caught == std::string::npos) return;
+        if ((std::stoull(status.substr(caught + 7), nullptr, 16) >> (signal - 1) & 1) != 0) return;
+        ::usleep(1000);
+    }
 }
 
 Outcome Process::Wait() {

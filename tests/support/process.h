@@ -27,6 +27,8 @@ class Process {
     Process& operator=(const Process&) = delete;
 
     void Signal(int signal) const;
+    // Waits until the program has a handler of its own for the signal, or has ended.
+    void AwaitHandler(int signal) const;
     Outcome Wait();
 
  private:

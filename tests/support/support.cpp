@@ -29,7 +29,7 @@ void WriteAll(const fs::path& path, std::string_view bytes) {
 }  // namespace
 
 TempFolder::TempFolder() {
-    std::string pattern = (fs::temp_directory_path() / "tav-test-XXXXXX").string();
+    std::string pattern = (fs::temp_directory_path() / "tav-test-").string() + std::string(6, 'X');
     if (::mkdtemp(pattern.data()) == nullptr) ADD_FAILURE() << "no temporary folder";
     path_ = FromUtf8(pattern) + u"/";
 }

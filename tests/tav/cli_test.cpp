@@ -64,6 +64,8 @@ TEST_F(Cli, WrongUsageIsTwoAndSaysWhy) {
                                                {"clear"},
                                                {"clear", "--inn", "1"},
                                                {"clear", "--all", "--inn", "1", "--kpp", "2"},
+                                               {"clear", "--all", "--inn", "1"},
+                                               {"clear", "--all", "--database", ""},
                                                {"import", "--inn", "1"},
                                                {"import", "--inn", "1", "--kpp", "2"},
                                                {"report", "statement", "x"},
@@ -285,7 +287,7 @@ TEST_F(Cli, CtrlCCancels) {
     samples::ManyFiles(folder_ / u"in/", 3000);
     Create();
     test::Process import(std::string(TAV_BINARY_DIR) + "/tav", ImportArguments());
-    std::this_thread::sleep_for(std::chrono::milliseconds(60));
+    import.AwaitHandler(SIGINT);
     import.Signal(SIGINT);
     const Outcome outcome = import.Wait();
     EXPECT_EQ(outcome.status, 130);
