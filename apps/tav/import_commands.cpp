@@ -35,7 +35,7 @@ void WithProgress(Context& context, Action action) {
 }
 
 void PrintLoad(const LoadResult& load) {
-    if (load.files > 0) {
+    if (load.documents > 0) {
         PrintLine(u"Загружено документов: " + Digits(load.documents) + u", файлов: " + Digits(load.files));
     } else if (load.complete) {
         PrintLine(u"Новых документов нет.");

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <list>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 namespace tav {
@@ -14,7 +15,7 @@ class Tails {
     explicit Tails(const std::vector<Text>& names) {
         for (const Text& name : names) {
             if (!name.empty()) names_.push_back(name);
-            longest_ = std::max(longest_, name.size());
+            lengths_.insert(name.size());
         }
         std::sort(names_.begin(), names_.end(), [](TextView a, TextView b) {
             return std::lexicographical_compare(a.rbegin(), a.rend(), b.rbegin(), b.rend());
@@ -55,11 +56,11 @@ class Tails {
         return range.begin;
     }
     std::size_t size() const { return names_.size(); }
-    std::size_t longest() const { return longest_; }
+    bool HasLength(std::size_t length) const { return lengths_.contains(length); }
 
  private:
     std::vector<TextView> names_;
-    std::size_t longest_ = 0;
+    std::unordered_set<std::size_t> lengths_;
 };
 
 // One line of the text; its letters are pieces of listed names.
@@ -151,9 +152,9 @@ class Listing {
         return found;
     }
 
-    // Only a line no longer than the longest name can ever be asked for.
+    // Only a line as long as some name can ever be asked for.
     void CountWhole(const Line& line, int change) {
-        if (line.length > tails_.longest()) return;
+        if (!tails_.HasLength(line.length)) return;
         const auto at = whole_.try_emplace(UpperCase(Letters(line)), 0).first;
         at->second += change;
         if (at->second == 0) whole_.erase(at);

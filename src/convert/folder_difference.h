@@ -1,9 +1,9 @@
 // What a folder's listing and the catalogue's names have to do with each other.
 //
-// The rule works on one text: CR LF, then every listed name followed by CR LF. For each catalogue name in
-// turn: when CR LF + name + CR LF occurs in it without regard to letter case, the file is known, the count of
-// new files falls by one and every occurrence of name + CR LF is removed, letter case counting; otherwise the
-// file has departed. Its consequences are kept:
+// The comparison works on one text: CR LF, then every listed name followed by CR LF. For each catalogue name
+// in turn: when CR LF + name + CR LF occurs in it without regard to letter case, the file is known, the count
+// of new files falls by one and every occurrence of name + CR LF is removed, letter case counting; otherwise
+// the file has departed. Its consequences are kept:
 //
 //   - a known name that is the tail of another listed name cuts that one short, and what is left of it runs
 //     together with the name that follows ("a.rtf" makes of "xa.rtf", "z.rtf" the one name "xz.rtf");

@@ -51,7 +51,7 @@ const std::array<std::string, kActRows> kActElements = [] {
     return codes;
 }();
 
-// Texts of the forms that the rules look for.
+// Texts of the forms that the reader looks for.
 const std::string kStatementTitle = ToWindows1251(u"##a<h@@>Выписка операций по расчету с бюджетом");
 const std::string kCarriedOut = ToWindows1251(u"произвели");
 const std::string kClosingLetter = ToWindows1251(u"Д");

@@ -72,6 +72,7 @@ void PushParser::Read(std::string_view bytes) {
     const bool settled = recode || bytes.starts_with("\xEF\xBB\xBF");
     xmlCtxtUseOptions(context_.get(),
                       XML_PARSE_NONET | XML_PARSE_COMPACT | (settled ? XML_PARSE_IGNORE_ENC : 0));
+    if (bytes.empty()) throw XmlFailure(XmlError{1, u"the document is empty", false});
     bool well = true;
     for (std::size_t at = 0; well && at < bytes.size(); at += kPiece) {
         const std::string_view piece = bytes.substr(at, kPiece);

@@ -24,7 +24,7 @@ namespace {
 
 using Names = std::vector<Text>;
 
-// The rule as it is said, text by text.
+// Plain replacement, text by text.
 FolderDifference Literally(const Names& listed, const Names& catalogued) {
     FolderDifference difference;
     Text text = u"\r\n";
@@ -46,7 +46,7 @@ FolderDifference Literally(const Names& listed, const Names& catalogued) {
     return difference;
 }
 
-TEST(FolderDifference, KeepsTheRulesConsequences) {
+TEST(FolderDifference, KeepsWhatReplacementEntails) {
     struct Case {
         const char* what;
         Names listed;
@@ -76,7 +76,7 @@ TEST(FolderDifference, KeepsTheRulesConsequences) {
 }
 
 // Names over few letters are tails of each other again and again, also after they ran together.
-TEST(FolderDifference, IsTheLiteralRuleForAdversarialNames) {
+TEST(FolderDifference, EqualsPlainReplacementForAdversarialNames) {
     std::mt19937 random(20110401);
     const auto below = [&](unsigned limit) { return random() % limit; };
     int cut_short = 0;
