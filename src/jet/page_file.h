@@ -67,8 +67,8 @@ class PageFile {
     // The Failure of a page that contradicts itself: "The database '...' is damaged (page 17): reason."
     [[noreturn]] void Damaged(PageNumber page, TextView reason) const;
 
-    // Lets go of unchanged pages when the cache holds more than its share. Called between statements only:
-    // inside one, references to pages are held.
+    // Lets go of unchanged pages when the cache holds more than its share. Called between statements only,
+    // never inside one, where references to pages are held. (A check, which has none, calls it between rows.)
     void Trim();
 
  private:
