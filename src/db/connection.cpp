@@ -4,6 +4,7 @@
 
 #include "common/guard.h"
 #include "jet/executor.h"
+#include "jet/usage_map.h"
 
 namespace tav {
 namespace {
@@ -58,8 +59,9 @@ void Connection::EndUnit() {
 }
 
 std::uint64_t Connection::RoomLeft() const {
-    const std::uint64_t size = std::uint64_t{state_->Opened().database().file().PageCount()} * jet::kPageSize;
-    return kLargestFile - std::min(size, kLargestFile);
+    jet::PageFile& file = state_->Opened().database().file();
+    const std::uint64_t used = std::uint64_t{file.PageCount() - jet::CountFreePages(file)} * jet::kPageSize;
+    return kLargestFile - std::min(used, kLargestFile);
 }
 
 // The executor goes also when the disk refuses what was executed: the file is then as it was before.

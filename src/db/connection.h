@@ -34,7 +34,8 @@ class Connection {
     // The statements executed so far reach the disk together (one unit per source file). Nothing a caller can
     // see changes.
     void EndUnit();
-    // How much room the file has before it may not grow any more, in bytes.
+    // How much room there is for more, in bytes: pages inside the file that are free, and what it may grow
+    // by.
     std::uint64_t RoomLeft() const;
 
     void Close();

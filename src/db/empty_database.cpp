@@ -2,6 +2,7 @@
 
 #include "common/failure.h"
 #include "jet/create.h"
+#include "jet/rollback_journal.h"
 #include "platform/files.h"
 
 namespace tav {
@@ -94,6 +95,11 @@ std::string NewOperationsDatabase() {
 
 void CreateDatabase(TextView path) {
     if (FileExists(path)) throw Failure(Text(u"Файл уже существует: ").append(path));
+    const Text journal = jet::RollbackJournal::PathFor(RealPath(path));
+    if (FileExists(journal)) {
+        throw Failure(
+            Text(u"Рядом лежит журнал отката прежней базы данных, сначала уберите его: ").append(journal));
+    }
     WriteFileWhole(path, NewOperationsDatabase());
 }
 

@@ -27,4 +27,14 @@ inline PageNumber FindBit(const std::uint8_t* bits, PageNumber at, PageNumber en
     return end;
 }
 
+// How many bits are set below `end`.
+inline PageNumber CountBits(const std::uint8_t* bits, PageNumber end) {
+    PageNumber count = 0;
+    for (PageNumber byte = 0; byte < end / 8; ++byte) {
+        count += static_cast<PageNumber>(std::popcount(bits[byte]));
+    }
+    for (PageNumber at = end / 8 * 8; at < end; ++at) count += Bit(bits, at) ? 1 : 0;
+    return count;
+}
+
 }  // namespace tav::jet

@@ -217,11 +217,7 @@ void IndexTree::Join(PageNumber previous, PageNumber next) {
 }
 
 PageNumber IndexTree::Take() {
-    const PageNumber page = AllocatePage(*file_);
-    UsageMap map(*file_, index_->map);
-    if (map.Contains(page)) file_->Damaged(page, u"it is called free, but belongs to an index");
-    map.Add(page);
-    return page;
+    return UsageMap(*file_, index_->map).TakePage();
 }
 
 void IndexTree::Release(PageNumber page) {

@@ -1,5 +1,6 @@
 // The global free map: page 1, slot 0, an inline map from page 0 on in which a set bit means a free page.
 // It grows in place by 4 bytes (32 pages) at a time, which moves the records of the later slots down.
+#include <algorithm>
 #include <cstring>
 
 #include "common/failure.h"
@@ -55,11 +56,15 @@ void SetFree(PageFile& file, const FreeMap& map, PageNumber page, bool free) {
 
 }  // namespace
 
-PageNumber AllocatePage(PageFile& file, PageNumber above) {
+PageNumber AllocatePage(PageFile& file, PageNumber above, const UsageMap* owned) {
     const FreeMap map = FindFreeMap(file);
     const PageNumber end = std::min(file.PageCount(), map.bits);
     const PageNumber first = std::max(above + 1, kSystemPages);
     const PageNumber free = FindBit(file.Read(kGlobalPage).data() + map.bits_at, first, end);
+    const PageNumber taken = free < end ? free : file.PageCount();
+    if (owned != nullptr && owned->Contains(taken)) {
+        file.Damaged(taken, u"it is called free, but is in use");
+    }
     if (free < end) {
         SetFree(file, map, free, false);
         file.Change(free).fill(0);
@@ -82,6 +87,11 @@ void FreePage(PageFile& file, PageNumber page) {
 bool IsFree(PageFile& file, PageNumber page) {
     const FreeMap map = FindFreeMap(file);
     return page >= map.bits || Bit(file.Read(kGlobalPage).data() + map.bits_at, page);
+}
+
+PageNumber CountFreePages(PageFile& file) {
+    const FreeMap map = FindFreeMap(file);
+    return CountBits(file.Read(kGlobalPage).data() + map.bits_at, std::min(file.PageCount(), map.bits));
 }
 
 PageNumber MaximumPages(PageFile& file) {

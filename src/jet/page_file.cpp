@@ -53,13 +53,15 @@ LockedFile OpenLocked(TextView path, PageFile::Access access) {
     }
 }
 
-// A ".ldb" file lists the users of a shared database. One that can be deleted is left over from a crash.
+// A ".ldb" file lists the users of a shared database, and each of them holds a lock on it. One that nobody
+// holds is left over from a crash.
 void RefuseSharers(TextView path) {
     const std::size_t name = path.size() - NameOf(path).size();
     const std::size_t dot = path.rfind(u'.');
     const bool has_extension = dot != TextView::npos && dot >= name;
     const Text users = Text(path.substr(0, has_extension ? dot : path.size())).append(u".ldb");
     if (!FileExists(users)) return;
+    if (IsHeld(users)) InUse(path);
     try {
         DeleteFile(users);
     } catch (const Failure&) {
@@ -75,15 +77,21 @@ void RefuseForeign(TextView path, const LockedFile& file) {
     if (!why.empty()) throw Failure(why);
 }
 
-// Undoes what a killed writer left half done. It needs the file alone and writable.
-void RecoverAlone(TextView path) {
+LockedFile OpenAlone(TextView path) {
     try {
         LockedFile file = OpenLocked(path, PageFile::Access::Write);
-        if (RollbackJournal::Exists(path)) RollbackJournal::Recover(path, file);
+        RefuseSharers(path);
+        return file;
     } catch (const Failure& failure) {
         throw Failure(Text(failure.description())
                           .append(u" An interrupted change of this database has to be undone first."));
     }
+}
+
+// Undoes what a killed writer left half done. It needs the file alone and writable.
+void RecoverAlone(TextView path) {
+    LockedFile file = OpenAlone(path);
+    if (RollbackJournal::Exists(path)) RollbackJournal::Recover(path, file);
 }
 
 }  // namespace
@@ -168,38 +176,41 @@ struct PageFile::State {
         ++rollbacks;
     }
 
-    // Until the journal is deleted the unit is not done: whatever fails before, the journal undoes it.
+    // Until the journal is made invalid the unit is not done: whatever fails before, the journal undoes it.
     void WriteChanges(const RollbackJournal& journal) {
         try {
             for (const PageNumber page : changed) {
                 file->WriteAt(Offset(page), pages[page]->bytes.data(), kPageSize);
             }
             file->Sync();
-            journal.Delete();
+            journal.Invalidate();
         } catch (...) {
             torn = true;
+            journal.Validate();  // it may be invalid already, and a kill may come before the pages are back
             journal.PlayBack(*file);
-            if (RollbackJournal::Exists(path)) journal.Delete();
+            journal.Delete();
             torn = false;
             throw;
         }
+        journal.Remove();
     }
 
     RollbackJournal MakeJournal() const {
         RefuseTorn();
         Page original;
         file->ReadAt(0, original.data(), kPageSize);
-        RollbackJournal journal(path, original.data(), committed_count);
+        RollbackJournal journal(path, original.data(), committed_count, count);
         for (const PageNumber page : changed) {
             if (page >= committed_count) continue;
             file->ReadAt(Offset(page), original.data(), kPageSize);
-            journal.Add(page, original);
+            journal.Add(page, original, pages[page]->bytes);
         }
         return journal;
     }
 };
 
-PageFile::PageFile(TextView path, Access access) : state_(std::make_unique<State>()) {
+PageFile::PageFile(TextView typed_path, Access access) : state_(std::make_unique<State>()) {
+    const Text path = RealPath(typed_path);
     state_->path = path;
     state_->access = access;
     state_->file = OpenLocked(path, access);

@@ -2,15 +2,20 @@
 //
 // A unit of work begins with the first change after Open or Commit and ends with Commit or RollBack. Commit
 // writes the original images of the changed pages into the rollback journal (the database's path +
-// "-journal"), syncs it, writes the pages, syncs the file and deletes the journal; a kill or a power loss
-// anywhere in between leaves either the old or the new state after the next open, which rolls back what a
-// journal that was written whole says (rollback_journal.h). Page 0 is never written. Inside a unit each
-// statement can be taken back on its own.
+// "-journal"), syncs it and its folder, writes the pages, syncs the file, makes the journal invalid, syncs
+// that and deletes it. The unit is done when the journal is invalid. A kill or a power loss anywhere in
+// between leaves either the old or the new state after the next open, which rolls back what a journal that
+// was written whole says (rollback_journal.h). Page 0 is never written. Inside a unit each statement can be
+// taken back on its own.
+//
+// A path that goes through links is resolved first: lock, journal and ".ldb" are those of the real file, and
+// messages name it.
 //
 // The file is locked from open to close (platform/files.h): readers share it, a writer has it alone. A file
 // that does not look like a Jet 4 database, is encrypted or asks for a password is refused here, before
-// anything else is read. So is one that other programs hold: a lock, or a ".ldb" file beside it that cannot
-// be deleted.
+// anything else is read. So is one that other programs hold, if it is to be written or rolled back: by a
+// lock, or by a ".ldb" file beside it that is locked or cannot be deleted. And so is one whose journal tells
+// of another state of the database.
 #pragma once
 
 #include <cstddef>
@@ -62,8 +67,8 @@ class PageFile {
     // The Failure of a page that contradicts itself: "The database '...' is damaged (page 17): reason."
     [[noreturn]] void Damaged(PageNumber page, TextView reason) const;
 
-    // Lets go of unchanged pages when the cache holds more than its share. Called between rows and
-    // statements.
+    // Lets go of unchanged pages when the cache holds more than its share. Called between statements only,
+    // never inside one, where references to pages are held. (A check, which has none, calls it between rows.)
     void Trim();
 
  private:

@@ -32,9 +32,8 @@ PageNumber Table::PageFor(std::size_t size) {
         const bool has_room = FreeBytes(*file_, last_page_, page) >= size + kSlotSize;
         if (has_room && SlotCount(page) < kMaximumSlots) return last_page_;
     }
-    const PageNumber fresh = AllocatePage(*file_, last_page_);
+    const PageNumber fresh = owned.TakePage(last_page_);
     InitializeDataPage(file_->Change(fresh), definition_.page);
-    owned.Add(fresh);
     if (HasMap(definition_.free_map)) UsageMap(*file_, definition_.free_map).Add(fresh);
     last_page_ = fresh;
     return fresh;
@@ -75,6 +74,8 @@ void Table::ReplaceRow(const Place& place) {
     if (!moved_before && !room_for(place.home, place.record.size, kPointerSize)) {
         throw Failure(u"Record is too large.").In(definition_.name);
     }
+    // The room for the pointer is still there after this: a page that can take the row as one more could have
+    // kept it in its place.
     const Pointer body = AddRow(kSlotBody);
     Page& page = file_->Change(place.home.page);
     if (!moved_before) {

@@ -139,6 +139,12 @@ void UsageMap::AddToBitmap(PageNumber page) {
     SetBit(file_->Change(bitmap).data() + kBitmapAt, page % kPagesPerBitmap, true);
 }
 
+PageNumber UsageMap::TakePage(PageNumber above) {
+    const PageNumber page = AllocatePage(*file_, above, this);
+    Add(page);
+    return page;
+}
+
 void UsageMap::Remove(PageNumber page) {
     if (!Contains(page)) return;
     const View map(*file_, record_);

@@ -34,6 +34,9 @@ bool FolderExists(TextView path);
 // empty text is the present folder.
 bool SameFolder(TextView a, TextView b);
 
+// The file that a path leads to, through all links; the path itself when there is none.
+Text RealPath(TextView path);
+
 // Creates every missing folder on the way to the file, from the root down; the last piece, the file name, is
 // not created.
 void MakeFolders(TextView file_path);
@@ -47,7 +50,14 @@ std::string ReadFile(TextView path);
 // Writes the file whole or not at all: a temporary file in the same folder, synced, then renamed over the
 // target. A failure leaves the old file as it was and no temporary file behind.
 void WriteFileWhole(TextView path, std::string_view bytes);
+// Writes a new file under its own name, with the rights of the file `like`; it and its entry in the folder
+// are on the disk when this returns. What was there goes first. A failure leaves no file, a kill a part of
+// it.
+void WriteFileLike(TextView like, TextView path, std::string_view bytes);
 void DeleteFile(TextView path);
+
+// Whether another program has the file locked, by either kind of lock; also when that cannot be seen.
+bool IsHeld(TextView path);
 
 // Moves a file over `target`, replacing it by one rename. Onto another file system: a copy under a temporary
 // name there, synced and renamed, then the source is deleted. At no moment is there no whole copy.
@@ -79,8 +89,5 @@ class LockedFile {
     struct State;
     std::unique_ptr<State> state_;
 };
-
-// Syncs the folder itself, so that a file created or deleted in it stays so across a power loss.
-void SyncFolder(TextView folder);
 
 }  // namespace tav

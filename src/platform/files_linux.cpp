@@ -75,26 +75,21 @@ Descriptor OpenForReading(TextView path) {
     return file;
 }
 
-// The file a path leads to when it is a link, so that a replacement keeps the link.
-Text LinkTarget(TextView path) {
-    char* real = ::realpath(Native(path).c_str(), nullptr);
-    if (real == nullptr) return Text(path);
-    Text target = FromUtf8(real);
-    std::free(real);
-    return target;
-}
-
 // A file that exists and that somebody else holds, or that must not be written, is not replaced.
 void RefuseHeldFile(TextView path) {
     const std::string native = Native(path);
     if (!FileExists(path)) return;
     if (::access(native.c_str(), W_OK) != 0) Refuse(errno, path);
-    const Descriptor file(::open(native.c_str(), O_RDWR | O_CLOEXEC));
-    if (!file) Refuse(errno, path);
-    struct flock range {};
-    range.l_type = F_WRLCK;
-    const bool held = ::fcntl(file.number(), F_GETLK, &range) == 0 && range.l_type != F_UNLCK;
-    if (held || ::flock(file.number(), LOCK_EX | LOCK_NB) != 0) Refuse(EWOULDBLOCK, path);
+    if (IsHeld(path)) Refuse(EWOULDBLOCK, path);
+}
+
+// A file created or deleted in the folder stays so across a power loss; else the error. Some file systems
+// cannot sync a folder and need not.
+int SyncFolder(TextView folder) {
+    const Descriptor descriptor(
+        ::open(folder.empty() ? "." : Native(folder).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!descriptor) return errno;
+    return ::fsync(descriptor.number()) == 0 || errno == EINVAL || errno == ENOTSUP ? 0 : errno;
 }
 
 // A new file beside `target` that becomes `target` by Rename, and goes if it does not get there.
@@ -121,7 +116,7 @@ class ReplacementFile {
         if (::fsync(file_.number()) != 0) Refuse(errno, target_);
         if (::rename(pattern_.c_str(), Native(target_).c_str()) != 0) Refuse(errno, target_);
         renamed_ = true;
-        SyncFolder(FolderOf(target_));
+        SyncFolder(FolderOf(target_));  // the new file stands, whatever this says
     }
 
  private:
@@ -183,6 +178,11 @@ bool SameFolder(TextView a, TextView b) {
            first.st_ino == second.st_ino;
 }
 
+Text RealPath(TextView path) {
+    const std::unique_ptr<char, void (*)(void*)> real(::realpath(Native(path).c_str(), nullptr), std::free);
+    return real == nullptr ? Text(path) : FromUtf8(real.get());
+}
+
 void MakeFolders(TextView file_path) {
     TextView rest = file_path;
     Text folder;
@@ -231,14 +231,42 @@ std::string ReadFile(TextView path) {
 
 void WriteFileWhole(TextView path, std::string_view bytes) {
     RefuseHeldFile(path);
-    const Text target = LinkTarget(path);
+    const Text target = RealPath(path);  // a replacement keeps the link
     ReplacementFile replacement(target, ModeFor(target));
     replacement.Write(bytes);
     replacement.Rename();
 }
 
+void WriteFileLike(TextView like, TextView path, std::string_view bytes) {
+    const std::string native = Native(path);
+    ::unlink(native.c_str());
+    const Descriptor file(::open(native.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (!file) Refuse(errno, path);
+    try {
+        if (::fchmod(file.number(), ModeFor(like) & 0777) != 0) Refuse(errno, path);
+        posix::WriteAll(file, bytes, path);
+        if (::fsync(file.number()) != 0) Refuse(errno, path);
+        const Text folder = FolderOf(path);
+        if (const int error = SyncFolder(folder); error != 0) Refuse(error, folder);
+    } catch (const Failure&) {
+        ::unlink(native.c_str());
+        throw;
+    }
+}
+
 void DeleteFile(TextView path) {
     if (::unlink(Native(path).c_str()) != 0) Refuse(errno, path);
+}
+
+bool IsHeld(TextView path) {
+    const std::string native = Native(path);
+    Descriptor file(::open(native.c_str(), O_RDWR | O_CLOEXEC));
+    if (!file) file = Descriptor(::open(native.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!file) return true;
+    struct flock range {};
+    range.l_type = F_WRLCK;
+    const bool held = ::fcntl(file.number(), F_GETLK, &range) == 0 && range.l_type != F_UNLCK;
+    return held || ::flock(file.number(), LOCK_EX | LOCK_NB) != 0;
 }
 
 void MoveFileOver(TextView source, TextView target) {
@@ -246,12 +274,6 @@ void MoveFileOver(TextView source, TextView target) {
     if (errno != EXDEV) Refuse(errno, source);
     CopyOver(source, target);
     DeleteFile(source);
-}
-
-void SyncFolder(TextView folder) {
-    const Descriptor descriptor(
-        ::open(folder.empty() ? "." : Native(folder).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (descriptor) ::fsync(descriptor.number());
 }
 
 }  // namespace tav

@@ -131,6 +131,14 @@ TEST_F(ConnectionTest, AReaderChangesNothing) {
     EXPECT_GT(reader.RoomLeft(), 119U << 20);
 }
 
+TEST_F(ConnectionTest, ClearingMakesRoom) {
+    for (int round = 0; round < 20; ++round) AddLines();
+    const std::uint64_t full = connection_.RoomLeft();
+    connection_.Execute(u"delete from tav_operations");
+    EXPECT_GT(connection_.RoomLeft(), full + 50'000);
+    EXPECT_LT(connection_.RoomLeft(), 120U << 20);
+}
+
 TEST_F(ConnectionTest, OpenAndClosed) {
     EXPECT_EQ(FailureOf([&] { connection_.Open(ConnectionString(path_)); }),
               "Operation is not allowed when the object is open.");

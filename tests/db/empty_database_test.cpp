@@ -51,16 +51,18 @@ TEST(CreateDatabase, MakesASoundFile) {
     EXPECT_TRUE(jet::CheckDatabase(folder / u"new.mdb").empty());
 }
 
-TEST(CreateDatabase, LeavesAnExistingFileAlone) {
+TEST(CreateDatabase, LeavesExistingFilesAndTheirJournalsAlone) {
     const test::TempFolder folder;
-    const Text path = folder.Write(u"mine.mdb", "mine");
-    try {
-        CreateDatabase(path);
-        FAIL() << "overwritten";
-    } catch (const Failure& failure) {
-        EXPECT_NE(failure.description().find(path), Text::npos);
+    for (const Text& path : {folder.Write(u"mine.mdb", "mine"), folder.Write(u"gone.mdb-journal", "mine")}) {
+        try {
+            CreateDatabase(path.substr(0, path.find(u"-journal")));
+            ADD_FAILURE() << "overwritten";
+        } catch (const Failure& failure) {
+            EXPECT_NE(failure.description().find(path), Text::npos);
+        }
+        EXPECT_EQ(ReadFile(path), "mine");
     }
-    EXPECT_EQ(ReadFile(path), "mine");
+    EXPECT_FALSE(FileExists(folder / u"gone.mdb"));
 }
 
 TEST(CreateDatabase, CreatesNoFolders) {

@@ -93,10 +93,21 @@ TEST_F(Growth, FreedPagesAreTakenAgainButNotBelowTheLastOne) {
     file_.Change(first).fill(7);
     FreePage(file_, first);
     EXPECT_TRUE(IsFree(file_, first));
+    EXPECT_EQ(CountFreePages(file_), 1u);
     EXPECT_EQ(AllocatePage(file_, second), second + 1);
     EXPECT_EQ(AllocatePage(file_), first);
     EXPECT_EQ(file_.Read(first), Page{});
     EXPECT_THAT(FailureOf([&] { FreePage(file_, 2); }), testing::HasSubstr("cannot be freed"));
+}
+
+TEST_F(Growth, PageInUseIsNotTakenThoughItIsCalledFree) {
+    UsageMap owned(file_, database_.FindTable(u"plain")->definition().owned_map);
+    const PageNumber page = owned.TakePage();
+    EXPECT_TRUE(owned.Contains(page));
+    file_.Change(page).fill(7);
+    FreePage(file_, page);
+    EXPECT_THAT(FailureOf([&] { owned.TakePage(); }), testing::HasSubstr("it is called free, but is in use"));
+    EXPECT_EQ(file_.Read(page)[0], 7);
 }
 
 TEST_F(Growth, FullFileRefusesToGrow) {

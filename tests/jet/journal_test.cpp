@@ -56,6 +56,10 @@ Text JournalOf(const Text& path) {
     return path + u"-journal";
 }
 
+PageNumber PagesOf(const std::string& bytes) {
+    return static_cast<PageNumber>(bytes.size() / kPageSize);
+}
+
 class Journal : public testing::Test {
  protected:
     void SetUp() override {
@@ -73,27 +77,28 @@ class Journal : public testing::Test {
         ASSERT_FALSE(FileExists(JournalOf(path_)));
     }
 
-    // What a kill leaves when the first `written` changed pages had been written: the journal's bytes.
+    // What a kill leaves when the first `written` changed pages had been written, the last of them to the
+    // half: the journal's bytes.
     std::string Interrupt(std::size_t written) {
-        const auto page_of = [](const std::string& bytes, std::size_t page) {
-            return bytes.substr(page * kPageSize, kPageSize);
+        const auto page_of = [](const std::string& bytes, PageNumber page) {
+            Page found{};
+            if (page < PagesOf(bytes))
+                std::copy_n(bytes.begin() + page * kPageSize, kPageSize, found.begin());
+            return found;
         };
         RollbackJournal journal(path_, reinterpret_cast<const std::uint8_t*>(before_.data()),
-                                static_cast<PageNumber>(before_.size() / kPageSize));
+                                PagesOf(before_), PagesOf(after_));
         std::string half = before_;
-        for (std::size_t page = 0; page * kPageSize < after_.size(); ++page) {
-            const std::string old =
-                page_of(before_.substr(0, before_.size()) + std::string(after_.size(), '\0'), page);
-            if (page_of(after_, page) == old) continue;
-            if (page * kPageSize < before_.size()) {
-                Page original;
-                std::copy(old.begin(), old.end(), original.begin());
-                journal.Add(static_cast<PageNumber>(page), original);
-            }
+        for (PageNumber page = 0; page < PagesOf(after_); ++page) {
+            const Page original = page_of(before_, page);
+            const Page changed = page_of(after_, page);
+            if (changed == original) continue;
+            if (page < PagesOf(before_)) journal.Add(page, original, changed);
             if (written == 0) continue;
+            const std::size_t size = written == 1 ? kPageSize / 2 : kPageSize;
             --written;
-            half.resize(std::max(half.size(), (page + 1) * kPageSize));
-            half.replace(page * kPageSize, kPageSize, page_of(after_, page));
+            half.resize(std::max(half.size(), page * kPageSize + size));
+            std::copy_n(changed.begin(), size, half.begin() + page * kPageSize);
         }
         all_written_ = written > 0;
         WriteFileWhole(path_, half);
@@ -108,11 +113,15 @@ class Journal : public testing::Test {
     bool all_written_ = false;
 };
 
+// Also when the file is found through a link.
 TEST_F(Journal, KillAfterAnyPageLeavesTheOldState) {
+    MakeFolders(folder_ / u"links/new.mdb");
+    const Text link = folder_ / u"links/new.mdb";
+    ASSERT_EQ(::symlink(ToUtf8(path_).c_str(), ToUtf8(link).c_str()), 0);
     for (std::size_t written = 0; !all_written_; ++written) {
         Interrupt(written);
         const auto access = written % 2 == 0 ? Database::Access::Read : Database::Access::Write;
-        { Database database(path_, access); }
+        { Database database(written % 3 == 0 ? link : path_, access); }
         ASSERT_EQ(ReadFile(path_), before_) << written;
         ASSERT_FALSE(FileExists(JournalOf(path_)));
         ASSERT_LT(written, 200u);
@@ -120,11 +129,11 @@ TEST_F(Journal, KillAfterAnyPageLeavesTheOldState) {
     EXPECT_EQ(WholeRows(path_), kBatch);
 }
 
-TEST_F(Journal, TornOrForeignJournalIsIgnoredAndDeleted) {
+TEST_F(Journal, TornJournalIsIgnoredAndDeleted) {
     const std::string journal = Interrupt(0);
     std::vector<std::string> useless = {"", journal.substr(0, 20), journal.substr(0, journal.size() - 1),
                                         journal + "x", journal.substr(0, journal.size() / 2)};
-    for (const std::size_t at : {0u, 17u, 21u, 30u, 1000u}) {
+    for (const std::size_t at : {0u, 17u, 21u, 25u, 33u, 1000u}) {
         useless.push_back(journal);
         useless.back()[at] = static_cast<char>(useless.back()[at] ^ 1);
     }
@@ -135,21 +144,67 @@ TEST_F(Journal, TornOrForeignJournalIsIgnoredAndDeleted) {
         EXPECT_EQ(ReadFile(path_), after_);
         EXPECT_FALSE(FileExists(JournalOf(path_)));
     }
-    // The journal of another database: its header differs.
-    std::string other = after_;
-    other[0x30] = static_cast<char>(other[0x30] ^ 1);
-    WriteFileWhole(path_, other);
-    WriteFileWhole(JournalOf(path_), journal);
-    { Database database(path_, Database::Access::Write); }
-    EXPECT_EQ(ReadFile(path_), other);
 }
 
-TEST_F(Journal, ReaderCannotUndoWhileOthersRead) {
+TEST_F(Journal, JournalOfAnotherStateIsRefusedAndKept) {
+    const std::string journal = Interrupt(0);
+    const auto changed = [](std::string bytes, std::size_t at) {
+        bytes[at] = static_cast<char>(bytes[at] ^ 1);
+        return bytes;
+    };
+    const TempFolder other;
+    const std::string empty = ReadFile(NewDatabase(other));
+    {
+        Database database(path_, Database::Access::Write);
+        AddUnit(database, kBatch);
+        AddUnit(database, 2 * kBatch);
+    }
+    const std::string later = ReadFile(path_);
+    ASSERT_GT(later.size(), after_.size());
+    const std::size_t page = U32(reinterpret_cast<const std::uint8_t*>(journal.data()) + 40);
+    const std::string states[] = {changed(after_, 0x30),
+                                  changed(before_, page * kPageSize + 700),
+                                  changed(after_, (page + 1) * kPageSize - 1),
+                                  later,
+                                  after_ + std::string(kPageSize, '\0'),
+                                  before_.substr(0, before_.size() - kPageSize),
+                                  empty,
+                                  empty + std::string(before_.size() - empty.size(), '\0')};
+    for (const std::string& state : states) {
+        for (const auto access : {Database::Access::Read, Database::Access::Write}) {
+            WriteFileWhole(path_, state);
+            WriteFileWhole(JournalOf(path_), journal);
+            EXPECT_THAT(FailureOf([&] { Database(path_, access); }),
+                        testing::AllOf(testing::HasSubstr("'" + ToUtf8(JournalOf(path_)) + "'"),
+                                       testing::HasSubstr("'" + ToUtf8(path_) + "'"),
+                                       testing::HasSubstr("another state")));
+            EXPECT_EQ(ReadFile(path_), state);
+            EXPECT_EQ(ReadFile(JournalOf(path_)), journal);
+        }
+    }
+}
+
+// A power loss may bring back the name of a file that was deleted.
+TEST_F(Journal, ResurrectedJournalIsInvalid) {
+    Interrupt(3);
+    const Text kept = folder_ / u"kept";
+    ASSERT_EQ(::link(ToUtf8(JournalOf(path_)).c_str(), ToUtf8(kept).c_str()), 0);
+    { Database database(path_, Database::Access::Write); }
+    MoveFileOver(kept, JournalOf(path_));
+    WriteFileWhole(path_, after_);
+    { Database database(path_, Database::Access::Write); }
+    EXPECT_EQ(ReadFile(path_), after_);
+    EXPECT_FALSE(FileExists(JournalOf(path_)));
+}
+
+TEST_F(Journal, ReaderCannotUndoWhileOthersUseTheFile) {
     const std::string journal = Interrupt(3);
-    const LockedFile other(path_, LockedFile::Access::Read);
-    EXPECT_THAT(FailureOf([&] { Database(path_, Database::Access::Read); }),
-                testing::HasSubstr("file already in use"));
-    EXPECT_EQ(ReadFile(JournalOf(path_)), journal);
+    for (const Text& used : {path_, folder_.Write(u"new.ldb", "users")}) {
+        const LockedFile other(used, LockedFile::Access::Read);
+        EXPECT_THAT(FailureOf([&] { Database(path_, Database::Access::Read); }),
+                    testing::HasSubstr("file already in use"));
+        EXPECT_EQ(ReadFile(JournalOf(path_)), journal);
+    }
 }
 
 // A child adds units until it is killed, at a moment of its own choosing.

@@ -78,10 +78,14 @@ TEST(Opening, LockedFileIsInUse) {
     EXPECT_EQ(OpenFailure(path, Database::Access::Write), "");
 }
 
-TEST(Opening, StaleListOfUsersGoesWhenOpenedForWriting) {
+TEST(Opening, ListOfUsersIsStaleWhenNobodyHoldsIt) {
     TempFolder folder;
     const Text path = NewDatabase(folder);
     const Text users = folder.Write(u"new.ldb", "users");
+    {
+        const LockedFile user(users, LockedFile::Access::Read);
+        EXPECT_THAT(OpenFailure(path, Database::Access::Write), HasSubstr("file already in use"));
+    }
     EXPECT_EQ(OpenFailure(path, Database::Access::Read), "");
     EXPECT_TRUE(FileExists(users));
     EXPECT_EQ(OpenFailure(path, Database::Access::Write), "");

@@ -1,9 +1,11 @@
 #include "platform/files.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -87,6 +89,53 @@ TEST(Files, AreWrittenWhole) {
     EXPECT_EQ(ListFiles(folder.path(), u"").size(), 2u);  // nothing temporary is left
 }
 
+TEST(Files, AreWrittenWithTheRightsOfAnother) {
+    const TempFolder folder;
+    const Text like = folder.Write(u"like", "");
+    ASSERT_EQ(::chmod(ToUtf8(like).c_str(), 0662), 0);
+    for (const std::string_view bytes : {"long", "new"}) {
+        WriteFileLike(like, folder / u"x", bytes);
+        EXPECT_EQ(ReadFile(folder / u"x"), bytes);
+    }
+    struct stat status {};
+    ASSERT_EQ(::stat(ToUtf8(folder / u"x").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0662u);
+}
+
+TEST(Files, RealPathGoesThroughLinks) {
+    const TempFolder folder;
+    const Text path = folder.Write(u"x", "");
+    ASSERT_EQ(::symlink("x", ToUtf8(folder / u"link").c_str()), 0);
+    EXPECT_EQ(RealPath(folder / u"link"), RealPath(path));
+    EXPECT_EQ(RealPath(folder / u"none"), folder / u"none");
+}
+
+// A process does not see its own record locks, so a child looks.
+TEST(Files, AreHeldByEitherKindOfLock) {
+    const TempFolder folder;
+    const Text path = folder.Write(u"x", "");
+    const auto held_for_a_child = [&] {
+        const pid_t child = ::fork();
+        if (child == 0) ::_exit(IsHeld(path) ? 1 : 0);
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        return WEXITSTATUS(status) == 1;
+    };
+    EXPECT_FALSE(held_for_a_child());
+    {
+        const LockedFile holder(path, LockedFile::Access::Read);
+        EXPECT_TRUE(held_for_a_child());
+    }
+    const int file = ::open(ToUtf8(path).c_str(), O_RDWR);
+    struct flock range {};
+    range.l_type = F_WRLCK;
+    range.l_start = 0x10000001;
+    range.l_len = 1;
+    ASSERT_EQ(::fcntl(file, F_SETLK, &range), 0);
+    EXPECT_TRUE(held_for_a_child());
+    ::close(file);
+}
+
 TEST(Files, HeldByAnotherAreNotReplaced) {
     const TempFolder folder;
     const Text path = folder.Write(u"x", "old");
@@ -104,7 +153,9 @@ TEST(Files, FullDiskLeavesTheOldFile) {
     ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &old), 0);
     const rlimit small{4096, old.rlim_max};
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
-    EXPECT_EQ(ErrorOf([&] { WriteFileWhole(path, std::string(100000, 'x')); }), RunTimeError::DiskFull);
+    const std::string large(100000, 'x');
+    EXPECT_EQ(ErrorOf([&] { WriteFileWhole(path, large); }), RunTimeError::DiskFull);
+    EXPECT_EQ(ErrorOf([&] { WriteFileLike(path, folder / u"y", large); }), RunTimeError::DiskFull);
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &old), 0);
     EXPECT_EQ(ReadFile(path), "old");
     EXPECT_EQ(ListFiles(folder.path(), u"").size(), 1u);
