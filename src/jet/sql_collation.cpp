@@ -4,11 +4,12 @@
 
 #include <algorithm>
 #include <cstring>
-#include <new>
+#include <optional>
 
 #include "common/failure.h"
 #include "common/regional.h"
 #include "jet/sql_value.h"
+#include "jet/sqlite_handles.h"
 
 namespace tav::jet {
 namespace {
@@ -56,13 +57,30 @@ int CollateBytes(void*, int a_bytes, const void* a, int b_bytes, const void* b) 
     return Compare(characters(a, a_bytes), characters(b, b_bytes));
 }
 
-// ucase(x)
-void UpperCaseFunction(sqlite3_context* context, int, sqlite3_value** arguments) {
+Value UpperCaseOf(sqlite3_value* argument) {
+    return UpperCase(ValueText(FromSqlite(argument)));
+}
+
+// An amount: a text by the regional form; a date is none.
+Value NumberOf(sqlite3_value* argument) {
+    Value value = FromSqlite(argument);
+    if (const Text* text = std::get_if<Text>(&value)) {
+        if (const std::optional<double> number = ParseNumber(*text)) return *number;
+    } else if (!std::holds_alternative<Date>(value) && !std::holds_alternative<Binary>(value)) {
+        return value;
+    }
+    throw Failure(RunTimeError::DataTypeMismatch, Text(u"'").append(ValueText(value)).append(u"'"));
+}
+
+// A function of one argument; of Null it is Null.
+template <Value (*function)(sqlite3_value*)>
+void Call(sqlite3_context* context, int, sqlite3_value** arguments) {
     if (sqlite3_value_type(arguments[0]) == SQLITE_NULL) return;
     try {
-        SetResult(context, UpperCase(ValueText(FromSqlite(arguments[0]))));
-    } catch (const std::bad_alloc&) {
-        sqlite3_result_error_nomem(context);
+        SetResult(context, function(arguments[0]));
+    } catch (...) {
+        static_cast<Callbacks*>(sqlite3_user_data(context))->Keep();
+        sqlite3_result_error_code(context, SQLITE_ERROR);
     }
 }
 
@@ -81,13 +99,17 @@ std::uint64_t CollationHash(TextView text) {
     return hash;
 }
 
-void AddDialect(sqlite3* database) {
+void AddDialect(sqlite3* database, Callbacks& callbacks) {
+    const auto add = [&](const char* name, auto* function) {
+        const int flags = SQLITE_UTF16LE | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS;
+        return sqlite3_create_function(database, name, 1, flags, &callbacks, function, nullptr, nullptr) ==
+               SQLITE_OK;
+    };
     const int collation =
         sqlite3_create_collation(database, kCollation, SQLITE_UTF16LE, nullptr, &CollateBytes);
-    const int function = sqlite3_create_function(database, "ucase", 1,
-                                                 SQLITE_UTF16LE | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS,
-                                                 nullptr, &UpperCaseFunction, nullptr, nullptr);
-    if (collation != SQLITE_OK || function != SQLITE_OK) throw Failure(RunTimeError::OutOfMemory);
+    if (collation != SQLITE_OK || !add("ucase", &Call<UpperCaseOf>) || !add("number", &Call<NumberOf>)) {
+        throw Failure(RunTimeError::OutOfMemory);
+    }
 }
 
 }  // namespace tav::jet

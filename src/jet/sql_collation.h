@@ -10,6 +10,8 @@ struct sqlite3;
 
 namespace tav::jet {
 
+class Callbacks;
+
 // The name the collation and its texts' columns have in SQLite.
 inline constexpr const char* kCollation = "jet";
 
@@ -18,7 +20,8 @@ int Collate(TextView a, TextView b);
 // Texts that compare equal have equal hashes.
 std::uint64_t CollationHash(TextView text);
 
-// Gives a SQLite connection the collation, and the functions of the dialect that it lacks.
-void AddDialect(sqlite3* database);
+// Gives a SQLite connection the collation, and the functions of the dialect that it lacks. `callbacks`
+// outlives it.
+void AddDialect(sqlite3* database, Callbacks& callbacks);
 
 }  // namespace tav::jet

@@ -14,24 +14,30 @@ namespace {
 
 struct Function {
     TextView name;
-    bool may_be_text;  // then the result gets the collation of texts
+    bool may_be_text;   // then the result gets the collation of texts
+    bool takes_amount;  // then texts among the argument's values are read as numbers
 };
-constexpr std::array<Function, 8> kFunctions = {{{u"abs", false},
-                                                 {u"avg", false},
-                                                 {u"count", false},
-                                                 {u"iif", true},
-                                                 {u"max", true},
-                                                 {u"min", true},
-                                                 {u"sum", false},
-                                                 {u"ucase", true}}};
+constexpr std::array<Function, 8> kFunctions = {{{u"abs", false, true},
+                                                 {u"avg", false, true},
+                                                 {u"count", false, false},
+                                                 {u"iif", true, false},
+                                                 {u"max", true, false},
+                                                 {u"min", true, false},
+                                                 {u"sum", false, true},
+                                                 {u"ucase", true, false}}};
 
-constexpr std::array<TextView, 6> kComparisons = {u"=", u"<>", u"<", u">", u"<=", u">="};
+constexpr std::array<TextView, 7> kComparisons = {u"=", u"<>", u"is", u"<", u">", u"<=", u">="};
 
 constexpr std::size_t kMostLiterals = 4000;
+constexpr std::size_t kDeepest = 200;  // parentheses within each other
 
 bool IsComparison(const Token& token) {
-    return token.kind == TokenKind::Symbol &&
-           std::find(kComparisons.begin(), kComparisons.end(), token.text) != kComparisons.end();
+    return std::any_of(kComparisons.begin(), kComparisons.end(),
+                       [&](TextView comparison) { return token.Is(comparison); });
+}
+
+bool IsOrder(const Token& token) {
+    return !token.Is(u"=") && !token.Is(u"<>") && !token.Is(u"is");
 }
 
 Value NumberValue(TextView text) {
@@ -69,14 +75,20 @@ class Rewriter {
         const Scope& outermost = statement_.Outermost();
         out_.sorts_by_columns = outermost.distinct && outermost.order.begin == 0;
         if (out_.kind == StatementKind::Insert) CheckInsertColumns();
+        CheckDepth();
         for (std::size_t i = 0; i < tokens_.size(); ++i) Emit(i);
         return std::move(out_);
     }
 
  private:
-    const Token& At(std::size_t token) const {
-        static const Token kNone;
-        return token < tokens_.size() ? tokens_[token] : kNone;
+    const Token& At(std::size_t token) const { return statement_.At(token); }
+
+    void CheckDepth() const {
+        std::size_t depth = 0;
+        for (const Token& token : tokens_) {
+            if (token.Is(u"(") && ++depth > kDeepest) throw Failure(u"Query is too complex.");
+            if (token.Is(u")") && depth > 0) --depth;
+        }
     }
 
     void CheckInsertColumns() const {
@@ -107,7 +119,7 @@ class Rewriter {
             Name(statement_.TableAt(i)->name);
         } else if (IsName(token)) {
             if (At(i + 1).Is(u"(")) {
-                CallOf(token);
+                CallOf(i);
             } else {
                 ColumnName(i);
             }
@@ -133,11 +145,12 @@ class Rewriter {
         out_.sql += '"' + ToUtf8(name) + "\" ";
     }
 
-    // The word before a "(": what stands behind its ")" is decided here.
-    void CallOf(const Token& token) {
+    // The word before a "(", and the "(": what stands for its ")" is decided here.
+    void CallOf(std::size_t i) {
+        const Token& token = tokens_[i];
         if (token.Is(u"isnull")) {
-            out_.sql += "(";
-            closing_.push_back(") is null) ");
+            out_.sql += "((";
+            open_.push_back({i + 1, ") is null) "});
             return;
         }
         const auto known = std::find_if(kFunctions.begin(), kFunctions.end(),
@@ -145,23 +158,43 @@ class Rewriter {
         if (known == kFunctions.end()) {
             throw Failure(Text(u"Undefined function '").append(token.text).append(u"' in expression."));
         }
-        out_.sql += ToUtf8(known->name);
-        closing_.push_back(known->may_be_text ? std::string(") collate ") + kCollation + ' ' : ") ");
+        const TokenRange call = statement_.TermBehind(i);
+        const bool reads_texts =
+            known->takes_amount && statement_.OperandOf({i + 2, call.end - 1}).kind != Kind::Number;
+        out_.sql += ToUtf8(known->name) + (reads_texts ? "(number(" : "(");
+        open_.push_back({i + 1, reads_texts          ? ")) "
+                                : known->may_be_text ? std::string(") collate ") + kCollation + ' '
+                                                     : ") "});
     }
 
     void Symbol(std::size_t i) {
         const Token& token = tokens_[i];
+        if (IsArithmetic(token)) CheckArithmetic(i);
         if (token.Is(u"(")) {
-            const bool call = i > 0 && IsName(tokens_[i - 1]) && statement_.TableAt(i - 1) == nullptr;
-            if (!call) closing_.push_back(") ");
+            if (!open_.empty() && open_.back().at == i) return;
+            open_.push_back({i, ") "});
             out_.sql += '(';
         } else if (token.Is(u")")) {
-            out_.sql += closing_.empty() ? ") " : closing_.back();
-            if (!closing_.empty()) closing_.pop_back();
+            out_.sql += open_.empty() ? ") " : open_.back().closing;
+            if (!open_.empty()) open_.pop_back();
         } else if (token.Is(u"/")) {
             out_.sql += "* 1.0 / ";
         } else if (!(token.Is(u"*") && i == 1 && out_.kind == StatementKind::Delete)) {
             out_.sql += ToUtf8(token.text) + ' ';
+        }
+    }
+
+    // SQLite would take a date's bytes and the beginning of a text for a number.
+    void CheckArithmetic(std::size_t i) const {
+        const TokenRange before = statement_.TermBefore(i);
+        if (At(i).Is(u"*") && before.begin == before.end) return;  // all columns
+        for (const TokenRange& term : {before, statement_.TermBehind(i + 1)}) {
+            const Operand operand = statement_.OperandOf(term);
+            const bool refused =
+                operand.kind == Kind::Text || operand.kind == Kind::Date || operand.kind == Kind::Other;
+            if (!refused) continue;
+            throw Failure(RunTimeError::DataTypeMismatch,
+                          operand.column != nullptr ? TextView(operand.column->name) : At(term.begin).text);
         }
     }
 
@@ -191,7 +224,7 @@ class Rewriter {
         }
         Parameter parameter;
         parameter.kind = token.kind;
-        parameter.column = ComparedWith(i);
+        parameter.column = ComparedColumn(i);
         parameter.first_value = token.first_value;
         parameter.end_value = token.end_value;
         if (token.HasValues()) {
@@ -209,61 +242,99 @@ class Rewriter {
         out_.sql += '?' + std::to_string(out_.parameters.size()) + ' ';
     }
 
-    // The column a literal is compared with; what an assignment or insert stores is converted by the table.
-    const Column* ComparedWith(std::size_t i) const {
-        if (i == 0 || statement_.Assignments().Contains(i)) return nullptr;
-        const Scope& scope = statement_.ScopeOf(i);
-        if (IsComparison(At(i - 1))) return statement_.ColumnOf(scope, OperandBefore(i - 1));
-        if (IsComparison(At(i + 1))) return statement_.ColumnOf(scope, OperandBehind(i + 2));
-        if (At(i - 1).Is(u"between")) return statement_.ColumnOf(scope, OperandBefore(i - 1));
-        if (i > 3 && At(i - 1).Is(u"and") && At(i - 3).Is(u"between")) {
-            return statement_.ColumnOf(scope, OperandBefore(i - 3));
+    struct Comparison {
+        TokenRange with;  // empty: a literal that is not compared
+        bool ordered = false;
+    };
+
+    // The column a literal is compared with, and so is of the kind of. What an assignment or insert stores is
+    // converted by the table.
+    const Column* ComparedColumn(std::size_t i) const {
+        TokenRange literal{i, i + 1};
+        std::size_t parentheses = 0;  // around it
+        while (At(literal.begin - 1).Is(u"(") && At(literal.end).Is(u")") && IsPlain(literal.begin - 1)) {
+            --literal.begin;
+            ++literal.end;
+            ++parentheses;
         }
-        return ColumnOfList(i);
+        const bool alone = !IsArithmetic(At(literal.begin - 1)) && !IsArithmetic(At(literal.end));
+        if (!alone)
+            literal = {statement_.SumBefore(literal.end).begin, statement_.SumBehind(literal.begin).end};
+        const Comparison comparison = ComparisonOf(literal, parentheses);
+        if (comparison.with.begin == comparison.with.end) return nullptr;
+        const Operand operand = statement_.OperandOf(comparison.with);
+        if (At(i).kind != TokenKind::Number && operand.kind == Kind::Unknown) {
+            std::size_t name = comparison.with.end - 1;
+            while (At(name).Is(u")")) --name;
+            throw Failure(u"No value given for one or more required parameters.").In(At(name).text);
+        }
+        if (!Comparable(At(i).kind, operand, alone, comparison.ordered)) {
+            throw Failure(RunTimeError::DataTypeMismatch, At(i).text);
+        }
+        return alone ? operand.column : nullptr;
     }
 
-    // column [not] in (literal, literal, ...)
-    const Column* ColumnOfList(std::size_t i) const {
-        std::size_t open = i - 1;
-        while (open > 0 && (At(open).Is(u",") || At(open).IsLiteral())) --open;
-        if (!At(open).Is(u"(") || open < 2 || !At(open - 1).Is(u"in")) return nullptr;
-        const std::size_t end = At(open - 2).Is(u"not") ? open - 2 : open - 1;
-        return statement_.ColumnOf(statement_.ScopeOf(i), OperandBefore(end));
+    // A column makes a literal alone its kind. A number and a text have no order.
+    static bool Comparable(TokenKind literal, const Operand& operand, bool alone, bool ordered) {
+        if (operand.kind == Kind::Unknown || operand.kind == Kind::Null) return true;
+        const bool number = literal == TokenKind::Number;
+        if (number && operand.kind == Kind::Text && ordered) return false;
+        if (alone && operand.column != nullptr) return true;
+        const Kind own = literal == TokenKind::String ? Kind::Text : Kind::Date;
+        return operand.kind == (number ? Kind::Number : own);
     }
 
-    TokenRange OperandBefore(std::size_t end) const {
-        std::size_t begin = end;
-        if (begin > 0 && At(begin - 1).Is(u")")) {
-            std::size_t depth = 0;
-            do {
-                --begin;
-                if (At(begin).Is(u")")) ++depth;
-                if (At(begin).Is(u"(")) --depth;
-            } while (begin > 0 && depth > 0);
-        }
-        if (begin > 0 && IsName(At(begin - 1))) --begin;
-        if (begin > 1 && At(begin - 1).Is(u".")) begin -= 2;
-        return {begin, end};
+    // A "(" that is neither of a call nor of a list.
+    bool IsPlain(std::size_t open) const {
+        return !IsName(At(open - 1)) && !At(open - 1).Is(u"in") && !At(open - 1).Is(u"values");
     }
 
-    TokenRange OperandBehind(std::size_t begin) const {
-        std::size_t end = begin + 1;
-        if (At(end).Is(u".")) end += 2;
-        if (At(end).Is(u"(")) {
-            std::size_t depth = 0;
-            do {
-                if (At(end).Is(u"(")) ++depth;
-                if (At(end).Is(u")")) --depth;
-                ++end;
-            } while (end < tokens_.size() && depth > 0);
+    // Without the "not" that may stand before an operator.
+    std::size_t StepOverNot(std::size_t end) const { return At(end - 1).Is(u"not") ? end - 1 : end; }
+
+    Comparison ComparisonOf(TokenRange literal, std::size_t parentheses) const {
+        std::size_t operation = literal.begin - 1;
+        if (At(operation).Is(u"not") && At(operation - 1).Is(u"is")) --operation;
+        const Token& before = At(operation);
+        if (IsComparison(before) && !IsAssignment(operation)) {
+            return {statement_.SumBefore(operation), IsOrder(before)};
         }
-        return {begin, std::min(end, tokens_.size())};
+        if (before.Is(u"between")) return {statement_.SumBefore(StepOverNot(operation)), true};
+        if (before.Is(u"and")) {
+            const std::size_t between = statement_.SumBefore(operation).begin - 1;
+            if (At(between).Is(u"between")) return {statement_.SumBefore(StepOverNot(between)), true};
+        }
+        if ((before.Is(u"(") || before.Is(u",")) && open_.size() > parentheses) {
+            const std::size_t in = (open_.rbegin() + static_cast<std::ptrdiff_t>(parentheses))->at - 1;
+            if (At(in).Is(u"in")) return {statement_.SumBefore(StepOverNot(in)), false};
+        }
+        const std::size_t behind = At(literal.end).Is(u"not") ? literal.end + 1 : literal.end;
+        if (IsComparison(At(behind)) || At(behind).Is(u"between")) {
+            return {statement_.SumBehind(behind + 1), !IsComparison(At(behind)) || IsOrder(At(behind))};
+        }
+        if (At(behind).Is(u"in")) {
+            const bool select = At(behind + 2).Is(u"select");
+            return {select ? statement_.TermBehind(behind + 1) : statement_.SumBehind(behind + 2), false};
+        }
+        return {};
     }
+
+    // column = ... behind "set"
+    bool IsAssignment(std::size_t equals) const {
+        if (out_.kind != StatementKind::Update || !open_.empty()) return false;
+        const Token& before = At(statement_.TermBefore(equals).begin - 1);
+        return before.Is(u"set") || before.Is(u",");
+    }
+
+    struct Open {
+        std::size_t at;
+        std::string closing;  // what stands for its ")"
+    };
 
     const SqlText& sql_;
     Statement statement_;
     const std::vector<Token>& tokens_;
-    std::vector<std::string> closing_;  // what the open parentheses are closed with
+    std::vector<Open> open_;  // the parentheses
     Rewritten out_;
 };
 

@@ -6,10 +6,12 @@
 //     ucase(x), max(x), ...    the same with the collation of texts, which an expression's result lacks
 //     order by alias           the column of that name where there is one: the alias would hide it
 //     a / b                    never the division of whole numbers
+//     sum(x), avg(x), abs(x)   sum(number(x)), where texts and dates could be among the values
 //     name, [name]             "name"
 //
-// Only what the dialect knows gets through: a word that is no keyword is a name, and a function has to be on
-// the list.
+// A literal whose kind would not be that of what it is compared with, and arithmetic on dates and texts, are
+// DataTypeMismatch. Only what the dialect knows gets through: a word that is no keyword is a name, and a
+// function has to be on the list.
 #pragma once
 
 #include <string>

@@ -16,18 +16,11 @@ constexpr std::array<TextView, 34> kKeywords = {
     u"group",  u"order",    u"by",     u"having",  u"asc",   u"desc",  u"insert", u"into",  u"values",
     u"update", u"set",      u"delete", u"between", u"true",  u"false", u"exists"};
 
-// Functions whose result is of their argument's kind.
-constexpr std::array<TextView, 7> kTransparent = {u"min", u"max", u"sum", u"avg", u"abs", u"first", u"last"};
-
-template <std::size_t N>
-bool Contains(const std::array<TextView, N>& words, TextView word) {
-    return std::any_of(words.begin(), words.end(), [&](TextView known) { return EqualNoCase(known, word); });
-}
-
 }  // namespace
 
 bool IsKeyword(const Token& token) {
-    return token.kind == TokenKind::Word && Contains(kKeywords, token.text);
+    return token.kind == TokenKind::Word &&
+           std::any_of(kKeywords.begin(), kKeywords.end(), [&](TextView word) { return token.Is(word); });
 }
 bool IsName(const Token& token) {
     return token.kind == TokenKind::Name || (token.kind == TokenKind::Word && !IsKeyword(token));
@@ -56,10 +49,7 @@ class StatementReader {
  private:
     enum class Clause { Columns, From, Condition, Order };
 
-    const Token& At(std::size_t token) const {
-        static const Token kNone;
-        return token < tokens_.size() ? tokens_[token] : kNone;
-    }
+    const Token& At(std::size_t token) const { return statement_.At(token); }
 
     const TableDefinition* Table(std::size_t token) {
         const TableDefinition* table = IsName(At(token)) ? find_(At(token).text) : nullptr;
@@ -86,14 +76,11 @@ class StatementReader {
         Scope& scope = NewScope(nullptr);
         statement_.changed_ = Table(table);
         scope.sources.push_back({At(table).text, statement_.changed_, nullptr});
-        if (kind == StatementKind::Update) statement_.assignments_ = {table + 2, tokens_.size()};
         std::fill(statement_.scope_of_.begin(), statement_.scope_of_.end(), &scope);
         for (std::size_t i = table + 1; i < tokens_.size(); ++i) {
-            if (At(i).Is(u"select")) {
-                i = Select(i, kind == StatementKind::Insert ? nullptr : &scope);
-            } else if (At(i).Is(u"where") && kind == StatementKind::Update) {
-                statement_.assignments_.end = std::min(statement_.assignments_.end, i);
-            }
+            if (!At(i).Is(u"select")) continue;
+            i = Select(i, kind == StatementKind::Insert ? nullptr : &scope);
+            Belongs(scope, i);
         }
     }
 
@@ -207,57 +194,6 @@ class StatementReader {
 Statement::Statement(std::vector<Token> tokens, const FindDefinition& find)
     : tokens_(std::move(tokens)), scope_of_(tokens_.size()), table_at_(tokens_.size()) {
     StatementReader(*this, find).Read();
-}
-
-TextView Statement::NameOf(const ResultColumn& column) const {
-    if (!column.alias.empty() || column.expression.begin == column.expression.end) return column.alias;
-    const Token& last = tokens_[column.expression.end - 1];
-    const std::size_t length = column.expression.end - column.expression.begin;
-    const bool plain = length == 1 || (length == 3 && tokens_[column.expression.end - 2].Is(u"."));
-    return plain && IsName(last) ? last.text : TextView();
-}
-
-Statement::Meaning Statement::ResolveIn(const Source& source, TextView name) const {
-    if (source.table != nullptr) {
-        const auto column = source.table->FindColumn(name);
-        return column ? Meaning{true, &source.table->columns[*column], source.name} : Meaning();
-    }
-    for (const ResultColumn& column : source.select->columns) {
-        if (column.expression.begin == column.expression.end) continue;
-        if (tokens_[column.expression.end - 1].Is(u"*")) {
-            for (const Source& inner : source.select->sources) {
-                const Meaning meaning = ResolveIn(inner, name);
-                if (meaning.found) return {true, meaning.column, source.name};
-            }
-        } else if (EqualNoCase(NameOf(column), name)) {
-            return {true, ColumnOf(*source.select, column.expression), source.name};
-        }
-    }
-    return {};
-}
-
-Statement::Meaning Statement::Resolve(const Scope& scope, TextView qualifier, TextView name) const {
-    for (const Scope* at = &scope; at != nullptr; at = at->outer) {
-        for (const Source& source : at->sources) {
-            if (!qualifier.empty() && !EqualNoCase(source.name, qualifier)) continue;
-            const Meaning meaning = ResolveIn(source, name);
-            if (meaning.found) return meaning;
-        }
-    }
-    return {};
-}
-
-const Column* Statement::ColumnOf(const Scope& scope, TokenRange expression) const {
-    const auto at = [&](std::size_t i) -> const Token& { return tokens_[expression.begin + i]; };
-    const auto length = [&] { return expression.end - expression.begin; };
-    if (length() > 3 && at(1).Is(u"(") && at(length() - 1).Is(u")") && Contains(kTransparent, at(0).text)) {
-        expression = {expression.begin + 2, expression.end - 1};
-    }
-    if (length() == 1 && IsName(at(0))) return Resolve(scope, {}, at(0).text).column;
-    if (length() == 3 && IsName(at(0)) && at(1).Is(u".") && IsName(at(2))) {
-        return Resolve(scope, at(0).text, at(2).text).column;
-    }
-    return nullptr;
 }
 
 }  // namespace tav::jet

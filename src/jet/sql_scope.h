@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "jet/sql_token.h"
@@ -30,9 +31,18 @@ struct Source {
     const Scope* select = nullptr;
 };
 
+enum class Kind { Unknown, Null, Number, Text, Date, Other };
+
+// What an expression's values are.
+struct Operand {
+    Kind kind = Kind::Unknown;       // Unknown: a name that means no column
+    const Column* column = nullptr;  // whose values they are, if it is one column's
+};
+
 struct ResultColumn {
     TokenRange expression;
-    TextView alias;  // empty without "as"
+    TextView alias;                               // empty without "as"
+    mutable std::optional<Operand> operand = {};  // once it was asked for
 };
 
 struct Scope {
@@ -59,25 +69,39 @@ class Statement {
     const Scope& Outermost() const { return *scopes_.front(); }
     // The table a changing statement changes; nullptr for a select.
     const TableDefinition* Changed() const { return changed_; }
-    // The tokens between "set" and "where" of an update.
-    const TokenRange& Assignments() const { return assignments_; }
     // The definition a token names where a table stands, or nullptr.
     const TableDefinition* TableAt(std::size_t token) const { return table_at_[token]; }
 
+    // Behind the last token there are empty ones.
+    const Token& At(std::size_t token) const {
+        static const Token kNone;
+        return token < tokens_.size() ? tokens_[token] : kNone;
+    }
+
     struct Meaning {
         bool found = false;
-        const Column* column = nullptr;  // nullptr also for an expression's result
-        TextView source;                 // the name of the table or select it belongs to
+        Operand operand;
+        TextView source;  // the name of the table or select it belongs to
     };
     // `qualifier` may be empty.
     Meaning Resolve(const Scope& scope, TextView qualifier, TextView name) const;
-    // The column whose values an expression has: a name, or min, max and the like of one.
-    const Column* ColumnOf(const Scope& scope, TokenRange expression) const;
+
+    // One name, literal, call or parenthesis that ends before, or begins at, a token; empty when there is
+    // none.
+    TokenRange TermBefore(std::size_t end) const;
+    TokenRange TermBehind(std::size_t begin) const;
+    // The same with the terms it is added to, multiplied with and so on.
+    TokenRange SumBefore(std::size_t end) const;
+    TokenRange SumBehind(std::size_t begin) const;
+
+    Operand OperandOf(TokenRange expression) const;
 
  private:
     friend class StatementReader;
     Meaning ResolveIn(const Source& source, TextView name) const;
     TextView NameOf(const ResultColumn& column) const;
+    Operand ResultOf(TokenRange call) const;
+    std::size_t Closed(std::size_t open) const;
 
     std::vector<Token> tokens_;
     StatementKind kind_ = StatementKind::Select;
@@ -85,11 +109,12 @@ class Statement {
     std::vector<const Scope*> scope_of_;
     std::vector<const TableDefinition*> table_at_;
     const TableDefinition* changed_ = nullptr;
-    TokenRange assignments_;
 };
 
 // A word of the dialect that is no name.
 bool IsKeyword(const Token& token);
 bool IsName(const Token& token);
+// + - * /
+bool IsArithmetic(const Token& token);
 
 }  // namespace tav::jet

@@ -22,8 +22,8 @@ constexpr std::array<std::pair<int, int>, 11> kLimits = {{{SQLITE_LIMIT_LENGTH, 
                                                           {SQLITE_LIMIT_VARIABLE_NUMBER, 4000},
                                                           {SQLITE_LIMIT_WORKER_THREADS, 0}}};
 
-constexpr std::array<std::string_view, 8> kFunctions = {"abs", "avg", "count", "iif",
-                                                        "max", "min", "sum",   "ucase"};
+constexpr std::array<std::string_view, 9> kFunctions = {"abs", "avg",    "count", "iif",  "max",
+                                                        "min", "number", "sum",   "ucase"};
 
 bool IsOwn(const char* name) {
     return std::string_view(name == nullptr ? "" : name).substr(0, 7) == "sqlite_";
@@ -95,7 +95,7 @@ SqliteHandle OpenSqlite(Callbacks& callbacks) {
     if (sqlite3_exec(raw, setup, nullptr, nullptr, nullptr) != SQLITE_OK) {
         throw Failure(RunTimeError::OutOfMemory);
     }
-    AddDialect(raw);
+    AddDialect(raw, callbacks);
     sqlite3_set_authorizer(raw, &Authorize, &callbacks);
     return database;
 }

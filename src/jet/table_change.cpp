@@ -21,6 +21,9 @@ constexpr TextView kDuplicate =
     u"the index, primary key, or relationship. Change the data in the field or fields that contain duplicate "
     u"data, remove the index, or redefine the index to permit duplicate entries and try again.";
 
+constexpr TextView kNullAutonumber =
+    u"You tried to assign the Null value to a variable that is not a Variant data type.";
+
 bool AnyNull(const RealIndex& index, std::span<const Value> values) {
     return std::any_of(index.columns.begin(), index.columns.end(),
                        [&](const IndexColumn& column) { return IsNull(values[column.column]); });
@@ -127,6 +130,9 @@ void Table::Update(RowId id, std::span<const Value> values) {
     RefuseReadOnly();
     const Place place = FindOwnPlace(id);
     const std::vector<Value> old_values = ChangeableRow(place);
+    if (autonumber_ && IsNull(values[*autonumber_]) && !IsNull(old_values[*autonumber_])) {
+        throw Failure(kNullAutonumber).In(definition_.columns[*autonumber_].name);
+    }
     EncodeRow(definition_, values, row_bytes_);
     std::vector<KeyChange> keys = OldKeys(old_values);
     std::vector<KeyChange> fresh = NewKeys(values);

@@ -232,7 +232,8 @@ void VirtualTable::Update(RowId id, sqlite3_value** values) {
     }
     if (row_ == old) return;
     table_.Update(id, row_);
-    search_.Updated(old, row_, id);
+    // Read again: a Null in a boolean column is stored as false.
+    if (search_.HasHashes()) search_.Updated(old, table_.Find(id).All(), id);
 }
 
 void VirtualTable::Delete(RowId id) {

@@ -219,6 +219,10 @@ TEST(Changing, AutonumberAndCountersFollow) {
     EXPECT_EQ(U32(definition() + table.definition().indexes[1].counter_at + 4), 8u);  // that text was there
     table.Insert(Values{std::int64_t{50}, Text(u"new")});
     EXPECT_EQ(U32(definition() + 20), 50u);
+    EXPECT_THAT(FailureOf([&] {
+                    table.Update(id, Values{Null(), Text(u"Мир")});
+                }),
+                testing::HasSubstr("assign the Null value"));
     table.Delete(id);
     EXPECT_EQ(U32(definition() + 16), 9u);
     EXPECT_EQ(U32(definition() + 20), 50u);
