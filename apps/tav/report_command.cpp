@@ -5,7 +5,10 @@
 #include "commands.h"
 #include "common/guard.h"
 #include "platform/shell.h"
+#include "reports/get_files.h"
+#include "reports/get_files_act.h"
 #include "reports/get_vipis.h"
+#include "reports/summary_documents.h"
 #include "settings/settings.h"
 #include "terminal.h"
 
@@ -14,14 +17,39 @@ namespace {
 
 struct ReportOptions {
     std::int32_t id = 0;
+    std::string inn;
+    std::string kpp;
     std::string folder;
     bool open = false;
+
+    Text Folder() const { return folder.empty() ? ExportFolder() : PathArgument(folder); }
 };
 
 void Finish(const Text& path, const ReportOptions& options) {
     if (path.empty()) return;
     PrintLine(path);
     if (options.open && !OpenDocument(path)) ShowMessage(u"Справка", u"Не удалось открыть документ: " + path);
+}
+
+void AddFolderOptions(CLI::App& command, ReportOptions& options, Context& context) {
+    command.add_option("--to", options.folder, "Папка справок (вместо ExportPath)")->type_name("DIR");
+    command.add_flag("--open", options.open, "Открыть готовую справку");
+    AddDatabaseOption(command, context);
+}
+
+using SummaryReport = Text (*)(TextView database, TextView inn, TextView kpp, TextView export_folder);
+
+void AddSummary(CLI::App& report, const char* name, const char* meaning, SummaryReport summary,
+                const std::shared_ptr<ReportOptions>& options, Context& context) {
+    CLI::App& command = *report.add_subcommand(name, meaning);
+    AddTaxpayerOptions(command, options->inn, options->kpp, true);
+    AddFolderOptions(command, *options, context);
+    command.callback([options, summary] {
+        const Text path =
+            summary(getbase(), FromUtf8(options->inn), FromUtf8(options->kpp), options->Folder());
+        if (path.empty()) ShowNothingToSumUp();
+        Finish(path, *options);
+    });
 }
 
 }  // namespace
@@ -33,13 +61,10 @@ void AddReportCommand(CLI::App& app, Context& context) {
     CLI::App& statement =
         *report.add_subcommand("statement", "Справка по одной выписке (её номер показывает tav list)");
     statement.add_option("ID", options->id, "Номер выписки")->required();
-    statement.add_option("--to", options->folder, "Папка справок (вместо ExportPath)")->type_name("DIR");
-    statement.add_flag("--open", options->open, "Открыть готовую справку");
-    AddDatabaseOption(statement, context);
-    statement.callback([options] {
-        const Text folder = options->folder.empty() ? ExportFolder() : PathArgument(options->folder);
-        Finish(GetVipis(getbase(), options->id, folder), *options);
-    });
+    AddFolderOptions(statement, *options, context);
+    statement.callback([options] { Finish(GetVipis(getbase(), options->id, options->Folder()), *options); });
+    AddSummary(report, "statements", "Сводная справка по выпискам операций", GetFiles, options, context);
+    AddSummary(report, "acts", "Сводная справка по актам совместной сверки", GetFilesAct, options, context);
 }
 
 }  // namespace tav::cli

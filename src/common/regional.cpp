@@ -38,6 +38,19 @@ std::string PlainNumber(TextView text) {
     return digits ? out : std::string();
 }
 
+// "-1 234,50" of "1234" and "50"; an amount of nothing has no sign.
+Text GroupedAmount(std::string_view whole, std::string_view decimals, bool negative) {
+    const auto is_zero = [](std::string_view digits) { return digits.find_first_not_of('0') == digits.npos; };
+    Text text;
+    if (negative && !(is_zero(whole) && is_zero(decimals))) text += u'-';
+    for (std::size_t i = 0; i < whole.size(); ++i) {
+        if (i > 0 && (whole.size() - i) % 3 == 0) text += u' ';
+        text += static_cast<char16_t>(whole[i]);
+    }
+    text += u',';
+    return text.append(decimals.begin(), decimals.end());
+}
+
 }  // namespace
 
 std::optional<double> ParseNumber(TextView text) {
@@ -136,14 +149,15 @@ Text FormatAmount(double amount) {
                                             std::chars_format::fixed, 2);
     const std::string_view digits(buffer.data(), static_cast<std::size_t>(end - buffer.data()));
     const std::size_t whole = digits.size() - 3;
-    Text text;
-    if (amount < 0 && digits.find_first_of("123456789") != digits.npos) text += u'-';
-    for (std::size_t i = 0; i < whole; ++i) {
-        if (i > 0 && (whole - i) % 3 == 0) text += u' ';
-        text += static_cast<char16_t>(digits[i]);
-    }
-    text += u',';
-    return text.append(digits.begin() + static_cast<std::ptrdiff_t>(whole) + 1, digits.end());
+    return GroupedAmount(digits.substr(0, whole), digits.substr(whole + 1), amount < 0);
+}
+
+Text FormatAmount(Money amount) {
+    const bool negative = amount.ten_thousandths < 0;
+    const auto bits = static_cast<std::uint64_t>(amount.ten_thousandths);
+    const std::uint64_t hundredths = ((negative ? 0 - bits : bits) + 50) / 100;
+    const std::string decimals = std::to_string(100 + hundredths % 100).substr(1);
+    return GroupedAmount(std::to_string(hundredths / 100), decimals, negative);
 }
 
 Text ValueText(const Value& value) {

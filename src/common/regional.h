@@ -27,6 +27,8 @@ Text FormatDate(Date date);
 Text FormatNumber(double number);
 // Two decimals, leading zero, groups of three: "1 234,50", "-0,30".
 Text FormatAmount(double amount);
+// The same, exactly; halves of the last decimal go away from zero.
+Text FormatAmount(Money amount);
 
 // The text a value converts to: Null gives empty text, -1 and 0 stand for a boolean.
 Text ValueText(const Value& value);

@@ -1,8 +1,8 @@
 #include "reports/statement_page.h"
 
-#include "common/failure.h"
 #include "db/literals.h"
 #include "reports/cells.h"
+#include "reports/fields.h"
 #include "reports/money.h"
 #include "reports/page.h"
 #include "reports/taxpayer_shown.h"
@@ -11,10 +11,6 @@ namespace tav {
 namespace {
 
 constexpr TextView kTitle = u"<h3>Справка по выписке операций по расчету с бюджетом</h3>";
-
-Text FieldText(const Recordset& row, TextView field) {
-    return HtmlText(isns(row.Field(field)));
-}
 
 Text Heading(const Recordset& header, TextView period) {
     const auto chosen = ChosenTaxpayer();
@@ -125,17 +121,11 @@ Text ClosingRow() {
     return GetHS(u"tr", {cells, u"#b0"});
 }
 
-std::int64_t HeaderId(const Recordset& header) {
-    const Value& id = header.Field(u"id");
-    if (const auto* number = std::get_if<std::int64_t>(&id)) return *number;
-    throw Failure(RunTimeError::TypeMismatch, u"tav_operations_header.id");
-}
-
 }  // namespace
 
 Text StatementPage(Connection& connection, Recordset& headers) {
     const Recordset first = headers;
-    const std::int64_t first_id = HeaderId(first);
+    const std::int64_t first_id = WholeNumber(first, u"id");
     Text end;
     for (Recordset each = headers; !each.Eof(); each.MoveNext()) end = FieldText(each, u"pere");
     // The order of the calls is the order of the page, because the cells' state is sticky.
@@ -143,7 +133,7 @@ Text StatementPage(Connection& connection, Recordset& headers) {
     Text rows = ColumnHeadings();
     rows += OpeningRow(OpeningBalance(connection, first, first_id));
     for (; !headers.Eof(); headers.MoveNext()) {
-        Recordset operations = Operations(connection, HeaderId(headers));
+        Recordset operations = Operations(connection, WholeNumber(headers, u"id"));
         for (; !operations.Eof(); operations.MoveNext()) rows += OperationRow(operations);
     }
     rows += TurnoverRow();

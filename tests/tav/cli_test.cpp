@@ -125,6 +125,18 @@ TEST_F(Cli, AFolderBecomesADatabaseAndAReport) {
     EXPECT_EQ(report.out, Path(u"out/vipis.doc") + "\n") << report.err;
     EXPECT_EQ(Tav({"report", "statement", "30000", "--to", Path(u"out"), "--database", Database()}).status,
               1);
+    for (const auto& [kind, file] :
+         {std::pair("statements", u"out/index.doc"), std::pair("acts", u"out/acts.doc")}) {
+        const auto summary = [&, name = kind](const std::string& kpp) {
+            return Tav({"report", name, "--inn", kInn, "--kpp", kpp, "--to", Path(u"out"), "--database",
+                        Database()});
+        };
+        EXPECT_EQ(summary(kKpp).out, Path(file) + "\n");
+        const Outcome none = summary("1");
+        EXPECT_EQ(none.status, 0);
+        EXPECT_EQ(none.out, "");
+        EXPECT_THAT(none.err, testing::StartsWith("Сводная справка: В базе данных"));
+    }
 
     EXPECT_EQ(Tav({"clear", "--all", "--database", Database()}).status, 0);
     EXPECT_TRUE(Dump()["tav_operations"].empty());

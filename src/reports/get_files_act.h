@@ -1,0 +1,16 @@
+// The summary of a taxpayer's acts of joint reconciliation, "acts.doc".
+#pragma once
+
+#include "common/text.h"
+
+namespace tav {
+
+// One row per act: balances and the movements of the period under review. A KPP of more than 15 characters
+// asks for the consolidated variant (reports/summary_heading.h).
+//
+// Returns the full path of the summary; empty when the taxpayer has no act, and nothing is written then, or
+// after a failure, which is shown. LastSummary() (reports/summary_documents.h) tells which, and what was
+// summed up.
+Text GetFilesAct(TextView database, TextView inn, TextView kpp, TextView export_folder);
+
+}  // namespace tav

@@ -1,0 +1,32 @@
+// What the two summaries share: the consolidated variant, and the heading.
+//
+// A taxpayer with several subdivisions under one INN is summed up by budget classification code: where a KPP
+// is expected stands a code then, which is longer than any KPP; twenty zeros stand for the first code that
+// the taxpayer has.
+#pragma once
+
+#include <optional>
+
+#include "common/text.h"
+#include "db/connection.h"
+#include "reports/taxpayer_shown.h"
+
+namespace tav {
+
+bool IsConsolidated(TextView kpp);
+
+// The code to sum up: the argument itself, or, for the twenty zeros, the first one of `codes` (a select whose
+// first column is the code); empty when there is none.
+Text ConsolidatedCode(Connection& connection, const SqlText& codes, TextView kpp);
+
+struct CodeAndTax {
+    Text code;
+    Text tax;
+};
+
+// The heading's row: the title (HTML), then name, INN and KPP, which are the chosen taxpayer's where one is
+// chosen, else the documents' own; in the consolidated variant the code and its tax follow.
+Text SummaryHeading(TextView title, const ShownTaxpayer& of_documents,
+                    const std::optional<CodeAndTax>& consolidated);
+
+}  // namespace tav
