@@ -177,6 +177,8 @@ class Rewriter {
         } else if (token.Is(u")")) {
             out_.sql += open_.empty() ? ") " : open_.back().closing;
             if (!open_.empty()) open_.pop_back();
+        } else if (token.Is(u",") && !open_.empty() && IsTuple(open_.back().at)) {
+            throw Failure(u"Syntax error (comma) in query expression ','.");
         } else if (token.Is(u"/")) {
             out_.sql += "* 1.0 / ";
         } else if (!(token.Is(u"*") && i == 1 && out_.kind == StatementKind::Delete)) {
@@ -288,6 +290,9 @@ class Rewriter {
     bool IsPlain(std::size_t open) const {
         return !IsName(At(open - 1)) && !At(open - 1).Is(u"in") && !At(open - 1).Is(u"values");
     }
+
+    // What SQLite would compare as a row of values, each of them of any kind.
+    bool IsTuple(std::size_t open) const { return IsPlain(open) && !At(open + 1).Is(u"select"); }
 
     // Without the "not" that may stand before an operator.
     std::size_t StepOverNot(std::size_t end) const { return At(end - 1).Is(u"not") ? end - 1 : end; }

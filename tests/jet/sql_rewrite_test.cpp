@@ -164,6 +164,7 @@ TEST(SqlRewrite, Refusals) {
          "Syntax error in date in query expression '#13/01/2011#'."},
         {u"select id from docs where perb=#1/1#", "Syntax error in date in query expression '#1/1#'."},
         {u"select load_extension('x') from docs", "Undefined function 'load_extension' in expression."},
+        {u"select id from docs where (id,h1)=('1','a')", "Syntax error (comma) in query expression ','."},
         {u"select id from docs2", "Could not find input table 'docs2'."},
         {u"insert into docs2 (id) values (1)", "Could not find output table 'docs2'."},
         {u"insert into docs (id,h1,ID) values (1,2,3)", "Duplicate output destination 'id'."},
