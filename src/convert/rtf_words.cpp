@@ -72,7 +72,7 @@ constexpr std::size_t Slot(std::string_view name) {
 // one look into these few bytes.
 constexpr auto kSlotWords = [] {
     std::array<std::uint8_t, kSlots> words{};
-    for (std::uint8_t i = 0; i < std::size(kWords); ++i) {
+    for (std::size_t i = 0; i < std::size(kWords); ++i) {
         std::uint8_t& slot = words[Slot(kWords[i].name)];
         if (slot != 0) throw std::logic_error("two words share a slot");
         slot = static_cast<std::uint8_t>(i + 1);

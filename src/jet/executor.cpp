@@ -92,6 +92,7 @@ Prepared& Executor::State::Prepare(const SqlText& sql) {
         statement = PrepareOne(rewritten, sorted);
     }
     std::vector<Text> names;
+    names.reserve(static_cast<std::size_t>(columns));
     for (int i = 0; i < columns; ++i) names.push_back(ResultName(statement.get(), i));
     for (std::size_t i = 0; i < rewritten.parameters.size(); ++i) {
         const Parameter& parameter = rewritten.parameters[i];

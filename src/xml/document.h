@@ -63,9 +63,9 @@ class Node {
     // The attribute that stands first, or nothing.
     Node FirstAttribute() const;
 
-    // The nodes an XPath selects from here, in document order. A path that is no XPath is a Failure; so is, by
-    // a limit of the library, one that begins with a single "/" and a letter outside ASCII (say "//" or start
-    // without it).
+    // The nodes an XPath selects from here, in document order. A path that is no XPath is a Failure; so is,
+    // by a limit of the library, one that begins with a single "/" and a letter outside ASCII (say "//" or
+    // start without it).
     std::vector<Node> SelectNodes(TextView path) const;
     // The first of them, or nothing.
     Node SelectSingleNode(TextView path) const;

@@ -136,7 +136,8 @@ TEST(IndexPage, SurvivesFlippedBytes) {
             if (!editor.Insert(place, entry)) editor.Pack(editor.With(place, entry).entries);
             ++survived;
         } catch (const Failure& failure) {
-            EXPECT_TRUE(failure.description().starts_with(u"The database 'a.mdb' is damaged (page 5): index page: "));
+            EXPECT_TRUE(
+                failure.description().starts_with(u"The database 'a.mdb' is damaged (page 5): index page: "));
             ++failures;
         }
     }
