@@ -1,5 +1,4 @@
-// The database engine below SQL: rows into a table of 16 columns with one index, and one indexed question to
-// a large file.
+// The database engine below SQL: rows into a table of 16 columns with one index.
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
@@ -7,7 +6,6 @@
 
 #include "jet/create.h"
 #include "jet/database.h"
-#include "jet/index_key.h"
 #include "platform/files.h"
 
 namespace {
@@ -76,30 +74,5 @@ void InsertRows(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * rows);
 }
 BENCHMARK(InsertRows)->Arg(10000)->Arg(100000)->Arg(200000)->Unit(benchmark::kMillisecond);
-
-// From opening to the answer, and closing.
-void AskLargeFile(benchmark::State& state) {
-    const OperationsFile file;
-    {
-        Database database(file.path(), Database::Access::Write);
-        jet::Table& table = *database.FindTable(u"operations");
-        std::vector<Value> row = Operation(0);
-        while (database.file().PageCount() < 25000) {
-            row[0] = std::get<std::int64_t>(row[0]) + 1;
-            table.Insert(row);
-        }
-        database.file().Commit();
-    }
-    for (auto _ : state) {
-        Database database(file.path(), Database::Access::Read);
-        jet::Table& table = *database.FindTable(u"operations");
-        const std::string key =
-            *jet::EncodeKeyColumn(table.definition().columns[0], true, Value(std::int64_t{77777}));
-        jet::IndexTree tree = table.Index(0);
-        const auto row = table.Find(tree.Seek(key).row());
-        benchmark::DoNotOptimize(row.Get(3));
-    }
-}
-BENCHMARK(AskLargeFile)->Unit(benchmark::kMicrosecond);
 
 }  // namespace

@@ -162,24 +162,14 @@ Text SummaryPage(Connection& connection, Recordset& groups, bool consolidated, T
 }  // namespace
 
 Text GetFiles(TextView database, TextView inn, TextView kpp, TextView export_folder) {
-    BeginSummary(SummaryKind::Statements);
-    return GuardedReport(u"Ошибка в функции GetFiles", database, [&](Text& file) -> Text {
-        Connection connection;
-        connection.CursorLocation = 3;
-        connection.OpenForReading(ConnectionString(database));
-        std::vector<SummaryDocument> documents;
-        Recordset groups = Groups(connection, inn, kpp);
-        Text written;
-        if (!groups.Eof()) {
-            const Text page =
-                SummaryPage(connection, groups, IsConsolidated(kpp), export_folder, file, documents);
-            file = ReportPath(export_folder, u"index.doc");
-            WriteReport(file, page);
-            written = file;
-        }
-        RecordDocuments(std::move(documents));
-        return written;
-    });
+    const SummaryPlan plan{SummaryKind::Statements, u"Ошибка в функции GetFiles", u"index.doc"};
+    return WriteSummary(plan, database, export_folder,
+                        [&](Connection& connection, Text& file, std::vector<SummaryDocument>& documents) {
+                            Recordset groups = Groups(connection, inn, kpp);
+                            return groups.Eof() ? Text()
+                                                : SummaryPage(connection, groups, IsConsolidated(kpp),
+                                                              export_folder, file, documents);
+                        });
 }
 
 }  // namespace tav

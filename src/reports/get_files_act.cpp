@@ -130,23 +130,12 @@ Text SummaryPage(Recordset& acts, bool consolidated, std::vector<SummaryDocument
 }  // namespace
 
 Text GetFilesAct(TextView database, TextView inn, TextView kpp, TextView export_folder) {
-    BeginSummary(SummaryKind::Acts);
-    return GuardedReport(u"Ошибка в функции GetFilesAct", database, [&](Text& file) -> Text {
-        Connection connection;
-        connection.CursorLocation = 3;
-        connection.OpenForReading(ConnectionString(database));
-        std::vector<SummaryDocument> documents;
-        Recordset acts = Acts(connection, inn, kpp);
-        Text written;
-        if (!acts.Eof()) {
-            const Text page = SummaryPage(acts, IsConsolidated(kpp), documents);
-            file = ReportPath(export_folder, u"acts.doc");
-            WriteReport(file, page);
-            written = file;
-        }
-        RecordDocuments(std::move(documents));
-        return written;
-    });
+    const SummaryPlan plan{SummaryKind::Acts, u"Ошибка в функции GetFilesAct", u"acts.doc"};
+    return WriteSummary(plan, database, export_folder,
+                        [&](Connection& connection, Text&, std::vector<SummaryDocument>& documents) {
+                            Recordset acts = Acts(connection, inn, kpp);
+                            return acts.Eof() ? Text() : SummaryPage(acts, IsConsolidated(kpp), documents);
+                        });
 }
 
 }  // namespace tav

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "common/message_box.h"
+#include "reports/page.h"
 
 namespace tav {
 namespace {
@@ -18,13 +19,25 @@ const Summary& LastSummary() {
     return Last();
 }
 
-void BeginSummary(SummaryKind kind) {
-    Last() = {kind, true, {}};
-}
-
-void RecordDocuments(std::vector<SummaryDocument> documents) {
-    Last().documents = std::move(documents);
-    Last().failed = false;
+Text WriteSummary(const SummaryPlan& plan, TextView database, TextView export_folder,
+                  const BuildSummary& build) {
+    // It counts as failed until its documents are known and its page is written.
+    Last() = {plan.kind, true, {}};
+    return GuardedReport(plan.title, database, [&](Text& file) -> Text {
+        Connection connection;
+        connection.CursorLocation = 3;
+        connection.OpenForReading(ConnectionString(database));
+        std::vector<SummaryDocument> documents;
+        const Text page = build(connection, file, documents);
+        Text written;
+        if (!page.empty()) {
+            file = ReportPath(export_folder, plan.name);
+            WriteReport(file, page);
+            written = file;
+        }
+        Last() = {plan.kind, false, std::move(documents)};
+        return written;
+    });
 }
 
 void ShowNothingToSumUp() {
