@@ -1,0 +1,153 @@
+// Forms: windows described as data, and what a toolkit has to offer to show them.
+//
+// A form is a FormPlan: its controls by their names, captions and tool-tips, placed in the rows and columns
+// of the window or of a frame in it. The handlers of its events (ui/form.h) see the controls through
+// FormWindow and never learn which toolkit is behind it. On Linux the toolkit is a module of its own, loaded
+// when the first form is needed; a process that never shows a form never loads it.
+//
+// Everything here belongs to one thread, the user interface's.
+#pragma once
+
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "common/message_box.h"
+#include "common/text.h"
+
+namespace tav {
+
+enum class ControlKind {
+    Frame,          // a titled box that other controls are placed in
+    Label,          // text; a mnemonic in it leads to the next control
+    TextBox,        // one line
+    Memo,           // lines to read, not to change
+    Button,         // Click
+    PictureButton,  // a Button with a picture for its caption
+    CheckBox,       // Click
+    ListBox,        // rows, one selected; DblClick, also by Enter
+    ComboBox,       // a drop-down list of rows, one selected; Click when the user chose another
+    TreeView,       // nodes with pictures, one selected; DblClick, also by Enter
+    ProgressBar,
+    Picture,
+    Timer,  // not seen
+};
+
+enum class Picture { None, Refresh, Erase, Warning, All, Year, Part, Quarter, Month };
+
+// A row and a column, counted from 0, of the window's grid or of the frame named `parent`. Lists, trees and
+// memos take the room that is over in both directions, text boxes, combo boxes and bars in width.
+struct Place {
+    int row = 0;
+    int column = 0;
+    int column_span = 1;
+    TextView parent = {};
+};
+
+struct ControlPlan {
+    TextView name;
+    ControlKind kind;
+    TextView caption = {};
+    TextView tool_tip = {};
+    Place place = {};
+    char16_t mnemonic = 0;  // a letter of the caption that, with Alt, presses the control
+    Picture picture = Picture::None;
+};
+
+// The tab key goes through the controls in the plan's order; a frame stands before what is placed in it.
+struct FormPlan {
+    TextView name;
+    TextView caption;
+    std::span<const ControlPlan> controls;
+    int width = 0;                 // at first, in average characters of the form's font
+    int height = 0;                // at first, in lines
+    TextView default_button = {};  // pressed by Enter, unless the focused control has a use for it
+    TextView cancel_button = {};   // pressed by Esc
+};
+
+enum class Event { Click, DblClick, Change, Timer };
+
+// What a window tells its form.
+class FormEvents {
+ public:
+    virtual ~FormEvents() = default;
+    // Change comes whoever changed the text of a TextBox, when it really differs; Click comes from the user
+    // alone; Timer comes every interval until the interval is set to 0.
+    virtual void OnEvent(std::size_t control, Event event) = 0;
+    // The user asks to close the window; it closes only by FormWindow's end.
+    virtual void OnCloseRequest() = 0;
+};
+
+struct ListRow {
+    Text text;
+    Text tool_tip;
+};
+
+struct TreeNode {
+    Text key;     // unique
+    Text parent;  // the key of a node before this one; empty at the top
+    Text text;
+    Picture picture = Picture::None;
+    bool expanded = false;
+};
+
+// A window that a toolkit has made. Controls are named by their index in the plan; asking a control for what
+// its kind does not have is an error of the program. Texts are plain: nothing in them is mark-up.
+// Destroying it removes the window from the screen and ends its modal loop; not allowed while OnEvent or
+// OnCloseRequest of this window runs.
+class FormWindow {
+ public:
+    virtual ~FormWindow() = default;
+
+    // Modeless, in front, with the input focus; of no owner.
+    virtual void Show() = 0;
+    // Returns when the window has been hidden. While it is shown, the other windows take no input.
+    virtual void ShowModal(FormWindow* owner) = 0;
+    virtual void Hide() = 0;
+
+    // A caption, or a TextBox's, Memo's text.
+    virtual Text GetText(std::size_t control) const = 0;
+    virtual void SetText(std::size_t control, TextView text) = 0;
+    virtual bool Enabled(std::size_t control) const = 0;
+    virtual void Enable(std::size_t control, bool enabled) = 0;
+    virtual bool Checked(std::size_t control) const = 0;
+    virtual void Check(std::size_t control, bool checked) = 0;
+
+    // ListBox, ComboBox. New rows keep no selection; rows count from 0, -1 is none.
+    virtual void SetRows(std::size_t control, std::vector<ListRow> rows) = 0;
+    virtual int SelectedRow(std::size_t control) const = 0;
+    virtual void SelectRow(std::size_t control, int row) = 0;
+
+    // TreeView. The key of the selected node, empty for none.
+    virtual void SetNodes(std::size_t control, std::vector<TreeNode> nodes) = 0;
+    virtual Text SelectedNode(std::size_t control) const = 0;
+    virtual void SelectNode(std::size_t control, TextView key) = 0;
+
+    // ProgressBar: from 0 to 1.
+    virtual void SetBar(std::size_t control, double part) = 0;
+    // Timer: milliseconds, 0 stops it.
+    virtual void SetInterval(std::size_t control, int milliseconds) = 0;
+};
+
+class Toolkit {
+ public:
+    virtual ~Toolkit() = default;
+    // The window is not shown yet. The plan and the events outlive it.
+    virtual std::unique_ptr<FormWindow> Create(const FormPlan& plan, FormEvents& events) = 0;
+    // Returns when the user has closed the box.
+    virtual void ShowMessage(const Message& message) = 0;
+    // The system's dialog for choosing a folder, owned by the window and starting at `start`; empty text when
+    // the user cancelled.
+    virtual Text BrowseFolder(TextView title, TextView start, FormWindow* owner) = 0;
+    // Handles what is waiting: input, timers, drawing.
+    virtual void ProcessEvents() = 0;
+    // The event loop, until no form is shown.
+    virtual void RunUntilClosed() = 0;
+};
+
+// The toolkit, loaded at first use. Without one, or without a screen, a Failure that says which.
+Toolkit& CurrentToolkit();
+// Whether it has been loaded already.
+bool ToolkitLoaded();
+
+}  // namespace tav
