@@ -22,6 +22,7 @@ endif()
 # _linux or _windows belongs to that platform alone. USES are other rooms by name, or imported targets.
 function(tav_room name)
   file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${name}/*.cpp)
+  list(FILTER sources EXCLUDE REGEX "_qt\\.cpp$")
   if(WIN32)
     list(FILTER sources EXCLUDE REGEX "_linux\\.cpp$")
   else()

@@ -6,7 +6,7 @@
 #include "common/guard.h"
 #include "convert/check_xml.h"
 #include "db/constr_tab_type_oper.h"
-#include "host/import.h"
+#include "db/run_import.h"
 #include "platform/environment.h"
 #include "platform/files.h"
 #include "settings/session.h"

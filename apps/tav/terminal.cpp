@@ -23,9 +23,7 @@ void PrintLine(TextView text) {
 
 void TerminalBox::Show(const Message& message) {
     failed_ = failed_ || message.icon == MessageIcon::Critical;
-    TextView text = message.text;
-    while (text.ends_with(u'\n') || text.ends_with(u'\r')) text.remove_suffix(1);
-    std::fprintf(stderr, "%s: %s\n", ToUtf8(message.title).c_str(), ToUtf8(text).c_str());
+    DefaultMessageBox().Show(message);
 }
 
 TerminalProgress::TerminalProgress() : visible_(::isatty(STDERR_FILENO) != 0) {}

@@ -13,7 +13,7 @@ namespace tav::cli {
 void Print(std::string_view bytes);
 void PrintLine(TextView text);
 
-// "title: text" on standard error; remembers whether a critical message was shown.
+// Shows messages where they go by default; remembers whether one was critical.
 class TerminalBox : public MessageBox {
  public:
     void Show(const Message& message) override;

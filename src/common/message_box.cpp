@@ -14,23 +14,32 @@ class StandardErrorBox : public MessageBox {
     }
 };
 
-MessageBox*& Current() {
+MessageBox*& Default() {
     static StandardErrorBox standard_error;
-    static MessageBox* current = &standard_error;
-    return current;
+    static MessageBox* box = &standard_error;
+    return box;
 }
+
+MessageBox* scoped = nullptr;
 
 }  // namespace
 
 MessageBox& CurrentMessageBox() {
-    return *Current();
+    return scoped == nullptr ? DefaultMessageBox() : *scoped;
 }
 
-ScopedMessageBox::ScopedMessageBox(MessageBox& box) : outer_(Current()) {
-    Current() = &box;
+MessageBox& DefaultMessageBox() {
+    return *Default();
+}
+void SetDefaultMessageBox(MessageBox& box) {
+    Default() = &box;
+}
+
+ScopedMessageBox::ScopedMessageBox(MessageBox& box) : outer_(scoped) {
+    scoped = &box;
 }
 ScopedMessageBox::~ScopedMessageBox() {
-    Current() = outer_;
+    scoped = outer_;
 }
 
 void ShowMessage(TextView title, TextView text, MessageIcon icon) {

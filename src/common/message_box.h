@@ -22,9 +22,12 @@ class MessageBox {
     virtual void Show(const Message& message) = 0;
 };
 
-// The box in use: the one of the innermost living ScopedMessageBox, else one that writes "title: text" to
-// standard error.
+// The box in use: the one of the innermost living ScopedMessageBox, else the default.
 MessageBox& CurrentMessageBox();
+
+// Where messages go by default: "title: text" on standard error, until there are windows that show them.
+MessageBox& DefaultMessageBox();
+void SetDefaultMessageBox(MessageBox& box);
 
 class ScopedMessageBox {
  public:

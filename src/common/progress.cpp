@@ -3,33 +3,29 @@
 namespace tav {
 namespace {
 
-class NoProgress : public Progress {
- public:
-    void Show(int) override {}
-    void SetLabel(TextView) override {}
-    void SetFilesDone(int) override {}
-    void SetFraction(double) override {}
-    void ProcessEvents() override {}
-    void Close() override {}
-};
-
-Progress*& Current() {
-    static NoProgress nothing;
-    static Progress* current = &nothing;
-    return current;
+Progress*& Default() {
+    static Progress nothing;
+    static Progress* progress = &nothing;
+    return progress;
 }
+
+Progress* scoped = nullptr;
 
 }  // namespace
 
 Progress& CurrentProgress() {
-    return *Current();
+    return scoped == nullptr ? *Default() : *scoped;
 }
 
-ScopedProgress::ScopedProgress(Progress& progress) : outer_(Current()) {
-    Current() = &progress;
+void SetDefaultProgress(Progress& progress) {
+    Default() = &progress;
+}
+
+ScopedProgress::ScopedProgress(Progress& progress) : outer_(scoped) {
+    scoped = &progress;
 }
 ScopedProgress::~ScopedProgress() {
-    Current() = outer_;
+    scoped = outer_;
 }
 
 }  // namespace tav

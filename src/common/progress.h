@@ -5,24 +5,31 @@
 
 namespace tav {
 
-// A window, a bar on a terminal, or nothing. Cancelling is seen through the cancel stamp
+// A window, a bar on a terminal; this class itself shows nothing. Cancelling is seen through the cancel stamp
 // (settings/session.h), which the cancel button sets while events are processed.
 class Progress {
  public:
     virtual ~Progress() = default;
     // The number of new files is the bar's maximum.
-    virtual void Show(int files) = 0;
-    virtual void SetLabel(TextView file) = 0;
+    virtual void Show([[maybe_unused]] int files) {}
+    virtual void SetLabel([[maybe_unused]] TextView file) {}
     // Files done so far; the fraction of the current file goes back to 0.
-    virtual void SetFilesDone(int files) = 0;
+    virtual void SetFilesDone([[maybe_unused]] int files) {}
     // How much of the current file is read, 0 to 1.
-    virtual void SetFraction(double fraction) = 0;
-    virtual void ProcessEvents() = 0;
-    virtual void Close() = 0;
+    virtual void SetFraction([[maybe_unused]] double fraction) {}
+    virtual void Close() {}
+
+    // The scan is over; so many of the new files have been looked at by the loader.
+    virtual void SetLoaded([[maybe_unused]] int files, [[maybe_unused]] int of) {}
+    // Lets the user press buttons and the windows draw themselves.
+    virtual void ProcessEvents() {}
 };
 
-// The progress in use: the one of the innermost living ScopedProgress, else one that shows nothing.
+// The progress in use: the one of the innermost living ScopedProgress, else the default.
 Progress& CurrentProgress();
+
+// What shows the progress by default: nothing, until there are windows.
+void SetDefaultProgress(Progress& progress);
 
 class ScopedProgress {
  public:

@@ -1,13 +1,13 @@
 #include "db/load_from_xml.h"
 
 #include <optional>
-#include <unordered_set>
 #include <vector>
 
 #include "common/guard.h"
 #include "common/progress.h"
 #include "convert/catalogue.h"
 #include "db/connection.h"
+#include "db/known_files.h"
 #include "db/literals.h"
 #include "db/part_loader.h"
 #include "platform/files.h"
@@ -51,16 +51,6 @@ class Taxpayer {
     Text inn_;
     Text kpp_;
 };
-
-// Upper-cased names of the files that the database holds a document of.
-using KnownFiles = std::unordered_set<Text>;
-
-KnownFiles ReadKnownFiles(Connection& connection) {
-    KnownFiles known;
-    Recordset names = connection.Execute(u"select distinct filename from tav_operations_header");
-    for (; !names.Eof(); names.MoveNext()) known.insert(UpperCase(isns(names.Field(0))));
-    return known;
-}
 
 // Rows above the highest number are what headers that were deleted left behind: their numbers are given
 // again, and the rows of two documents must not mix.
@@ -117,9 +107,11 @@ void Load::Run(TextView database) {
     connection_.Execute(u"delete * from tav_operations_header where isnull(vid) and not(isnull(h6))");
     // The import folder itself is no archive: what is in it stays there.
     if (SameFolder(move_folder_, FolderOf(catalogue_))) move_folder_.clear();
+    int looked_at = 0;
     int files = 0;
     int rows = result.rows;
     for (const Text& name : names) {
+        CurrentProgress().SetLoaded(looked_at++, static_cast<int>(names.size()));
         CurrentProgress().ProcessEvents();
         LoadFile(*catalogue, name, parts);
         if (++files < kFilesPerUnit && result.rows - rows < kRowsPerUnit) continue;

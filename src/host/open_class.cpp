@@ -1,7 +1,7 @@
 #include "host/open_class.h"
 
 #include "common/guard.h"
-#include "host/import.h"
+#include "db/run_import.h"
 #include "platform/shell.h"
 #include "reports/get_vipis.h"
 #include "settings/settings.h"

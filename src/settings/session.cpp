@@ -9,6 +9,11 @@ CurrentTaxpayer& Taxpayer() {
     return taxpayer;
 }
 
+AtOnce& StartedFor() {
+    static AtOnce at_once;
+    return at_once;
+}
+
 std::int32_t& CancelStamp() {
     static std::int32_t stamp = 0;
     return stamp;

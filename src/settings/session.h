@@ -16,6 +16,13 @@ struct CurrentTaxpayer {
 };
 CurrentTaxpayer& Taxpayer();
 
+// What the main window does by itself when it is opened, and closes then.
+struct AtOnce {
+    bool summary = false;  // the summary of the statements; no operation of the component asks for it
+    bool import = false;   // an import, with nobody at the screen
+};
+AtOnce& StartedFor();
+
 inline constexpr TextView kAllSubdivisions = u"00000000000000000000";
 
 // The cancel stamp: 0 when no cancel is pending, else the time of day of the last cancel as the number HHMMSS

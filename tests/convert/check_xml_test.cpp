@@ -27,7 +27,6 @@ class ProgressRecord : public Progress {
     void Show(int files) override { steps += u"show " + Digits(files) + u"\n"; }
     void SetLabel(TextView file) override { steps += Text(file) + u"\n"; }
     void SetFilesDone(int files) override { steps += u"done " + Digits(files) + u"\n"; }
-    void SetFraction(double) override {}
     void ProcessEvents() override {
         if (!cancel_at.empty() && steps.ends_with(cancel_at + u"\n")) CancelStamp() = 143005;
     }

@@ -20,14 +20,10 @@ class TestProgress : public Progress {
  public:
     explicit TestProgress(int cancel_at = 0) : scope_(*this), cancel_at_(cancel_at) {}
     ~TestProgress() override { CancelStamp() = 0; }
-    void Show(int) override {}
-    void SetLabel(TextView) override {}
-    void SetFilesDone(int) override {}
     void SetFraction(double fraction) override { fractions.push_back(fraction); }
     void ProcessEvents() override {
         if (++events == cancel_at_) CancelStamp() = 143005;
     }
-    void Close() override {}
 
     std::vector<double> fractions;
     int events = 0;

@@ -251,15 +251,10 @@ TEST_F(Loader, StopsBeforeAFileWhenTheDatabaseIsFull) {
 class ClicksClear : public Progress {
  public:
     explicit ClicksClear(TextView database) : database_(database) {}
-    void Show(int) override {}
-    void SetLabel(TextView) override {}
-    void SetFilesDone(int) override {}
-    void SetFraction(double) override {}
     void ProcessEvents() override {
         ++times;
         clearbaseAll(database_);
     }
-    void Close() override {}
 
     int times = 0;
 

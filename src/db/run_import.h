@@ -28,6 +28,12 @@ struct ImportResult {
     LoadResult load;
 };
 
+// Events are processed while an import runs, so anything can be asked for meanwhile.
+bool ImportRunning();
+// Whatever changes or reads the database is refused meanwhile: throws "Could not use '...'; file already in
+// use." when an import runs.
+void RefuseDuringImport();
+
 // Scans the folder, loads the catalogue for the taxpayer, numbers the new operation types. What fails is
 // shown by the procedures themselves.
 ImportResult RunImport(const ImportFolders& folders, TextView inn, TextView kpp);

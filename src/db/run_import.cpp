@@ -1,4 +1,4 @@
-#include "host/import.h"
+#include "db/run_import.h"
 
 #include "common/failure.h"
 #include "convert/check_xml.h"
@@ -10,22 +10,14 @@
 namespace tav {
 namespace {
 
-// Events are processed while files are read, so an import can be asked for while one runs; it returns at
-// once.
+bool running = false;
+
 class RunningImport {
  public:
-    RunningImport() : first_(!running_) { running_ = true; }
-    ~RunningImport() {
-        if (first_) running_ = false;
-    }
+    RunningImport() { running = true; }
+    ~RunningImport() { running = false; }
     RunningImport(const RunningImport&) = delete;
     RunningImport& operator=(const RunningImport&) = delete;
-
-    bool first() const { return first_; }
-
- private:
-    static inline bool running_ = false;
-    bool first_;
 };
 
 }  // namespace
@@ -40,10 +32,18 @@ ImportFolders ChooseFolders(TextView import_folder, TextView move_folder) {
     return folders;
 }
 
+bool ImportRunning() {
+    return running;
+}
+
+void RefuseDuringImport() {
+    if (running) throw Failure(Text(u"Could not use '").append(getbase()).append(u"'; file already in use."));
+}
+
 ImportResult RunImport(const ImportFolders& folders, TextView inn, TextView kpp) {
     ImportResult result;
-    const RunningImport running;
-    if (!running.first() || folders.import.empty() || !PassCancelGuard()) return result;
+    if (running || folders.import.empty() || !PassCancelGuard()) return result;
+    const RunningImport this_one;
     const Text catalogue = CheckXml(folders.import);
     if (catalogue.empty()) {
         result.outcome = CancelStamp() != 0 ? ImportOutcome::Cancelled : ImportOutcome::NoCatalogue;

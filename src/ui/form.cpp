@@ -1,0 +1,111 @@
+#include "ui/form.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "common/guard.h"
+
+namespace tav {
+namespace {
+
+TextView EventName(Event event) {
+    static constexpr TextView kNames[] = {u"Click", u"DblClick", u"Change", u"Timer"};
+    return kNames[static_cast<std::size_t>(event)];
+}
+
+}  // namespace
+
+// While one of the form's handlers runs, its window stays.
+class Form::Running {
+ public:
+    explicit Running(Form& form) : form_(form) { ++form_.running_; }
+    ~Running() {
+        if (--form_.running_ > 0 || !form_.unloaded_) return;
+        form_.unloaded_ = false;
+        form_.window_.reset();
+    }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+
+ private:
+    Form& form_;
+};
+
+Form::Form(const FormPlan& plan, TextView load_title) : plan_(plan), load_title_(load_title) {}
+
+void Form::Load() {
+    const bool again = Loaded();
+    if (window_ == nullptr) window_ = CurrentToolkit().Create(plan_, *this);
+    unloaded_ = false;
+    const Running running(*this);
+    Guarded(load_title_, [&] { again ? Form_Again() : Form_Load(); });
+}
+
+void Form::Show() {
+    Load();
+    if (Loaded()) window_->Show();
+}
+
+void Form::ShowModal(Form& owner) {
+    Load();
+    const Running running(*this);
+    if (Loaded()) window_->ShowModal(owner.window_.get());
+}
+
+void Form::Unload() {
+    if (!Loaded()) return;
+    const Running running(*this);
+    Guarded(u"Ошибка в функции Form_Unload", [&] { Form_Unload(); });
+    unloaded_ = true;
+    window_->Hide();
+}
+
+void Form::Bind(TextView control, Event event, TextView title, std::function<void()> run) {
+    Text shown(title);
+    if (shown.empty()) {
+        shown = Text(u"Ошибка в функции ").append(control).append(u"_").append(EventName(event));
+    }
+    procedures_[{IndexOf(control), event}] = {std::move(shown), std::move(run)};
+}
+
+std::size_t Form::IndexOf(TextView control) const {
+    const auto found = std::find_if(plan_.controls.begin(), plan_.controls.end(),
+                                    [&](const ControlPlan& planned) { return planned.name == control; });
+    if (found == plan_.controls.end()) throw Failure(RunTimeError::InvalidProcedureCall, control);
+    return static_cast<std::size_t>(std::distance(plan_.controls.begin(), found));
+}
+
+FormWindow& Form::window() const {
+    if (window_ == nullptr) throw Failure(RunTimeError::InvalidProcedureCall, plan_.name);
+    return *window_;
+}
+
+Text Form::BrowseFolder(TextView title, TextView start) {
+    return CurrentToolkit().BrowseFolder(title, start, &window());
+}
+
+void Form::OnEvent(std::size_t control, Event event) {
+    const auto found = procedures_.find({control, event});
+    if (found == procedures_.end() || !Loaded()) return;
+    const Running running(*this);
+    Guarded(found->second.title, found->second.run);
+}
+
+void Form::OnCloseRequest() {
+    const Running running(*this);
+    Unload();
+}
+
+void ListBox::SetRows(std::vector<ListRow> rows) {
+    texts_.clear();
+    for (const ListRow& row : rows) texts_.push_back(row.text);
+    window().SetRows(index(), std::move(rows));
+}
+
+Text ListBox::SelectedText() const {
+    const int row = Selected();
+    return row < 0 || static_cast<std::size_t>(row) >= texts_.size() ? Text()
+                                                                      : texts_[static_cast<std::size_t>(row)];
+}
+
+}  // namespace tav

@@ -1,0 +1,124 @@
+#include "ui/frmFilter.h"
+
+#include <algorithm>
+
+#include "db/run_import.h"
+#include "platform/files.h"
+#include "platform/shell.h"
+#include "reports/get_files.h"
+#include "reports/get_files_act.h"
+#include "settings/settings.h"
+
+namespace tav {
+namespace {
+
+constexpr TextView kCaption = u"Выбор отчетного периода для формирования сводной справки";
+constexpr TextView kAllCodes = u"Все КБК";
+constexpr ControlPlan kControls[] = {
+    {u"Label1", ControlKind::Label, u"КБК:", {}, {0, 0}, u'К'},
+    {u"cmbKBK", ControlKind::ComboBox, {}, {}, {0, 1, 2}},
+    {u"TreeView1", ControlKind::TreeView, {}, {}, {1, 0, 3}},
+    {u"Check1", ControlKind::CheckBox, u"Использовать документы, частично содержащие выбранный период", {},
+     {2, 0, 3}, u'ч'},
+    {u"Command1", ControlKind::Button, u"Сформировать", {}, {3, 1}, u'С'},
+    {u"Command2", ControlKind::Button, u"Закрыть", {}, {3, 2}, u'З'},
+};
+constexpr FormPlan kPlan = {u"frmFilter", kCaption, kControls, 90, 28, u"Command1", u"Command2"};
+
+Picture PictureOf(PeriodKind kind) {
+    switch (kind) {
+        case PeriodKind::All: return Picture::All;
+        case PeriodKind::Year: return Picture::Year;
+        case PeriodKind::HalfYear:
+        case PeriodKind::NineMonths: return Picture::Part;
+        case PeriodKind::Quarter: return Picture::Quarter;
+        case PeriodKind::Month: return Picture::Month;
+    }
+    return Picture::None;
+}
+
+}  // namespace
+
+frmFilter::frmFilter() : Form(kPlan, u"Ошибка в процедуре frmFilter_load") {
+    Bind<frmFilter>(
+        *this,
+        {{u"cmbKBK", Event::Click, &frmFilter::cmbKBK_Click},
+         {u"TreeView1", Event::DblClick, &frmFilter::Command1_Click, u"Ошибка в процедуре cmdOK"},
+         {u"Check1", Event::Click, &frmFilter::Check1_Click},
+         {u"Command1", Event::Click, &frmFilter::Command1_Click, u"Ошибка в процедуре cmdOK"},
+         {u"Command2", Event::Click, &frmFilter::Command2_Click}});
+}
+
+void frmFilter::Form_Load() {
+    summary_ = LastSummary();
+    std::vector<ListRow> codes;
+    if (!Consolidated()) codes.push_back({Text(kAllCodes), {}});
+    for (const Text& code : summary_.codes) codes.push_back({code, {}});
+    cmbKBK.SetRows(std::move(codes));
+    const auto chosen = std::find(summary_.codes.begin(), summary_.codes.end(), summary_.code);
+    cmbKBK.Select(Consolidated() ? static_cast<int>(chosen - summary_.codes.begin()) : 0);
+    ShowPeriods();
+    Check1.Check(SettingTruth(u"ChkFilter"));
+}
+
+Text frmFilter::ChosenCode() const {
+    const std::size_t row = static_cast<std::size_t>(cmbKBK.Selected()) - (Consolidated() ? 0 : 1);
+    return row < summary_.codes.size() ? summary_.codes[row] : Text();
+}
+
+void frmFilter::ShowPeriods() {
+    periods_ = PeriodTree(summary_, ChosenCode());
+    std::vector<TreeNode> nodes;
+    for (const PeriodNode& period : periods_) {
+        const bool expanded = period.kind == PeriodKind::All || period.kind == PeriodKind::Year;
+        nodes.push_back({period.key, period.parent, period.text, PictureOf(period.kind), expanded});
+    }
+    TreeView1.SetNodes(std::move(nodes));
+    TreeView1.Select(u"all");
+}
+
+void frmFilter::cmbKBK_Click() {
+    if (Consolidated()) {
+        RefuseDuringImport();
+        const Text path = summary_.path;
+        (summary_.kind == SummaryKind::Statements ? ListStatements : ListActs)(getbase(), summary_.inn,
+                                                                               ChosenCode());
+        if (LastSummary().failed) return;
+        summary_ = LastSummary();
+        summary_.path = path;
+    }
+    ShowPeriods();
+}
+
+void frmFilter::Check1_Click() {
+    WriteSetting(u"ChkFilter", Check1.Checked() ? u"1" : u"0");
+}
+
+SummaryChoice frmFilter::Choice() const {
+    SummaryChoice choice;
+    const Text key = TreeView1.SelectedKey();
+    const auto node = std::find_if(periods_.begin(), periods_.end(),
+                                   [&](const PeriodNode& period) { return period.key == key; });
+    if (node != periods_.end()) choice.period = node->period;
+    choice.overlapping = Check1.Checked();
+    if (!Consolidated()) choice.code = ChosenCode();
+    return choice;
+}
+
+void frmFilter::Command1_Click() {
+    RefuseDuringImport();
+    const Text kpp = Consolidated() ? ChosenCode() : summary_.kpp;
+    const Text path = (summary_.kind == SummaryKind::Statements ? GetFiles : GetFilesAct)(
+        getbase(), summary_.inn, kpp, FolderOf(summary_.path), Choice());
+    if (path.empty()) {
+        ShowNothingToSumUp();
+    } else if (!OpenDocument(path)) {
+        throw Failure(RunTimeError::PathFileAccess, path);
+    }
+}
+
+void frmFilter::Command2_Click() {
+    Unload();
+}
+
+}  // namespace tav

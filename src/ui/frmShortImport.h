@@ -1,0 +1,33 @@
+// The window shown while an import reads files: the file's name, whose documents they are, a bar, and the
+// button that cancels. The readers turn pages into plain text by themselves (convert/rich_text.h), so the
+// window carries no rich-text control.
+#pragma once
+
+#include "ui/form.h"
+
+namespace tav {
+
+class frmShortImport : public Form {
+ public:
+    frmShortImport();
+
+    // Nothing when the window is not shown.
+    void ShowProgress(TextView file, double part);
+    // Through the window's timer: the user sees the full bar for a moment.
+    void CloseSoon();
+
+ private:
+    void Form_Load() override;
+    void Form_Again() override;
+    void Form_Unload() override;
+    void CancelButton_Click();
+    void Timer1_Timer();
+
+    TextControl Label1{*this, u"Label1"};
+    TextControl Label2{*this, u"Label2"};
+    ProgressBar PBar{*this, u"PBar"};
+    Timer Timer1{*this, u"Timer1"};
+    bool reading_ = false;
+};
+
+}  // namespace tav

@@ -1,0 +1,281 @@
+#include "ui/frmmain.h"
+
+#include "common/get_next.h"
+#include "common/regional.h"
+#include "db/run_import.h"
+#include "platform/environment.h"
+#include "platform/files.h"
+#include "platform/shell.h"
+#include "reports/get_files.h"
+#include "reports/get_files_act.h"
+#include "settings/session.h"
+#include "settings/settings.h"
+#include "ui/frmDialog.h"
+#include "ui/frmFilter.h"
+#include "ui/frmmain_plan.h"
+#include "ui/set_files.h"
+
+namespace tav {
+namespace {
+
+constexpr int kRefreshMilliseconds = 100;
+
+// The number behind `label` in the information text, up to the line break; 0 when it is not there.
+long long NumberAfter(TextView information, TextView label) {
+    const std::size_t at = information.find(label);
+    if (at == information.npos) return 0;
+    TextView rest = information.substr(at + label.size());
+    return ParseInteger(GetNext(rest, u"\r\n")).value_or(0);
+}
+
+Text TaxpayerLine(TextView inn, TextView kpp) {
+    Text line = Text(u"ИНН: ").append(inn);
+    if (kpp != kAllSubdivisions) line.append(u"     КПП: ").append(kpp);
+    return line;
+}
+
+void Open(const Text& path) {
+    if (!FileExists(path)) throw Failure(RunTimeError::FileNotFound, path);
+    if (!OpenDocument(path)) throw Failure(RunTimeError::PathFileAccess, path);
+}
+
+}  // namespace
+
+frmmain::frmmain() : Form(kMainPlan) {
+    using Main = frmmain;
+    Bind<Main>(*this, {{u"Timer1", Event::Timer, &Main::Timer1_Timer},
+                       {u"Timer2", Event::Timer, &Main::Timer2_Timer},
+                       {u"txtImport", Event::Change, &Main::txtImport_Change},
+                       {u"Command1", Event::Click, &Main::Command1_Click},
+                       {u"Command2", Event::Click, &Main::Command2_Click},
+                       {u"Command3", Event::Click, &Main::Command3_Click},
+                       {u"Command4", Event::Click, &Main::Command4_Click},
+                       {u"Command5", Event::Click, &Main::Command5_Click},
+                       {u"Command6", Event::Click, &Main::Command6_Click},
+                       {u"lstBase", Event::DblClick, &Main::lstBase_DblClick},
+                       {u"lstFile", Event::DblClick, &Main::lstFile_DblClick},
+                       {u"cmdImport", Event::Click, &Main::cmdImport_Click},
+                       {u"cmdOut", Event::Click, &Main::cmdOut_Click},
+                       {u"cmdExport", Event::Click, &Main::cmdExport_Click},
+                       {u"chkKons", Event::Click, &Main::chkKons_Click},
+                       {u"chkImportPath", Event::Click, &Main::chkImportPath_Click}});
+}
+
+void frmmain::Form_Load() {
+    constexpr int kUnattendedMilliseconds = 500;
+    refreshed_ = false;
+    txtAbout.Set(Text(u"База данных: ").append(getbase()));
+    txtImport.Set(SettingText(u"ImportPath"));
+    txtExport.Set(SettingText(u"ExportPath"));
+    chkImportPath.Check(SettingTruth(u"ChkOut"));
+    txtOut.Set(SettingText(u"OutPath"));
+    chkImportPath_Click();
+    Form_Again();
+    if (StartedFor().import) Timer2.SetInterval(kUnattendedMilliseconds);
+}
+
+// The host may have gone on to another taxpayer.
+void frmmain::Form_Again() {
+    ShowFailuresAgain();
+    ShowTaxpayer();
+    FillBase();
+    ScheduleRefresh();
+}
+
+void frmmain::Form_Unload() {
+    SaveFolders();
+}
+
+void frmmain::ShowTaxpayer() {
+    const CurrentTaxpayer& current = Taxpayer();
+    const Text setting = SettingText(u"NameINNKPP");
+    TextView rest = setting;
+    lblInfoName.Set(GetNext(rest, u"|"));
+    const TextView inn = GetNext(rest, u"|");
+    const TextView kpp = chkKons.Checked() ? kAllSubdivisions : GetNext(rest, u"|");
+    Label5.Set(TaxpayerLine(inn.empty() ? TextView(current.inn) : inn,
+                            kpp.empty() ? TextView(current.kpp) : kpp));
+}
+
+Text frmmain::Kpp() const {
+    return chkKons.Checked() ? Text(kAllSubdivisions) : Taxpayer().kpp;
+}
+
+void frmmain::FillBase() {
+    SetFiles(lstBase, FilesOf::Database, getbase(), Taxpayer().inn, Kpp());
+}
+
+void frmmain::Refill() {
+    if (!Loaded()) return;
+    FillBase();
+    ScheduleRefresh();
+}
+
+void frmmain::ShowLoaded(double part) {
+    if (Loaded()) PBar.Set(part);
+}
+
+void frmmain::ScheduleRefresh() {
+    Timer1.SetInterval(kRefreshMilliseconds);
+}
+
+void frmmain::txtImport_Change() {
+    ScheduleRefresh();
+}
+
+void frmmain::Command4_Click() {
+    ShowFailuresAgain();
+    ScheduleRefresh();
+}
+
+// The event loop runs while a large folder is listed, and while an import runs: a refresh asked for meanwhile
+// has to wait, or comes anyway when the import has ended.
+void frmmain::Timer1_Timer() {
+    if (refreshing_) return;
+    Timer1.SetInterval(0);
+    if (ImportRunning()) return;
+    refreshing_ = true;
+    try {
+        Refresh();
+    } catch (...) {
+        refreshing_ = false;
+        throw;
+    }
+    refreshing_ = false;
+}
+
+void frmmain::Refresh() {
+    for (Button* button : {&Command1, &Command2, &Command3}) button->Enable(false);
+    const Text folder = txtImport.Get();
+    bool changed = false;
+    const auto go_on = [&] {
+        CurrentToolkit().ProcessEvents();
+        changed = !Loaded() || txtImport.Get() != folder;
+        return !changed;
+    };
+    const Text information =
+        SetFiles(lstFile, FilesOf::Folder, folder.empty() ? Text(u" ") : UserPath(folder), Taxpayer().inn,
+                 Kpp(), go_on);
+    if (changed) return;  // the change has asked for the next refresh
+    if (!Trim(folder).empty()) SaveFolders();
+    ShowCounts(information);
+    refreshed_ = true;
+    if (StartedFor().summary && Command3.Enabled()) {
+        Command3_Click();
+        Unload();
+    }
+}
+
+void frmmain::ShowCounts(const Text& information) {
+    const bool statements = NumberAfter(information, u"Выписок в базе данных: ") > 0;
+    const bool acts = NumberAfter(information, u"Актов в базе данных: ") > 0;
+    Command6.Enable(acts);
+    Command3.Enable(statements);
+    Command2.Enable(statements);
+    Command1.Enable(NumberAfter(information, u"загрузке: ") > 0);
+    TextView rest = information;
+    if (const TextView name = GetNext(rest, u"*"); !name.empty()) lblInfoName.Set(name);
+    lblInfoBase.Set(GetNext(rest, u"*"));
+    lblInfoFile.Set(GetNext(rest, u"*"));
+}
+
+void frmmain::SaveFolders() {
+    WriteSetting(u"ImportPath", txtImport.Get());
+    WriteSetting(u"ExportPath", txtExport.Get());
+    WriteSetting(u"OutPath", txtOut.Get());
+    WriteSetting(u"ChkOut", chkImportPath.Checked() ? u"1" : u"0");
+}
+
+void frmmain::Command1_Click() {
+    Command1.Enable(false);
+    const Text move_to = chkImportPath.Checked() ? UserPath(txtOut.Get()) : Text();
+    RunImport({UserPath(txtImport.Get()), move_to}, Taxpayer().inn, Kpp());
+    PBar.Set(0);
+    if (Loaded()) Refill();
+}
+
+// An import that finds nobody at the screen waits for the first refresh, which tells whether there is
+// something to import.
+void frmmain::Timer2_Timer() {
+    if (!refreshed_ || refreshing_) return;
+    Timer2.SetInterval(0);
+    if (Command1.Enabled()) Command1_Click();
+    Unload();
+}
+
+void frmmain::Command2_Click() {
+    Shared<frmDialog>().ShowModal(*this);
+}
+
+void frmmain::Command3_Click() {
+    Summarise(SummaryKind::Statements);
+}
+
+void frmmain::Command6_Click() {
+    Summarise(SummaryKind::Acts);
+}
+
+// Of a consolidated taxpayer: the code of the selected document, if it is of the right kind.
+void frmmain::Summarise(SummaryKind kind) {
+    RefuseDuringImport();
+    if (txtExport.Get().empty()) txtExport.Set(ReportFolder());
+    const bool statements = kind == SummaryKind::Statements;
+    Text kpp = Kpp();
+    if (chkKons.Checked()) {
+        const Text selected = lstBase.SelectedText();
+        TextView rest = selected;
+        if (selected.ends_with(statements ? u" Выписка" : u" Акт")) kpp = GetNext(rest, u" ");
+    }
+    const Text path = (statements ? GetFiles : GetFilesAct)(getbase(), Taxpayer().inn, kpp,
+                                                            UserPath(txtExport.Get()), {});
+    if (path.empty()) {
+        ShowNothingToSumUp();
+    } else {
+        Shared<frmFilter>().Show();
+    }
+}
+
+// The report is looked for in the one folder and opened from the other: it opens when both are the same.
+void frmmain::lstBase_DblClick() {
+    const Text row = ReplaceAll(ReplaceAll(lstBase.SelectedText(), u"   ", u"_"), u" - ", u"-");
+    TextView rest = row;
+    const TextView word = GetNext(rest, u" ");
+    if (word.empty()) return;
+    const std::vector<Text> found = ListFiles(UserPath(txtImport.Get()), Text(word).append(u".doc"));
+    if (!found.empty()) Open(WithSeparator(UserPath(txtExport.Get())).append(found.front()));
+}
+
+void frmmain::lstFile_DblClick() {
+    const Text path = FileOfRow(lstFile.Selected());
+    if (!path.empty() && FileExists(path)) Open(path);
+}
+
+void frmmain::cmdImport_Click() {
+    Browse(u"Выберите папку c файлами", txtImport);
+}
+void frmmain::cmdOut_Click() {
+    Browse(u"Выберите папку c файлами", txtOut);
+}
+void frmmain::cmdExport_Click() {
+    Browse(u"Выберите папку для выгрузки", txtExport);
+}
+
+void frmmain::Browse(TextView title, TextControl& box) {
+    const Text folder = BrowseFolder(title, UserPath(box.Get()));
+    if (!folder.empty()) box.Set(folder);
+}
+
+void frmmain::chkKons_Click() {
+    ShowTaxpayer();
+    Refill();
+}
+
+void frmmain::chkImportPath_Click() {
+    txtOut.Enable(chkImportPath.Checked());
+}
+
+void frmmain::Command5_Click() {
+    Unload();
+}
+
+}  // namespace tav

@@ -1,0 +1,65 @@
+#include "ui/frmmain_plan.h"
+
+namespace tav {
+namespace {
+
+constexpr TextView kCaption =
+    u"Групповой импорт актов сверки и выписок операций из файлов в формате rtf, полученных через ТАВ (v1.12)";
+// "КБК", 38 blanks, "ОКАТО", 12 blanks, "Период".
+constexpr TextView kColumns = u"КБК                                      ОКАТО            Период";
+
+constexpr ControlPlan kControls[] = {
+    {u"lblInfoName", ControlKind::Label, {}, {}, {0, 0}},
+    {u"Label5", ControlKind::Label, {}, {}, {0, 1}},
+    {u"chkKons", ControlKind::CheckBox, u"Консолидированный налогоплательщик", {}, {0, 2}, u'К'},
+
+    {u"Frame2", ControlKind::Frame, u"Файлы, полученные из ТАВ в формате rtf", {}, {1, 0, 3}},
+    {u"Label1", ControlKind::Label, u"Папка с файлами из ТАВ:", {}, {0, 0, 1, u"Frame2"}, u'П'},
+    {u"txtImport", ControlKind::TextBox, {}, {}, {0, 1, 1, u"Frame2"}},
+    {u"cmdImport", ControlKind::Button, u"...", u"Выбор папки с файлами из ТАВ в формате rtf",
+     {0, 2, 1, u"Frame2"}},
+    {u"Command4", ControlKind::PictureButton, {}, u"Обновить список файлов, полученных из ТАВ",
+     {0, 3, 1, u"Frame2"}, 0, Picture::Refresh},
+    {u"Label4", ControlKind::Label, kColumns, {}, {1, 0, 4, u"Frame2"}},
+    {u"lstFile", ControlKind::ListBox, {}, {}, {2, 0, 4, u"Frame2"}},
+    {u"lblInfoFile", ControlKind::Label, {}, {}, {3, 0, 4, u"Frame2"}},
+    {u"chkImportPath", ControlKind::CheckBox, u"Переносить импортированные файлы в папку:", {},
+     {4, 0, 1, u"Frame2"}, u'е'},
+    {u"txtOut", ControlKind::TextBox, {}, {}, {4, 1, 1, u"Frame2"}},
+    {u"cmdOut", ControlKind::Button, u"...",
+     u"Выбор папки, куда будут перенесены импортированные в базу данных файлы", {4, 2, 1, u"Frame2"}},
+    {u"PBar", ControlKind::ProgressBar, {}, {}, {5, 0, 2, u"Frame2"}},
+    {u"Command1", ControlKind::Button, u"Импортировать",
+     u"Импортировать в базу данных файлы формата rtf, полученные из ТАВ", {5, 2, 2, u"Frame2"}, u'И'},
+
+    {u"Frame1", ControlKind::Frame, u"Акты сверки и выписки операций, импортированные в базу данных", {},
+     {2, 0, 3}},
+    {u"Label3", ControlKind::Label, kColumns, {}, {0, 0, 2, u"Frame1"}},
+    {u"lstBase", ControlKind::ListBox, {}, {}, {1, 0, 2, u"Frame1"}},
+    {u"lblInfoBase", ControlKind::Label, {}, {}, {2, 0, 1, u"Frame1"}},
+    {u"Command2", ControlKind::PictureButton, {},
+     u"Очистить базу данных от импортированных актов и выписок", {2, 1, 1, u"Frame1"}, 0, Picture::Erase},
+
+    // The first letter is a Latin one.
+    {u"Frame3", ControlKind::Frame, u"Cформировать сводную справку, используя:", {}, {3, 0, 3}},
+    {u"Command3", ControlKind::Button, u"Выписки",
+     u"Сформировать сводную справку, используя импортированные выписки", {0, 0, 1, u"Frame3"}, u'В'},
+    {u"Command6", ControlKind::Button, u"Акты",
+     u"Сформировать сводную справку, используя импортированные акты", {0, 1, 1, u"Frame3"}, u'А'},
+    {u"Label2", ControlKind::Label, u"Папка для сформированных файлов сводных справок:", {},
+     {0, 2, 1, u"Frame3"}, u'с'},
+    {u"txtExport", ControlKind::TextBox, {}, {}, {0, 3, 1, u"Frame3"}},
+    {u"cmdExport", ControlKind::Button, u"...",
+     u"Выбор папки, где будут сохраняться формируемые сводные справки", {0, 4, 1, u"Frame3"}},
+
+    {u"txtAbout", ControlKind::Memo, {}, {}, {4, 0, 2}},
+    {u"Command5", ControlKind::Button, u"Закрыть", {}, {4, 2}, u'З'},
+    {u"Timer1", ControlKind::Timer},
+    {u"Timer2", ControlKind::Timer},
+};
+
+}  // namespace
+
+const FormPlan kMainPlan = {u"frmmain", kCaption, kControls, 110, 40, {}, u"Command5"};
+
+}  // namespace tav

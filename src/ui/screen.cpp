@@ -1,0 +1,36 @@
+#include "ui/screen.h"
+
+#include "common/failure.h"
+#include "common/message_box.h"
+#include "common/progress.h"
+#include "platform/forms.h"
+#include "ui/window_progress.h"
+
+namespace tav {
+namespace {
+
+class WindowBox : public MessageBox {
+ public:
+    void Show(const Message& message) override { CurrentToolkit().ShowMessage(message); }
+};
+
+}  // namespace
+
+void UseWindows() {
+    static WindowBox box;
+    static WindowProgress progress;
+    CurrentToolkit();
+    SetDefaultMessageBox(box);
+    SetDefaultProgress(progress);
+}
+
+bool UseWindowsIfAny() {
+    try {
+        UseWindows();
+    } catch (const Failure&) {
+        return false;
+    }
+    return true;
+}
+
+}  // namespace tav

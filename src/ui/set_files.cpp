@@ -1,0 +1,172 @@
+#include "ui/set_files.h"
+
+#include "common/get_next.h"
+#include "common/guard.h"
+#include "common/regional.h"
+#include "db/holdings.h"
+#include "db/known_files.h"
+#include "db/literals.h"
+#include "platform/files.h"
+#include "settings/settings.h"
+#include "ui/folder_rows.h"
+
+namespace tav {
+namespace {
+
+constexpr TextView kGap = u"   ";
+constexpr TextView kTo = u" - ";
+
+Text shown_failure;
+
+// "201101" of a day in January 2011; what is no date is empty.
+Text YearAndMonth(const Value& day) {
+    const Date* date = std::get_if<Date>(&day);
+    if (date == nullptr) return {};
+    const CivilDate civil = CivilFromDate(*date);
+    return Digits(civil.year, 4) + Digits(civil.month, 2);
+}
+
+// "18210101011011000110   45286552000   201101 - 201103 (01.01.2011 - 31.03.2011) Налог на прибыль Выписка".
+// Up to the months the row, its gaps turned into "_", is how the name of its page ends in the folder of
+// reports.
+Text RowOf(const HeldDocument& document) {
+    return Text(document.code)
+        .append(kGap)
+        .append(document.okato)
+        .append(kGap)
+        .append(YearAndMonth(document.begin))
+        .append(kTo)
+        .append(YearAndMonth(document.end))
+        .append(u" (")
+        .append(isns(document.begin))
+        .append(kTo)
+        .append(isns(document.end))
+        .append(u") ")
+        .append(document.tax)
+        .append(document.act ? u" Акт" : u" Выписка");
+}
+
+ListRow ListRowOf(const HeldDocument& document) {
+    const Text row = RowOf(document);
+    return {row, Text(row)
+                     .append(u"\nКПП: ")
+                     .append(document.kpp)
+                     .append(u"\nФайл: ")
+                     .append(document.file_name)};
+}
+
+std::vector<HeldDocument> DocumentsOf(Connection& connection, TextView inn, TextView kpp) {
+    std::vector<HeldDocument> documents;
+    const Recordset highest = connection.Execute(u"select max(id), max(vid) from tav_operations_header");
+    if (IsNull(highest.Field(0))) return documents;
+
+    constexpr std::size_t kAnyKppCharacters = 16;
+    SqlText sql(
+        u"select filename, vid, perb, pere, h2, h3, h6, h7,h8, h10  from tav_operations_header where h1='");
+    sql.Value(inn);
+    if (!kpp.empty() && kpp.size() < kAnyKppCharacters) sql.Fixed(u"' and h2='").Value(kpp);
+    sql.Fixed(u"' order by h7, h10, perb");
+    for (Recordset rows = connection.Execute(sql); !rows.Eof(); rows.MoveNext()) {
+        const auto text = [&](TextView field) { return isns(rows.Field(field)); };
+        HeldDocument document;
+        document.file_name = text(u"filename");
+        document.inn = inn;
+        document.kpp = text(u"h2");
+        document.name = text(u"h3");
+        document.code = text(u"h7");
+        document.tax = text(u"h8");
+        document.okato = text(u"h10");
+        document.begin = rows.Field(u"perb");
+        document.end = rows.Field(u"pere");
+        document.act = IsNull(rows.Field(u"h6"));
+        document.current = !IsNull(rows.Field(u"vid"));
+        documents.push_back(std::move(document));
+    }
+    return documents;
+}
+
+Text TaxpayerName(const std::vector<HeldDocument>& documents) {
+    const Text setting = SettingText(u"NameINNKPP");
+    TextView rest = setting;
+    Text name(GetNext(rest, u"|"));
+    for (const HeldDocument& document : documents) {
+        if (!name.empty()) break;
+        name = document.name;
+    }
+    return ReplaceAll(name, u"*", u" ");  // an asterisk ends the part
+}
+
+Text CountsOf(const std::vector<HeldDocument>& documents) {
+    const HoldingCounts counts = CountHoldings(documents);
+    return Text(u"Выписок в базе данных: ")
+        .append(Digits(counts.statements))
+        .append(u"\r\nАктов в базе данных: ")
+        .append(Digits(counts.acts))
+        .append(u"\r\nНе перекрываются интервалами: ")
+        .append(Digits(counts.alone));
+}
+
+Text FolderCounts(TextView folder, std::size_t files) {
+    Text counts = Text(u"Файлов в папке: ").append(Digits(static_cast<long long>(files)));
+    const bool missing = !Trim(folder).empty() && !FolderExists(folder);
+    return missing ? counts.append(u" (папка не найдена)") : counts;
+}
+
+Text LeftToLoad(const KnownFiles& known) {
+    long long to_load = 0;
+    for (const FolderRow& row : FolderRows()) to_load += known.contains(UpperCase(row.name)) ? 0 : 1;
+    return Text(u"\r\nПодлежат загрузке: ").append(Digits(to_load));
+}
+
+void ShowOnce(const Failure& failure, TextView database) {
+    if (failure.description() == shown_failure) return;
+    shown_failure = failure.description();
+    if (failure.error() == RunTimeError::PermissionDenied) {
+        ShowFileInUse(failure.detail().empty() ? database : TextView(failure.detail()));
+    } else {
+        ShowFailure(u"Ошибка в функции SetFiles", failure);
+    }
+}
+
+}  // namespace
+
+Text SetFiles(ListBox& list, FilesOf source, TextView path, TextView inn, TextView kpp,
+              const std::function<bool()>& go_on) {
+    Text name;
+    Text base_counts;
+    Text file_counts;
+    const Text database = source == FilesOf::Database ? Text(path) : getbase();
+    GuardedBy(
+        [&] {
+            if (source == FilesOf::Folder) {
+                list.SetRows(ListFolder(path, go_on));
+                file_counts = FolderCounts(path, FolderRows().size());
+            }
+            Connection connection;
+            connection.CursorLocation = 3;
+            connection.OpenForReading(ConnectionString(database));
+            const std::vector<HeldDocument> documents = DocumentsOf(connection, inn, kpp);
+            name = TaxpayerName(documents);
+            base_counts = CountsOf(documents);
+            if (source == FilesOf::Folder) {
+                file_counts += LeftToLoad(ReadKnownFiles(connection));
+            } else {
+                std::vector<ListRow> rows;
+                rows.reserve(documents.size());
+                for (const HeldDocument& document : documents) rows.push_back(ListRowOf(document));
+                list.SetRows(std::move(rows));
+            }
+            shown_failure.clear();
+        },
+        [&](const Failure& failure) {
+            if (source == FilesOf::Database) list.SetRows({});
+            ShowOnce(failure, database);
+        });
+    return name.append(u"*").append(base_counts).append(u"*").append(file_counts);
+}
+
+void ShowFailuresAgain() {
+    shown_failure.clear();
+}
+
+}  // namespace tav
