@@ -37,7 +37,8 @@ void AddFolderOptions(CLI::App& command, ReportOptions& options, Context& contex
     AddDatabaseOption(command, context);
 }
 
-using SummaryReport = Text (*)(TextView database, TextView inn, TextView kpp, TextView export_folder);
+using SummaryReport = Text (*)(TextView database, TextView inn, TextView kpp, TextView export_folder,
+                               const SummaryChoice& choice);
 
 void AddSummary(CLI::App& report, const char* name, const char* meaning, SummaryReport summary,
                 const std::shared_ptr<ReportOptions>& options, Context& context) {
@@ -46,7 +47,7 @@ void AddSummary(CLI::App& report, const char* name, const char* meaning, Summary
     AddFolderOptions(command, *options, context);
     command.callback([options, summary] {
         const Text path =
-            summary(getbase(), FromUtf8(options->inn), FromUtf8(options->kpp), options->Folder());
+            summary(getbase(), FromUtf8(options->inn), FromUtf8(options->kpp), options->Folder(), {});
         if (path.empty()) ShowNothingToSumUp();
         Finish(path, *options);
     });

@@ -16,25 +16,26 @@ namespace {
 
 // The consolidated select gives other columns the names that the ordinary one has: `kpp` and `h8` are the
 // code there, `h7` is the name of its tax.
-Recordset Groups(Connection& connection, TextView inn, TextView kpp) {
-    if (!IsConsolidated(kpp)) {
+Recordset Groups(Connection& connection, Summary& summary) {
+    if (!IsConsolidated(summary.kpp)) {
         SqlText sql(
             u"select h10, vid, min(perb), max(pere), max(h1) as inn, max(h2) as kpp, max(h3) as name , "
             u"max(h7) as h7, h8 from tav_operations_header where h1='");
-        return connection.Execute(sql.Value(inn)
+        return connection.Execute(sql.Value(summary.inn)
                                       .Fixed(u"' and h2='")
-                                      .Value(kpp)
+                                      .Value(summary.kpp)
                                       .Fixed(u"' and not(isnull(vid)) group by h8,h10, vid order by h8, "
                                              u"min(perb)"));
     }
     SqlText codes(u"select distinct h7 from tav_operations_header where h1='");
-    codes.Value(inn).Fixed(u"'  and not(isnull(vid))");
+    codes.Value(summary.inn).Fixed(u"'  and not(isnull(vid))");
+    ChooseCode(connection, codes, summary);
     SqlText sql(
         u"select h10, vid, min(perb), max(pere), max(h1) as inn, h7 as kpp, max(h3) as name , h7 as h8, "
         u"max(h8) as h7 from tav_operations_header where h1='");
-    return connection.Execute(sql.Value(inn)
+    return connection.Execute(sql.Value(summary.inn)
                                   .Fixed(u"' and h7='")
-                                  .Value(ConsolidatedCode(connection, codes, kpp))
+                                  .Value(summary.code)
                                   .Fixed(u"' and not(isnull(vid)) group by h7,h10, vid order by h7, "
                                          u"min(perb)"));
 }
@@ -129,47 +130,63 @@ Text SummaryRow(const Group& group, TextView file, bool first) {
     return GetHS(u"tr", {cells, u"#u0"});
 }
 
-// Writes the pages of all groups beside each other, and returns the summary's page. `file` is the path of the
-// page being written.
-Text SummaryPage(Connection& connection, Recordset& groups, bool consolidated, TextView folder, Text& file,
-                 std::vector<SummaryDocument>& documents) {
-    const Text heading = Heading(groups, consolidated);
-    Text rows = ColumnHeadings(consolidated);
-    PageNames names;
-    for (; !groups.Eof(); groups.MoveNext()) {
-        SqlText sql(u"select * from tav_operations_header where vid=");
-        Recordset headers =
-            connection.Execute(sql.Number(WholeNumber(groups, u"vid")).Fixed(u" order by perb"));
-        const Recordset header = headers;
-        const auto text = [](const Recordset& row, TextView field) { return isns(row.Field(field)); };
-        const Text page = StatementPage(connection, headers);
+// Writes the page of a group and returns its row; the file is the document's, and in `file` too while it is
+// written.
+Text WriteGroup(Connection& connection, const Recordset& groups, const SummaryRequest& request,
+                PageNames& names, bool first, SummaryDocument& document, Text& file) {
+    SqlText sql(u"select * from tav_operations_header where vid=");
+    Recordset headers = connection.Execute(sql.Number(WholeNumber(groups, u"vid")).Fixed(u" order by perb"));
+    const Text kpp = isns(headers.Field(u"h2"));
+    const Text page = StatementPage(connection, headers);
 
-        const Text name = text(groups, u"h8");
-        const Text kpp = text(header, u"h2");
-        const Text code = text(header, u"h7");
-        // An underscore ends a label, which would cut the name of a tax short.
-        const Group group = {ReplaceAll(consolidated ? kpp : name, u"_", u" "), text(groups, u"h10"),
-                             isns(groups.Field(kBegin)), isns(groups.Field(kEnd))};
-        const Text months = YearAndMonth(group.begin).append(u"-").append(YearAndMonth(group.end));
-        file = ReportPath(folder, names.Take({name, consolidated ? kpp : code, group.okato, months}));
-        WriteReport(file, page);
-        rows += SummaryRow(group, file, documents.empty());
-        documents.push_back({groups.Field(kBegin), groups.Field(kEnd), code, file});
+    const bool consolidated = IsConsolidated(request.kpp);
+    const Text name = isns(groups.Field(u"h8"));
+    // An underscore ends a label, which would cut the name of a tax short.
+    const Group group = {ReplaceAll(consolidated ? kpp : name, u"_", u" "), isns(groups.Field(u"h10")),
+                         isns(document.begin), isns(document.end)};
+    const Text months = YearAndMonth(group.begin).append(u"-").append(YearAndMonth(group.end));
+    file = ReportPath(request.export_folder,
+                      names.Take({name, consolidated ? kpp : document.code, group.okato, months}));
+    WriteReport(file, page);
+    document.file = file;
+    return SummaryRow(group, file, first);
+}
+
+// The page of the chosen groups, their own pages written beside it; empty when there are none.
+Text SummaryPage(Connection& connection, const SummaryRequest& request, Summary& summary, Text& file) {
+    const bool consolidated = IsConsolidated(request.kpp);
+    Text heading;
+    Text rows;
+    PageNames names;
+    for (Recordset groups = Groups(connection, summary); !groups.Eof(); groups.MoveNext()) {
+        SummaryDocument document = {
+            groups.Field(kBegin), groups.Field(kEnd), isns(groups.Field(consolidated ? u"kpp" : u"h7")), {}};
+        if (IsChosen(request.choice, document)) {
+            const bool first = rows.empty();
+            if (first) {
+                heading = Heading(groups, consolidated);
+                rows = ColumnHeadings(consolidated);
+            }
+            rows += WriteGroup(connection, groups, request, names, first, document, file);
+        }
+        summary.documents.push_back(std::move(document));
     }
-    return Page(heading, rows);
+    return rows.empty() ? rows : Page(heading, rows);
 }
 
 }  // namespace
 
-Text GetFiles(TextView database, TextView inn, TextView kpp, TextView export_folder) {
+Text GetFiles(TextView database, TextView inn, TextView kpp, TextView export_folder,
+              const SummaryChoice& choice) {
     const SummaryPlan plan{SummaryKind::Statements, u"Ошибка в функции GetFiles", u"index.doc"};
-    return WriteSummary(plan, database, export_folder,
-                        [&](Connection& connection, Text& file, std::vector<SummaryDocument>& documents) {
-                            Recordset groups = Groups(connection, inn, kpp);
-                            return groups.Eof() ? Text()
-                                                : SummaryPage(connection, groups, IsConsolidated(kpp),
-                                                              export_folder, file, documents);
-                        });
+    const SummaryRequest request{database, inn, kpp, export_folder, choice};
+    return WriteSummary(plan, request, [&](Connection& connection, Summary& summary, Text& file) {
+        return SummaryPage(connection, request, summary, file);
+    });
+}
+
+void ListStatements(TextView database, TextView inn, TextView kpp) {
+    GetFiles(database, inn, kpp, {}, {kNever, false, {}});
 }
 
 }  // namespace tav

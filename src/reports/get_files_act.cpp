@@ -4,6 +4,7 @@
 #include "reports/act_amounts.h"
 #include "reports/cells.h"
 #include "reports/fields.h"
+#include "reports/omitted_acts.h"
 #include "reports/page.h"
 #include "reports/summary_documents.h"
 #include "reports/summary_heading.h"
@@ -13,27 +14,28 @@ namespace {
 
 // The consolidated select gives other columns the names that the ordinary one has: `h8` is the KPP there and
 // `h2` the name of the tax.
-Recordset Acts(Connection& connection, TextView inn, TextView kpp) {
-    if (!IsConsolidated(kpp)) {
+Recordset Acts(Connection& connection, Summary& summary) {
+    if (!IsConsolidated(summary.kpp)) {
         SqlText sql(
             u"select * from (select h1, h2,max(h3) as h3,max(h4) as h4,h7,max(h6) as h6, max(h8) as h8,h10,"
             u"perb,pere,max(id) as id from tav_operations_header where h1='");
         return connection.Execute(
-            sql.Value(inn)
+            sql.Value(summary.inn)
                 .Fixed(u"' and h2='")
-                .Value(kpp)
+                .Value(summary.kpp)
                 .Fixed(u"' group by h1, h2,h7,h10,perb,pere) th,tav_acts ta where th.id=ta.id and "
                        u"isnull(th.h6) order by h8, perb"));
     }
     SqlText codes(u"select distinct h7 from tav_operations_header where h1='");
-    codes.Value(inn).Fixed(u"'  and isnull(vid) and isnull(h6)");
+    codes.Value(summary.inn).Fixed(u"'  and isnull(vid) and isnull(h6)");
+    ChooseCode(connection, codes, summary);
     SqlText sql(
         u"select * from (select h1, h2 as h8,max(h3) as h3,max(h4) as h4,h7 as h7,max(h6) as h6, max(h8) as "
         u"h2,h10,perb,pere,max(id) as id from tav_operations_header where h1='");
     return connection.Execute(
-        sql.Value(inn)
+        sql.Value(summary.inn)
             .Fixed(u"' and h7='")
-            .Value(ConsolidatedCode(connection, codes, kpp))
+            .Value(summary.code)
             .Fixed(u"' group by h1, h7,h2,h10,perb,pere) th,tav_acts ta where th.id=ta.id and "
                    u"isnull(th.h6) order by h7, perb"));
 }
@@ -117,25 +119,42 @@ Text ActRow(const Recordset& act, bool first) {
     return GetHS(u"tr", {cells, u"#u0"});
 }
 
-Text SummaryPage(Recordset& acts, bool consolidated, std::vector<SummaryDocument>& documents) {
-    const Text heading = Heading(acts, consolidated);
-    Text rows = ColumnHeadings(consolidated);
-    for (; !acts.Eof(); acts.MoveNext()) {
-        rows += ActRow(acts, documents.empty());
-        documents.push_back({acts.Field(u"perb"), acts.Field(u"pere"), isns(acts.Field(u"h7")), {}});
+// The page of the chosen acts; empty when there are none.
+Text SummaryPage(Connection& connection, const SummaryChoice& choice, Summary& summary) {
+    const bool consolidated = IsConsolidated(summary.kpp);
+    Text heading;
+    Text rows;
+    for (Recordset acts = Acts(connection, summary); !acts.Eof(); acts.MoveNext()) {
+        summary.documents.push_back({acts.Field(u"perb"), acts.Field(u"pere"), isns(acts.Field(u"h7")), {}});
+        if (!IsChosen(choice, summary.documents.back())) continue;
+        const bool first = rows.empty();
+        if (first) {
+            heading = Heading(acts, consolidated);
+            rows = ColumnHeadings(consolidated);
+        }
+        rows += ActRow(acts, first);
     }
-    return Page(heading, rows);
+    return rows.empty() ? rows : Page(heading, rows);
 }
 
 }  // namespace
 
-Text GetFilesAct(TextView database, TextView inn, TextView kpp, TextView export_folder) {
+Text GetFilesAct(TextView database, TextView inn, TextView kpp, TextView export_folder,
+                 const SummaryChoice& choice) {
     const SummaryPlan plan{SummaryKind::Acts, u"Ошибка в функции GetFilesAct", u"acts.doc"};
-    return WriteSummary(plan, database, export_folder,
-                        [&](Connection& connection, Text&, std::vector<SummaryDocument>& documents) {
-                            Recordset acts = Acts(connection, inn, kpp);
-                            return acts.Eof() ? Text() : SummaryPage(acts, IsConsolidated(kpp), documents);
-                        });
+    const SummaryRequest request{database, inn, kpp, export_folder, choice};
+    std::vector<Text> omitted;
+    Text path = WriteSummary(plan, request, [&](Connection& connection, Summary& summary, Text&) {
+        Text page = SummaryPage(connection, choice, summary);
+        omitted = OmittedActs(connection, summary, choice);
+        return page;
+    });
+    if (!LastSummary().failed) ShowOmittedActs(omitted);
+    return path;
+}
+
+void ListActs(TextView database, TextView inn, TextView kpp) {
+    GetFilesAct(database, inn, kpp, {}, {kNever, false, {}});
 }
 
 }  // namespace tav

@@ -1,5 +1,6 @@
 #include "reports/summary_documents.h"
 
+#include <set>
 #include <utility>
 
 #include "common/message_box.h"
@@ -13,41 +14,55 @@ Summary& Last() {
     return summary;
 }
 
+std::vector<Text> CodesOf(const std::vector<SummaryDocument>& documents) {
+    std::set<Text> codes;
+    for (const SummaryDocument& document : documents) {
+        if (!document.code.empty()) codes.insert(document.code);
+    }
+    return {codes.begin(), codes.end()};
+}
+
 }  // namespace
 
 const Summary& LastSummary() {
     return Last();
 }
 
-Text WriteSummary(const SummaryPlan& plan, TextView database, TextView export_folder,
-                  const BuildSummary& build) {
-    // It counts as failed until its documents are known and its page is written.
-    Last() = {plan.kind, true, {}};
-    return GuardedReport(plan.title, database, [&](Text& file) -> Text {
+Text WriteSummary(const SummaryPlan& plan, const SummaryRequest& request, const BuildSummary& build) {
+    Last().failed = true;  // until its page is written
+    return GuardedReport(plan.title, request.database, [&](Text& file) -> Text {
         Connection connection;
         connection.CursorLocation = 3;
-        connection.OpenForReading(ConnectionString(database));
-        std::vector<SummaryDocument> documents;
-        const Text page = build(connection, file, documents);
-        Text written;
+        connection.OpenForReading(ConnectionString(request.database));
+        Summary summary;
+        summary.kind = plan.kind;
+        summary.inn = request.inn;
+        summary.kpp = request.kpp;
+        const Text page = build(connection, summary, file);
         if (!page.empty()) {
-            file = ReportPath(export_folder, plan.name);
+            file = ReportPath(request.export_folder, plan.name);
             WriteReport(file, page);
-            written = file;
+            summary.path = file;
         }
-        Last() = {plan.kind, false, std::move(documents)};
-        return written;
+        if (summary.codes.empty()) summary.codes = CodesOf(summary.documents);
+        Last() = std::move(summary);
+        return Last().path;
     });
 }
 
 void ShowNothingToSumUp() {
-    if (Last().failed) return;
-    const TextView what = Last().kind == SummaryKind::Statements ? u"импортированным выпискам операций"
-                                                                 : u"импортированным актам сверки";
-    ShowMessage(u"Сводная справка",
-                Text(u"В базе данных для выбранного налогоплательщика отсутствует информация по ")
-                    .append(what)
-                    .append(u".\r\nСводная справка не может быть сформирована."),
+    const Summary& last = Last();
+    if (last.failed) return;
+    const bool statements = last.kind == SummaryKind::Statements;
+    Text text;
+    if (last.documents.empty()) {
+        text.append(u"В базе данных для выбранного налогоплательщика отсутствует информация по ")
+            .append(statements ? u"импортированным выпискам операций" : u"импортированным актам сверки");
+    } else {
+        text.append(u"Выбранным периоду и КБК не соответствует ни ")
+            .append(statements ? u"одна выписка операций" : u"один акт сверки");
+    }
+    ShowMessage(u"Сводная справка", text.append(u".\r\nСводная справка не может быть сформирована."),
                 MessageIcon::Information);
 }
 

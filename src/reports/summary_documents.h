@@ -1,51 +1,60 @@
-// What the last summary summed up: its kind and its documents, in the order of its rows.
+// What the last summary summed up: its kind, whose, and its documents, in the order of its rows.
 //
-// Module-level state, kept until the next summary begins: the dialog that narrows a summary to a period and a
-// code works on these documents.
+// Module-level state, kept until the next summary succeeds: the dialog that narrows a summary to a period and
+// a code works on these documents. They are all of the taxpayer's, whatever part of them was chosen to be
+// written, so that the dialog can narrow them again.
 #pragma once
 
 #include <functional>
 #include <vector>
 
 #include "common/text.h"
-#include "common/value.h"
 #include "db/connection.h"
+#include "reports/summary_choice.h"
 
 namespace tav {
 
 enum class SummaryKind { Statements, Acts };
 
-struct SummaryDocument {
-    Value begin;  // Date or Null
-    Value end;
-    Text code;  // budget classification code
-    Text file;  // full path of the statement page that was written; empty for an act
-};
-
 struct Summary {
     SummaryKind kind = SummaryKind::Statements;
-    bool failed = false;  // and the failure has been shown
+    // The last attempt failed, and its failure has been shown; all else here is that of the summary before.
+    bool failed = false;
+    Text inn;
+    Text kpp;   // as asked for: a KPP, or what stands for one (reports/summary_heading.h)
+    Text code;  // the one that a consolidated summary is of; empty for an ordinary one
+    // All codes that a consolidated summary can be of; those of the documents of an ordinary one. Sorted.
+    std::vector<Text> codes;
     std::vector<SummaryDocument> documents;
+    Text path;  // of the summary written; empty when none was
 };
 
 const Summary& LastSummary();
 
-// Makes one summary: opens the database for reading, lets `build` make the page and name its documents,
-// writes the page to `name` in the export folder and returns its path. A page of empty text means that there
-// are no rows: nothing is written and the path is empty. What fails is shown under `title` (page.h); the
-// summary counts as failed then. A `build` that writes files of its own sets `file` to each of them first.
-using BuildSummary =
-    std::function<Text(Connection& connection, Text& file, std::vector<SummaryDocument>& documents)>;
+// What a summary is asked for.
+struct SummaryRequest {
+    TextView database;
+    TextView inn;
+    TextView kpp;
+    TextView export_folder;
+    const SummaryChoice& choice;
+};
+
+// Makes one summary: opens the database for reading, lets `build` make the page of the chosen documents, name
+// all documents in `summary` and, for a consolidated one, its codes; writes the page to `name` in the export
+// folder and returns its path. A page of empty text means that there are no rows: nothing is written and the
+// path is empty. What fails is shown under `title` (page.h). A `build` that writes files of its own sets
+// `file` to each of them first.
+using BuildSummary = std::function<Text(Connection& connection, Summary& summary, Text& file)>;
 struct SummaryPlan {
     SummaryKind kind;
     TextView title;
     TextView name;
 };
-Text WriteSummary(const SummaryPlan& plan, TextView database, TextView export_folder,
-                  const BuildSummary& build);
+Text WriteSummary(const SummaryPlan& plan, const SummaryRequest& request, const BuildSummary& build);
 
-// For the caller of a summary that returned no path: says that there is nothing to sum up, unless the reason
-// was a failure.
+// For the caller of a summary that returned no path: says that there is nothing to sum up, or nothing in the
+// chosen period and code, unless the reason was a failure.
 void ShowNothingToSumUp();
 
 }  // namespace tav

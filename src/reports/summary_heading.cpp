@@ -1,15 +1,16 @@
 #include "reports/summary_heading.h"
 
+#include <utility>
 #include <vector>
 
 #include "db/literals.h"
 #include "reports/cells.h"
+#include "settings/session.h"
 
 namespace tav {
 namespace {
 
 constexpr std::size_t kLongestKpp = 15;
-constexpr TextView kFirstCode = u"00000000000000000000";
 
 }  // namespace
 
@@ -17,13 +18,15 @@ bool IsConsolidated(TextView kpp) {
     return kpp.size() > kLongestKpp;
 }
 
-Text ConsolidatedCode(Connection& connection, const SqlText& codes, TextView kpp) {
-    if (kpp != kFirstCode) return Text(kpp);
+void ChooseCode(Connection& connection, const SqlText& codes, Summary& summary) {
     for (Recordset rows = connection.Execute(codes); !rows.Eof(); rows.MoveNext()) {
-        Text code = isns(rows.Field(0));
-        if (!code.empty()) return code;
+        if (Text code = isns(rows.Field(0)); !code.empty()) summary.codes.push_back(std::move(code));
     }
-    return {};
+    if (summary.kpp != kAllSubdivisions) {
+        summary.code = summary.kpp;
+    } else if (!summary.codes.empty()) {
+        summary.code = summary.codes.front();
+    }
 }
 
 Text SummaryHeading(TextView title, const ShownTaxpayer& of_documents,

@@ -9,15 +9,17 @@
 
 #include "common/text.h"
 #include "db/connection.h"
+#include "reports/summary_documents.h"
 #include "reports/taxpayer_shown.h"
 
 namespace tav {
 
 bool IsConsolidated(TextView kpp);
 
-// The code to sum up: the argument itself, or, for the twenty zeros, the first one of `codes` (a select whose
-// first column is the code); empty when there is none.
-Text ConsolidatedCode(Connection& connection, const SqlText& codes, TextView kpp);
+// Reads the codes that a consolidated summary can be of (`codes` is a select whose first column is the code)
+// and notes them and its own one in `summary`: its KPP itself, or, for the twenty zeros, the first of them;
+// empty when there is none.
+void ChooseCode(Connection& connection, const SqlText& codes, Summary& summary);
 
 struct CodeAndTax {
     Text code;

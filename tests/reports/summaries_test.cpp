@@ -2,6 +2,7 @@
 
 #include "common/failure.h"
 #include "common/get_next.h"
+#include "common/regional.h"
 #include "common/windows1251.h"
 #include "db/connection.h"
 #include "db/empty_database.h"
@@ -149,6 +150,129 @@ TEST_F(Summaries, LinkToTheFilesThatWereWritten) {
     for (const SummaryDocument& document : LastSummary().documents) recorded.push_back(document.file);
     EXPECT_EQ(linked, recorded);
     EXPECT_EQ(linked.size(), 3U);
+}
+
+DayRange Period(const CivilDate& begin, const CivilDate& end) {
+    return *DaysOf(*DateFromCivil(begin), *DateFromCivil(end));
+}
+
+std::size_t Occurrences(std::string_view text, std::string_view what) {
+    std::size_t count = 0;
+    for (std::size_t at = text.find(what); at != text.npos; at = text.find(what, at + 1)) ++count;
+    return count;
+}
+
+// The documents' begins, of all and of those with a page.
+std::pair<std::string, std::string> Recorded() {
+    std::pair<std::string, std::string> begins;
+    for (const SummaryDocument& document : LastSummary().documents) {
+        const std::string begin = ToUtf8(ValueText(document.begin)) + " ";
+        begins.first += begin;
+        if (!document.file.empty()) begins.second += begin;
+    }
+    return begins;
+}
+
+TEST_F(Summaries, OfAChoiceHaveTheChosenRowsOnly) {
+    constexpr std::string_view kAll = "01.01.2011 01.01.2011 01.01.2010 ";
+    const DayRange march = Period({2011, 3, 1}, {2011, 3, 31});
+    const struct {
+        SummaryChoice choice;
+        std::string_view pages;
+    } cases[] = {
+        {{}, kAll},
+        {{Period({2011, 1, 1}, {2011, 3, 31}), false, {}}, "01.01.2011 01.01.2011 "},
+        {{Period({2010, 12, 31}, {2011, 3, 31}), true, {}}, kAll},
+        {{Period({2010, 12, 31}, {2011, 3, 30}), false, {}}, ""},
+        {{march, true, {}}, "01.01.2011 01.01.2011 "},
+        {{march, false, {}}, ""},
+        {{march, true, u"18210301000011000110"}, ""},
+        {{std::nullopt, false, u"18210301000011000110"}, "01.01.2010 "},
+    };
+    Text number = u"0";
+    for (const auto& [choice, pages] : cases) {
+        ++number[0];
+        const Text folder = folder_ / number + u"/";
+        EXPECT_EQ(GetFiles(database_, kInn, kKpp, folder, choice),
+                  pages.empty() ? Text() : folder + u"index.doc");
+        EXPECT_EQ(Recorded(), std::pair(std::string(kAll), std::string(pages)));
+        const std::size_t rows = pages.size() / std::string_view("01.01.2011 ").size();
+        EXPECT_EQ(ListFiles(folder, u".doc").size(), pages.empty() ? 0 : rows + 1);
+        if (pages.empty()) continue;
+        const std::string page = ReadFile(folder + u"index.doc");
+        EXPECT_EQ(Occurrences(page, "<a href="), rows);
+        EXPECT_EQ(Occurrences(page, "border-top"), 13U);  // the cells of the first row
+    }
+    EXPECT_TRUE(shown_.messages.empty());
+    ListStatements(database_, kInn, kKpp);
+    EXPECT_EQ(Recorded(), std::pair(std::string(kAll), std::string()));
+    ShowNothingToSumUp();
+    ASSERT_EQ(shown_.messages.size(), 1U);
+    EXPECT_EQ(shown_.messages[0].text,
+              u"Выбранным периоду и КБК не соответствует ни одна выписка операций."
+              u"\r\nСводная справка не может быть сформирована.");
+}
+
+TEST_F(Summaries, TellWhatTheySummedUp) {
+    const std::vector<Text> codes = {Text(kCode), u"18210301000011000110"};
+    const Text path = GetFiles(database_, kInn, kKpp, out_);
+    EXPECT_EQ(LastSummary().path, path);
+    EXPECT_EQ(LastSummary().code, u"");
+    EXPECT_EQ(LastSummary().codes, codes);
+    ListActs(database_, kInn, codes[1]);
+    EXPECT_EQ(LastSummary().kind, SummaryKind::Acts);
+    EXPECT_EQ(LastSummary().inn, kInn);
+    EXPECT_EQ(LastSummary().kpp, codes[1]);
+    EXPECT_EQ(LastSummary().code, codes[1]);
+    EXPECT_EQ(LastSummary().codes, codes);
+    EXPECT_EQ(LastSummary().documents.size(), 2U);
+    EXPECT_EQ(LastSummary().path, u"");
+    ListStatements(database_, kInn, kFirstCode);
+    EXPECT_EQ(LastSummary().kpp, kFirstCode);
+    EXPECT_EQ(LastSummary().code, kCode);
+    EXPECT_EQ(LastSummary().codes, codes);
+    // A failure leaves what was known.
+    ListActs(folder_ / u"none.mdb", kInn, kKpp);
+    EXPECT_TRUE(LastSummary().failed);
+    EXPECT_EQ(LastSummary().kind, SummaryKind::Statements);
+    EXPECT_EQ(LastSummary().documents.size(), 3U);
+    ASSERT_EQ(shown_.messages.size(), 1U);
+    EXPECT_EQ(shown_.messages[0].title, u"Ошибка в функции GetFilesAct");
+}
+
+TEST_F(Summaries, NameTheActsTheyHaveNoRowFor) {
+    {
+        Connection connection;
+        connection.Open(ConnectionString(database_));
+        connection.Execute(TextView(u"update tav_operations_header set h6='1' where id=2"));
+        connection.Execute(
+            TextView(u"update tav_operations_header set perb='01.01.2008',pere='31.12.2008' where id=2"));
+    }
+    const SummaryChoice later = {Period({2009, 1, 1}, {2011, 12, 31}), true, {}};
+    GetFilesAct(database_, kInn, kKpp, out_, later);
+    ListActs(database_, kInn, kKpp);
+    EXPECT_TRUE(shown_.messages.empty());
+    EXPECT_EQ(LastSummary().documents.size(), 2U);
+    GetFilesAct(database_, kInn, kKpp, out_);
+    GetFilesAct(database_, kInn, u"18210301000011000110", out_);
+    const Message expected = {
+        u"Сводная справка",
+        u"В сводную справку не вошли акты сверки, так как за тот же период в базе данных "
+        u"есть выписки операций:\r\nКПП 770101001, КБК 18210301000011000110, ОКАТО "
+        u"45286552000, период 01.01.2008-31.12.2008",
+        MessageIcon::Information};
+    EXPECT_THAT(shown_.messages, ElementsAre(expected, expected));
+}
+
+TEST(SummaryChoice, LeavesDocumentsWithoutAPeriodToAllPeriods) {
+    const Value day = *DateFromCivil({2011, 1, 1});
+    for (const Value& none : {Value(Null{}), Value(Date{1e300}), Value(Date{-1e300}), Value(Date{2958466})}) {
+        for (const SummaryDocument& document :
+             {SummaryDocument{none, day, {}, {}}, SummaryDocument{day, none, {}, {}}}) {
+            EXPECT_TRUE(IsChosen({}, document));
+            EXPECT_FALSE(IsChosen({DayRange{INT32_MIN, INT32_MAX}, true, {}}, document));
+        }
+    }
 }
 
 TEST_F(Summaries, ShowTheChosenTaxpayer) {
