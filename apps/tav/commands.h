@@ -28,6 +28,7 @@ void AddConvertCommand(CLI::App& app, Context& context);
 void AddListCommand(CLI::App& app, Context& context);
 void AddReportCommand(CLI::App& app, Context& context);
 void AddClearCommand(CLI::App& app, Context& context);
+void AddWindowCommands(CLI::App& app, Context& context);
 
 // --database for a command that needs the database.
 void AddDatabaseOption(CLI::App& command, Context& context);

@@ -47,6 +47,7 @@ int Run(int argc, char** argv) {
     AddListCommand(app, context);
     AddReportCommand(app, context);
     AddClearCommand(app, context);
+    AddWindowCommands(app, context);
 
     TerminalBox box;
     const ScopedMessageBox scope(box);

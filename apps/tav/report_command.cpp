@@ -28,7 +28,7 @@ struct ReportOptions {
 void Finish(const Text& path, const ReportOptions& options) {
     if (path.empty()) return;
     PrintLine(path);
-    if (options.open && !OpenDocument(path)) ShowMessage(u"Справка", u"Не удалось открыть документ: " + path);
+    if (options.open) Guarded(u"Справка", [&] { OpenDocument(path); });
 }
 
 void AddFolderOptions(CLI::App& command, ReportOptions& options, Context& context) {

@@ -1,22 +1,80 @@
 #include "host/open_class.h"
 
+#include <cmath>
+
 #include "common/guard.h"
+#include "common/regional.h"
 #include "db/run_import.h"
 #include "platform/shell.h"
+#include "reports/get_files.h"
+#include "reports/get_files_act.h"
 #include "reports/get_vipis.h"
+#include "settings/session.h"
 #include "settings/settings.h"
+#include "ui/frmFilter.h"
+#include "ui/frmmain.h"
+#include "ui/screen.h"
 
 namespace tav {
+namespace {
+
+using Summarise = Text (*)(TextView database, TextView inn, TextView kpp, TextView export_folder,
+                           const SummaryChoice& choice);
+
+// Without a screen the summary is written all the same, and the failure says where it is.
+void View(Summarise summarise, TextView inn, TextView kpp) {
+    const bool windows = UseWindowsIfAny();
+    RefuseDuringImport();
+    const Text folder = ExportFolder();
+    Taxpayer().inn = inn;
+    Taxpayer().kpp = kpp;
+    const Text path = summarise(getbase(), inn, kpp, folder, {});
+    if (path.empty()) {
+        ShowNothingToSumUp();
+        return;
+    }
+    try {
+        if (!windows) UseWindows();
+        Shared<frmFilter>().Show();
+    } catch (const Failure& failure) {
+        throw failure.In(path);
+    }
+}
+
+}  // namespace
+
+const Date OpenClass::kNoDateLimit = *DateFromCivil({2099, 1, 1});
+
+void OpenClass::start(TextView inn, TextView kpp, Date vdm) {
+    Guarded(u"Ошибка в функции Start", [&] {
+        Taxpayer() = {Text(inn), Text(kpp), FormatDate(Date{std::floor(vdm.serial)})};
+        UseWindows();
+        Shared<frmmain>().Show();
+    });
+}
 
 void OpenClass::view_v_id(std::int16_t id) {
     Guarded(u"Ошибка в функции View_V_ID", [&] {
+        UseWindowsIfAny();
+        RefuseDuringImport();
         const Text path = GetVipis(getbase(), id, ExportFolder());
-        if (!path.empty() && !OpenDocument(path)) throw Failure(RunTimeError::PathFileAccess, path);
+        if (!path.empty()) OpenDocument(path);
     });
 }
 
 void OpenClass::import(TextView inn, TextView kpp) {
-    Guarded(u"Ошибка в функции import", [&] { RunImport(ChooseFolders({}, {}), inn, kpp); });
+    Guarded(u"Ошибка в функции import", [&] {
+        UseWindowsIfAny();
+        RunImport(ChooseFolders({}, {}), inn, kpp);
+    });
+}
+
+void OpenClass::view_v(TextView inn, TextView kpp) {
+    Guarded(u"Ошибка в функции View_V", [&] { View(GetFiles, inn, kpp); });
+}
+
+void OpenClass::view_a(TextView inn, TextView kpp) {
+    Guarded(u"Ошибка в функции View_A", [&] { View(GetFilesAct, inn, kpp); });
 }
 
 }  // namespace tav

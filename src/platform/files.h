@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,6 +34,15 @@ bool FolderExists(TextView path);
 // Whether both name one and the same existing folder, whatever links or letter case the paths go through;
 // empty text is the present folder.
 bool SameFolder(TextView a, TextView b);
+
+// What shows that a file has changed. No value when it is not there.
+struct FileStamp {
+    std::uint64_t size = 0;
+    std::int64_t changed = 0;  // when, in nanoseconds of a clock of its own
+
+    bool operator==(const FileStamp&) const = default;
+};
+std::optional<FileStamp> StampOf(TextView path);
 
 // The file that a path leads to, through all links; the path itself when there is none.
 Text RealPath(TextView path);

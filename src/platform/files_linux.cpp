@@ -170,6 +170,14 @@ bool FolderExists(TextView path) {
     return Status(path, status) && S_ISDIR(status.st_mode);
 }
 
+std::optional<FileStamp> StampOf(TextView path) {
+    struct stat status {};
+    if (!Status(path, status)) return std::nullopt;
+    constexpr std::int64_t kNanoseconds = 1'000'000'000;
+    return FileStamp{static_cast<std::uint64_t>(status.st_size),
+                     status.st_mtim.tv_sec * kNanoseconds + status.st_mtim.tv_nsec};
+}
+
 bool SameFolder(TextView a, TextView b) {
     struct stat first {};
     struct stat second {};

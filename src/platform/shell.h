@@ -5,8 +5,8 @@
 
 namespace tav {
 
-// Opens a document with the program the user has for it. False when the shell would not; nothing is waited
-// for.
-bool OpenDocument(TextView path);
+// Opens a document with the program the user has for it; nothing is waited for. "File not found" when it is
+// not there, "Path/File access error" when the shell would not.
+void OpenDocument(TextView path);
 
 }  // namespace tav

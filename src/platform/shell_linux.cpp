@@ -4,6 +4,7 @@
 
 #include <cerrno>
 
+#include "platform/files.h"
 #include "platform/posix_linux.h"
 #include "platform/shell.h"
 
@@ -11,14 +12,15 @@ namespace tav {
 
 // The opener runs as a process of its own that nobody waits for: without a desktop it is the word processor
 // itself. A pipe that closes when the program starts tells whether there is one.
-bool OpenDocument(TextView path) {
+void OpenDocument(TextView path) {
+    if (!FileExists(path)) throw Failure(RunTimeError::FileNotFound, path);
     const std::string document = ToUtf8(path);
     int ends[2];
-    if (::pipe2(ends, O_CLOEXEC) != 0) return false;
+    if (::pipe2(ends, O_CLOEXEC) != 0) posix::Refuse(errno, path);
     const posix::Descriptor reader(ends[0]);
     posix::Descriptor writer(ends[1]);
     const pid_t child = ::fork();
-    if (child < 0) return false;
+    if (child < 0) posix::Refuse(errno, path);
     if (child == 0) {
         ::setsid();
         if (::fork() != 0) ::_exit(0);
@@ -31,7 +33,8 @@ bool OpenDocument(TextView path) {
     while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
     }
     int error = 0;
-    return ::read(reader.number(), &error, sizeof error) == 0;
+    const bool opened = ::read(reader.number(), &error, sizeof error) == 0;
+    if (!opened) throw Failure(RunTimeError::PathFileAccess, Text(path).append(u" (xdg-open)"));
 }
 
 }  // namespace tav

@@ -105,7 +105,7 @@ void ListBox::SetRows(std::vector<ListRow> rows) {
 Text ListBox::SelectedText() const {
     const int row = Selected();
     return row < 0 || static_cast<std::size_t>(row) >= texts_.size() ? Text()
-                                                                      : texts_[static_cast<std::size_t>(row)];
+                                                                     : texts_[static_cast<std::size_t>(row)];
 }
 
 }  // namespace tav

@@ -1,9 +1,10 @@
 // A form: a window described by its plan, with its handlers under their names.
 //
-// A form derives from Form, names its controls as members and binds its handlers in one table. Every handler is
-// guarded: what fails in it is shown, and the window lives on. Handlers run one inside another when an event
-// loop runs in one of them (an import, a modal dialog, a message); a form unloaded meanwhile is hidden at once
-// and destroyed when the outermost of its handlers has returned, so a handler can rely on its controls.
+// A form derives from Form, names its controls as members and binds its handlers in one table. Every handler
+// is guarded: what fails in it is shown, and the window lives on. Handlers run one inside another when an
+// event loop runs in one of them (an import, a modal dialog, a message); a form unloaded meanwhile is hidden
+// at once and destroyed when the outermost of its handlers has returned, so a handler can rely on its
+// controls.
 #pragma once
 
 #include <functional>
@@ -83,8 +84,8 @@ class Form : public FormEvents {
     bool unloaded_ = false;  // the window goes when they have
 };
 
-// The one shared instance of a form. Never destroyed: a process may end with windows open, and the toolkit's own
-// things are gone by then.
+// The one shared instance of a form. Never destroyed: a process may end with windows open, and the toolkit's
+// own things are gone by then.
 template <class F>
 F& Shared() {
     static F& form = *new F;

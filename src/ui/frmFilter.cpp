@@ -18,8 +18,12 @@ constexpr ControlPlan kControls[] = {
     {u"Label1", ControlKind::Label, u"КБК:", {}, {0, 0}, u'К'},
     {u"cmbKBK", ControlKind::ComboBox, {}, {}, {0, 1, 2}},
     {u"TreeView1", ControlKind::TreeView, {}, {}, {1, 0, 3}},
-    {u"Check1", ControlKind::CheckBox, u"Использовать документы, частично содержащие выбранный период", {},
-     {2, 0, 3}, u'ч'},
+    {u"Check1",
+     ControlKind::CheckBox,
+     u"Использовать документы, частично содержащие выбранный период",
+     {},
+     {2, 0, 3},
+     u'ч'},
     {u"Command1", ControlKind::Button, u"Сформировать", {}, {3, 1}, u'С'},
     {u"Command2", ControlKind::Button, u"Закрыть", {}, {3, 2}, u'З'},
 };
@@ -27,12 +31,17 @@ constexpr FormPlan kPlan = {u"frmFilter", kCaption, kControls, 90, 28, u"Command
 
 Picture PictureOf(PeriodKind kind) {
     switch (kind) {
-        case PeriodKind::All: return Picture::All;
-        case PeriodKind::Year: return Picture::Year;
+        case PeriodKind::All:
+            return Picture::All;
+        case PeriodKind::Year:
+            return Picture::Year;
         case PeriodKind::HalfYear:
-        case PeriodKind::NineMonths: return Picture::Part;
-        case PeriodKind::Quarter: return Picture::Quarter;
-        case PeriodKind::Month: return Picture::Month;
+        case PeriodKind::NineMonths:
+            return Picture::Part;
+        case PeriodKind::Quarter:
+            return Picture::Quarter;
+        case PeriodKind::Month:
+            return Picture::Month;
     }
     return Picture::None;
 }
@@ -40,13 +49,12 @@ Picture PictureOf(PeriodKind kind) {
 }  // namespace
 
 frmFilter::frmFilter() : Form(kPlan, u"Ошибка в процедуре frmFilter_load") {
-    Bind<frmFilter>(
-        *this,
-        {{u"cmbKBK", Event::Click, &frmFilter::cmbKBK_Click},
-         {u"TreeView1", Event::DblClick, &frmFilter::Command1_Click, u"Ошибка в процедуре cmdOK"},
-         {u"Check1", Event::Click, &frmFilter::Check1_Click},
-         {u"Command1", Event::Click, &frmFilter::Command1_Click, u"Ошибка в процедуре cmdOK"},
-         {u"Command2", Event::Click, &frmFilter::Command2_Click}});
+    Bind<frmFilter>(*this,
+                    {{u"cmbKBK", Event::Click, &frmFilter::cmbKBK_Click},
+                     {u"TreeView1", Event::DblClick, &frmFilter::Command1_Click, u"Ошибка в процедуре cmdOK"},
+                     {u"Check1", Event::Click, &frmFilter::Check1_Click},
+                     {u"Command1", Event::Click, &frmFilter::Command1_Click, u"Ошибка в процедуре cmdOK"},
+                     {u"Command2", Event::Click, &frmFilter::Command2_Click}});
 }
 
 void frmFilter::Form_Load() {
@@ -112,8 +120,8 @@ void frmFilter::Command1_Click() {
         getbase(), summary_.inn, kpp, FolderOf(summary_.path), Choice());
     if (path.empty()) {
         ShowNothingToSumUp();
-    } else if (!OpenDocument(path)) {
-        throw Failure(RunTimeError::PathFileAccess, path);
+    } else {
+        OpenDocument(path);
     }
 }
 

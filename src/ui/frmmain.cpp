@@ -1,6 +1,7 @@
 #include "ui/frmmain.h"
 
 #include "common/get_next.h"
+#include "common/progress.h"
 #include "common/regional.h"
 #include "db/run_import.h"
 #include "platform/environment.h"
@@ -32,11 +33,6 @@ Text TaxpayerLine(TextView inn, TextView kpp) {
     Text line = Text(u"ИНН: ").append(inn);
     if (kpp != kAllSubdivisions) line.append(u"     КПП: ").append(kpp);
     return line;
-}
-
-void Open(const Text& path) {
-    if (!FileExists(path)) throw Failure(RunTimeError::FileNotFound, path);
-    if (!OpenDocument(path)) throw Failure(RunTimeError::PathFileAccess, path);
 }
 
 }  // namespace
@@ -93,8 +89,8 @@ void frmmain::ShowTaxpayer() {
     lblInfoName.Set(GetNext(rest, u"|"));
     const TextView inn = GetNext(rest, u"|");
     const TextView kpp = chkKons.Checked() ? kAllSubdivisions : GetNext(rest, u"|");
-    Label5.Set(TaxpayerLine(inn.empty() ? TextView(current.inn) : inn,
-                            kpp.empty() ? TextView(current.kpp) : kpp));
+    Label5.Set(
+        TaxpayerLine(inn.empty() ? TextView(current.inn) : inn, kpp.empty() ? TextView(current.kpp) : kpp));
 }
 
 Text frmmain::Kpp() const {
@@ -149,7 +145,7 @@ void frmmain::Refresh() {
     const Text folder = txtImport.Get();
     bool changed = false;
     const auto go_on = [&] {
-        CurrentToolkit().ProcessEvents();
+        CurrentProgress().ProcessEvents();
         changed = !Loaded() || txtImport.Get() != folder;
         return !changed;
     };
@@ -226,8 +222,8 @@ void frmmain::Summarise(SummaryKind kind) {
         TextView rest = selected;
         if (selected.ends_with(statements ? u" Выписка" : u" Акт")) kpp = GetNext(rest, u" ");
     }
-    const Text path = (statements ? GetFiles : GetFilesAct)(getbase(), Taxpayer().inn, kpp,
-                                                            UserPath(txtExport.Get()), {});
+    const Text path =
+        (statements ? GetFiles : GetFilesAct)(getbase(), Taxpayer().inn, kpp, UserPath(txtExport.Get()), {});
     if (path.empty()) {
         ShowNothingToSumUp();
     } else {
@@ -242,12 +238,12 @@ void frmmain::lstBase_DblClick() {
     const TextView word = GetNext(rest, u" ");
     if (word.empty()) return;
     const std::vector<Text> found = ListFiles(UserPath(txtImport.Get()), Text(word).append(u".doc"));
-    if (!found.empty()) Open(WithSeparator(UserPath(txtExport.Get())).append(found.front()));
+    if (!found.empty()) OpenDocument(WithSeparator(UserPath(txtExport.Get())).append(found.front()));
 }
 
 void frmmain::lstFile_DblClick() {
     const Text path = FileOfRow(lstFile.Selected());
-    if (!path.empty() && FileExists(path)) Open(path);
+    if (FileExists(path)) OpenDocument(path);
 }
 
 void frmmain::cmdImport_Click() {

@@ -1,8 +1,8 @@
 // The main window: imports the documents of a folder in one go, shows what the folder and the database hold,
 // clears the database, asks for the summaries.
 //
-// Whatever may change the lists sets Timer1, which refreshes the folder's list, the counts and the buttons once.
-// The folders are saved at every refresh with an import folder, and when the window closes.
+// Whatever may change the lists sets Timer1, which refreshes the folder's list, the counts and the buttons
+// once. The folders are saved at every refresh with an import folder, and when the window closes.
 #pragma once
 
 #include "reports/summary_documents.h"
@@ -14,8 +14,8 @@ class frmmain : public Form {
  public:
     frmmain();
 
-    // For the windows around this one; nothing when it is not loaded. The list of the database is filled anew,
-    // and everything is refreshed.
+    // For the windows around this one; nothing when it is not loaded. The list of the database is filled
+    // anew, and everything is refreshed.
     void Refill();
     // The part of an import's new files that has been looked at by the loader, on the bar.
     void ShowLoaded(double part);

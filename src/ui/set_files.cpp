@@ -48,11 +48,8 @@ Text RowOf(const HeldDocument& document) {
 
 ListRow ListRowOf(const HeldDocument& document) {
     const Text row = RowOf(document);
-    return {row, Text(row)
-                     .append(u"\nКПП: ")
-                     .append(document.kpp)
-                     .append(u"\nФайл: ")
-                     .append(document.file_name)};
+    return {row,
+            Text(row).append(u"\nКПП: ").append(document.kpp).append(u"\nФайл: ").append(document.file_name)};
 }
 
 std::vector<HeldDocument> DocumentsOf(Connection& connection, TextView inn, TextView kpp) {
@@ -163,6 +160,12 @@ Text SetFiles(ListBox& list, FilesOf source, TextView path, TextView inn, TextVi
             ShowOnce(failure, database);
         });
     return name.append(u"*").append(base_counts).append(u"*").append(file_counts);
+}
+
+Text FileOfRow(int row) {
+    const std::vector<FolderRow>& rows = FolderRows();
+    return row < 0 || static_cast<std::size_t>(row) >= rows.size() ? Text()
+                                                                   : rows[static_cast<std::size_t>(row)].path;
 }
 
 void ShowFailuresAgain() {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "db/run_import.h"
 #include "platform/forms.h"
 #include "ui/frmShortImport.h"
 #include "ui/frmmain.h"
@@ -50,7 +51,7 @@ void WindowProgress::ProcessEvents() {
 void WindowProgress::Draw() {
     const double read = files_ == 0 ? 0 : std::clamp((done_ + fraction_) / files_, 0.0, 1.0);
     Shared<frmShortImport>().ShowProgress(label_, read);
-    Shared<frmmain>().ShowLoaded(loaded_);
+    Shared<frmmain>().ShowLoaded(ImportRunning() ? loaded_ : 0);
 }
 
 }  // namespace tav

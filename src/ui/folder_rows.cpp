@@ -1,0 +1,75 @@
+#include "ui/folder_rows.h"
+
+#include <optional>
+#include <unordered_map>
+
+#include "convert/document_glance.h"
+#include "platform/files.h"
+
+namespace tav {
+namespace {
+
+constexpr TextView kGap = u"   ";
+
+struct Seen {
+    std::optional<FileStamp> stamp;
+    DocumentGlance glance;
+};
+using SeenFiles = std::unordered_map<Text, Seen>;
+
+struct Listing {
+    std::vector<FolderRow> rows;
+    SeenFiles seen;  // by path
+};
+Listing& Last() {
+    static Listing listing;
+    return listing;
+}
+
+// What was seen of the file before, unless it has changed.
+Seen Look(const Text& path, const SeenFiles& before) {
+    const std::optional<FileStamp> stamp = StampOf(path);
+    const auto known = before.find(path);
+    if (known != before.end() && stamp && known->second.stamp == stamp) return known->second;
+    return {stamp, GlanceAtDocument(path)};
+}
+
+ListRow RowOf(const FolderRow& file, const DocumentGlance& glance) {
+    if (glance.kind == DocumentKind::Unknown) {
+        return {file.name, Text(file.path).append(u"\n").append(glance.reason)};
+    }
+    const Text row = Text(glance.code)
+                         .append(kGap)
+                         .append(glance.okato)
+                         .append(kGap)
+                         .append(glance.period_begin)
+                         .append(u" - ")
+                         .append(glance.period_end)
+                         .append(kGap)
+                         .append(file.name);
+    const TextView kind = glance.kind == DocumentKind::Act ? u"Акт: " : u"Выписка: ";
+    return {row, Text(row).append(u"\n").append(kind).append(glance.tax).append(u"\n").append(file.path)};
+}
+
+}  // namespace
+
+std::vector<ListRow> ListFolder(TextView folder, const std::function<bool()>& go_on) {
+    Listing listing;
+    std::vector<ListRow> rows;
+    for (const Text& name : ListFiles(folder, u".rtf")) {
+        if (!go_on()) break;
+        FolderRow file{name, WithSeparator(folder).append(name)};
+        Seen seen = Look(file.path, Last().seen);
+        rows.push_back(RowOf(file, seen.glance));
+        listing.seen.emplace(file.path, std::move(seen));
+        listing.rows.push_back(std::move(file));
+    }
+    Last() = std::move(listing);
+    return rows;
+}
+
+const std::vector<FolderRow>& FolderRows() {
+    return Last().rows;
+}
+
+}  // namespace tav
