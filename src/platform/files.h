@@ -56,6 +56,8 @@ void MakeFolders(TextView file_path);
 std::vector<Text> ListFiles(TextView folder, TextView ending);
 
 std::string ReadFile(TextView path);
+// The file's first `most` bytes; a shorter file whole.
+std::string ReadFileHead(TextView path, std::size_t most);
 
 // Writes the file whole or not at all: a temporary file in the same folder, synced, then renamed over the
 // target. A failure leaves the old file as it was and no temporary file behind.

@@ -135,16 +135,25 @@ mode_t ModeFor(TextView target) {
     return 0666 & ~mask;
 }
 
+// What is left of the file, up to the buffer's size.
+std::size_t ReadInto(const Descriptor& file, TextView path, char* buffer, std::size_t size) {
+    std::size_t filled = 0;
+    while (filled < size) {
+        const ssize_t got = ::read(file.number(), buffer + filled, size - filled);
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) Refuse(errno, path);
+        if (got == 0) break;
+        filled += static_cast<std::size_t>(got);
+    }
+    return filled;
+}
+
 // Hands the file's bytes on in pieces.
 template <class Take>
 void ReadPieces(const Descriptor& file, TextView path, Take take) {
     std::string buffer(1 << 16, '\0');
-    for (;;) {
-        const ssize_t got = ::read(file.number(), buffer.data(), buffer.size());
-        if (got < 0 && errno == EINTR) continue;
-        if (got < 0) Refuse(errno, path);
-        if (got == 0) return;
-        take(std::string_view(buffer).substr(0, static_cast<std::size_t>(got)));
+    while (const std::size_t got = ReadInto(file, path, buffer.data(), buffer.size())) {
+        take(std::string_view(buffer).substr(0, got));
     }
 }
 
@@ -234,6 +243,13 @@ std::string ReadFile(TextView path) {
     std::string bytes;
     bytes.reserve(static_cast<std::size_t>(std::max<off_t>(status.st_size, 0)) + 1);
     ReadPieces(file, path, [&](std::string_view piece) { bytes.append(piece); });
+    return bytes;
+}
+
+std::string ReadFileHead(TextView path, std::size_t most) {
+    const Descriptor file = OpenForReading(path);
+    std::string bytes(most, '\0');
+    bytes.resize(ReadInto(file, path, bytes.data(), most));
     return bytes;
 }
 

@@ -86,6 +86,8 @@ TEST(Files, AreWrittenWhole) {
     ASSERT_EQ(::symlink(ToUtf8(path).c_str(), ToUtf8(folder / u"link").c_str()), 0);
     WriteFileWhole(folder / u"link", "three");
     EXPECT_EQ(ReadFile(path), "three");
+    for (const std::size_t most : {0, 3, 5, 9})
+        EXPECT_EQ(ReadFileHead(path, most), std::string("three").substr(0, most));
     EXPECT_EQ(ListFiles(folder.path(), u"").size(), 2u);  // nothing temporary is left
 }
 
@@ -164,6 +166,7 @@ TEST(Files, FullDiskLeavesTheOldFile) {
 TEST(Files, RefusalsNameThePath) {
     const TempFolder folder;
     EXPECT_EQ(ErrorOf([&] { ReadFile(folder / u"none"); }), RunTimeError::FileNotFound);
+    EXPECT_EQ(ErrorOf([&] { ReadFileHead(folder.path(), 9); }), RunTimeError::PathFileAccess);
     EXPECT_EQ(ErrorOf([&] { ReadFile(folder / u"none/x"); }), RunTimeError::PathNotFound);
     EXPECT_EQ(ErrorOf([&] { ReadFile(folder.path()); }), RunTimeError::PathFileAccess);
     try {

@@ -1,0 +1,175 @@
+#include "convert/document_glance.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "common/get_next.h"
+#include "common/guard.h"
+#include "common/windows1251.h"
+#include "convert/cell_positions.h"
+#include "convert/find_text_value.h"
+#include "convert/page_reader.h"
+#include "convert/statement_lines.h"
+#include "platform/files.h"
+
+namespace tav {
+namespace {
+
+constexpr std::size_t kHeads[] = {std::size_t{64} << 10, std::size_t{1} << 20};
+
+constexpr std::string_view kFrame = "\\posx";
+constexpr std::size_t kPositionSize = 9;  // "posx" and five digits
+constexpr std::string_view kStatementHeader = "##v<h@@>";
+constexpr std::string_view kActHeader = "##a<h@@>";
+constexpr std::string_view kActAmount = "##a<p";
+constexpr std::string_view kLineEnd = "\r\n";
+constexpr std::string_view kPageEnd = "\r\n##p";
+
+// The header lines of a statement, in the document's order.
+enum HeaderLine : std::size_t { kCode = 6, kTax = 7, kOkato = 9, kPeriodEnd = 11, kPeriodBegin = 12 };
+constexpr std::size_t kHeaderLines = 13;
+
+// Shapes of fields: 0 stands for any digit.
+constexpr std::string_view kCodeShape = "00000000000000000000";
+constexpr std::string_view kOkatoShape = "00000000000";
+constexpr std::string_view kDateShape = "00.00.0000";
+
+const std::string kActPart = ToWindows1251(u"<part type=\"акт\">");
+const std::string kStatementPart = ToWindows1251(u"<part type=\"выписка\">");
+
+template <class Char>
+bool Fits(std::basic_string_view<Char> text, std::string_view shape) {
+    return std::equal(text.begin(), text.end(), shape.begin(), shape.end(), [](Char c, char expected) {
+        return expected == '0' ? c >= '0' && c <= '9' : c == static_cast<Char>(expected);
+    });
+}
+
+bool IsComplete(const DocumentGlance& glance) {
+    return Fits<char16_t>(glance.code, kCodeShape) && Fits<char16_t>(glance.okato, kOkatoShape) &&
+           Fits<char16_t>(glance.period_begin, kDateShape) && Fits<char16_t>(glance.period_end, kDateShape);
+}
+
+// Where the first header lines of statements stand, and the first amount of an act, if that comes before
+// they are complete.
+struct Landmarks {
+    std::vector<std::size_t> header;
+    std::size_t amounts = std::string_view::npos;
+    bool is_form = false;  // whether there is any header line
+};
+
+Landmarks FindLandmarks(std::string_view head) {
+    Landmarks found;
+    for (std::size_t at = 0; (at = head.find(kFrame, at)) != head.npos; at += kFrame.size()) {
+        const std::string tag = ReplaceCellPositions(head.substr(at + 1, kPositionSize));
+        if (tag.starts_with(kActAmount)) {
+            found.amounts = at;
+            break;
+        }
+        if (tag.starts_with(kStatementHeader)) found.header.push_back(at);
+        found.is_form |= tag.starts_with(kActHeader) || !found.header.empty();
+        if (found.header.size() == kHeaderLines) break;
+    }
+    return found;
+}
+
+// The text of pages, their positions made tags: the lines that the reader of whole documents sees.
+std::string TaggedText(std::string_view rtf) {
+    PageReader reader{std::string(rtf)};
+    std::string text;
+    while (reader.More()) text.append(reader.Next()).append(kPageEnd);
+    return ReplaceCellPositions(text);
+}
+
+// The value of the frame's header line. Unlike FindTextValue this reads every kind of letters.
+Text HeaderValue(std::string_view frame) {
+    const std::string text = TaggedText(frame);
+    std::string_view rest = text;
+    GetNext(rest, kStatementHeader);
+    return FromWindows1251(GetNext(rest, kLineEnd));
+}
+
+// A statement whose fields are where they belong and look as they should: each is one frame of digits and
+// points, which FindTextValue reads whatever way the letters are written.
+std::optional<DocumentGlance> GlanceAtFrames(std::string_view head, const Landmarks& landmarks) {
+    if (landmarks.header.size() < kHeaderLines) return std::nullopt;
+    const auto field = [&](HeaderLine line) {
+        auto pos = static_cast<std::int32_t>(landmarks.header[line] + 1);
+        return FromWindows1251(FindTextValueQuietly(pos, head));
+    };
+    DocumentGlance glance{.kind = DocumentKind::Statement,
+                          .code = field(kCode),
+                          .okato = field(kOkato),
+                          .period_begin = field(kPeriodBegin),
+                          .period_end = field(kPeriodEnd)};
+    if (!IsComplete(glance)) return std::nullopt;
+    const std::size_t tax = landmarks.header[kTax];
+    glance.tax = HeaderValue(head.substr(tax, head.find(kFrame, tax + 1) - tax));
+    return glance;
+}
+
+Text Element(std::string_view part, std::string_view name) {
+    const std::string tag = std::string(name) + ">";
+    if (part.find("<" + tag) == part.npos) return {};
+    GetNext(part, "<" + tag);
+    return FromWindows1251(GetNext(part, "</" + tag));
+}
+
+Text ReasonOf(std::string_view head) {
+    if (head.empty()) return u"Файл пуст";
+    if (!head.starts_with("{\\rtf")) return u"Это не документ RTF";
+    return u"Не найдена шапка выписки или акта";
+}
+
+// Any other document: its head is read as the whole of it would be, up to the first amount of an act.
+DocumentGlance GlanceAtLines(std::string_view head, const Landmarks& landmarks) {
+    const std::string text = TaggedText(head.substr(0, landmarks.amounts));
+    StatementLines lines;
+    for (std::string_view rest = text; !rest.empty();) lines.Add(GetNext(rest, kLineEnd));
+    const std::string parts = lines.TakeOutput();
+    std::string_view rest = parts;
+    const std::string_view part = GetNext(rest, "</head>");
+
+    const bool act = part.find(kActPart) != part.npos;
+    if (!act && part.find(kStatementPart) == part.npos) return {.reason = ReasonOf(head)};
+    return {.kind = act ? DocumentKind::Act : DocumentKind::Statement,
+            .code = Element(part, "h07"),
+            .okato = Element(part, "h10"),
+            .period_begin = Element(part, "h13"),
+            .period_end = Element(part, act ? "pere" : "h12"),
+            .tax = Element(part, "h08")};
+}
+
+DocumentGlance GlanceAtHead(std::string_view head) {
+    const Landmarks landmarks = FindLandmarks(head);
+    if (!landmarks.is_form) return {.reason = ReasonOf(head)};
+    const std::optional<DocumentGlance> statement = GlanceAtFrames(head, landmarks);
+    return statement ? *statement : GlanceAtLines(head, landmarks);
+}
+
+DocumentGlance GlanceAtFile(TextView path) {
+    DocumentGlance glance;
+    for (const std::size_t most : kHeads) {
+        const std::string bytes = ReadFileHead(path, most);
+        const bool whole = bytes.size() < most;
+        // A frame that is cut would show a part of its text.
+        glance = GlanceAtHead(std::string_view(bytes).substr(0, whole ? bytes.size() : bytes.rfind(kFrame)));
+        if (whole || IsComplete(glance)) break;
+    }
+    return glance;
+}
+
+}  // namespace
+
+DocumentGlance GlanceAtDocument(TextView path) {
+    DocumentGlance glance;
+    GuardedBy([&] { glance = GlanceAtFile(path); },
+              [&](const Failure& failure) { glance.reason = failure.description(); });
+    return glance;
+}
+
+}  // namespace tav
