@@ -1,0 +1,153 @@
+// The component as other programs have it: the installed library under a host in C, and the operations of the
+// command line that show windows.
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <csignal>
+#include <fstream>
+
+#include "platform/files.h"
+#include "samples/generator.h"
+#include "support/process.h"
+#include "support/support.h"
+
+namespace tav {
+namespace {
+
+using test::Outcome;
+using testing::AllOf;
+using testing::Contains;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::SizeIs;
+
+const std::string kInn = ToUtf8(samples::SampleTaxpayer().inn);
+const std::string kKpp = ToUtf8(samples::SampleTaxpayer().kpp);
+
+Outcome Run(const std::string& program, const std::vector<std::string>& arguments,
+            const std::function<void()>& in_child = {}) {
+    return test::Process(program, arguments, in_child).Wait();
+}
+
+// No screen anywhere.
+void WithoutScreen() {
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) ::unsetenv(name);
+}
+
+class Outside : public testing::Test {
+ protected:
+    Outside() {
+        samples::SampleFolder(folder_ / u"in");
+        EXPECT_EQ(Tav({"settings", "set", "DataBasePath", Path(u"")}).status, 0);
+        EXPECT_EQ(Tav({"settings", "set", "ImportPath", Path(u"in")}).status, 0);
+        EXPECT_EQ(Tav({"settings", "set", "ExportPath", Path(u"reports")}).status, 0);
+        EXPECT_EQ(Tav({"db", "create"}).status, 0);
+    }
+    std::string Path(TextView name) const { return ToUtf8(folder_ / name); }
+    static Outcome Tav(const std::vector<std::string>& arguments,
+                       const std::function<void()>& in_child = WithoutScreen) {
+        return test::RunProgram("tav", arguments, in_child);
+    }
+    static Outcome Ask(const std::string& operation, const std::function<void()>& in_child = WithoutScreen) {
+        return Tav({operation, "--inn", kInn, "--kpp", kKpp}, in_child);
+    }
+
+    const test::OwnSettings settings_;
+    const test::TempFolder folder_;
+};
+
+TEST_F(Outside, AHostInCBuildsAgainstTheInstalledLibraryAndImports) {
+    const std::string prefix = Path(u"установка с пробелом");
+    ASSERT_EQ(Run("cmake", {"--install", TAV_BINARY_DIR, "--prefix", prefix}).status, 0);
+    const auto flags = Run("pkg-config", {"--cflags", "--libs", "TAV_OperationImport"}, [&] {
+        ::setenv("PKG_CONFIG_PATH", (prefix + "/lib/pkgconfig").c_str(), 1);
+    });
+    ASSERT_EQ(flags.status, 0) << flags.err;
+    const std::string build = std::string(TAV_HOST_CC) + " -std=c11 -Wall -Wextra -Werror '" TAV_SOURCE_DIR
+                              "/examples/host.c' " + flags.out.substr(0, flags.out.find('\n')) + " -o '" +
+                              Path(u"host") + "'";
+    const Outcome built = Run("sh", {"-c", build});
+    ASSERT_EQ(built.status, 0) << built.err;
+    const auto with_library = [&] {
+        WithoutScreen();
+        ::setenv("LD_LIBRARY_PATH", (prefix + "/lib").c_str(), 1);
+    };
+    const Outcome import = Run(Path(u"host"), {kInn, kKpp, "import"}, with_library);
+    EXPECT_EQ(import.status, 0);
+    EXPECT_THAT(import.err, IsEmpty());
+    EXPECT_THAT(Tav({"list", "--inn", kInn}).out, HasSubstr("Выписка"));
+    const Outcome statements = Run(Path(u"host"), {kInn, kKpp, "statements"}, with_library);
+    EXPECT_THAT(statements.err, AllOf(HasSubstr("Ошибка в функции View_V: "), HasSubstr("index.doc")));
+    const Outcome main_window =
+        Run(Path(u"host"), {kInn, kKpp}, [&] {
+            with_library();
+            ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+            ::alarm(3);  // nobody closes the window
+        });
+    EXPECT_EQ(main_window.status, 128 + SIGALRM) << main_window.err;
+
+    const Outcome exported = Run("nm", {"-D", "--defined-only", prefix + "/lib/libTAV_OperationImport.so"});
+    EXPECT_EQ(std::count(exported.out.begin(), exported.out.end(), '\n'), 7) << exported.out;
+}
+
+TEST_F(Outside, ImportsWithoutEverLoadingTheToolkit) {
+    const auto loads = [&](const std::string& command) {
+        const std::string log = Path(u"loaded." + FromUtf8(command));
+        Ask(command, [&] {
+            ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+            ::setenv("LD_DEBUG", "files", 1);
+            ::setenv("LD_DEBUG_OUTPUT", log.c_str(), 1);
+            ::alarm(2);
+        });
+        std::string all;
+        for (const Text& name : ListFiles(folder_.path(), {})) {
+            if (name.starts_with(u"loaded." + FromUtf8(command))) all += ReadFile(folder_ / name);
+        }
+        return all;
+    };
+    EXPECT_THAT(loads("import"), AllOf(HasSubstr("libsqlite3"), Not(HasSubstr("Qt6"))));
+    EXPECT_THAT(loads("start"), HasSubstr("Qt6"));
+}
+
+TEST_F(Outside, WithoutAScreenReportsAreWrittenAndWindowsAreAFailure) {
+    ASSERT_EQ(Ask("import").status, 0);
+    const Outcome start = Ask("start");
+    EXPECT_EQ(start.status, 1);
+    EXPECT_THAT(start.err, HasSubstr("Ошибка в функции Start: "));
+    for (const auto& [operation, file] : {std::pair{"view_v", "index.doc"}, {"view_a", "acts.doc"}}) {
+        const Outcome view = Ask(operation);
+        EXPECT_EQ(view.status, 1);
+        EXPECT_EQ(view.out, Path(u"reports/") + file + "\n") << view.err;
+        EXPECT_THAT(view.err, HasSubstr("Ошибка в функции View_"));
+    }
+    EXPECT_EQ(Tav({"start", "--inn", "1", "--kpp", "2", "--date", "32.01.2011"}).status, 2);
+}
+
+TEST_F(Outside, ViewOpensTheStatementOfANumber) {
+    ASSERT_EQ(Ask("import").status, 0);
+    folder_.Write(u"xdg-open", "#!/bin/sh\necho \"$1\" > \"$(dirname \"$0\")/opened\"\n");
+    ASSERT_EQ(Run("chmod", {"+x", Path(u"xdg-open")}).status, 0);
+    const auto with_opener = [&] {
+        WithoutScreen();
+        ::setenv("PATH", (Path(u"") + ":" + std::getenv("PATH")).c_str(), 1);
+    };
+    EXPECT_EQ(Tav({"view_v_id", "999"}, with_opener).err, "");
+    EXPECT_EQ(Tav({"view_v_id", "1"}, with_opener).err, "");
+    for (int i = 0; i < 100 && !FileExists(folder_ / u"opened"); ++i) Run("sleep", {"0.1"});
+    EXPECT_EQ(ReadFile(folder_ / u"opened"), Path(u"reports/vipis.doc") + "\n");
+}
+
+// With nobody at the screen: the window opens, imports and goes.
+TEST_F(Outside, StartImportsAndCloses) {
+    const Outcome outcome = Tav({"start", "--import", "--inn", kInn, "--kpp", kKpp}, [] {
+        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+        ::alarm(60);
+    });
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_THAT(Tav({"list", "--inn", kInn}).out, HasSubstr("Выписка"));
+}
+
+}  // namespace
+}  // namespace tav

@@ -1,0 +1,260 @@
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTimer>
+#include <QTreeWidget>
+
+#include "samples/generator.h"
+#include "ui/desktop.h"
+
+namespace tav {
+namespace {
+
+using namespace test;
+using testing::AllOf;
+using testing::Each;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::SizeIs;
+using testing::StartsWith;
+
+class Windows : public Desktop {
+ protected:
+    // Documents of the sample taxpayer: `files` statements of successive quarters from 2009 on.
+    void WriteStatements(int files) const {
+        for (int i = 0; i < files; ++i) {
+            samples::StatementOptions options;
+            const int month = i % 4 * 3 + 1;
+            options.name = Text(u"v").append(Digits(i, 4)).append(u".rtf");
+            options.tax = samples::Taxes()[static_cast<std::size_t>(i / 4 % 2)];
+            options.period = {{2009 + i / 8, month, 1}, {2009 + i / 8, month + 2, 28}};
+            samples::WriteDocument(folder_ / u"in", samples::MakeStatement(options));
+        }
+    }
+    void WriteAct() const {
+        samples::ActOptions options;
+        options.name = u"акт.rtf";
+        samples::WriteDocument(folder_ / u"in", samples::MakeActRtf(options));
+    }
+    void Import() {
+        host_.import(kInn, kKpp);
+        ASSERT_TRUE(WaitGone("frmShortImport"));
+    }
+    static QString TextOf(const QString& label) { return In<QLabel>("frmmain", label)->text(); }
+    static bool WaitCounts(const QString& label, const QString& text) {
+        return Wait([=] { return TextOf(label).contains(text); });
+    }
+};
+
+TEST_F(Windows, ImportsFromTheMainWindow) {
+    WriteStatements(8);
+    WriteAct();
+    folder_.Write(u"in/чужой.rtf", "{\\rtf1 nothing}");
+    WriteSetting(u"NameINNKPP", u"ООО <b>Ромашка</b>|7701234567|770101001|лишнее");
+    Start();
+    ASSERT_TRUE(WaitCounts("lblInfoFile", "Подлежат загрузке: 10"));
+    EXPECT_EQ(TextOf("lblInfoName"), "ООО <b>Ромашка</b>");
+    EXPECT_EQ(TextOf("Label5"), "ИНН: 7701234567     КПП: 770101001");
+    EXPECT_FALSE(In<QAbstractButton>("frmmain", "Command3")->isEnabled());
+    const auto listed = RowsOf("frmmain", "lstFile");
+    ASSERT_THAT(listed, SizeIs(10));
+    EXPECT_EQ(listed[0], "18210101011011000110   45280000000   01.01.2009 - 28.03.2009   v0000.rtf");
+    EXPECT_THAT(listed, Contains("чужой.rtf"));
+
+    Click("frmmain", "Command1");
+    ASSERT_TRUE(WaitCounts("lblInfoBase", "Выписок в базе данных: 8\r\nАктов в базе данных: 1"));
+    ASSERT_TRUE(WaitCounts("lblInfoFile", "Подлежат загрузке: 1"));
+    const auto held = RowsOf("frmmain", "lstBase");
+    ASSERT_THAT(held, SizeIs(9));
+    EXPECT_THAT(held[0], AllOf(StartsWith("18210101011011000110   45280000000   200901 - 200903 "),
+                               EndsWith(" Выписка")));
+    EXPECT_TRUE(In<QAbstractButton>("frmmain", "Command3")->isEnabled());
+    EXPECT_TRUE(In<QAbstractButton>("frmmain", "Command6")->isEnabled());
+    EXPECT_THAT(Shown(), IsEmpty());
+}
+
+TEST_F(Windows, CancelInTheMiddleOfAnImportLosesNothing) {
+    WriteStatements(300);
+    Start();
+    ASSERT_TRUE(WaitCounts("lblInfoFile", "загрузке: 300"));
+    QTimer clock;
+    bool shown = false;
+    QObject::connect(&clock, &QTimer::timeout, [&] {
+        if (WindowNamed("frmShortImport") == nullptr || shown) return;
+        shown = true;
+        Click("frmShortImport", "CancelButton");
+    });
+    clock.start(1);
+    Click("frmmain", "Command1");
+    EXPECT_TRUE(shown);
+    EXPECT_NE(CancelStamp(), 0);
+    EXPECT_FALSE(FileExists(folder_ / u"in/listfiles.xml"));
+    EXPECT_TRUE(WaitGone("frmShortImport"));
+    EXPECT_THAT(ListFiles(folder_ / u"in", u".rtf"), SizeIs(300));
+    EXPECT_TRUE(WaitCounts("lblInfoBase", "Выписок в базе данных: 0"));
+    EXPECT_TRUE(In<QAbstractButton>("frmmain", "Command1")->isEnabled());
+}
+
+// Closing the window does not stop what it began; meanwhile nobody else gets at the database.
+TEST_F(Windows, AnImportSurvivesItsWindow) {
+    WriteStatements(300);
+    Start();
+    ASSERT_TRUE(WaitCounts("lblInfoFile", "загрузке: 300"));
+    QTimer clock;
+    bool closed = false;
+    QObject::connect(&clock, &QTimer::timeout, [&] {
+        if (WindowNamed("frmShortImport") == nullptr || closed) return;
+        closed = true;
+        host_.import(kInn, kKpp);
+        host_.view_v(kInn, kKpp);
+        WindowNamed("frmmain")->close();
+    });
+    clock.start(1);
+    Click("frmmain", "Command1");
+    ASSERT_TRUE(closed);
+    EXPECT_TRUE(WaitGone("frmShortImport"));
+    EXPECT_EQ(WindowNamed("frmmain"), nullptr);
+    EXPECT_THAT(Shown(), ElementsAre(AllOf(StartsWith("Ошибка в функции View_V: "),
+                                           HasSubstr("file already in use"))));
+    Start();
+    EXPECT_TRUE(WaitCounts("lblInfoBase", "Выписок в базе данных: 300"));
+}
+
+TEST_F(Windows, ClearsAfterAsking) {
+    WriteStatements(2);
+    Import();
+    Start();
+    for (const auto& [button, left] : {std::pair{"Command3", 2}, {"Command1", 0}}) {
+        ASSERT_TRUE(Wait([] { return In<QAbstractButton>("frmmain", "Command2")->isEnabled(); }));
+        QTimer::singleShot(200, [&, name = button] { Click("frmDialog", name); });
+        Click("frmmain", "Command2");
+        EXPECT_EQ(WindowNamed("frmDialog"), nullptr);
+        EXPECT_TRUE(WaitCounts("lblInfoBase", QString("Выписок в базе данных: %1").arg(left)));
+        EXPECT_THAT(RowsOf("frmmain", "lstBase"), SizeIs(left));
+    }
+    EXPECT_TRUE(Wait([] { return !In<QAbstractButton>("frmmain", "Command2")->isEnabled(); }));
+}
+
+TEST_F(Windows, NarrowsASummaryToAPeriodAndACode) {
+    WriteStatements(16);
+    Import();
+    host_.view_v(kInn, kKpp);
+    ASSERT_TRUE(WaitShown("frmFilter"));
+    auto* tree = In<QTreeWidget>("frmFilter", "TreeView1");
+    ASSERT_EQ(tree->topLevelItemCount(), 1);
+    EXPECT_EQ(tree->topLevelItem(0)->childCount(), 2);
+    auto* codes = In<QComboBox>("frmFilter", "cmbKBK");
+    ASSERT_EQ(codes->count(), 3);
+    codes->setFocus();
+    QTest::keyClick(codes, Qt::Key_Down);
+    QTest::keyClick(codes, Qt::Key_Down);
+    const auto found = tree->findItems("1 полугодие", Qt::MatchStartsWith | Qt::MatchRecursive);
+    ASSERT_FALSE(found.isEmpty());
+    tree->setCurrentItem(found.first());
+    Click("frmFilter", "Command1");
+    const std::string opened = Opened("index");
+    EXPECT_THAT(opened, HasSubstr("/reports/index"));
+    const std::string page = ReadFile(FromUtf8(opened.substr(0, opened.find('\n'))));
+    const auto times = [&](TextView text) {
+        const std::string bytes = Bytes(text);
+        int count = 0;
+        for (std::size_t at = 0; (at = page.find(bytes, at)) != std::string::npos; ++at) ++count;
+        return count;
+    };
+    EXPECT_EQ(times(u"<a href="), 2);
+    EXPECT_EQ(times(samples::Taxes()[1].kbk), 2);
+    EXPECT_EQ(times(u"01.2009-"), 1);
+    Click("frmFilter", "Check1");
+    EXPECT_TRUE(SettingTruth(u"ChkFilter"));
+    QTest::keyClick(WindowNamed("frmFilter"), Qt::Key_Escape);
+    EXPECT_EQ(WindowNamed("frmFilter"), nullptr);
+}
+
+TEST_F(Windows, SaysWhenThereIsNothing) {
+    host_.view_a(kInn, kKpp);
+    EXPECT_EQ(WindowNamed("frmFilter"), nullptr);
+    EXPECT_THAT(Shown(), ElementsAre("Сводная справка: В базе данных для выбранного налогоплательщика отсутствует "
+                                     "информация по импортированным актам сверки.\r\nСводная справка не может "
+                                     "быть сформирована."));
+}
+
+TEST_F(Windows, KeepsTheSettings) {
+    WriteSetting(u"ChkOut", u"0");
+    Start();
+    EXPECT_FALSE(In<QLineEdit>("frmmain", "txtOut")->isEnabled());
+    Click("frmmain", "chkImportPath");
+    EXPECT_TRUE(In<QLineEdit>("frmmain", "txtOut")->isEnabled());
+    In<QLineEdit>("frmmain", "txtOut")->setText("/куда");
+    In<QLineEdit>("frmmain", "txtExport")->setText("C:\\отчёты");
+    Click("frmmain", "Command5");
+    EXPECT_EQ(WindowNamed("frmmain"), nullptr);
+    EXPECT_EQ(SettingText(u"ExportPath"), u"C:\\отчёты");
+    EXPECT_EQ(SettingText(u"OutPath"), u"/куда");
+    EXPECT_TRUE(SettingTruth(u"ChkOut"));
+    EXPECT_EQ(SettingText(u"ImportPath"), folder_ / u"in");
+}
+
+// Bad surroundings: no dead window, one clear message, not one per keystroke.
+TEST_F(Windows, LivesWithoutFolderAndDatabase) {
+    WriteSetting(u"ImportPath", folder_ / u"gone");
+    DeleteFile(folder_ / u"PlX_Base.mdb");
+    Start();
+    ASSERT_TRUE(WaitCounts("lblInfoFile", "Файлов в папке: 0 (папка не найдена)"));
+    QTest::keyClicks(In<QLineEdit>("frmmain", "txtImport"), "abc");
+    QTest::qWait(300);
+    EXPECT_THAT(Shown(), ElementsAre(AllOf(StartsWith("Ошибка в функции SetFiles: "),
+                                           HasSubstr("PlX_Base.mdb"))));
+    for (const char* list : {"lstFile", "lstBase"}) {
+        QTest::mouseDClick(In<QListView>("frmmain", list)->viewport(), Qt::LeftButton);
+    }
+    for (const char* button : {"Command1", "Command2", "Command3", "Command6"}) {
+        EXPECT_FALSE(In<QAbstractButton>("frmmain", button)->isEnabled()) << button;
+    }
+    CreateDatabase(folder_ / u"PlX_Base.mdb");
+    WriteStatements(1);
+    In<QLineEdit>("frmmain", "txtImport")->setText(QString::fromStdU16String(folder_ / u"in"));
+    EXPECT_TRUE(WaitCounts("lblInfoFile", "Подлежат загрузке: 1"));
+    EXPECT_THAT(Shown(), SizeIs(1));
+}
+
+TEST_F(Windows, OpensWhatIsDoubleClicked) {
+    WriteStatements(1);
+    Import();
+    folder_.Write(u"in/Налог_18210101011011000110_45280000000_200901-200903.doc", "x");
+    folder_.Write(u"reports/Налог_18210101011011000110_45280000000_200901-200903.doc", "x");
+    Start();
+    ASSERT_TRUE(WaitCounts("lblInfoFile", "Файлов в папке: 1"));
+    for (const auto& [list, end] : {std::pair{"lstFile", "/in/v0000.rtf"}, {"lstBase", "200903.doc"}}) {
+        auto* view = In<QListView>("frmmain", list);
+        view->setCurrentIndex(view->model()->index(0, 0));
+        view->setFocus();
+        QTest::keyClick(view, Qt::Key_Return);
+        EXPECT_THAT(Opened(end), EndsWith(std::string(end) + "\n"));
+    }
+    EXPECT_THAT(Opened("doc"), HasSubstr("/reports/"));
+}
+
+TEST_F(Windows, ShowsAllSubdivisions) {
+    WriteStatements(1);
+    samples::StatementOptions division;
+    division.name = u"division.rtf";
+    division.taxpayer = samples::DivisionTaxpayer();
+    samples::WriteDocument(folder_ / u"in", samples::MakeStatement(division));
+    host_.import(kInn, kAllSubdivisions);
+    Start();
+    EXPECT_THAT(RowsOf("frmmain", "lstBase"), SizeIs(1));
+    Click("frmmain", "chkKons");
+    EXPECT_THAT(RowsOf("frmmain", "lstBase"), SizeIs(2));
+    EXPECT_EQ(TextOf("Label5"), "ИНН: 7701234567");
+    ASSERT_TRUE(Wait([] { return In<QAbstractButton>("frmmain", "Command3")->isEnabled(); }));
+    Click("frmmain", "Command3");
+    ASSERT_TRUE(WaitShown("frmFilter"));
+    EXPECT_THAT(Shown(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace tav
