@@ -15,11 +15,17 @@ target_compile_options(
 if(TAV_SANITIZE)
   target_compile_options(tav_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
                                              -fno-omit-frame-pointer)
-  target_link_options(tav_flags INTERFACE -fsanitize=address,undefined)
+  # The sanitizer's dlopen looks from its own library, which an executable's RUNPATH does not reach, but RPATH does.
+  target_link_options(tav_flags INTERFACE -fsanitize=address,undefined -Wl,--disable-new-dtags)
 endif()
 
+# Where programs and libraries find the modules they load: beside them as built, in lib/ as installed.
+set(CMAKE_BUILD_RPATH "$ORIGIN;$ORIGIN/../lib")
+set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/../lib")
+
 # tav_room(NAME USES...): the static library tav_NAME of the sources in src/NAME. A source whose name ends in
-# _linux or _windows belongs to that platform alone. USES are other rooms by name, or imported targets.
+# _linux or _windows belongs to that platform alone; one that ends in _qt to the module tav_forms_qt. USES are other
+# rooms by name, or libraries.
 function(tav_room name)
   file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${name}/*.cpp)
   list(FILTER sources EXCLUDE REGEX "_qt\\.cpp$")
@@ -38,4 +44,24 @@ function(tav_room name)
       target_link_libraries(tav_${name} PUBLIC ${used})
     endif()
   endforeach()
+endfunction()
+
+# The windows of Linux: a module that a process loads when it shows its first one (platform/forms.h), so that
+# nothing else needs Qt or a screen.
+function(tav_forms_module)
+  find_package(Qt6 REQUIRED COMPONENTS Widgets)
+  find_library(XCB_LIBRARY xcb REQUIRED)
+  file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/platform/*_qt.cpp)
+  add_library(tav_forms_qt MODULE ${sources})
+  set_target_properties(
+    tav_forms_qt
+    PROPERTIES LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}
+               CXX_VISIBILITY_PRESET hidden
+               VISIBILITY_INLINES_HIDDEN ON)
+  install(TARGETS tav_forms_qt LIBRARY DESTINATION lib)
+  target_include_directories(tav_forms_qt PRIVATE ${PROJECT_SOURCE_DIR}/src)
+  target_link_libraries(tav_forms_qt PRIVATE tav_flags Qt6::Widgets ${XCB_LIBRARY})
+  if(NOT TAV_SANITIZE)
+    target_link_options(tav_forms_qt PRIVATE -Wl,--no-undefined)
+  endif()
 endfunction()

@@ -1,0 +1,76 @@
+// One control of a form in Qt: a widget and what can be asked of its kind.
+//
+// Widgets belong to their parent widget, controls to the form's window (form_window_qt.h), which deletes the
+// widgets first.
+#pragma once
+
+#include <QWidget>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "platform/forms.h"
+
+namespace tav {
+
+// Tells the form that something has happened to the control.
+using Raise = std::function<void(Event)>;
+
+class ControlQt {
+ public:
+    explicit ControlQt(const ControlPlan& plan) : plan_(plan) {}
+    virtual ~ControlQt() = default;
+    ControlQt(const ControlQt&) = delete;
+    ControlQt& operator=(const ControlQt&) = delete;
+
+    // Null for what is not seen.
+    virtual QWidget* widget() const { return nullptr; }
+    const ControlPlan& plan() const { return plan_; }
+
+    // The operations of FormWindow. What a kind does not have throws std::logic_error.
+    virtual Text GetText() const { Refuse(); }
+    virtual void SetText(TextView) { Refuse(); }
+    virtual bool Checked() const { Refuse(); }
+    virtual void Check(bool) { Refuse(); }
+    virtual void SetRows(std::vector<ListRow>) { Refuse(); }
+    virtual int SelectedRow() const { Refuse(); }
+    virtual void SelectRow(int) { Refuse(); }
+    virtual void SetNodes(std::vector<TreeNode>) { Refuse(); }
+    virtual Text SelectedNode() const { Refuse(); }
+    virtual void SelectNode(TextView) { Refuse(); }
+    virtual void SetBar(double) { Refuse(); }
+    virtual void SetInterval(int) { Refuse(); }
+    bool Enabled() const;
+    void Enable(bool enabled);
+
+ private:
+    [[noreturn]] void Refuse() const;
+
+    const ControlPlan& plan_;
+};
+
+// A control that is seen as a widget of type `Widget`.
+template <class Widget>
+class SeenControl : public ControlQt {
+ public:
+    SeenControl(const ControlPlan& plan, QWidget* parent) : ControlQt(plan), widget_(new Widget(parent)) {}
+    QWidget* widget() const final { return widget_; }
+
+ protected:
+    Widget* const widget_;
+};
+
+using MadeControl = std::unique_ptr<ControlQt>;
+
+// By the plan's kind; the widget gets the plan's name, caption, tool-tip and mnemonic.
+MadeControl MakeControl(const ControlPlan& plan, QWidget* parent, Raise raise);
+
+// The kinds that stand in files of their own.
+MadeControl MakeListBox(const ControlPlan& plan, QWidget* parent, Raise raise);
+MadeControl MakeComboBox(const ControlPlan& plan, QWidget* parent, Raise raise);
+MadeControl MakeTreeView(const ControlPlan& plan, QWidget* parent, Raise raise);
+
+// A size in average characters and lines of the widget's font, whatever the screen's resolution.
+QSize CharacterSize(const QWidget& widget, int characters, int lines);
+
+}  // namespace tav
