@@ -7,7 +7,6 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QWindow>
-#include <cassert>
 #include <set>
 #include <unordered_map>
 #include <utility>
@@ -61,7 +60,7 @@ void JoinLabels(const std::vector<MadeControl>& controls) {
 
 }  // namespace
 
-FormWindowQt::FormWindowQt(const FormPlan& plan, FormEvents& events) : events_(events) {
+FormWindowQt::FormWindowQt(const FormPlan& plan, FormEvents& events) : events_(&events) {
     setObjectName(ToQt(plan.name));
     setWindowTitle(ToQt(plan.caption));
     setAttribute(Qt::WA_QuitOnClose, false);  // a host's windows decide when the host ends
@@ -75,17 +74,24 @@ FormWindowQt::FormWindowQt(const FormPlan& plan, FormEvents& events) : events_(e
 }
 
 FormWindowQt::~FormWindowQt() {
-    assert(handlers_ == 0);
-    Hide();
     // The widgets go before what listens to them.
     qDeleteAll(findChildren<QWidget*>(Qt::FindDirectChildrenOnly));
+}
+
+// Below this call there may be a widget of the window that is busy telling an event.
+void FormWindowQt::Discard() {
+    Hide();
+    events_ = nullptr;
+    deleteLater();
 }
 
 void FormWindowQt::MakeControls(const FormPlan& plan) {
     std::unordered_map<TextView, QWidget*> frames = {{TextView(), this}};
     for (std::size_t i = 0; i < plan.controls.size(); ++i) {
         const ControlPlan& control = plan.controls[i];
-        const Raise raise = [this, i](Event event) { Handle([&] { events_.OnEvent(i, event); }); };
+        const Raise raise = [this, i](Event event) {
+            if (events_ != nullptr) events_->OnEvent(i, event);
+        };
         controls_.push_back(MakeControl(control, frames.at(control.place.parent), raise));
         if (control.kind == ControlKind::Frame) frames[control.name] = controls_.back()->widget();
     }
@@ -93,13 +99,6 @@ void FormWindowQt::MakeControls(const FormPlan& plan) {
 
 QAbstractButton* FormWindowQt::FindButton(TextView name) const {
     return name.empty() ? nullptr : findChild<QAbstractButton*>(ToQt(name));
-}
-
-template <class Handler>
-void FormWindowQt::Handle(const Handler& handler) {
-    ++handlers_;
-    handler();
-    --handlers_;
 }
 
 void FormWindowQt::Appear() {
@@ -146,7 +145,7 @@ void FormWindowQt::Hide() {
 // The form decides. Whoever asked learns whether the window has gone: a host that ends closes all windows
 // first.
 void FormWindowQt::closeEvent(QCloseEvent* event) {
-    Handle([&] { events_.OnCloseRequest(); });
+    if (events_ != nullptr) events_->OnCloseRequest();
     event->setAccepted(!isVisible());
 }
 

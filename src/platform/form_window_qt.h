@@ -15,8 +15,9 @@ namespace tav {
 class FormWindowQt final : public QWidget, public FormWindow {
  public:
     FormWindowQt(const FormPlan& plan, FormEvents& events);
-    ~FormWindowQt() override;
+    ~FormWindowQt();
 
+    void Discard() override;
     void Show() override;
     void ShowModal(FormWindow* owner) override;
     void Hide() override;
@@ -51,15 +52,12 @@ class FormWindowQt final : public QWidget, public FormWindow {
     void MakeControls(const FormPlan& plan);
     QAbstractButton* FindButton(TextView name) const;
     void Appear();
-    template <class Handler>
-    void Handle(const Handler& handler);
 
-    FormEvents& events_;
+    FormEvents* events_;  // null when the window has been discarded
     std::vector<MadeControl> controls_;
     QAbstractButton* default_ = nullptr;
     QAbstractButton* cancel_ = nullptr;
     QEventLoop* modal_loop_ = nullptr;  // of the ShowModal that waits
-    int handlers_ = 0;                  // that run now
 };
 
 // The event loop, until no form's window is shown.

@@ -93,11 +93,11 @@ struct TreeNode {
 
 // A window that a toolkit has made. Controls are named by their index in the plan; asking a control for what
 // its kind does not have is an error of the program. Texts are plain: nothing in them is mark-up.
-// Destroying it removes the window from the screen and ends its modal loop; not allowed while OnEvent or
-// OnCloseRequest of this window runs.
 class FormWindow {
  public:
-    virtual ~FormWindow() = default;
+    // Removes the window from the screen, ends its modal loop and tells its form nothing any more. Allowed at any
+    // time, also while one of its events is handled; the object goes when that is over.
+    virtual void Discard() = 0;
 
     // Modeless, in front, with the input focus; of no owner.
     virtual void Show() = 0;
@@ -127,13 +127,21 @@ class FormWindow {
     virtual void SetBar(std::size_t control, double part) = 0;
     // Timer: milliseconds, 0 stops it.
     virtual void SetInterval(std::size_t control, int milliseconds) = 0;
+
+ protected:
+    ~FormWindow() = default;
 };
+
+struct DiscardWindow {
+    void operator()(FormWindow* window) const { window->Discard(); }
+};
+using OwnedWindow = std::unique_ptr<FormWindow, DiscardWindow>;
 
 class Toolkit {
  public:
     virtual ~Toolkit() = default;
     // The window is not shown yet. The plan and the events outlive it.
-    virtual std::unique_ptr<FormWindow> Create(const FormPlan& plan, FormEvents& events) = 0;
+    virtual OwnedWindow Create(const FormPlan& plan, FormEvents& events) = 0;
     // Returns when the user has closed the box.
     virtual void ShowMessage(const Message& message) = 0;
     // The system's dialog for choosing a folder, owned by the window and starting at `start`; empty text when

@@ -35,8 +35,8 @@ class ScopedDialog {
 
 class ToolkitQt : public Toolkit {
  public:
-    std::unique_ptr<FormWindow> Create(const FormPlan& plan, FormEvents& events) override {
-        return std::make_unique<FormWindowQt>(plan, events);
+    OwnedWindow Create(const FormPlan& plan, FormEvents& events) override {
+        return OwnedWindow(new FormWindowQt(plan, events));
     }
 
     void ShowMessage(const Message& message) override {

@@ -10,7 +10,6 @@
 #include <functional>
 #include <initializer_list>
 #include <map>
-#include <memory>
 #include <utility>
 #include <vector>
 
@@ -79,7 +78,7 @@ class Form : public FormEvents {
     const FormPlan& plan_;
     TextView load_title_;
     std::map<std::pair<std::size_t, Event>, Procedure> procedures_;
-    std::unique_ptr<FormWindow> window_;
+    OwnedWindow window_;
     int running_ = 0;        // handlers of this form that have not returned
     bool unloaded_ = false;  // the window goes when they have
 };

@@ -142,7 +142,7 @@ class FormsQt : public ::testing::Test {
     static Heard Opens(std::size_t control) { return {{control, Event::DblClick}}; }
 
     Recorder events;
-    std::unique_ptr<FormWindow> window;
+    OwnedWindow window;
 };
 
 TEST_F(FormsQt, TheTabKeyGoesInThePlansOrder) {

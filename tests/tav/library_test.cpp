@@ -26,8 +26,8 @@ using testing::SizeIs;
 const std::string kInn = ToUtf8(samples::SampleTaxpayer().inn);
 const std::string kKpp = ToUtf8(samples::SampleTaxpayer().kpp);
 
-Outcome Run(const std::string& program, const std::vector<std::string>& arguments,
-            const std::function<void()>& in_child = {}) {
+Outcome RunAny(const std::string& program, const std::vector<std::string>& arguments,
+               const std::function<void()>& in_child = {}) {
     return test::Process(program, arguments, in_child).Wait();
 }
 
@@ -60,35 +60,34 @@ class Outside : public testing::Test {
 
 TEST_F(Outside, AHostInCBuildsAgainstTheInstalledLibraryAndImports) {
     const std::string prefix = Path(u"установка с пробелом");
-    ASSERT_EQ(Run("cmake", {"--install", TAV_BINARY_DIR, "--prefix", prefix}).status, 0);
-    const auto flags = Run("pkg-config", {"--cflags", "--libs", "TAV_OperationImport"}, [&] {
-        ::setenv("PKG_CONFIG_PATH", (prefix + "/lib/pkgconfig").c_str(), 1);
-    });
+    ASSERT_EQ(RunAny("cmake", {"--install", TAV_BINARY_DIR, "--prefix", prefix}).status, 0);
+    const auto flags = RunAny("pkg-config", {"--cflags", "--libs", "TAV_OperationImport"},
+                              [&] { ::setenv("PKG_CONFIG_PATH", (prefix + "/lib/pkgconfig").c_str(), 1); });
     ASSERT_EQ(flags.status, 0) << flags.err;
-    const std::string build = std::string(TAV_HOST_CC) + " -std=c11 -Wall -Wextra -Werror '" TAV_SOURCE_DIR
-                              "/examples/host.c' " + flags.out.substr(0, flags.out.find('\n')) + " -o '" +
-                              Path(u"host") + "'";
-    const Outcome built = Run("sh", {"-c", build});
+    const std::string build = std::string(TAV_HOST_CC) +
+                              " -std=c11 -Wall -Wextra -Werror '" TAV_SOURCE_DIR "/examples/host.c' " +
+                              flags.out.substr(0, flags.out.find('\n')) + " -o '" + Path(u"host") + "'";
+    const Outcome built = RunAny("sh", {"-c", build});
     ASSERT_EQ(built.status, 0) << built.err;
     const auto with_library = [&] {
         WithoutScreen();
         ::setenv("LD_LIBRARY_PATH", (prefix + "/lib").c_str(), 1);
     };
-    const Outcome import = Run(Path(u"host"), {kInn, kKpp, "import"}, with_library);
+    const Outcome import = RunAny(Path(u"host"), {kInn, kKpp, "import"}, with_library);
     EXPECT_EQ(import.status, 0);
     EXPECT_THAT(import.err, IsEmpty());
     EXPECT_THAT(Tav({"list", "--inn", kInn}).out, HasSubstr("Выписка"));
-    const Outcome statements = Run(Path(u"host"), {kInn, kKpp, "statements"}, with_library);
+    const Outcome statements = RunAny(Path(u"host"), {kInn, kKpp, "statements"}, with_library);
     EXPECT_THAT(statements.err, AllOf(HasSubstr("Ошибка в функции View_V: "), HasSubstr("index.doc")));
-    const Outcome main_window =
-        Run(Path(u"host"), {kInn, kKpp}, [&] {
-            with_library();
-            ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-            ::alarm(3);  // nobody closes the window
-        });
+    const Outcome main_window = RunAny(Path(u"host"), {kInn, kKpp}, [&] {
+        with_library();
+        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+        ::alarm(3);  // nobody closes the window
+    });
     EXPECT_EQ(main_window.status, 128 + SIGALRM) << main_window.err;
 
-    const Outcome exported = Run("nm", {"-D", "--defined-only", prefix + "/lib/libTAV_OperationImport.so"});
+    const Outcome exported =
+        RunAny("nm", {"-D", "--defined-only", prefix + "/lib/libTAV_OperationImport.so"});
     EXPECT_EQ(std::count(exported.out.begin(), exported.out.end(), '\n'), 7) << exported.out;
 }
 
@@ -128,14 +127,14 @@ TEST_F(Outside, WithoutAScreenReportsAreWrittenAndWindowsAreAFailure) {
 TEST_F(Outside, ViewOpensTheStatementOfANumber) {
     ASSERT_EQ(Ask("import").status, 0);
     folder_.Write(u"xdg-open", "#!/bin/sh\necho \"$1\" > \"$(dirname \"$0\")/opened\"\n");
-    ASSERT_EQ(Run("chmod", {"+x", Path(u"xdg-open")}).status, 0);
+    ASSERT_EQ(RunAny("chmod", {"+x", Path(u"xdg-open")}).status, 0);
     const auto with_opener = [&] {
         WithoutScreen();
         ::setenv("PATH", (Path(u"") + ":" + std::getenv("PATH")).c_str(), 1);
     };
     EXPECT_EQ(Tav({"view_v_id", "999"}, with_opener).err, "");
     EXPECT_EQ(Tav({"view_v_id", "1"}, with_opener).err, "");
-    for (int i = 0; i < 100 && !FileExists(folder_ / u"opened"); ++i) Run("sleep", {"0.1"});
+    for (int i = 0; i < 100 && !FileExists(folder_ / u"opened"); ++i) RunAny("sleep", {"0.1"});
     EXPECT_EQ(ReadFile(folder_ / u"opened"), Path(u"reports/vipis.doc") + "\n");
 }
 

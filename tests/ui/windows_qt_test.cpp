@@ -13,12 +13,11 @@ namespace {
 
 using namespace test;
 using testing::AllOf;
-using testing::Each;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
 using testing::SizeIs;
 using testing::StartsWith;
 
@@ -152,7 +151,7 @@ TEST_F(Windows, NarrowsASummaryToAPeriodAndACode) {
     codes->setFocus();
     QTest::keyClick(codes, Qt::Key_Down);
     QTest::keyClick(codes, Qt::Key_Down);
-    const auto found = tree->findItems("1 полугодие", Qt::MatchStartsWith | Qt::MatchRecursive);
+    const auto found = tree->findItems("2 полугодие", Qt::MatchStartsWith | Qt::MatchRecursive);
     ASSERT_FALSE(found.isEmpty());
     tree->setCurrentItem(found.first());
     Click("frmFilter", "Command1");
@@ -167,7 +166,7 @@ TEST_F(Windows, NarrowsASummaryToAPeriodAndACode) {
     };
     EXPECT_EQ(times(u"<a href="), 2);
     EXPECT_EQ(times(samples::Taxes()[1].kbk), 2);
-    EXPECT_EQ(times(u"01.2009-"), 1);
+    EXPECT_EQ(times(u"01.07.2009-"), 1);
     Click("frmFilter", "Check1");
     EXPECT_TRUE(SettingTruth(u"ChkFilter"));
     QTest::keyClick(WindowNamed("frmFilter"), Qt::Key_Escape);
@@ -177,9 +176,10 @@ TEST_F(Windows, NarrowsASummaryToAPeriodAndACode) {
 TEST_F(Windows, SaysWhenThereIsNothing) {
     host_.view_a(kInn, kKpp);
     EXPECT_EQ(WindowNamed("frmFilter"), nullptr);
-    EXPECT_THAT(Shown(), ElementsAre("Сводная справка: В базе данных для выбранного налогоплательщика отсутствует "
-                                     "информация по импортированным актам сверки.\r\nСводная справка не может "
-                                     "быть сформирована."));
+    EXPECT_THAT(Shown(),
+                ElementsAre("Сводная справка: В базе данных для выбранного налогоплательщика отсутствует "
+                            "информация по импортированным актам сверки.\r\nСводная справка не может "
+                            "быть сформирована."));
 }
 
 TEST_F(Windows, KeepsTheSettings) {
@@ -206,8 +206,8 @@ TEST_F(Windows, LivesWithoutFolderAndDatabase) {
     ASSERT_TRUE(WaitCounts("lblInfoFile", "Файлов в папке: 0 (папка не найдена)"));
     QTest::keyClicks(In<QLineEdit>("frmmain", "txtImport"), "abc");
     QTest::qWait(300);
-    EXPECT_THAT(Shown(), ElementsAre(AllOf(StartsWith("Ошибка в функции SetFiles: "),
-                                           HasSubstr("PlX_Base.mdb"))));
+    EXPECT_THAT(Shown(),
+                ElementsAre(AllOf(StartsWith("Ошибка в функции SetFiles: "), HasSubstr("PlX_Base.mdb"))));
     for (const char* list : {"lstFile", "lstBase"}) {
         QTest::mouseDClick(In<QListView>("frmmain", list)->viewport(), Qt::LeftButton);
     }
