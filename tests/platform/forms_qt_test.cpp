@@ -13,7 +13,7 @@
 #include <QScrollBar>
 #include <QTest>
 #include <QTimer>
-#include <QTreeWidget>
+#include <QTreeView>
 #include <clocale>
 #include <cmath>
 #include <cstdlib>
@@ -184,7 +184,7 @@ TEST_F(FormsQt, EnterAndEscapePressTheirButtonsUnlessTheControlHasAUseForThem) {
 
 TEST_F(FormsQt, ASelectedRowIsOpenedByEnterAndByADoubleClick) {
     auto* rows = Find<QListView>("Rows");
-    auto* tree = Find<QTreeWidget>("Tree");
+    auto* tree = Find<QTreeView>("Tree");
     EXPECT_EQ(window->SelectedRow(kRows), -1);
     DoubleClick(rows, {});
     DoubleClick(tree, {});
