@@ -78,12 +78,15 @@ bool HasPlugin(const QString& platform) {
     return false;
 }
 
-bool CanBeUsed(const QString& wish) {
+// Why the platform of this name, which may have options behind a colon, cannot be used; empty when it can.
+Text Obstacle(const QString& wish) {
     const QString name = wish.section(u':', 0, 0).toLower();
     for (const Platform& platform : kPlatforms) {
-        if (name == QStringView(platform.name)) return platform.answers() && HasPlugin(name);
+        if (name != QStringView(platform.name)) continue;
+        if (!platform.answers()) return u"экран не отвечает (" + FromQt(wish) + u")";
+        if (HasPlugin(name)) return {};
     }
-    return false;
+    return u"нет такого модуля Qt для экрана (" + FromQt(wish) + u")";
 }
 
 // The platforms to try, as Qt would: what QT_QPA_PLATFORM names, else what the session offers.
@@ -142,14 +145,16 @@ bool EnsureApplication(Text& why) {
         }
         return why.empty();
     }
-    const QStringList wishes = Wishes();
-    for (const QString& wish : wishes) {
-        if (!CanBeUsed(wish)) continue;
-        MakeApplication(wish);
-        return true;
+    for (const QString& wish : Wishes()) {
+        const Text obstacle = Obstacle(wish);
+        if (obstacle.empty()) {
+            MakeApplication(wish);
+            why.clear();
+            return true;
+        }
+        why += (why.empty() ? u"" : u", ") + obstacle;
     }
-    why = wishes.isEmpty() ? u"нет экрана (не заданы ни DISPLAY, ни WAYLAND_DISPLAY)"
-                           : u"экран не отвечает (" + FromQt(wishes.join(u", ")) + u")";
+    if (why.empty()) why = u"нет экрана (не заданы ни DISPLAY, ни WAYLAND_DISPLAY)";
     return false;
 }
 

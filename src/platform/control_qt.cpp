@@ -2,6 +2,7 @@
 
 #include <QCheckBox>
 #include <QFontMetrics>
+#include <QGridLayout>
 #include <QGroupBox>
 #include <QKeySequence>
 #include <QLabel>
@@ -42,11 +43,24 @@ class Captioned : public SeenControl<Widget> {
 
 class Frame : public Captioned<QGroupBox> {
  public:
-    Frame(const ControlPlan& plan, QWidget* parent, Raise) : Captioned(plan, parent) {}
+    using Captioned::Captioned;
 
  protected:
     void ShowCaption(const QString& caption) override { widget_->setTitle(caption); }
 };
+
+// A frame without a title is not seen: it only holds its controls together.
+class Group : public SeenControl<QWidget> {
+ public:
+    Group(const ControlPlan& plan, QWidget* parent) : SeenControl(plan, parent) {
+        (new QGridLayout(widget_))->setContentsMargins(0, 0, 0, 0);
+    }
+};
+
+MadeControl MakeFrame(const ControlPlan& plan, QWidget* parent, Raise) {
+    if (plan.caption.empty()) return std::make_unique<Group>(plan, parent);
+    return std::make_unique<Frame>(plan, parent);
+}
 
 class Label : public Captioned<QLabel> {
  public:
@@ -182,7 +196,7 @@ MadeControl Make(const ControlPlan& plan, QWidget* parent, Raise raise) {
 
 constexpr std::array<std::pair<ControlKind, MadeControl (*)(const ControlPlan&, QWidget*, Raise)>, 13>
     kMakers = {{
-        {ControlKind::Frame, Make<Frame>},
+        {ControlKind::Frame, MakeFrame},
         {ControlKind::Label, Make<Label>},
         {ControlKind::TextBox, Make<TextBox>},
         {ControlKind::Memo, Make<Memo>},

@@ -18,7 +18,7 @@
 namespace tav {
 
 enum class ControlKind {
-    Frame,          // a titled box that other controls are placed in
+    Frame,          // a titled box that other controls are placed in; without a caption only a place
     Label,          // text; a mnemonic in it leads to the next control
     TextBox,        // one line
     Memo,           // lines to read, not to change

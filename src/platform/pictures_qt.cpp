@@ -23,9 +23,10 @@ class PeriodEngine : public QIconEngine {
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
         const QPalette palette = QGuiApplication::palette();
         const auto group = mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;
-        const QColor line =
-            palette.color(group, mode == QIcon::Selected ? QPalette::HighlightedText : QPalette::Text);
-        const QColor fill = mode == QIcon::Selected ? line : palette.color(group, QPalette::Highlight);
+        const bool selected = mode == QIcon::Selected;
+        const QColor line = palette.color(group, selected ? QPalette::HighlightedText : QPalette::Text);
+        const QColor fill = selected ? line : palette.color(group, QPalette::Highlight);
+        const QColor rest = palette.color(group, selected ? QPalette::Highlight : QPalette::Base);
         const double side = std::min(rect.width(), rect.height());
         const QRectF box(rect.center().x() + 0.5 - side / 2, rect.center().y() + 0.5 - side / 2, side, side);
         const double edge = side / 12;
@@ -34,7 +35,7 @@ class PeriodEngine : public QIconEngine {
         painter->setRenderHint(QPainter::Antialiasing);
         painter->setPen(QPen(line, edge));
         const auto disc = [&](const QRectF& place) {
-            painter->setBrush(palette.color(group, QPalette::Base));
+            painter->setBrush(rest);
             painter->drawEllipse(place);
             painter->setBrush(fill);
             // Clockwise from the top, in sixteenths of a degree.

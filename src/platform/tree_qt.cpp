@@ -1,63 +1,46 @@
 // The tree.
 #include <QHeaderView>
-#include <QTreeWidget>
-#include <unordered_map>
+#include <QTreeView>
 #include <utility>
 
 #include "platform/enter_qt.h"
-#include "platform/pictures_qt.h"
-#include "platform/text_qt.h"
+#include "platform/tree_model_qt.h"
 
 namespace tav {
 namespace {
 
-constexpr int kKeyRole = Qt::UserRole;
-
-class TreeView : public SeenControl<OpenedByEnter<QTreeWidget>> {
+class TreeView : public SeenControl<OpenedByEnter<QTreeView>> {
  public:
     TreeView(const ControlPlan& plan, QWidget* parent, Raise raise) : SeenControl(plan, parent) {
+        widget_->setModel(model_);
         widget_->setHeaderHidden(true);
         // As wide as its nodes, so that a scroll bar shows the ends of long ones.
         widget_->header()->setStretchLastSection(false);
         widget_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
         widget_->setUniformRowHeights(true);
         widget_->setTextElideMode(Qt::ElideNone);
+        widget_->setEditTriggers(QAbstractItemView::NoEditTriggers);
         widget_->setMinimumSize(CharacterSize(*widget_, 20, 4));
         widget_->Open(std::move(raise));
     }
-
-    // The nodes are joined before the view sees them; then it takes them all in one step.
     void SetNodes(std::vector<TreeNode> nodes) override {
-        widget_->clear();
-        items_.clear();
-        QList<QTreeWidgetItem*> top;
-        std::vector<QTreeWidgetItem*> expanded;
-        for (const TreeNode& node : nodes) {
-            const auto parent = items_.find(node.parent);
-            auto* item = new QTreeWidgetItem;
-            item->setText(0, ToQt(node.text));
-            item->setData(0, kKeyRole, ToQt(node.key));
-            if (node.picture != Picture::None) item->setIcon(0, PictureIcon(node.picture, *widget_));
-            if (parent == items_.end()) {
-                top << item;
-            } else {
-                parent->second->addChild(item);
-            }
-            if (node.expanded) expanded.push_back(item);
-            items_[node.key] = item;
+        model_->SetNodes(std::move(nodes));
+        for (std::size_t i = 0; i < model_->nodes().size(); ++i) {
+            if (model_->nodes()[i].expanded) widget_->expand(model_->IndexOf(i));
         }
-        widget_->addTopLevelItems(top);
-        for (QTreeWidgetItem* item : expanded) item->setExpanded(true);
     }
-    Text SelectedNode() const override { return FromQt(SelectedIndex(*widget_).data(kKeyRole).toString()); }
+    Text SelectedNode() const override {
+        const QModelIndex selected = SelectedIndex(*widget_);
+        return selected.isValid() ? model_->At(selected).key : Text();
+    }
     void SelectNode(TextView key) override {
-        const auto item = items_.find(Text(key));
-        if (item == items_.end()) widget_->clearSelection();
-        widget_->setCurrentItem(item != items_.end() ? item->second : nullptr);
+        const QModelIndex index = model_->Find(key);
+        if (!index.isValid()) widget_->clearSelection();
+        widget_->setCurrentIndex(index);
     }
 
  private:
-    std::unordered_map<Text, QTreeWidgetItem*> items_;  // by key
+    TreeModelQt* const model_ = new TreeModelQt(widget_);
 };
 
 }  // namespace

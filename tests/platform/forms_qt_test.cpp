@@ -13,7 +13,7 @@
 #include <QScrollBar>
 #include <QTest>
 #include <QTimer>
-#include <QTreeWidget>
+#include <QTreeView>
 #include <clocale>
 #include <cmath>
 #include <cstdlib>
@@ -184,7 +184,7 @@ TEST_F(FormsQt, EnterAndEscapePressTheirButtonsUnlessTheControlHasAUseForThem) {
 
 TEST_F(FormsQt, ASelectedRowIsOpenedByEnterAndByADoubleClick) {
     auto* rows = Find<QListView>("Rows");
-    auto* tree = Find<QTreeWidget>("Tree");
+    auto* tree = Find<QTreeView>("Tree");
     EXPECT_EQ(window->SelectedRow(kRows), -1);
     DoubleClick(rows, {});
     DoubleClick(tree, {});
@@ -386,8 +386,9 @@ TEST_F(FormsQtProcess, WithoutAScreenThereIsAFailureAndLaterAScreen) {
         {
             int wrong = RefusedFor({}, u"нет экрана");
             wrong += RefusedFor({{"DISPLAY", ":77"}}, u"экран не отвечает (xcb)");
-            wrong += RefusedFor({{"WAYLAND_DISPLAY", "/nowhere"}}, u"экран не отвечает (wayland)");
-            wrong += RefusedFor({{"QT_QPA_PLATFORM", "nonsense;eglfs"}}, u"экран не отвечает");
+            wrong += RefusedFor({{"WAYLAND_DISPLAY", "/nowhere"}, {"DISPLAY", ":77"}},
+                                u"(wayland), экран не отвечает (xcb)");
+            wrong += RefusedFor({{"QT_QPA_PLATFORM", "nonsense;eglfs"}}, u"(nonsense), нет такого модуля");
             ::setenv("QT_QPA_PLATFORM", "nonsense;offscreen", 1);
             CurrentToolkit();
             std::exit(wrong + (ToolkitLoaded() ? 0 : 4));
