@@ -3,7 +3,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QTimer>
-#include <QTreeWidget>
+#include <QTreeView>
 
 #include "samples/generator.h"
 #include "ui/desktop.h"
@@ -143,17 +143,19 @@ TEST_F(Windows, NarrowsASummaryToAPeriodAndACode) {
     Import();
     host_.view_v(kInn, kKpp);
     ASSERT_TRUE(WaitShown("frmFilter"));
-    auto* tree = In<QTreeWidget>("frmFilter", "TreeView1");
-    ASSERT_EQ(tree->topLevelItemCount(), 1);
-    EXPECT_EQ(tree->topLevelItem(0)->childCount(), 2);
+    auto* tree = In<QTreeView>("frmFilter", "TreeView1");
+    const QModelIndex all = tree->model()->index(0, 0);
+    EXPECT_EQ(tree->model()->rowCount(), 1);
+    EXPECT_EQ(tree->model()->rowCount(all), 2);
     auto* codes = In<QComboBox>("frmFilter", "cmbKBK");
     ASSERT_EQ(codes->count(), 3);
     codes->setFocus();
     QTest::keyClick(codes, Qt::Key_Down);
     QTest::keyClick(codes, Qt::Key_Down);
-    const auto found = tree->findItems("2 полугодие", Qt::MatchStartsWith | Qt::MatchRecursive);
+    const auto found = tree->model()->match(all, Qt::DisplayRole, "2 полугодие", 1,
+                                            Qt::MatchStartsWith | Qt::MatchRecursive);
     ASSERT_FALSE(found.isEmpty());
-    tree->setCurrentItem(found.first());
+    tree->setCurrentIndex(found.first());
     Click("frmFilter", "Command1");
     const std::string opened = Opened("index");
     EXPECT_THAT(opened, HasSubstr("/reports/index"));
