@@ -20,8 +20,6 @@ struct DocumentGlance {
     Text tax = {};  // the tax's name
     Text reason =
         {};  // why the kind is unknown, for a person, in Russian or as the system says it; else empty
-
-    bool operator==(const DocumentGlance&) const = default;
 };
 
 // Looks at the RTF of that path. Shows no message and throws nothing: what cannot be read, and what is
