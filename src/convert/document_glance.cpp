@@ -23,6 +23,7 @@ namespace {
 constexpr std::size_t kHeads[] = {std::size_t{64} << 10, std::size_t{1} << 20};
 
 constexpr std::string_view kFrame = "\\posx";
+constexpr std::string_view kPage = "\\page";
 constexpr std::size_t kPositionSize = 9;  // "posx" and five digits
 constexpr std::string_view kStatementHeader = "##v<h@@>";
 constexpr std::string_view kActHeader = "##a<h@@>";
@@ -42,6 +43,12 @@ constexpr std::string_view kDateShape = "00.00.0000";
 const std::string kActPart = ToWindows1251(u"<part type=\"акт\">");
 const std::string kStatementPart = ToWindows1251(u"<part type=\"выписка\">");
 
+constexpr TextView kStatementTitle = u"Выписка операций по расчету с бюджетом";
+
+bool IsLetterOrDigit(char c) {
+    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+
 template <class Char>
 bool Fits(std::basic_string_view<Char> text, std::string_view shape) {
     return std::equal(text.begin(), text.end(), shape.begin(), shape.end(), [](Char c, char expected) {
@@ -54,25 +61,26 @@ bool IsComplete(const DocumentGlance& glance) {
            Fits<char16_t>(glance.period_begin, kDateShape) && Fits<char16_t>(glance.period_end, kDateShape);
 }
 
-// Where the first header lines of statements stand, and the first amount of an act, if that comes before
-// they are complete.
+// Where the header lines of both forms stand, and the frame behind the header: behind the last line of a
+// statement, or the first amount of an act.
 struct Landmarks {
-    std::vector<std::size_t> header;
-    std::size_t amounts = std::string_view::npos;
-    bool is_form = false;  // whether there is any header line
+    std::vector<std::size_t> statement;
+    std::vector<std::size_t> act;
+    std::size_t end = std::string_view::npos;
 };
 
 Landmarks FindLandmarks(std::string_view head) {
     Landmarks found;
-    for (std::size_t at = 0; (at = head.find(kFrame, at)) != head.npos; at += kFrame.size()) {
+    for (std::size_t at = 1; (at = head.find(kFrame, at)) != head.npos; at += kFrame.size()) {
+        // Only behind a control word does a position begin its line.
+        if (!IsLetterOrDigit(head[at - 1])) continue;
         const std::string tag = ReplaceCellPositions(head.substr(at + 1, kPositionSize));
-        if (tag.starts_with(kActAmount)) {
-            found.amounts = at;
+        if (tag.starts_with(kActHeader)) found.act.push_back(at);
+        if (tag.starts_with(kStatementHeader)) found.statement.push_back(at);
+        if (found.statement.size() == kHeaderLines || tag.starts_with(kActAmount)) {
+            found.end = tag.starts_with(kActAmount) ? at : head.find(kFrame, at + 1);
             break;
         }
-        if (tag.starts_with(kStatementHeader)) found.header.push_back(at);
-        found.is_form |= tag.starts_with(kActHeader) || !found.header.empty();
-        if (found.header.size() == kHeaderLines) break;
     }
     return found;
 }
@@ -93,22 +101,25 @@ Text HeaderValue(std::string_view frame) {
     return FromWindows1251(GetNext(rest, kLineEnd));
 }
 
-// A statement whose fields are where they belong and look as they should: each is one frame of digits and
-// points, which FindTextValue reads whatever way the letters are written.
+Text FrameText(std::string_view head, std::size_t frame) {
+    auto pos = static_cast<std::int32_t>(frame + 1);
+    return FromWindows1251(FindTextValueQuietly(pos, head));
+}
+
+// A statement as it should be: its title in letters that FindTextValue reads, its header on one page, and
+// fields that are single frames of digits and points.
 std::optional<DocumentGlance> GlanceAtFrames(std::string_view head, const Landmarks& landmarks) {
-    if (landmarks.header.size() < kHeaderLines) return std::nullopt;
-    const auto field = [&](HeaderLine line) {
-        auto pos = static_cast<std::int32_t>(landmarks.header[line] + 1);
-        return FromWindows1251(FindTextValueQuietly(pos, head));
-    };
+    const std::vector<std::size_t>& lines = landmarks.statement;
+    if (lines.size() < kHeaderLines || landmarks.act.size() != 1) return std::nullopt;
+    if (head.substr(0, lines.back()).find(kPage) != head.npos) return std::nullopt;
+    if (FrameText(head, landmarks.act[0]) != kStatementTitle) return std::nullopt;
     DocumentGlance glance{.kind = DocumentKind::Statement,
-                          .code = field(kCode),
-                          .okato = field(kOkato),
-                          .period_begin = field(kPeriodBegin),
-                          .period_end = field(kPeriodEnd)};
+                          .code = FrameText(head, lines[kCode]),
+                          .okato = FrameText(head, lines[kOkato]),
+                          .period_begin = FrameText(head, lines[kPeriodBegin]),
+                          .period_end = FrameText(head, lines[kPeriodEnd])};
     if (!IsComplete(glance)) return std::nullopt;
-    const std::size_t tax = landmarks.header[kTax];
-    glance.tax = HeaderValue(head.substr(tax, head.find(kFrame, tax + 1) - tax));
+    glance.tax = HeaderValue(head.substr(lines[kTax], head.find(kFrame, lines[kTax] + 1) - lines[kTax]));
     return glance;
 }
 
@@ -125,9 +136,9 @@ Text ReasonOf(std::string_view head) {
     return u"Не найдена шапка выписки или акта";
 }
 
-// Any other document: its head is read as the whole of it would be, up to the first amount of an act.
+// Any other document: its head is read as the whole of it would be.
 DocumentGlance GlanceAtLines(std::string_view head, const Landmarks& landmarks) {
-    const std::string text = TaggedText(head.substr(0, landmarks.amounts));
+    const std::string text = TaggedText(head.substr(0, landmarks.end));
     StatementLines lines;
     for (std::string_view rest = text; !rest.empty();) lines.Add(GetNext(rest, kLineEnd));
     const std::string parts = lines.TakeOutput();
@@ -146,7 +157,7 @@ DocumentGlance GlanceAtLines(std::string_view head, const Landmarks& landmarks) 
 
 DocumentGlance GlanceAtHead(std::string_view head) {
     const Landmarks landmarks = FindLandmarks(head);
-    if (!landmarks.is_form) return {.reason = ReasonOf(head)};
+    if (landmarks.statement.empty() && landmarks.act.empty()) return {.reason = ReasonOf(head)};
     const std::optional<DocumentGlance> statement = GlanceAtFrames(head, landmarks);
     return statement ? *statement : GlanceAtLines(head, landmarks);
 }

@@ -1,7 +1,8 @@
 // What a list of documents shows of one of them, found without converting it.
 //
 // The head of the file is enough: the header of a printed form stands before its amounts. Of several
-// documents in one file the first one counts.
+// documents in one file the first one counts. What shows is what the catalogue entry will say; only of a
+// document whose groups or frames are damaged the entry may lack a field that shows here.
 #pragma once
 
 #include "common/text.h"
@@ -10,7 +11,7 @@ namespace tav {
 
 enum class DocumentKind { Unknown, Statement, Act };
 
-// The texts are those of the catalogue entry that the document gets; one that is missing there is empty.
+// The texts of the catalogue entry; a field that is missing is empty.
 struct DocumentGlance {
     DocumentKind kind = DocumentKind::Unknown;
     Text code = {};          // the tax's budget classification code, 20 digits
@@ -18,8 +19,8 @@ struct DocumentGlance {
     Text period_begin = {};  // dd.mm.yyyy
     Text period_end = {};
     Text tax = {};  // the tax's name
-    Text reason =
-        {};  // why the kind is unknown, for a person, in Russian or as the system says it; else empty
+    // Why the kind is unknown, for a person, in Russian or as the system says it; else empty.
+    Text reason = {};
 };
 
 // Looks at the RTF of that path. Shows no message and throws nothing: what cannot be read, and what is

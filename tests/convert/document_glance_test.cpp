@@ -89,6 +89,9 @@ TEST_F(DocumentGlanceTest, ShowsOddHeadersAsConverted) {
         {kOkato, kOkato + " (45290000000)"},
         {kOkato, "{}"},
         {kOkato, "}{x"},
+        {"\\posx10377", "\\page\\posx10377"},
+        {"\\posx10377", "\r\n\\posx10377"},
+        {"\\fs24\\f1\\cf1 ", "\\fs24\\f1\\cf1 x"},
         {"{\\fonttbl", std::string(100'000, ' ') + "{\\fonttbl"}};
     for (const auto& [what, with] : odd) ExpectAsConverted(Replaced(statement_, what, with));
     ExpectAsConverted(Replaced(act_, code_ + "}\\par", code_ + "}\\par\\page "));
