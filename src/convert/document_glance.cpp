@@ -61,12 +61,12 @@ bool IsComplete(const DocumentGlance& glance) {
            Fits<char16_t>(glance.period_begin, kDateShape) && Fits<char16_t>(glance.period_end, kDateShape);
 }
 
-// Where the header lines of both forms stand, and the frame behind the header: behind the last line of a
-// statement, or the first amount of an act.
+// Where the header lines of both forms stand, up to the last one of a statement or the first amount of an
+// act.
 struct Landmarks {
     std::vector<std::size_t> statement;
     std::vector<std::size_t> act;
-    std::size_t end = std::string_view::npos;
+    std::size_t amounts = std::string_view::npos;
 };
 
 Landmarks FindLandmarks(std::string_view head) {
@@ -77,10 +77,8 @@ Landmarks FindLandmarks(std::string_view head) {
         const std::string tag = ReplaceCellPositions(head.substr(at + 1, kPositionSize));
         if (tag.starts_with(kActHeader)) found.act.push_back(at);
         if (tag.starts_with(kStatementHeader)) found.statement.push_back(at);
-        if (found.statement.size() == kHeaderLines || tag.starts_with(kActAmount)) {
-            found.end = tag.starts_with(kActAmount) ? at : head.find(kFrame, at + 1);
-            break;
-        }
+        if (tag.starts_with(kActAmount)) found.amounts = at;
+        if (found.statement.size() == kHeaderLines || found.amounts == at) break;
     }
     return found;
 }
@@ -138,7 +136,7 @@ Text ReasonOf(std::string_view head) {
 
 // Any other document: its head is read as the whole of it would be.
 DocumentGlance GlanceAtLines(std::string_view head, const Landmarks& landmarks) {
-    const std::string text = TaggedText(head.substr(0, landmarks.end));
+    const std::string text = TaggedText(head.substr(0, landmarks.amounts));
     StatementLines lines;
     for (std::string_view rest = text; !rest.empty();) lines.Add(GetNext(rest, kLineEnd));
     const std::string parts = lines.TakeOutput();
