@@ -27,7 +27,7 @@ constexpr ControlPlan kControls[] = {
     {u"Command1", ControlKind::Button, u"Сформировать", {}, {3, 1}, u'С'},
     {u"Command2", ControlKind::Button, u"Закрыть", {}, {3, 2}, u'З'},
 };
-constexpr FormPlan kPlan = {u"frmFilter", kCaption, kControls, 90, 28, u"Command1", u"Command2"};
+constexpr FormPlan kPlan = {u"frmFilter", kCaption, kControls, 130, 30, u"Command1", u"Command2"};
 
 Picture PictureOf(PeriodKind kind) {
     switch (kind) {
