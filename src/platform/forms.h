@@ -67,7 +67,8 @@ struct FormPlan {
 
 enum class Event { Click, DblClick, Change, Timer };
 
-// What a window tells its form.
+// What a window tells its form, which throws nothing back. Where a handler waits, in a modal window or a
+// message box, events of the other windows and timers go on.
 class FormEvents {
  public:
     virtual ~FormEvents() = default;
@@ -94,7 +95,7 @@ struct TreeNode {
 // A window that a toolkit has made. Controls are named by their index in the plan; asking a control for what
 // its kind does not have is an error of the program. Texts are plain: nothing in them is mark-up.
 // Destroying it removes the window from the screen and ends its modal loop; not allowed while OnEvent or
-// OnCloseRequest of this window runs.
+// OnCloseRequest of this window runs, nor after main has ended: a window that is left then is simply left.
 class FormWindow {
  public:
     virtual ~FormWindow() = default;
