@@ -13,10 +13,10 @@ struct Growth {
 };
 Growth GrowthOf(ControlKind kind) {
     switch (kind) {
-        case ControlKind::Memo:
         case ControlKind::ListBox:
         case ControlKind::TreeView:
             return {true, true};
+        case ControlKind::Memo:
         case ControlKind::TextBox:
         case ControlKind::ComboBox:
         case ControlKind::ProgressBar:

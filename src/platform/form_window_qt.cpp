@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
+#include <QScreen>
 #include <QWindow>
 #include <set>
 #include <unordered_map>
@@ -70,7 +71,9 @@ FormWindowQt::FormWindowQt(const FormPlan& plan, FormEvents& events) : events_(&
     default_ = FindButton(plan.default_button);
     cancel_ = FindButton(plan.cancel_button);
     if (auto* button = dynamic_cast<QPushButton*>(default_); button != nullptr) button->setDefault(true);
-    resize(CharacterSize(*this, plan.width, plan.height).expandedTo(sizeHint()));
+    resize(CharacterSize(*this, plan.width, plan.height)
+               .expandedTo(minimumSizeHint())
+               .boundedTo(screen()->availableSize()));
 }
 
 FormWindowQt::~FormWindowQt() {

@@ -35,8 +35,8 @@ enum class ControlKind {
 
 enum class Picture { None, Refresh, Erase, Warning, All, Year, Part, Quarter, Month };
 
-// A row and a column, counted from 0, of the window's grid or of the frame named `parent`. Lists, trees and
-// memos take the room that is over in both directions, text boxes, combo boxes and bars in width.
+// A row and a column, counted from 0, of the window's grid or of the frame named `parent`. Lists and trees
+// take the room that is over in both directions, text boxes, memos, combo boxes and bars in width.
 struct Place {
     int row = 0;
     int column = 0;
@@ -67,7 +67,8 @@ struct FormPlan {
 
 enum class Event { Click, DblClick, Change, Timer };
 
-// What a window tells its form.
+// What a window tells its form, which throws nothing back. Where a handler waits, in a modal window or a
+// message box, events of the other windows and timers go on.
 class FormEvents {
  public:
     virtual ~FormEvents() = default;
@@ -95,8 +96,8 @@ struct TreeNode {
 // its kind does not have is an error of the program. Texts are plain: nothing in them is mark-up.
 class FormWindow {
  public:
-    // Removes the window from the screen, ends its modal loop and tells its form nothing any more. Allowed at any
-    // time, also while one of its events is handled; the object goes when that is over.
+    // Removes the window from the screen, ends its modal loop and tells its form nothing any more. Allowed at
+    // any time, also while one of its events is handled; the object goes when that is over.
     virtual void Discard() = 0;
 
     // Modeless, in front, with the input focus; of no owner.

@@ -102,6 +102,6 @@ constexpr ControlPlan kControls[] = {
 
 }  // namespace
 
-const FormPlan kMainPlan = {u"frmmain", kCaption, kControls, 150, 40, {}, u"Command5"};
+const FormPlan kMainPlan = {u"frmmain", kCaption, kControls, 150, 48, {}, u"Command5"};
 
 }  // namespace tav
