@@ -18,6 +18,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/russian_qt.h"
 #include "platform/text_qt.h"
 
 namespace tav {
@@ -128,9 +129,11 @@ void MakeApplication(const QString& platform) {
     const SameLocale same_locale;
     static QApplication* application = new QApplication(count, arguments);
     application->setQuitOnLastWindowClosed(false);
-    auto* russian = new QTranslator(application);
-    if (russian->load(QStringLiteral("qtbase_ru"), QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
-        QCoreApplication::installTranslator(russian);
+    // The one installed last is asked first.
+    QCoreApplication::installTranslator(new RussianQt(application));
+    auto* full = new QTranslator(application);
+    if (full->load(QStringLiteral("qtbase_ru"), QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        QCoreApplication::installTranslator(full);
     }
 }
 

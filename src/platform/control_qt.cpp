@@ -57,14 +57,14 @@ class Group : public SeenControl<QWidget> {
     }
 };
 
-MadeControl MakeFrame(const ControlPlan& plan, QWidget* parent, Raise) {
+MadeControl MakeFrame(const ControlPlan& plan, QWidget* parent, const Raise&) {
     if (plan.caption.empty()) return std::make_unique<Group>(plan, parent);
     return std::make_unique<Frame>(plan, parent);
 }
 
 class Label : public Captioned<QLabel> {
  public:
-    Label(const ControlPlan& plan, QWidget* parent, Raise) : Captioned(plan, parent) {
+    Label(const ControlPlan& plan, QWidget* parent, const Raise&) : Captioned(plan, parent) {
         widget_->setTextFormat(Qt::PlainText);
     }
 
@@ -86,7 +86,7 @@ class PressedByEnter : public QPushButton {
 template <class Widget>
 class Pressed : public Captioned<Widget> {
  public:
-    Pressed(const ControlPlan& plan, QWidget* parent, Raise raise) : Captioned<Widget>(plan, parent) {
+    Pressed(const ControlPlan& plan, QWidget* parent, const Raise& raise) : Captioned<Widget>(plan, parent) {
         QObject::connect(this->widget_, &QAbstractButton::clicked, [raise] { raise(Event::Click); });
     }
 
@@ -103,8 +103,8 @@ using Button = Pressed<PressedByEnter>;
 
 class PictureButton : public Pressed<PressedByEnter> {
  public:
-    PictureButton(const ControlPlan& plan, QWidget* parent, Raise raise)
-        : Pressed(plan, parent, std::move(raise)) {
+    PictureButton(const ControlPlan& plan, QWidget* parent, const Raise& raise)
+        : Pressed(plan, parent, raise) {
         widget_->setIcon(PictureIcon(plan.picture, *widget_));
         widget_->setAccessibleName(ToQt(plan.tool_tip.empty() ? plan.caption : plan.tool_tip));
         widget_->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -123,7 +123,7 @@ class CheckBox : public Pressed<QCheckBox> {
 
 class TextBox : public SeenControl<QLineEdit> {
  public:
-    TextBox(const ControlPlan& plan, QWidget* parent, Raise raise) : SeenControl(plan, parent) {
+    TextBox(const ControlPlan& plan, QWidget* parent, const Raise& raise) : SeenControl(plan, parent) {
         // Typing over a text with the same text is a change to QLineEdit, but not to the form.
         QObject::connect(widget_, &QLineEdit::textChanged, [this, raise](const QString& text) {
             if (std::exchange(last_, text) != text) raise(Event::Change);
@@ -138,7 +138,7 @@ class TextBox : public SeenControl<QLineEdit> {
 
 class Memo : public Captioned<QPlainTextEdit> {
  public:
-    Memo(const ControlPlan& plan, QWidget* parent, Raise) : Captioned(plan, parent) {
+    Memo(const ControlPlan& plan, QWidget* parent, const Raise&) : Captioned(plan, parent) {
         widget_->setReadOnly(true);
         widget_->setTabChangesFocus(true);
         widget_->setMinimumSize(CharacterSize(*widget_, 20, 4));
@@ -150,7 +150,7 @@ class Memo : public Captioned<QPlainTextEdit> {
 
 class ProgressBar : public SeenControl<QProgressBar> {
  public:
-    ProgressBar(const ControlPlan& plan, QWidget* parent, Raise) : SeenControl(plan, parent) {
+    ProgressBar(const ControlPlan& plan, QWidget* parent, const Raise&) : SeenControl(plan, parent) {
         widget_->setRange(0, kSteps);
         widget_->setValue(0);
     }
@@ -164,7 +164,7 @@ class ProgressBar : public SeenControl<QProgressBar> {
 
 class PictureBox : public SeenControl<QLabel> {
  public:
-    PictureBox(const ControlPlan& plan, QWidget* parent, Raise) : SeenControl(plan, parent) {
+    PictureBox(const ControlPlan& plan, QWidget* parent, const Raise&) : SeenControl(plan, parent) {
         const int size = widget_->style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, widget_);
         widget_->setPixmap(
             PictureIcon(plan.picture, *widget_).pixmap(QSize(size, size), widget_->devicePixelRatio()));
@@ -174,7 +174,7 @@ class PictureBox : public SeenControl<QLabel> {
 
 class Timer : public ControlQt {
  public:
-    Timer(const ControlPlan& plan, QWidget*, Raise raise) : ControlQt(plan) {
+    Timer(const ControlPlan& plan, QWidget*, const Raise& raise) : ControlQt(plan) {
         timer_.callOnTimeout([raise] { raise(Event::Timer); });
     }
     void SetInterval(int milliseconds) override {
@@ -190,11 +190,11 @@ class Timer : public ControlQt {
 };
 
 template <class Control>
-MadeControl Make(const ControlPlan& plan, QWidget* parent, Raise raise) {
-    return std::make_unique<Control>(plan, parent, std::move(raise));
+MadeControl Make(const ControlPlan& plan, QWidget* parent, const Raise& raise) {
+    return std::make_unique<Control>(plan, parent, raise);
 }
 
-constexpr std::array<std::pair<ControlKind, MadeControl (*)(const ControlPlan&, QWidget*, Raise)>, 13>
+constexpr std::array<std::pair<ControlKind, MadeControl (*)(const ControlPlan&, QWidget*, const Raise&)>, 13>
     kMakers = {{
         {ControlKind::Frame, MakeFrame},
         {ControlKind::Label, Make<Label>},
@@ -227,10 +227,10 @@ void ControlQt::Refuse() const {
     throw std::logic_error("the control " + ToQt(plan_.name).toStdString() + " cannot do that");
 }
 
-MadeControl MakeControl(const ControlPlan& plan, QWidget* parent, Raise raise) {
+MadeControl MakeControl(const ControlPlan& plan, QWidget* parent, const Raise& raise) {
     const auto* maker =
         std::find_if(kMakers.begin(), kMakers.end(), [&](const auto& m) { return m.first == plan.kind; });
-    MadeControl control = maker->second(plan, parent, std::move(raise));
+    MadeControl control = maker->second(plan, parent, raise);
     if (QWidget* widget = control->widget(); widget != nullptr) {
         widget->setObjectName(ToQt(plan.name));
         widget->setToolTip(PlainToolTip(plan.tool_tip));

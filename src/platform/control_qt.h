@@ -32,10 +32,10 @@ class ControlQt {
     virtual void SetText(TextView) { Refuse(); }
     virtual bool Checked() const { Refuse(); }
     virtual void Check(bool) { Refuse(); }
-    virtual void SetRows(std::vector<ListRow>) { Refuse(); }
+    virtual void SetRows(std::vector<ListRow>&&) { Refuse(); }
     virtual int SelectedRow() const { Refuse(); }
     virtual void SelectRow(int) { Refuse(); }
-    virtual void SetNodes(std::vector<TreeNode>) { Refuse(); }
+    virtual void SetNodes(std::vector<TreeNode>&&) { Refuse(); }
     virtual Text SelectedNode() const { Refuse(); }
     virtual void SelectNode(TextView) { Refuse(); }
     virtual void SetBar(double) { Refuse(); }
@@ -63,12 +63,12 @@ class SeenControl : public ControlQt {
 using MadeControl = std::unique_ptr<ControlQt>;
 
 // By the plan's kind; the widget gets the plan's name, caption, tool-tip and mnemonic.
-MadeControl MakeControl(const ControlPlan& plan, QWidget* parent, Raise raise);
+MadeControl MakeControl(const ControlPlan& plan, QWidget* parent, const Raise& raise);
 
 // The kinds that stand in files of their own.
-MadeControl MakeListBox(const ControlPlan& plan, QWidget* parent, Raise raise);
-MadeControl MakeComboBox(const ControlPlan& plan, QWidget* parent, Raise raise);
-MadeControl MakeTreeView(const ControlPlan& plan, QWidget* parent, Raise raise);
+MadeControl MakeListBox(const ControlPlan& plan, QWidget* parent, const Raise& raise);
+MadeControl MakeComboBox(const ControlPlan& plan, QWidget* parent, const Raise& raise);
+MadeControl MakeTreeView(const ControlPlan& plan, QWidget* parent, const Raise& raise);
 
 // A size in average characters and lines of the widget's font, whatever the screen's resolution.
 QSize CharacterSize(const QWidget& widget, int characters, int lines);

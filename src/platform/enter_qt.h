@@ -21,8 +21,8 @@ class OpenedByEnter : public View {
  public:
     using View::View;
 
-    void Open(Raise raise) {
-        raise_ = std::move(raise);
+    void Open(const Raise& raise) {
+        raise_ = raise;
         QObject::connect(this, &QAbstractItemView::doubleClicked, [this] { raise_(Event::DblClick); });
     }
 

@@ -29,7 +29,7 @@ class RowDelegate : public QStyledItemDelegate {
 
 class ListBox : public SeenControl<OpenedByEnter<QListView>> {
  public:
-    ListBox(const ControlPlan& plan, QWidget* parent, Raise raise) : SeenControl(plan, parent) {
+    ListBox(const ControlPlan& plan, QWidget* parent, const Raise& raise) : SeenControl(plan, parent) {
         widget_->setModel(model_);
         widget_->setItemDelegate(new RowDelegate(*model_, widget_));
         widget_->setUniformItemSizes(true);
@@ -37,9 +37,9 @@ class ListBox : public SeenControl<OpenedByEnter<QListView>> {
         widget_->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
         widget_->setEditTriggers(QAbstractItemView::NoEditTriggers);
         widget_->setMinimumSize(CharacterSize(*widget_, 20, 4));
-        widget_->Open(std::move(raise));
+        widget_->Open(raise);
     }
-    void SetRows(std::vector<ListRow> rows) override { model_->SetRows(std::move(rows)); }
+    void SetRows(std::vector<ListRow>&& rows) override { model_->SetRows(std::move(rows)); }
     int SelectedRow() const override { return SelectedIndex(*widget_).row(); }
     void SelectRow(int row) override {
         const QModelIndex index = model_->index(row);
@@ -53,7 +53,7 @@ class ListBox : public SeenControl<OpenedByEnter<QListView>> {
 
 class ComboBox : public SeenControl<QComboBox> {
  public:
-    ComboBox(const ControlPlan& plan, QWidget* parent, Raise raise) : SeenControl(plan, parent) {
+    ComboBox(const ControlPlan& plan, QWidget* parent, const Raise& raise) : SeenControl(plan, parent) {
         widget_->setModel(model_);
         // Its width is the form's affair: not every row is measured for it.
         widget_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
@@ -62,7 +62,7 @@ class ComboBox : public SeenControl<QComboBox> {
             if (std::exchange(selected_, row) != row) raise(Event::Click);
         });
     }
-    void SetRows(std::vector<ListRow> rows) override {
+    void SetRows(std::vector<ListRow>&& rows) override {
         model_->SetRows(std::move(rows));
         SelectRow(-1);
     }
@@ -81,11 +81,11 @@ class ComboBox : public SeenControl<QComboBox> {
 
 }  // namespace
 
-MadeControl MakeListBox(const ControlPlan& plan, QWidget* parent, Raise raise) {
-    return std::make_unique<ListBox>(plan, parent, std::move(raise));
+MadeControl MakeListBox(const ControlPlan& plan, QWidget* parent, const Raise& raise) {
+    return std::make_unique<ListBox>(plan, parent, raise);
 }
-MadeControl MakeComboBox(const ControlPlan& plan, QWidget* parent, Raise raise) {
-    return std::make_unique<ComboBox>(plan, parent, std::move(raise));
+MadeControl MakeComboBox(const ControlPlan& plan, QWidget* parent, const Raise& raise) {
+    return std::make_unique<ComboBox>(plan, parent, raise);
 }
 
 }  // namespace tav

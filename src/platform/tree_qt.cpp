@@ -11,7 +11,7 @@ namespace {
 
 class TreeView : public SeenControl<OpenedByEnter<QTreeView>> {
  public:
-    TreeView(const ControlPlan& plan, QWidget* parent, Raise raise) : SeenControl(plan, parent) {
+    TreeView(const ControlPlan& plan, QWidget* parent, const Raise& raise) : SeenControl(plan, parent) {
         widget_->setModel(model_);
         widget_->setHeaderHidden(true);
         // As wide as its nodes, so that a scroll bar shows the ends of long ones.
@@ -21,9 +21,9 @@ class TreeView : public SeenControl<OpenedByEnter<QTreeView>> {
         widget_->setTextElideMode(Qt::ElideNone);
         widget_->setEditTriggers(QAbstractItemView::NoEditTriggers);
         widget_->setMinimumSize(CharacterSize(*widget_, 20, 4));
-        widget_->Open(std::move(raise));
+        widget_->Open(raise);
     }
-    void SetNodes(std::vector<TreeNode> nodes) override {
+    void SetNodes(std::vector<TreeNode>&& nodes) override {
         model_->SetNodes(std::move(nodes));
         for (std::size_t i = 0; i < model_->nodes().size(); ++i) {
             if (model_->nodes()[i].expanded) widget_->expand(model_->IndexOf(i));
@@ -45,8 +45,8 @@ class TreeView : public SeenControl<OpenedByEnter<QTreeView>> {
 
 }  // namespace
 
-MadeControl MakeTreeView(const ControlPlan& plan, QWidget* parent, Raise raise) {
-    return std::make_unique<TreeView>(plan, parent, std::move(raise));
+MadeControl MakeTreeView(const ControlPlan& plan, QWidget* parent, const Raise& raise) {
+    return std::make_unique<TreeView>(plan, parent, raise);
 }
 
 }  // namespace tav

@@ -81,6 +81,11 @@ const FormPlan kPlan = {.name = u"Probe",
                         .default_button = u"Ok",
                         .cancel_button = u"Cancel"};
 
+// In the event loop, once it runs.
+void Soon(const std::function<void()>& action) {
+    QMetaObject::invokeMethod(QApplication::instance(), action, Qt::QueuedConnection);
+}
+
 using Heard = std::vector<std::pair<std::size_t, Event>>;
 
 class Recorder : public FormEvents {
@@ -312,17 +317,17 @@ TEST_F(FormsQt, AModalWindowWaitsAndTheLoopRunsUntilNoneIsShown) {
     Recorder others;
     auto other = CurrentToolkit().Create(kPlan, others);
     int step = 0;
-    QTimer::singleShot(0, [&] {
+    Soon([&] {
         EXPECT_EQ(++step, 1);
         EXPECT_EQ(QApplication::activeModalWidget(), dynamic_cast<QWidget*>(other.get()));
         other->Hide();
     });
     other->ShowModal(window.get());
     EXPECT_EQ(++step, 2);
-    QTimer::singleShot(0, [&] { other.reset(); });  // while it is shown, as another window's handler would
+    Soon([&] { other.reset(); });  // while it is shown, as another window's handler would
     other->ShowModal(nullptr);
     EXPECT_EQ(++step, 3);
-    QTimer::singleShot(0, [&] {
+    Soon([&] {
         ++step;
         window->Hide();
     });
@@ -332,7 +337,7 @@ TEST_F(FormsQt, AModalWindowWaitsAndTheLoopRunsUntilNoneIsShown) {
 }
 
 TEST_F(FormsQt, AMessageIsPlainAndSurvivesItsOwnersEnd) {
-    QTimer::singleShot(0, [&] {
+    Soon([&] {
         auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
         ASSERT_NE(box, nullptr);
         EXPECT_EQ(box->windowTitle(), "import");
@@ -345,14 +350,14 @@ TEST_F(FormsQt, AMessageIsPlainAndSurvivesItsOwnersEnd) {
     CurrentToolkit().ShowMessage({u"import", u"<b>&", MessageIcon::Information});
     window->Show();  // in front again, which here no window manager sees to
     ASSERT_TRUE(QTest::qWaitForWindowActive(Top()));
-    QTimer::singleShot(0, [&] { window.reset(); });
+    Soon([&] { window.reset(); });
     CurrentToolkit().ShowMessage({u"import", u"нет", MessageIcon::Critical});
     EXPECT_EQ(window, nullptr);
 }
 
 TEST_F(FormsQt, AFolderIsChosenAndCancelled) {
     for (const int key : {Qt::Key_Return, Qt::Key_Escape}) {
-        QTimer::singleShot(0, [&] {
+        Soon([&] {
             QWidget* dialog = QApplication::activeModalWidget();
             ASSERT_NE(dialog, nullptr);
             EXPECT_EQ(dialog->windowTitle(), "Папка");
@@ -405,11 +410,13 @@ TEST_F(FormsQtProcess, AHostsApplicationIsUsedAndItsLoopGoesOn) {
             auto window = CurrentToolkit().Create(kPlan, events);
             window->Show();
             bool alive = false;
-            QTimer::singleShot(0, [&] { window.reset(); });
-            QTimer::singleShot(50, [&] {
+            Soon([&] { window.reset(); });
+            QTimer later;
+            later.callOnTimeout([&] {
                 alive = true;
                 QApplication::exit(0);
             });
+            later.start(50);
             QApplication::exec();
             std::exit(alive && QApplication::instance() == &host ? 0 : 1);
         },
