@@ -83,7 +83,13 @@ const FormPlan kPlan = {.name = u"Probe",
 
 // In the event loop, once it runs.
 void Soon(const std::function<void()>& action) {
-    QMetaObject::invokeMethod(QApplication::instance(), action, Qt::QueuedConnection);
+    auto* timer = new QTimer(QApplication::instance());
+    timer->setSingleShot(true);
+    timer->callOnTimeout([timer, action] {
+        timer->deleteLater();
+        action();
+    });
+    timer->start(0);
 }
 
 using Heard = std::vector<std::pair<std::size_t, Event>>;
