@@ -67,7 +67,8 @@ struct FormPlan {
 
 enum class Event { Click, DblClick, Change, Timer };
 
-// What a window tells its form.
+// What a window tells its form, which throws nothing back. Where a handler waits, in a modal window or a
+// message box, events of the other windows and timers go on.
 class FormEvents {
  public:
     virtual ~FormEvents() = default;
@@ -95,8 +96,9 @@ struct TreeNode {
 // its kind does not have is an error of the program. Texts are plain: nothing in them is mark-up.
 class FormWindow {
  public:
-    // Removes the window from the screen, ends its modal loop and tells its form nothing any more. Allowed at any
-    // time, also while one of its events is handled; the object goes when that is over.
+    // Removes the window from the screen, ends its modal loop and tells its form nothing any more. Allowed at
+    // any time, also while one of its events is handled; the object goes when that is over. A window that is
+    // left when main has ended is simply left.
     virtual void Discard() = 0;
 
     // Modeless, in front, with the input focus; of no owner.
