@@ -81,11 +81,19 @@ FormWindowQt::~FormWindowQt() {
     qDeleteAll(findChildren<QWidget*>(Qt::FindDirectChildrenOnly));
 }
 
-// Below this call there may be a widget of the window that is busy telling an event.
 void FormWindowQt::Discard() {
     Hide();
     events_ = nullptr;
-    deleteLater();
+    if (handlers_ == 0) deleteLater();
+}
+
+// While a handler runs, a widget of this window stands below it on the stack, in whatever loop the handler
+// waits.
+void FormWindowQt::Tell(const std::function<void(FormEvents&)>& what) {
+    if (events_ == nullptr) return;
+    ++handlers_;
+    what(*events_);
+    if (--handlers_ == 0 && events_ == nullptr) deleteLater();
 }
 
 void FormWindowQt::MakeControls(const FormPlan& plan) {
@@ -93,7 +101,7 @@ void FormWindowQt::MakeControls(const FormPlan& plan) {
     for (std::size_t i = 0; i < plan.controls.size(); ++i) {
         const ControlPlan& control = plan.controls[i];
         const Raise raise = [this, i](Event event) {
-            if (events_ != nullptr) events_->OnEvent(i, event);
+            Tell([&](FormEvents& events) { events.OnEvent(i, event); });
         };
         controls_.push_back(MakeControl(control, frames.at(control.place.parent), raise));
         if (control.kind == ControlKind::Frame) frames[control.name] = controls_.back()->widget();
@@ -148,7 +156,7 @@ void FormWindowQt::Hide() {
 // The form decides. Whoever asked learns whether the window has gone: a host that ends closes all windows
 // first.
 void FormWindowQt::closeEvent(QCloseEvent* event) {
-    if (events_ != nullptr) events_->OnCloseRequest();
+    Tell([](FormEvents& events) { events.OnCloseRequest(); });
     event->setAccepted(!isVisible());
 }
 

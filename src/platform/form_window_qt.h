@@ -4,6 +4,7 @@
 #include <QAbstractButton>
 #include <QEventLoop>
 #include <QWidget>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -52,12 +53,14 @@ class FormWindowQt final : public QWidget, public FormWindow {
     void MakeControls(const FormPlan& plan);
     QAbstractButton* FindButton(TextView name) const;
     void Appear();
+    void Tell(const std::function<void(FormEvents&)>& what);
 
     FormEvents* events_;  // null when the window has been discarded
     std::vector<MadeControl> controls_;
     QAbstractButton* default_ = nullptr;
     QAbstractButton* cancel_ = nullptr;
     QEventLoop* modal_loop_ = nullptr;  // of the ShowModal that waits
+    int handlers_ = 0;                  // that run now
 };
 
 // The event loop, until no form's window is shown.

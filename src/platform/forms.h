@@ -97,7 +97,8 @@ struct TreeNode {
 class FormWindow {
  public:
     // Removes the window from the screen, ends its modal loop and tells its form nothing any more. Allowed at
-    // any time, also while one of its events is handled; the object goes when that is over.
+    // any time, also while one of its events is handled; the object goes when that is over. A window that is
+    // left when main has ended is simply left.
     virtual void Discard() = 0;
 
     // Modeless, in front, with the input focus; of no owner.

@@ -4,6 +4,7 @@
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
+#include <QThread>
 #include <array>
 #include <utility>
 
@@ -67,7 +68,14 @@ class ToolkitQt : public Toolkit {
         return dialog.Accepted() ? FromQt(dialog->selectedFiles().value(0)) : Text();
     }
 
-    void ProcessEvents() override { QCoreApplication::processEvents(); }
+    // Outside a loop Qt leaves objects that are to be deleted for the next one, which a host without a loop
+    // never starts.
+    void ProcessEvents() override {
+        QCoreApplication::processEvents();
+        if (QThread::currentThread()->loopLevel() == 0) {
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        }
+    }
     void RunUntilClosed() override { RunUntilNoFormIsShown(); }
 };
 

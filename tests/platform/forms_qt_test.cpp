@@ -8,18 +8,16 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QMessageBox>
+#include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QTest>
 #include <QTimer>
 #include <QTreeView>
-#include <clocale>
 #include <cmath>
-#include <cstdlib>
 #include <functional>
 
-#include "common/failure.h"
 #include "platform/forms.h"
 
 namespace tav {
@@ -361,6 +359,23 @@ TEST_F(FormsQt, AMessageIsPlainAndSurvivesItsOwnersEnd) {
     EXPECT_EQ(window, nullptr);
 }
 
+// The handler of the window's own button waits in a message box meanwhile.
+TEST_F(FormsQt, AWindowIsDiscardedWhileItsHandlerWaits) {
+    const QPointer<QWidget> top = Top();
+    events.react = [&] {
+        Soon([&] {
+            window.reset();
+            Soon([] { QApplication::activeModalWidget()->close(); });
+        });
+        CurrentToolkit().ShowMessage({u"import", u"нет", MessageIcon::Critical});
+        EXPECT_NE(top, nullptr);
+    };
+    QTest::keyClick(Find("Folder"), Qt::Key_Return);
+    CurrentToolkit().ProcessEvents();
+    EXPECT_EQ(top, nullptr);
+    EXPECT_EQ(events.Take(), Clicks(kOk));
+}
+
 TEST_F(FormsQt, AFolderIsChosenAndCancelled) {
     for (const int key : {Qt::Key_Return, Qt::Key_Escape}) {
         Soon([&] {
@@ -373,73 +388,6 @@ TEST_F(FormsQt, AFolderIsChosenAndCancelled) {
         const Text chosen = CurrentToolkit().BrowseFolder(u"Папка", u"/tmp", window.get());
         EXPECT_EQ(chosen, key == Qt::Key_Return ? u"/usr" : u"");
     }
-}
-
-// Each in a process of its own, which has no application yet; it ends with 0 when all went as it should.
-class FormsQtProcess : public ::testing::Test {
- protected:
-    void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
-};
-
-int RefusedFor(const std::vector<std::pair<const char*, const char*>>& environment, TextView reason) {
-    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) ::unsetenv(name);
-    for (const auto& [name, value] : environment) ::setenv(name, value, 1);
-    try {
-        CurrentToolkit();
-    } catch (const Failure& failure) {
-        return failure.description().find(reason) == Text::npos || ToolkitLoaded() ? 2 : 0;
-    }
-    return 1;
-}
-
-TEST_F(FormsQtProcess, WithoutAScreenThereIsAFailureAndLaterAScreen) {
-    EXPECT_EXIT(
-        {
-            int wrong = RefusedFor({}, u"нет экрана");
-            wrong += RefusedFor({{"DISPLAY", ":77"}}, u"экран не отвечает (xcb)");
-            wrong += RefusedFor({{"WAYLAND_DISPLAY", "/nowhere"}, {"DISPLAY", ":77"}},
-                                u"(wayland), экран не отвечает (xcb)");
-            wrong += RefusedFor({{"QT_QPA_PLATFORM", "nonsense;eglfs"}}, u"(nonsense), нет такого модуля");
-            ::setenv("QT_QPA_PLATFORM", "nonsense;offscreen", 1);
-            CurrentToolkit();
-            std::exit(wrong + (ToolkitLoaded() ? 0 : 4));
-        },
-        ::testing::ExitedWithCode(0), "");
-}
-
-TEST_F(FormsQtProcess, AHostsApplicationIsUsedAndItsLoopGoesOn) {
-    EXPECT_EXIT(
-        {
-            int count = 0;
-            QApplication host(count, nullptr);
-            Recorder events;
-            auto window = CurrentToolkit().Create(kPlan, events);
-            window->Show();
-            bool alive = false;
-            Soon([&] { window.reset(); });
-            QTimer later;
-            later.callOnTimeout([&] {
-                alive = true;
-                QApplication::exit(0);
-            });
-            later.start(50);
-            QApplication::exec();
-            std::exit(alive && QApplication::instance() == &host ? 0 : 1);
-        },
-        ::testing::ExitedWithCode(0), "");
-}
-
-TEST_F(FormsQtProcess, NumbersKeepTheirFormAndTheProcessEndsWithAWindowOpen) {
-    EXPECT_EXIT(
-        {
-            ::setenv("LC_ALL", "C.UTF-8", 1);
-            Recorder& events = *new Recorder;
-            CurrentToolkit().Create(kPlan, events).release()->Show();
-            CurrentToolkit().ProcessEvents();
-            const bool as_before = std::string(std::setlocale(LC_NUMERIC, nullptr)) == "C";
-            std::exit(as_before && std::string(std::setlocale(LC_CTYPE, nullptr)) == "C.UTF-8" ? 0 : 1);
-        },
-        ::testing::ExitedWithCode(0), "");
 }
 
 }  // namespace
