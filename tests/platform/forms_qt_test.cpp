@@ -121,6 +121,12 @@ class FormsQt : public ::testing::Test {
         window->Show();
         ASSERT_TRUE(QTest::qWaitForWindowActive(Top()));
     }
+    // A discarded window goes with the next turn of the event loop.
+    void TearDown() override {
+        window.reset();
+        QTest::qWait(0);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
     static QWidget* Top() {
         for (QWidget* top : QApplication::topLevelWidgets()) {
             if (top->objectName() == "Probe") return top;
