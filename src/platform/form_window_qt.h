@@ -16,7 +16,7 @@ namespace tav {
 class FormWindowQt final : public QWidget, public FormWindow {
  public:
     FormWindowQt(const FormPlan& plan, FormEvents& events);
-    ~FormWindowQt();
+    ~FormWindowQt() override;
 
     void Discard() override;
     void Show() override;
