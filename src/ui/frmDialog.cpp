@@ -13,9 +13,10 @@ constexpr TextView kQuestion = u"Удалить данные по актам с�
 constexpr ControlPlan kControls[] = {
     {u"Image1", ControlKind::Picture, {}, {}, {0, 0}, 0, Picture::Warning},
     {u"Label1", ControlKind::Label, kQuestion, {}, {0, 1, 3}},
+    // The focus is here first: nothing is deleted by a hasty Enter.
+    {u"Command3", ControlKind::Button, u"Отмена", {}, {1, 3}, u'О'},
     {u"Command1", ControlKind::Button, u"Да", {}, {1, 1}, u'Д'},
     {u"Command2", ControlKind::Button, u"Да, для всех", {}, {1, 2}, u'в'},
-    {u"Command3", ControlKind::Button, u"Отмена", {}, {1, 3}, u'О'},
 };
 constexpr FormPlan kPlan = {u"frmDialog", u"Внимание", kControls, 60, 5, u"Command3", u"Command3"};
 
