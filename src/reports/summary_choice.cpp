@@ -17,7 +17,7 @@ std::optional<std::int32_t> DayOf(const Value& value) {
 std::optional<DayRange> DaysOf(const Value& begin, const Value& end) {
     const auto first = DayOf(begin);
     const auto last = DayOf(end);
-    if (!first || !last) return std::nullopt;
+    if (!first || !last || *last < *first) return std::nullopt;
     return DayRange{*first, *last};
 }
 

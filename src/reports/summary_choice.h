@@ -12,7 +12,7 @@
 
 namespace tav {
 
-// From the first day to the last, both included. Nothing keeps a document's range from running backwards.
+// From the first day to the last, both included.
 struct DayRange {
     std::int32_t begin = 0;
     std::int32_t end = 0;
@@ -20,7 +20,9 @@ struct DayRange {
     bool operator==(const DayRange&) const = default;
 };
 
-// The days between two dates of the database. No value when one is Null or outside the years 100 to 9999.
+// The days between two dates of the database. No value when one is Null or outside the years 100 to 9999, or
+// when the end comes before the begin: by the rules below such a document would be inside of periods that it
+// shares no day with.
 std::optional<DayRange> DaysOf(const Value& begin, const Value& end);
 
 bool IsWholeIn(const DayRange& document, const DayRange& period);
@@ -42,7 +44,7 @@ struct SummaryChoice {
     Text code;                       // empty: all codes
 };
 
-// A document without a begin or an end belongs to no period, only to all of them.
+// A document without days (DaysOf) belongs to no period, only to all of them.
 bool IsChosen(const SummaryChoice& choice, const SummaryDocument& document);
 
 // A period that no document lies in: a summary of nothing, which only takes stock of the documents.

@@ -59,19 +59,26 @@ frmFilter::frmFilter() : Form(kPlan, u"Ошибка в процедуре frmFil
 
 void frmFilter::Form_Load() {
     summary_ = LastSummary();
-    std::vector<ListRow> codes;
-    if (!Consolidated()) codes.push_back({Text(kAllCodes), {}});
-    for (const Text& code : summary_.codes) codes.push_back({code, {}});
-    cmbKBK.SetRows(std::move(codes));
-    const auto chosen = std::find(summary_.codes.begin(), summary_.codes.end(), summary_.code);
-    cmbKBK.Select(Consolidated() ? static_cast<int>(chosen - summary_.codes.begin()) : 0);
+    ShowCodes();
     ShowPeriods();
     Check1.Check(SettingTruth(u"ChkFilter"));
 }
 
+void frmFilter::ShowCodes() {
+    std::vector<ListRow> rows;
+    if (!Consolidated()) rows.push_back({Text(kAllCodes), {}});
+    for (const Text& code : summary_.codes) rows.push_back({code, {}});
+    cmbKBK.SetRows(std::move(rows));
+    SelectCode();
+}
+
+void frmFilter::SelectCode() {
+    const auto code = std::find(summary_.codes.begin(), summary_.codes.end(), summary_.code);
+    cmbKBK.Select(Consolidated() ? static_cast<int>(code - summary_.codes.begin()) : 0);
+}
+
 Text frmFilter::ChosenCode() const {
-    const std::size_t row = static_cast<std::size_t>(cmbKBK.Selected()) - (Consolidated() ? 0 : 1);
-    return row < summary_.codes.size() ? summary_.codes[row] : Text();
+    return Consolidated() || cmbKBK.Selected() <= 0 ? Text() : cmbKBK.SelectedText();
 }
 
 void frmFilter::ShowPeriods() {
@@ -87,13 +94,15 @@ void frmFilter::ShowPeriods() {
 
 void frmFilter::cmbKBK_Click() {
     if (Consolidated()) {
+        const Text code = cmbKBK.SelectedText();
+        SelectCode();  // of the periods shown, until there are others to show
         RefuseDuringImport();
-        const Text path = summary_.path;
-        (summary_.kind == SummaryKind::Statements ? ListStatements : ListActs)(getbase(), summary_.inn,
-                                                                               ChosenCode());
+        (summary_.kind == SummaryKind::Statements ? ListStatements : ListActs)(getbase(), summary_.inn, code);
         if (LastSummary().failed) return;
+        const Text path = summary_.path;
         summary_ = LastSummary();
         summary_.path = path;
+        ShowCodes();
     }
     ShowPeriods();
 }
@@ -109,13 +118,13 @@ SummaryChoice frmFilter::Choice() const {
                                    [&](const PeriodNode& period) { return period.key == key; });
     if (node != periods_.end()) choice.period = node->period;
     choice.overlapping = Check1.Checked();
-    if (!Consolidated()) choice.code = ChosenCode();
+    choice.code = ChosenCode();
     return choice;
 }
 
 void frmFilter::Command1_Click() {
     RefuseDuringImport();
-    const Text kpp = Consolidated() ? ChosenCode() : summary_.kpp;
+    const Text kpp = Consolidated() ? summary_.code : summary_.kpp;
     const Text path = (summary_.kind == SummaryKind::Statements ? GetFiles : GetFilesAct)(
         getbase(), summary_.inn, kpp, FolderOf(summary_.path), Choice());
     if (path.empty()) {

@@ -24,6 +24,10 @@ class frmFilter : public Form {
     void Command1_Click();
     void Command2_Click();
     bool Consolidated() const { return !summary_.code.empty(); }
+    void ShowCodes();
+    // The summary's own code, or all codes of an ordinary one.
+    void SelectCode();
+    // The one that narrows an ordinary summary; empty for all codes.
     Text ChosenCode() const;
     void ShowPeriods();
     SummaryChoice Choice() const;

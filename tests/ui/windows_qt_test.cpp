@@ -95,7 +95,7 @@ TEST_F(Windows, CancelInTheMiddleOfAnImportLosesNothing) {
     EXPECT_TRUE(WaitGone("frmShortImport"));
     EXPECT_THAT(ListFiles(folder_ / u"in", u".rtf"), SizeIs(300));
     EXPECT_TRUE(WaitCounts("lblInfoBase", "Выписок в базе данных: 0"));
-    EXPECT_TRUE(In<QAbstractButton>("frmmain", "Command1")->isEnabled());
+    EXPECT_TRUE(Wait([] { return In<QAbstractButton>("frmmain", "Command1")->isEnabled(); }));
 }
 
 // Closing the window does not stop what it began; meanwhile nobody else gets at the database.
