@@ -99,7 +99,17 @@ class Pressed : public Captioned<Widget> {
     }
 };
 
-using Button = Pressed<PressedByEnter>;
+// One whose caption has no letter, such as "...", is narrow, and read out by its tool-tip.
+class Button : public Pressed<PressedByEnter> {
+ public:
+    Button(const ControlPlan& plan, QWidget* parent, const Raise& raise) : Pressed(plan, parent, raise) {
+        constexpr int kNarrowCharacters = 6;
+        if (std::any_of(plan.caption.begin(), plan.caption.end(), [](QChar c) { return c.isLetter(); }))
+            return;
+        widget_->setFixedWidth(CharacterSize(*widget_, kNarrowCharacters, 0).width());
+        if (!plan.tool_tip.empty()) widget_->setAccessibleName(ToQt(plan.tool_tip));
+    }
+};
 
 class PictureButton : public Pressed<PressedByEnter> {
  public:

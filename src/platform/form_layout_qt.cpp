@@ -11,8 +11,10 @@ struct Growth {
     bool width;
     bool height;
 };
-Growth GrowthOf(ControlKind kind) {
-    switch (kind) {
+Growth GrowthOf(const ControlPlan& plan) {
+    switch (plan.kind) {
+        case ControlKind::Label:
+            return {plan.caption.empty(), false};  // its text is set later, and may be long
         case ControlKind::ListBox:
         case ControlKind::TreeView:
             return {true, true};
@@ -39,14 +41,14 @@ bool AnyColumnGrows(const QGridLayout& grid, const Place& place) {
     return false;
 }
 
-// A control over several columns widens the last of them, unless another already grows.
+// A control over several columns widens the first of them, unless another already grows.
 void LetColumnsGrow(std::span<const MadeControl> controls) {
     for (const bool several : {false, true}) {
         for (const MadeControl& control : controls) {
             const Place& place = control->plan().place;
-            if (!GrowthOf(control->plan().kind).width || (place.column_span > 1) != several) continue;
+            if (!GrowthOf(control->plan()).width || (place.column_span > 1) != several) continue;
             QGridLayout& grid = Grid(*control->widget()->parentWidget());
-            if (!AnyColumnGrows(grid, place)) grid.setColumnStretch(place.column + place.column_span - 1, 1);
+            if (!AnyColumnGrows(grid, place)) grid.setColumnStretch(place.column, 1);
         }
     }
 }
@@ -57,7 +59,7 @@ void LetRowsGrow(std::span<const MadeControl> controls) {
         const ControlPlan& plan = (*control)->plan();
         QWidget* widget = (*control)->widget();
         if (widget == nullptr) continue;
-        bool grows = GrowthOf(plan.kind).height;
+        bool grows = GrowthOf(plan).height;
         if (plan.kind == ControlKind::Frame) {
             const QGridLayout& inside = Grid(*widget);
             for (int row = 0; row < inside.rowCount(); ++row) grows = grows || inside.rowStretch(row) > 0;
@@ -81,19 +83,18 @@ void FillUp(QGridLayout& grid) {
 // What does not grow itself keeps its size in a row or column that does; a label there may break its lines,
 // and a text that is set later does not widen the window.
 void Align(const ControlQt& control) {
+    constexpr int kLabelCharacters = 30;
     const Place& place = control.plan().place;
     QWidget* widget = control.widget();
     QGridLayout& grid = Grid(*widget->parentWidget());
-    const Growth growth = GrowthOf(control.plan().kind);
-    if (growth.width) return;
     const bool wide = AnyColumnGrows(grid, place);
     const bool high = grid.rowStretch(place.row) > 0;
     if (control.plan().kind == ControlKind::Label) {
         auto& label = static_cast<QLabel&>(*widget);
         label.setWordWrap(wide);
-        if (wide) label.setMinimumWidth(1);
+        if (wide) label.setMinimumWidth(CharacterSize(label, kLabelCharacters, 0).width());
         if (high) label.setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    } else {
+    } else if (!GrowthOf(control.plan()).width) {
         Qt::Alignment alignment;
         if (wide) alignment |= Qt::AlignLeft;
         if (high) alignment |= Qt::AlignTop;

@@ -4,10 +4,12 @@
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QLayout>
 #include <QPointer>
 #include <QPushButton>
 #include <QScreen>
 #include <QWindow>
+#include <algorithm>
 #include <set>
 #include <unordered_map>
 #include <utility>
@@ -46,6 +48,23 @@ ShownForms& Shown() {
     return shown;
 }
 
+// What has no caption of its own is read out by that of the label or check box before it, else of its frame.
+void NameForReaders(const std::vector<MadeControl>& controls) {
+    std::unordered_map<TextView, TextView> frames;
+    const ControlPlan* before = nullptr;
+    for (const MadeControl& control : controls) {
+        const ControlPlan& plan = control->plan();
+        QWidget* widget = control->widget();
+        if (plan.kind == ControlKind::Frame) frames[plan.name] = plan.caption;
+        if (widget != nullptr && plan.caption.empty() && widget->accessibleName().isEmpty()) {
+            const bool named = before != nullptr && before->place.parent == plan.place.parent &&
+                               (before->kind == ControlKind::Label || before->kind == ControlKind::CheckBox);
+            widget->setAccessibleName(ToQt(named ? before->caption : frames[plan.place.parent]));
+        }
+        before = &plan;
+    }
+}
+
 // A label's mnemonic leads to the next control that takes the keyboard.
 void JoinLabels(const std::vector<MadeControl>& controls) {
     QWidget* next = nullptr;
@@ -67,6 +86,7 @@ FormWindowQt::FormWindowQt(const FormPlan& plan, FormEvents& events) : events_(&
     setAttribute(Qt::WA_QuitOnClose, false);  // a host's windows decide when the host ends
     MakeControls(plan);
     JoinLabels(controls_);
+    NameForReaders(controls_);
     LayOut(*this, controls_);
     default_ = FindButton(plan.default_button);
     cancel_ = FindButton(plan.cancel_button);
@@ -118,6 +138,8 @@ void FormWindowQt::Appear() {
     raise();
     activateWindow();
     if (focusWidget() == nullptr) focusNextChild();
+    // Among buttons alone, Enter must not press the first one unasked.
+    if (default_ != nullptr && qobject_cast<QPushButton*>(focusWidget()) != nullptr) default_->setFocus();
     Shown().Enter(this);
 }
 
@@ -158,6 +180,16 @@ void FormWindowQt::Hide() {
 void FormWindowQt::closeEvent(QCloseEvent* event) {
     Tell([](FormEvents& events) { events.OnCloseRequest(); });
     event->setAccepted(!isVisible());
+}
+
+// Labels that break their lines need the more height the narrower the window is.
+bool FormWindowQt::event(QEvent* event) {
+    const bool handled = QWidget::event(event);
+    if (event->type() == QEvent::LayoutRequest || event->type() == QEvent::Resize) {
+        const int height = layout()->totalMinimumHeightForWidth(width());
+        if (height > 0) setMinimumHeight(std::min(height, screen()->availableSize().height()));
+    }
+    return handled;
 }
 
 // Keys that the focused control has left over.

@@ -45,6 +45,7 @@ class FormWindowQt final : public QWidget, public FormWindow {
     }
 
  protected:
+    bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 

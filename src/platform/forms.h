@@ -36,7 +36,8 @@ enum class ControlKind {
 enum class Picture { None, Refresh, Erase, Warning, All, Year, Part, Quarter, Month };
 
 // A row and a column, counted from 0, of the window's grid or of the frame named `parent`. Lists and trees
-// take the room that is over in both directions, text boxes, memos, combo boxes and bars in width.
+// take the room that is over in both directions; text boxes, memos, combo boxes, bars and labels without a
+// caption, which get their text later, in width: the first of their columns, unless another already does.
 struct Place {
     int row = 0;
     int column = 0;

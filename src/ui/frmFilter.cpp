@@ -16,18 +16,18 @@ constexpr TextView kCaption = u"Выбор отчетного периода д�
 constexpr TextView kAllCodes = u"Все КБК";
 constexpr ControlPlan kControls[] = {
     {u"Label1", ControlKind::Label, u"КБК:", {}, {0, 0}, u'К'},
-    {u"cmbKBK", ControlKind::ComboBox, {}, {}, {0, 1, 2}},
-    {u"TreeView1", ControlKind::TreeView, {}, {}, {1, 0, 3}},
+    {u"cmbKBK", ControlKind::ComboBox, {}, {}, {0, 1, 3}},
+    {u"TreeView1", ControlKind::TreeView, {}, {}, {1, 0, 4}},
     {u"Check1",
      ControlKind::CheckBox,
      u"Использовать документы, частично содержащие выбранный период",
      {},
-     {2, 0, 3},
+     {2, 0, 4},
      u'ч'},
-    {u"Command1", ControlKind::Button, u"Сформировать", {}, {3, 1}, u'С'},
-    {u"Command2", ControlKind::Button, u"Закрыть", {}, {3, 2}, u'З'},
+    {u"Command1", ControlKind::Button, u"Сформировать", {}, {3, 2}, u'С'},
+    {u"Command2", ControlKind::Button, u"Закрыть", {}, {3, 3}, u'З'},
 };
-constexpr FormPlan kPlan = {u"frmFilter", kCaption, kControls, 130, 30, u"Command1", u"Command2"};
+constexpr FormPlan kPlan = {u"frmFilter", kCaption, kControls, 160, 30, u"Command1", u"Command2"};
 
 Picture PictureOf(PeriodKind kind) {
     switch (kind) {

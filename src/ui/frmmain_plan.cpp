@@ -9,11 +9,17 @@ constexpr TextView kCaption =
 constexpr TextView kColumns = u"КБК                                      ОКАТО            Период";
 
 constexpr ControlPlan kControls[] = {
-    {u"lblInfoName", ControlKind::Label, {}, {}, {0, 0}},
-    {u"Label5", ControlKind::Label, {}, {}, {0, 1}},
-    {u"chkKons", ControlKind::CheckBox, u"Консолидированный налогоплательщик", {}, {0, 2}, u'К'},
+    {u"Frame4", ControlKind::Frame, {}, {}, {0, 0, 2}},
+    {u"lblInfoName", ControlKind::Label, {}, {}, {0, 0, 1, u"Frame4"}},
+    {u"chkKons",
+     ControlKind::CheckBox,
+     u"Консолидированный налогоплательщик",
+     {},
+     {0, 1, 1, u"Frame4"},
+     u'К'},
+    {u"Label5", ControlKind::Label, {}, {}, {1, 0, 2, u"Frame4"}},
 
-    {u"Frame2", ControlKind::Frame, u"Файлы, полученные из ТАВ в формате rtf", {}, {1, 0, 3}},
+    {u"Frame2", ControlKind::Frame, u"Файлы, полученные из ТАВ в формате rtf", {}, {1, 0, 2}},
     {u"Label1", ControlKind::Label, u"Папка с файлами из ТАВ:", {}, {0, 0, 1, u"Frame2"}, u'П'},
     {u"txtImport", ControlKind::TextBox, {}, {}, {0, 1, 1, u"Frame2"}},
     {u"cmdImport",
@@ -43,19 +49,20 @@ constexpr ControlPlan kControls[] = {
      u"...",
      u"Выбор папки, куда будут перенесены импортированные в базу данных файлы",
      {4, 2, 1, u"Frame2"}},
-    {u"PBar", ControlKind::ProgressBar, {}, {}, {5, 0, 2, u"Frame2"}},
+    {u"Frame5", ControlKind::Frame, {}, {}, {5, 0, 4, u"Frame2"}},
+    {u"PBar", ControlKind::ProgressBar, {}, {}, {0, 0, 1, u"Frame5"}},
     {u"Command1",
      ControlKind::Button,
      u"Импортировать",
      u"Импортировать в базу данных файлы формата rtf, полученные из ТАВ",
-     {5, 2, 2, u"Frame2"},
+     {0, 1, 1, u"Frame5"},
      u'И'},
 
     {u"Frame1",
      ControlKind::Frame,
      u"Акты сверки и выписки операций, импортированные в базу данных",
      {},
-     {2, 0, 3}},
+     {2, 0, 2}},
     {u"Label3", ControlKind::Label, kColumns, {}, {0, 0, 2, u"Frame1"}},
     {u"lstBase", ControlKind::ListBox, {}, {}, {1, 0, 2, u"Frame1"}},
     {u"lblInfoBase", ControlKind::Label, {}, {}, {2, 0, 1, u"Frame1"}},
@@ -68,7 +75,7 @@ constexpr ControlPlan kControls[] = {
      Picture::Erase},
 
     // The first letter is a Latin one.
-    {u"Frame3", ControlKind::Frame, u"Cформировать сводную справку, используя:", {}, {3, 0, 3}},
+    {u"Frame3", ControlKind::Frame, u"Cформировать сводную справку, используя:", {}, {3, 0, 2}},
     {u"Command3",
      ControlKind::Button,
      u"Выписки",
@@ -94,8 +101,8 @@ constexpr ControlPlan kControls[] = {
      u"Выбор папки, где будут сохраняться формируемые сводные справки",
      {0, 4, 1, u"Frame3"}},
 
-    {u"txtAbout", ControlKind::Memo, {}, {}, {4, 0, 2}},
-    {u"Command5", ControlKind::Button, u"Закрыть", {}, {4, 2}, u'З'},
+    {u"txtAbout", ControlKind::Memo, {}, {}, {4, 0}},
+    {u"Command5", ControlKind::Button, u"Закрыть", {}, {4, 1}, u'З'},
     {u"Timer1", ControlKind::Timer},
     {u"Timer2", ControlKind::Timer},
 };
