@@ -138,8 +138,6 @@ void FormWindowQt::Appear() {
     raise();
     activateWindow();
     if (focusWidget() == nullptr) focusNextChild();
-    // Among buttons alone, Enter must not press the first one unasked.
-    if (default_ != nullptr && qobject_cast<QPushButton*>(focusWidget()) != nullptr) default_->setFocus();
     Shown().Enter(this);
 }
 

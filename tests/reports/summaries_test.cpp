@@ -268,7 +268,8 @@ TEST(SummaryChoice, LeavesDocumentsWithoutAPeriodToAllPeriods) {
     const Value day = *DateFromCivil({2011, 1, 1});
     for (const Value& none : {Value(Null{}), Value(Date{1e300}), Value(Date{-1e300}), Value(Date{2958466})}) {
         for (const SummaryDocument& document :
-             {SummaryDocument{none, day, {}, {}}, SummaryDocument{day, none, {}, {}}}) {
+             {SummaryDocument{none, day, {}, {}}, SummaryDocument{day, none, {}, {}},
+              SummaryDocument{day, *DateFromCivil({2010, 12, 31}), {}, {}}}) {
             EXPECT_TRUE(IsChosen({}, document));
             EXPECT_FALSE(IsChosen({DayRange{INT32_MIN, INT32_MAX}, true, {}}, document));
         }

@@ -88,8 +88,7 @@ TEST(PeriodTree, OfMistypedDatesStaysSmall) {
     for (const PeriodNode& node : PeriodTree(summary, {})) {
         if (node.kind == PeriodKind::Year) years.push_back(ToUtf8(node.text));
     }
-    EXPECT_THAT(years,
-                testing::ElementsAre("1900 (0/1)", "2000 (1/2)", "2011 (1/1)", "2012 (1/1)", "9999 (0/1)"));
+    EXPECT_THAT(years, testing::ElementsAre("1900 (0/1)", "2000 (1/2)", "9999 (0/1)"));
     Summary damaged;
     for (const double serial : {1e300, -1e300, std::numeric_limits<double>::quiet_NaN()}) {
         damaged.documents.push_back({Date{serial}, Date{serial}, {}, {}});

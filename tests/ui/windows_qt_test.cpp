@@ -5,6 +5,7 @@
 #include <QTimer>
 #include <QTreeView>
 
+#include "db/connection.h"
 #include "samples/generator.h"
 #include "ui/desktop.h"
 
@@ -74,6 +75,23 @@ TEST_F(Windows, ImportsFromTheMainWindow) {
     EXPECT_TRUE(In<QAbstractButton>("frmmain", "Command3")->isEnabled());
     EXPECT_TRUE(In<QAbstractButton>("frmmain", "Command6")->isEnabled());
     EXPECT_THAT(Shown(), IsEmpty());
+}
+
+TEST_F(Windows, FitOnASmallScreenWithALongName) {
+    Text name = u"Общество";
+    for (int i = 0; i < 20; ++i) name += u" с ограниченной";
+    WriteSetting(u"NameINNKPP", name);
+    Start();
+    ASSERT_TRUE(WaitCounts("lblInfoFile", "Файлов в папке: 0"));
+    QWidget* window = WindowNamed("frmmain");
+    window->resize(1000, 660);
+    EXPECT_EQ(window->size(), QSize(1000, 660));
+    for (const char* label : {"lblInfoName", "Label5", "lblInfoFile", "lblInfoBase"}) {
+        const auto* shown = In<QLabel>("frmmain", label);
+        EXPECT_GE(shown->height(), shown->heightForWidth(shown->width())) << label;
+    }
+    EXPECT_EQ(In("frmmain", "txtOut")->accessibleName(), "Переносить импортированные файлы в папку:");
+    EXPECT_EQ(In("frmmain", "cmdImport")->accessibleName(), "Выбор папки с файлами из ТАВ в формате rtf");
 }
 
 TEST_F(Windows, CancelInTheMiddleOfAnImportLosesNothing) {
@@ -173,6 +191,46 @@ TEST_F(Windows, NarrowsASummaryToAPeriodAndACode) {
     EXPECT_TRUE(SettingTruth(u"ChkFilter"));
     QTest::keyClick(WindowNamed("frmFilter"), Qt::Key_Escape);
     EXPECT_EQ(WindowNamed("frmFilter"), nullptr);
+}
+
+// The box, the tree and the report are of the same code, whatever becomes of the database meanwhile.
+TEST_F(Windows, KeepsToTheCodeWhosePeriodsItShows) {
+    WriteStatements(5);
+    Import();
+    host_.view_v(kInn, kAllSubdivisions);
+    ASSERT_TRUE(WaitShown("frmFilter"));
+    auto* codes = In<QComboBox>("frmFilter", "cmbKBK");
+    const auto shown = [&] {
+        const auto* tree = In<QTreeView>("frmFilter", "TreeView1")->model();
+        return codes->currentText() + tree->index(0, 0, tree->index(0, 0)).data().toString();
+    };
+    const QString first = QString::fromStdU16String(samples::Taxes()[0].kbk) + "2009 (3/3)";
+    const QString second = QString::fromStdU16String(samples::Taxes()[1].kbk) + "2009 (1/1)";
+    EXPECT_EQ(shown(), first);
+    const auto hide = [&](TextView from, TextView to) {
+        std::filesystem::rename(ToUtf8(folder_ / from), ToUtf8(folder_ / to));
+    };
+    hide(u"PlX_Base.mdb", u"hidden");
+    QTest::keyClick(codes, Qt::Key_Down);
+    EXPECT_THAT(Shown(), SizeIs(1));
+    EXPECT_EQ(shown(), first);
+    hide(u"hidden", u"PlX_Base.mdb");
+    QTest::keyClick(codes, Qt::Key_Down);
+    EXPECT_EQ(shown(), second);
+    {
+        Connection connection;
+        connection.Open(ConnectionString(folder_ / u"PlX_Base.mdb"));
+        connection.Execute(Text(u"delete from tav_operations_header where h7='")
+                               .append(samples::Taxes()[0].kbk)
+                               .append(u"'"));
+    }
+    QTest::keyClick(codes, Qt::Key_Up);
+    EXPECT_EQ(codes->count(), 1);
+    EXPECT_EQ(shown(), "");
+    Click("frmFilter", "Command1");
+    EXPECT_THAT(Shown(), ElementsAre(StartsWith("Ошибка в функции GetFiles"), StartsWith("Сводная справка")));
+    QTest::keyClick(codes, Qt::Key_Down);
+    EXPECT_EQ(shown(), second);
 }
 
 TEST_F(Windows, SaysWhenThereIsNothing) {
