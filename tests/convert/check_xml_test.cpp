@@ -3,8 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 #include "common/progress.h"
 #include "convert/catalogue.h"
 #include "platform/files.h"
@@ -205,7 +203,7 @@ TEST_F(FolderScan, LongNamesAreShownShortened) {
 
 TEST_F(FolderScan, AFailureIsShownAndTheWindowClosed) {
     Add(u"a.rtf");
-    std::filesystem::create_directories(ToUtf8(folder_ / kCatalogueName) + "/inside");
+    MakeFolders(folder_ / kCatalogueName + kPathSeparator + u"inside" + kPathSeparator);
     EXPECT_EQ(CheckXml(folder_.path()), u"");
     ASSERT_EQ(messages_.messages.size(), 1u);
     EXPECT_EQ(messages_.messages[0].title, u"Ошибка в функции CheckXml");
