@@ -111,6 +111,12 @@ void CopyOver(TextView source, TextView target) {
     ::SetFileAttributesW(NativePath(source).c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 
+// A file that exists and that somebody has open without letting others delete it is not replaced. The system
+// would refuse that too, but may leave a temporary file of its own behind.
+void RefuseHeldFile(TextView path) {
+    if (Attributes(path)) OpenFile(path, DELETE, kShareAll);
+}
+
 // The rights of the file as the system keeps them; empty when they cannot be read.
 std::string RightsOf(TextView path) {
     const std::wstring native = NativePath(path);
@@ -242,9 +248,9 @@ std::string ReadFileHead(TextView path, std::size_t most) {
     return bytes;
 }
 
-// A target that somebody has open, or that is read-only, is not replaced: the system itself refuses that.
 void WriteFileWhole(TextView path, std::string_view bytes) {
     const Text target = RealPath(path);  // a replacement keeps the link
+    RefuseHeldFile(target);
     TemporaryFile replacement(target);
     {
         const Handle file(::CreateFileW(replacement.native().c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
