@@ -41,6 +41,7 @@ int Run(std::vector<std::string> arguments) {
     CLI::App app("Импорт актов сверки и выписок операций, полученных из ТАВ, в базу данных и справки по ним",
                  "tav");
     app.require_subcommand(1);
+    app.allow_windows_style_options(false);  // "/a" is a path everywhere
     Context context;
     AddDatabaseCommand(app, context);
     AddSettingsCommand(app, context);

@@ -21,13 +21,13 @@ TEST(WindowsEnvironment, FoldersOfTheProcess) {
     ::SetEnvironmentVariableW(L"TEMP", win32::Wide(before).c_str());
 }
 
-TEST(WindowsEnvironment, CtrlBreakIsRemembered) {
+TEST(WindowsEnvironment, CtrlCIsRemembered) {
     ::FreeConsole();
     if (!::AllocConsole()) GTEST_SKIP() << "no console";
     {
         const InterruptWatch watch;
         EXPECT_FALSE(InterruptWatch::Interrupted());
-        ASSERT_TRUE(::GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, 0));
+        ASSERT_TRUE(::GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0));
         for (int i = 0; i < 5000 && !InterruptWatch::Interrupted(); ++i) ::Sleep(1);
         EXPECT_TRUE(InterruptWatch::Interrupted());
     }

@@ -17,6 +17,10 @@ std::filesystem::path NativePath(TextView path);
 // Makes a symbolic link; false where links cannot be made, and the test that needs one is skipped.
 bool MakeLink(TextView target, TextView link);
 
+// Names of documents that are hard to handle, as far as the platform has such names. The last one has
+// characters that Windows-1251 lacks.
+std::vector<Text> OddNames();
+
 // A new empty folder, removed with everything in it at the end.
 class TempFolder {
  public:

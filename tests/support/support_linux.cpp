@@ -15,6 +15,11 @@ bool MakeLink(TextView target, TextView link) {
     return true;
 }
 
+std::vector<Text> OddNames() {
+    return {u"a & b < c.rtf", u"\"quoted\".rtf", u"с пробелом №1.RTF",
+            u"...rtf",        u"it's.rtf",       FromUtf8("\xFF\xFE.rtf")};
+}
+
 OwnSettings::OwnSettings() : store_(folder_ / u"settings") {
     ::setenv("TAV_SETTINGS", ToUtf8(store_).c_str(), 1);
 }

@@ -12,7 +12,13 @@ std::filesystem::path NativePath(TextView path) {
 
 bool MakeLink(TextView target, TextView link) {
     const DWORD folder = FolderExists(target) ? SYMBOLIC_LINK_FLAG_DIRECTORY : 0;
-    return ::CreateSymbolicLinkW(win32::Wide(link).c_str(), win32::Wide(target).c_str(), folder) != 0;
+    // Wine says that it has made one.
+    return ::CreateSymbolicLinkW(win32::Wide(link).c_str(), win32::Wide(target).c_str(), folder) != 0 &&
+           (FileExists(link) || FolderExists(link));
+}
+
+std::vector<Text> OddNames() {
+    return {u"a & b.rtf", u"{1} %TEMP%.rtf", u"с пробелом №1.RTF", u"...rtf", u"it's.rtf", u"\u4E2D.rtf"};
 }
 
 OwnSettings::OwnSettings()
