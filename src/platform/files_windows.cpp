@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstdint>
 #include <optional>
 #include <tuple>
 
@@ -71,7 +72,9 @@ class TemporaryFile {
  public:
     explicit TemporaryFile(TextView target) : name_(TemporaryName(target)), native_(NativePath(name_)) {}
     ~TemporaryFile() {
-        if (!moved_) ::DeleteFileW(native_.c_str());
+        if (moved_) return;
+        ::SetFileAttributesW(native_.c_str(), FILE_ATTRIBUTE_NORMAL);  // a read-only file is not deleted
+        ::DeleteFileW(native_.c_str());
     }
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
@@ -236,7 +239,10 @@ std::string ReadFile(TextView path) {
     const Handle file = OpenFile(path, GENERIC_READ, kShareAll);
     LARGE_INTEGER size{};
     ::GetFileSizeEx(file.get(), &size);
-    std::string bytes(static_cast<std::size_t>(size.QuadPart), '\0');
+    std::string bytes;
+    if (static_cast<std::uint64_t>(size.QuadPart) > bytes.max_size())
+        throw Failure(RunTimeError::OutOfMemory, path);
+    bytes.resize(static_cast<std::size_t>(size.QuadPart));
     bytes.resize(ReadInto(file, path, bytes.data(), bytes.size()));
     return bytes;
 }

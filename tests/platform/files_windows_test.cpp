@@ -108,11 +108,14 @@ TEST(WindowsFiles, MoveOntoAnotherDrive) {
     ::SetFileAttributesW(win32::NativePath(target).c_str(), FILE_ATTRIBUTE_NORMAL);
     {
         const LockedFile holder(target, LockedFile::Access::Read);
-        EXPECT_EQ(ErrorOf([&] { MoveFileOver(folder.Write(u"b", "2"), target); }),
-                  RunTimeError::PermissionDenied);
+        const Text other = folder.Write(u"b", "2");
+        ASSERT_TRUE(::SetFileAttributesW(win32::NativePath(other).c_str(), FILE_ATTRIBUTE_READONLY));
+        EXPECT_EQ(ErrorOf([&] { MoveFileOver(other, target); }), RunTimeError::PermissionDenied);
     }
     EXPECT_EQ(ReadFile(folder / u"b"), "2");
     EXPECT_EQ(ReadFile(target), "1");
+    const Text own = u".tav-" + Digits(::GetCurrentProcessId());
+    for (const Text& name : ListFiles(there, u"")) EXPECT_FALSE(name.starts_with(own)) << ToUtf8(name);
     DeleteFile(target);
 }
 
