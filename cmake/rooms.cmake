@@ -12,6 +12,9 @@ target_compile_options(
             -Woverloaded-virtual
             -Wcast-qual
             -Werror)
+if(WIN32)
+  target_compile_definitions(tav_flags INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0601)
+endif()
 if(TAV_SANITIZE)
   target_compile_options(tav_flags INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
                                              -fno-omit-frame-pointer)
@@ -23,17 +26,23 @@ endif()
 set(CMAKE_BUILD_RPATH "$ORIGIN;$ORIGIN/../lib")
 set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/../lib")
 
-# tav_room(NAME USES...): the static library tav_NAME of the sources in src/NAME. A source whose name ends in
-# _linux or _windows belongs to that platform alone; one that ends in _qt to the module tav_forms_qt. USES are other
-# rooms by name, or libraries.
-function(tav_room name)
-  file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${name}/*.cpp)
-  list(FILTER sources EXCLUDE REGEX "_qt\\.cpp$")
+# tav_sources(VARIABLE PATTERN): the sources of that pattern for this platform. One whose name ends in _linux or
+# _windows (before _test, if it is a test) belongs to that platform alone; one that ends in _qt or _x11 to what links Qt.
+function(tav_sources variable pattern)
+  file(GLOB sources CONFIGURE_DEPENDS ${pattern})
+  list(FILTER sources EXCLUDE REGEX "_(qt|x11)(_test)?\\.cpp$")
   if(WIN32)
-    list(FILTER sources EXCLUDE REGEX "_linux\\.cpp$")
+    list(FILTER sources EXCLUDE REGEX "_linux(_test)?\\.cpp$")
   else()
-    list(FILTER sources EXCLUDE REGEX "_windows\\.cpp$")
+    list(FILTER sources EXCLUDE REGEX "_windows(_test)?\\.cpp$")
   endif()
+  set(${variable} ${sources} PARENT_SCOPE)
+endfunction()
+
+# tav_room(NAME USES...): the static library tav_NAME of the sources in src/NAME. USES are other rooms by name, or
+# libraries.
+function(tav_room name)
+  tav_sources(sources ${PROJECT_SOURCE_DIR}/src/${name}/*.cpp)
   add_library(tav_${name} STATIC ${sources})
   target_include_directories(tav_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
   target_link_libraries(tav_${name} PRIVATE tav_flags)

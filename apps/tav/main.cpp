@@ -2,11 +2,13 @@
 //
 // Exit status 0: done; 1: a failure message was shown; 2: wrong usage; 130: cancelled by Ctrl-C.
 
+#include <algorithm>
 #include <cstdio>
 
 #include "commands.h"
 #include "common/guard.h"
 #include "platform/files.h"
+#include "platform/terminal.h"
 #include "settings/settings.h"
 #include "terminal.h"
 
@@ -35,10 +37,11 @@ Text PathArgument(const std::string& typed) {
 
 namespace {
 
-int Run(int argc, char** argv) {
+int Run(std::vector<std::string> arguments) {
     CLI::App app("Импорт актов сверки и выписок операций, полученных из ТАВ, в базу данных и справки по ним",
                  "tav");
     app.require_subcommand(1);
+    app.allow_windows_style_options(false);  // "/a" is a path everywhere
     Context context;
     AddDatabaseCommand(app, context);
     AddSettingsCommand(app, context);
@@ -52,7 +55,8 @@ int Run(int argc, char** argv) {
     TerminalBox box;
     const ScopedMessageBox scope(box);
     try {
-        app.parse(argc, argv);
+        std::reverse(arguments.begin(), arguments.end());  // as the parser takes them
+        app.parse(std::move(arguments));
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0) return app.exit(error);
         std::fprintf(stderr, "tav: %s\nПодробнее: tav --help\n", error.what());
@@ -68,5 +72,6 @@ int Run(int argc, char** argv) {
 }  // namespace tav::cli
 
 int main(int argc, char** argv) {
-    return tav::cli::Run(argc, argv);
+    const tav::Terminal terminal(argc, argv);
+    return tav::cli::Run(terminal.arguments());
 }

@@ -1,12 +1,11 @@
 #include "terminal.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdio>
 
 #include "common/failure.h"
 #include "platform/environment.h"
+#include "platform/terminal.h"
 #include "settings/session.h"
 
 namespace tav::cli {
@@ -26,7 +25,7 @@ void TerminalBox::Show(const Message& message) {
     DefaultMessageBox().Show(message);
 }
 
-TerminalProgress::TerminalProgress() : visible_(::isatty(STDERR_FILENO) != 0) {}
+TerminalProgress::TerminalProgress() : visible_(Terminal::ErrorIsScreen()) {}
 
 void TerminalProgress::Show(int files) {
     files_ = files;

@@ -4,6 +4,8 @@
 #include <charconv>
 #include <cmath>
 
+#include "common/regional_form.h"
+
 namespace tav {
 namespace {
 
@@ -13,11 +15,15 @@ bool IsDigit(char16_t c) {
 bool IsGroupBlank(char16_t c) {
     return c == u' ' || c == u'\u00A0';
 }
+bool IsGroup(char16_t c) {
+    return IsGroupBlank(c) || c == CurrentRegionalForm().group;
+}
 
 // The text as an ASCII number with a decimal point, or empty when it is no number.
 std::string PlainNumber(TextView text) {
     while (!text.empty() && IsGroupBlank(text.front())) text.remove_prefix(1);
     while (!text.empty() && IsGroupBlank(text.back())) text.remove_suffix(1);
+    const char16_t decimal = CurrentRegionalForm().decimal;
     std::string out;
     bool digits = false;
     bool point = false;
@@ -28,10 +34,10 @@ std::string PlainNumber(TextView text) {
             out += static_cast<char>(c);
         } else if (i == 0 && (c == u'-' || c == u'+')) {
             if (c == u'-') out += '-';
-        } else if (c == u',' && !point) {
+        } else if (c == decimal && !point) {
             point = true;
             out += '.';
-        } else if (!IsGroupBlank(c) || point) {
+        } else if (!IsGroup(c) || point) {
             return {};
         }
     }
@@ -47,7 +53,7 @@ Text GroupedAmount(std::string_view whole, std::string_view decimals, bool negat
         if (i > 0 && (whole.size() - i) % 3 == 0) text += u' ';
         text += static_cast<char16_t>(whole[i]);
     }
-    text += u',';
+    text += CurrentRegionalForm().decimal;
     return text.append(decimals.begin(), decimals.end());
 }
 
@@ -138,7 +144,7 @@ Text FormatNumber(double number) {
         std::to_chars(buffer.data(), buffer.data() + buffer.size(), number, std::chars_format::fixed);
     Text text(buffer.data(), end);
     for (char16_t& c : text) {
-        if (c == u'.') c = u',';
+        if (c == u'.') c = CurrentRegionalForm().decimal;
     }
     return text == u"-0" ? Text(u"0") : text;
 }

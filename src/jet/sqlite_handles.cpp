@@ -57,8 +57,10 @@ struct Words {
     TextView said;  // empty: a syntax error
     bool names_culprit;
 };
-constexpr std::array<Words, 10> kWords = {
-    {{"no such column: ", "", u"No value given for one or more required parameters.", true},
+constexpr std::array<Words, 11> kWords = {
+    {{"no such column: \"", "\" - should this be a string literal in single-quotes?",  // newer versions
+      u"No value given for one or more required parameters.", true},
+     {"no such column: ", "", u"No value given for one or more required parameters.", true},
      {"ambiguous column name: ", "",
       u"The specified field could refer to more than one table listed in the FROM clause of your SQL "
       u"statement.",
@@ -108,7 +110,9 @@ Failure SqliteFailure(sqlite3* database, StatementKind kind) {
     for (const Words& words : kWords) {
         if (!message.starts_with(words.begin) || !message.ends_with(words.end)) continue;
         const Failure failure(words.said);
-        return words.names_culprit ? failure.In(FromUtf8(message.substr(words.begin.size()))) : failure;
+        if (!words.names_culprit) return failure;
+        const std::size_t around = words.begin.size() + words.end.size();
+        return failure.In(FromUtf8(message.substr(words.begin.size(), message.size() - around)));
     }
     return Failure(kSyntaxErrors[static_cast<std::size_t>(kind)]);
 }

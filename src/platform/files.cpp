@@ -4,21 +4,23 @@
 
 #include <algorithm>
 
+#include "platform/listing.h"
+
 namespace tav {
 
 Text WithSeparator(TextView folder) {
     Text text(folder);
-    if (!text.empty() && text.back() != kPathSeparator) text += kPathSeparator;
+    if (!text.empty() && kPathSeparators.find(text.back()) == TextView::npos) text += kPathSeparator;
     return text;
 }
 
 Text FolderOf(TextView path) {
-    const std::size_t last = path.rfind(kPathSeparator);
+    const std::size_t last = path.find_last_of(kPathSeparators);
     return last == TextView::npos ? Text() : Text(path.substr(0, last + 1));
 }
 
 Text NameOf(TextView path) {
-    const std::size_t last = path.rfind(kPathSeparator);
+    const std::size_t last = path.find_last_of(kPathSeparators);
     return Text(last == TextView::npos ? path : path.substr(last + 1));
 }
 
@@ -28,6 +30,14 @@ Text UserPath(TextView typed) {
     std::replace_if(
         path.begin(), path.end(), [](char16_t c) { return c == u'/' || c == u'\\'; }, kPathSeparator);
     return path;
+}
+
+std::vector<Text> Listing::Sorted() {
+    std::sort(found_.begin(), found_.end());
+    std::vector<Text> names;
+    names.reserve(found_.size());
+    for (auto& entry : found_) names.push_back(std::move(entry.second));
+    return names;
 }
 
 }  // namespace tav

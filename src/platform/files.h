@@ -1,5 +1,5 @@
-// Files and folders. Paths are Text; on Linux their separator is "/" and any bytes of a name survive
-// (common/text.h).
+// Files and folders. Paths are Text. On Linux any bytes of a name survive (common/text.h); on Windows a path
+// may be as long as the file system takes it, and a file that another program has open is not replaced.
 //
 // What the operating system refuses is a Failure that names the path: "File not found" and "Path not found"
 // (no such file, no such folder), "Permission denied" (no right, a file held by somebody else), "Disk full",
@@ -17,7 +17,8 @@
 
 namespace tav {
 
-// "/" on Linux, "\" on Windows.
+// What separates the names of a path: "/" on Linux, "\" and "/" on Windows. The first is the one written.
+extern const TextView kPathSeparators;
 extern const char16_t kPathSeparator;
 
 // The folder with one separator at its end; empty text stays empty.

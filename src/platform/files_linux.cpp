@@ -8,6 +8,7 @@
 
 #include "common/get_next.h"
 #include "platform/files.h"
+#include "platform/listing.h"
 #include "platform/posix_linux.h"
 
 namespace tav {
@@ -15,6 +16,7 @@ namespace tav {
 using posix::Descriptor;
 using posix::Refuse;
 
+const TextView kPathSeparators = u"/";
 const char16_t kPathSeparator = u'/';
 
 namespace posix {
@@ -215,25 +217,20 @@ std::vector<Text> ListFiles(TextView folder, TextView ending) {
     const Text prefix = WithSeparator(folder);
     const std::unique_ptr<DIR, int (*)(DIR*)> listing(
         ::opendir(prefix.empty() ? "." : Native(prefix).c_str()), ::closedir);
-    std::vector<std::pair<Text, Text>> found;  // upper-cased name, name
+    Listing found(ending);
     if (listing == nullptr) {
         if (errno == ENOENT || errno == ENOTDIR) return {};
         Refuse(errno, folder);
     }
     while (const dirent* entry = ::readdir(listing.get())) {
         Text name = FromUtf8(entry->d_name);
-        if (name.size() < ending.size() || !EqualNoCase(Right(name, ending.size()), ending)) continue;
+        if (!found.Wants(name)) continue;
         struct stat status {};
         const bool plain =
             entry->d_type == DT_REG || (Status(prefix + name, status) && S_ISREG(status.st_mode));
-        if (!plain) continue;
-        found.emplace_back(UpperCase(name), std::move(name));
+        if (plain) found.Add(std::move(name));
     }
-    std::sort(found.begin(), found.end());
-    std::vector<Text> names;
-    names.reserve(found.size());
-    for (auto& entry : found) names.push_back(std::move(entry.second));
-    return names;
+    return found.Sorted();
 }
 
 std::string ReadFile(TextView path) {

@@ -3,8 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 #include "common/progress.h"
 #include "convert/catalogue.h"
 #include "platform/files.h"
@@ -69,10 +67,10 @@ class FolderScan : public testing::Test {
 
 TEST_F(FolderScan, ANewFolderIsConvertedInListingOrder) {
     Add(u"б.RTF");
-    Add(u"a \"x\".rtf");
+    Add(u"a 'x'.rtf");
     Add(u"note.txt");
-    EXPECT_EQ(Scan(), CatalogueOf({u"a \"x\".rtf", u"б.RTF"}, Entry(u"a \"x\".rtf") + Entry(u"б.RTF")));
-    EXPECT_EQ(progress_.steps, u"show 2\na \"x\".rtf\ndone 1\nб.RTF\ndone 2\nclose\n");
+    EXPECT_EQ(Scan(), CatalogueOf({u"a 'x'.rtf", u"б.RTF"}, Entry(u"a 'x'.rtf") + Entry(u"б.RTF")));
+    EXPECT_EQ(progress_.steps, u"show 2\na 'x'.rtf\ndone 1\nб.RTF\ndone 2\nclose\n");
     EXPECT_THAT(messages_.messages, IsEmpty());
     const Text without_separator = folder_.path().substr(0, folder_.path().size() - 1);
     EXPECT_EQ(CheckXml(without_separator), folder_ / kCatalogueName);
@@ -176,7 +174,7 @@ TEST_F(FolderScan, ACatalogueThatIsNoXmlCountsAsAbsent) {
 
 TEST_F(FolderScan, NamesTheCatalogueCannotHoldArePassedOverWithOneMessage) {
     folder_.Write(u"\u4E2D.rtf", "");
-    folder_.Write(u"two\nlines.rtf", "");
+    folder_.Write(u"two\nlines.rtf", "");  // no name at all on Windows
     EXPECT_EQ(CheckXml(folder_.path()), u"");
     ASSERT_EQ(messages_.messages.size(), 1u);
     Add(u"a.rtf");
@@ -190,7 +188,9 @@ TEST_F(FolderScan, NamesTheCatalogueCannotHoldArePassedOverWithOneMessage) {
     for (int i = 0; i < 30; ++i) folder_.Write(u"\u4E2D" + Digits(i) + u".rtf", "");
     Scan();
     ASSERT_EQ(messages_.messages.size(), 3u);
-    EXPECT_TRUE(messages_.messages[2].text.ends_with(u"... и ещё 12"));
+    const std::size_t left_out = ListFiles(folder_.path(), u".rtf").size() - listed.size();
+    EXPECT_TRUE(
+        messages_.messages[2].text.ends_with(u"... и ещё " + Digits(static_cast<int>(left_out) - 20)));
 }
 
 TEST_F(FolderScan, LongNamesAreShownShortened) {
@@ -205,7 +205,7 @@ TEST_F(FolderScan, LongNamesAreShownShortened) {
 
 TEST_F(FolderScan, AFailureIsShownAndTheWindowClosed) {
     Add(u"a.rtf");
-    std::filesystem::create_directories(ToUtf8(folder_ / kCatalogueName) + "/inside");
+    MakeFolders(folder_ / kCatalogueName + kPathSeparator + u"inside" + kPathSeparator);
     EXPECT_EQ(CheckXml(folder_.path()), u"");
     ASSERT_EQ(messages_.messages.size(), 1u);
     EXPECT_EQ(messages_.messages[0].title, u"Ошибка в функции CheckXml");

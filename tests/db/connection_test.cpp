@@ -102,8 +102,9 @@ TEST_F(ConnectionTest, AFailedStatementLeavesTheFileAsItWas) {
     connection_.Execute(u"insert into tav_operations_type (tid,tname,tpayment) values (1,'A','x')");
     connection_.Execute(u"insert into tav_operations_type (tid,tname,tpayment) values (2,'B','x')");
     EXPECT_EQ(First(u"select tid from tav_operations_type where tname='a' and tpayment='x'"), u"1");
-    connection_.EndUnit();
+    connection_.Close();
     const std::string before = ReadFile(path_);
+    connection_.Open(ConnectionString(path_));
     EXPECT_NE(FailureOf([&] { connection_.Execute(u"update tav_operations_type set tid=7, tname='C'"); }),
               "no failure");
     EXPECT_EQ(First(u"select tid from tav_operations_type where tname='a' and tpayment='x'"), u"1");

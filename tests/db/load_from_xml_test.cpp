@@ -241,7 +241,7 @@ TEST_F(Loader, OverflowsPast32767) {
 }
 
 TEST_F(Loader, StopsBeforeAFileWhenTheDatabaseIsFull) {
-    fs::resize_file(ToUtf8(database_), 119 << 20);
+    fs::resize_file(test::NativePath(database_), 119 << 20);
     Load({{u"a.rtf", kPaid}});
     EXPECT_THAT(Shown(), ElementsAre(AllOf(HasSubstr("не осталось места"), HasSubstr("a.rtf"))));
     EXPECT_THAT(Rows(kHeaders), IsEmpty());
@@ -308,7 +308,7 @@ TEST_F(Moves, StayWithinTheirFolders) {
 }
 
 TEST_F(Moves, LeaveTheImportFolderAlone) {
-    fs::create_directory_symlink(ToUtf8(folder_ / u"in"), ToUtf8(folder_ / u"link"));
+    if (!test::MakeLink(folder_ / u"in", folder_ / u"link")) GTEST_SKIP() << "no links";
     EXPECT_EQ(LoadAndMove(folder_ / u"link/").moved, 0);
     EXPECT_EQ(ReadFile(folder_ / u"in/a.rtf"), "new");
 }
@@ -320,7 +320,7 @@ TEST_F(Moves, CrossFileSystems) {
     EXPECT_EQ(LoadAndMove(target).moved, 1);
     EXPECT_EQ(ReadFile(target + u"a.rtf"), "new");
     EXPECT_FALSE(FileExists(folder_ / u"in/a.rtf"));
-    fs::remove_all(ToUtf8(target));
+    fs::remove_all(test::NativePath(target));
 }
 
 TEST_F(Moves, SayWhatCannotBeMovedAndKeepWhatIsLoaded) {

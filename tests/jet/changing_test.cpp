@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <map>
+#include <memory>
 #include <random>
 
 #include "jet/database.h"
@@ -105,42 +106,48 @@ TEST(Changing, RowsComeBackInTheOrderTheyWereInserted) {
 TEST(Changing, ClearedTableGivesItsPagesBack) {
     TempFolder folder;
     const Text path = NewDatabase(folder);
-    Database database(path, Database::Access::Write);
-    Table& table = *database.FindTable(u"things");
-    PageNumber pages = 0;
-    for (int round = 0; round < 5; ++round) {
-        for (int i = 0; i < 2000; ++i) table.Insert(Thing(i, u"row", Text(100, u'n')));
-        for (Table::Scan scan = table.Rows(); !scan.AtEnd(); scan.Next()) table.Delete(scan.row().id());
-        EXPECT_TRUE(table.Rows().AtEnd());
-        if (round > 0) {
-            EXPECT_EQ(database.file().PageCount(), pages);
+    {
+        Database database(path, Database::Access::Write);
+        Table& table = *database.FindTable(u"things");
+        PageNumber pages = 0;
+        for (int round = 0; round < 5; ++round) {
+            for (int i = 0; i < 2000; ++i) table.Insert(Thing(i, u"row", Text(100, u'n')));
+            for (Table::Scan scan = table.Rows(); !scan.AtEnd(); scan.Next()) table.Delete(scan.row().id());
+            EXPECT_TRUE(table.Rows().AtEnd());
+            if (round > 0) {
+                EXPECT_EQ(database.file().PageCount(), pages);
+            }
+            pages = database.file().PageCount();
         }
-        pages = database.file().PageCount();
+        EXPECT_TRUE(UsageMap(database.file(), table.definition().owned_map).Pages().empty());
+        database.file().Commit();
     }
-    EXPECT_TRUE(UsageMap(database.file(), table.definition().owned_map).Pages().empty());
-    database.file().Commit();
     ExpectSound(path);
 }
 
 TEST(Changing, MovedRowKeepsItsIdAndFindsItsWayBack) {
     TempFolder folder;
     const Text path = NewDatabase(folder);
-    Database database(path, Database::Access::Write);
-    Table& table = *database.FindTable(u"things");
+    auto database = std::make_unique<Database>(path, Database::Access::Write);
     Model model;
-    for (int i = 0; i < 300; ++i) model[table.Insert(Thing(i, u"short"))] = Thing(i, u"short");
+    for (int i = 0; i < 300; ++i) {
+        model[database->FindTable(u"things")->Insert(Thing(i, u"short"))] = Thing(i, u"short");
+    }
     for (const std::size_t size : {200u, 255u, 3u, 255u}) {
         for (auto& [id, values] : model) {
             values[4] = Text(size, u'ж');
-            table.Update(id, values);
+            database->FindTable(u"things")->Update(id, values);
         }
-        ExpectModel(table, model);
-        database.file().Commit();
+        ExpectModel(*database->FindTable(u"things"), model);
+        database->file().Commit();
+        database.reset();
         ExpectSound(path);
+        database = std::make_unique<Database>(path, Database::Access::Write);
     }
+    Table& table = *database->FindTable(u"things");
     for (auto row = model.begin(); row != model.end(); row = model.erase(row)) table.Delete(row->first);
     ExpectModel(table, model);
-    EXPECT_TRUE(UsageMap(database.file(), table.definition().owned_map).Pages().empty());
+    EXPECT_TRUE(UsageMap(database->file(), table.definition().owned_map).Pages().empty());
 }
 
 TEST(Changing, RulesRefuseBeforeAnythingChanges) {
@@ -201,7 +208,7 @@ TEST(Changing, StatementIsTakenBackByteForByte) {
     database.file().RollBack();
     ExpectModel(table, {});
     EXPECT_FALSE(database.file().HasChanges());
-    EXPECT_EQ(ReadFile(path).size(), database.file().PageCount() * kPageSize);
+    EXPECT_EQ(StampOf(path)->size, database.file().PageCount() * kPageSize);
 }
 
 TEST(Changing, AutonumberAndCountersFollow) {

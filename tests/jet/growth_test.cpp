@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <numeric>
+#include <optional>
 
 #include "jet/database.h"
 #include "jet/jet_fixtures.h"
@@ -27,13 +28,13 @@ class Growth : public testing::Test {
  protected:
     TempFolder folder_;
     Text path_ = NewDatabase(folder_);
-    Database database_{path_, Database::Access::Write};
-    PageFile& file_ = database_.file();
+    std::optional<Database> database_{std::in_place, path_, Database::Access::Write};
+    PageFile& file_ = database_->file();
 };
 
 TEST_F(Growth, InlineMapMovesItsWindowAndTurnsIntoReferences) {
     while (file_.PageCount() < 1200) file_.Append();
-    const Pointer record = database_.FindTable(u"things")->definition().owned_map;
+    const Pointer record = database_->FindTable(u"things")->definition().owned_map;
     UsageMap map(file_, record);
     EXPECT_EQ(map.Last(), 0u);
     std::vector<PageNumber> expected;
@@ -63,7 +64,7 @@ TEST_F(Growth, InlineMapMovesItsWindowAndTurnsIntoReferences) {
 }
 
 TEST_F(Growth, LargeTableKeepsItsRowsAndMaps) {
-    Table& table = *database_.FindTable(u"plain");
+    Table& table = *database_->FindTable(u"plain");
     constexpr std::size_t kRows = 1500;
     for (std::size_t i = 0; i < kRows; ++i) table.Insert(PageOfText());
     file_.Commit();
@@ -83,6 +84,7 @@ TEST_F(Growth, LargeTableKeepsItsRowsAndMaps) {
     EXPECT_EQ(std::accumulate(global.begin() + second.begin, global.begin() + map.begin, 0), 0);
     EXPECT_EQ(U16(global.data() + 2), second.begin - 14 - 4);
     for (PageNumber page = 0; page < file_.PageCount(); ++page) EXPECT_FALSE(IsFree(file_, page)) << page;
+    database_.reset();
     ExpectSound(path_);
 }
 
@@ -101,7 +103,7 @@ TEST_F(Growth, FreedPagesAreTakenAgainButNotBelowTheLastOne) {
 }
 
 TEST_F(Growth, PageInUseIsNotTakenThoughItIsCalledFree) {
-    UsageMap owned(file_, database_.FindTable(u"plain")->definition().owned_map);
+    UsageMap owned(file_, database_->FindTable(u"plain")->definition().owned_map);
     const PageNumber page = owned.TakePage();
     EXPECT_TRUE(owned.Contains(page));
     file_.Change(page).fill(7);
@@ -115,7 +117,7 @@ TEST_F(Growth, FullFileRefusesToGrow) {
     ResizeRecord(file_.Change(1), 1, 3990);
     const PageNumber limit = MaximumPages(file_);
     EXPECT_EQ(limit, kInlinePages + 32 * ((4096 - 14 - 4 - 69 - 3990) / 4));
-    Table& table = *database_.FindTable(u"plain");
+    Table& table = *database_->FindTable(u"plain");
     std::string failure;
     int rows = 0;
     for (; failure.empty(); ++rows) failure = FailureOf([&] { table.Insert(PageOfText()); });

@@ -58,7 +58,7 @@ std::string FailureOf(Body body) {
     return {};
 }
 
-// The checker finds no error in the file as it is on the disk; somebody may hold it open.
+// The checker finds no error in the file as it is on the disk. Nobody writes it meanwhile.
 inline void ExpectSound(TextView path) {
     const TempFolder folder;
     for (const jet::Finding& finding : jet::CheckDatabase(folder.Write(u"copy.mdb", ReadFile(path)))) {

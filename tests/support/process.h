@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -13,7 +14,8 @@ struct Outcome {
     std::string err;  // standard error
 };
 
-// build/NAME with arguments; `in_child` runs in the new process before the program starts (limits, signals).
+// A program of the build, else one on the PATH, with arguments; `in_child` runs in the new process before the
+// program starts (limits, signals), which Linux alone has.
 Outcome RunProgram(const std::string& name, const std::vector<std::string>& arguments,
                    const std::function<void()>& in_child = {});
 
@@ -26,14 +28,14 @@ class Process {
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
 
-    void Signal(int signal) const;
-    // Waits until the program has a handler of its own for the signal, or has ended.
-    void AwaitHandler(int signal) const;
+    void Kill() const;
+    // Ctrl-C, as soon as the program has a handler of its own for it.
+    void Interrupt() const;
     Outcome Wait();
 
  private:
-    int pid_ = -1;
-    std::string folder_;
+    struct State;
+    std::unique_ptr<State> state_;
 };
 
 // Whether a program of that name can be run (mdb-export and its like).

@@ -7,9 +7,10 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <sstream>
+#include <random>
 
 #include "common/windows1251.h"
+#include "platform/files.h"
 
 namespace tav::test {
 namespace fs = std::filesystem;
@@ -29,27 +30,27 @@ void WriteAll(const fs::path& path, std::string_view bytes) {
 }  // namespace
 
 TempFolder::TempFolder() {
-    std::string pattern = (fs::temp_directory_path() / "tav-test-").string() + std::string(6, 'X');
-    if (::mkdtemp(pattern.data()) == nullptr) ADD_FAILURE() << "no temporary folder";
-    path_ = FromUtf8(pattern) + u"/";
+    std::random_device random;
+    fs::path folder;
+    do {
+        folder = fs::temp_directory_path() / ("tav-test-" + std::to_string(random()));
+    } while (!fs::create_directory(folder));
+    path_ = folder.u16string() + kPathSeparator;
 }
 
 TempFolder::~TempFolder() {
     std::error_code ignored;
-    fs::remove_all(ToUtf8(path_), ignored);
+    fs::remove_all(NativePath(path_), ignored);
+}
+
+Text TempFolder::operator/(TextView name) const {
+    return path_ + ReplaceAll(name, u"/", TextView(&kPathSeparator, 1));
 }
 
 Text TempFolder::Write(TextView name, std::string_view bytes) const {
     const Text path = *this / name;
-    WriteAll(ToUtf8(path), bytes);
+    WriteAll(NativePath(path), bytes);
     return path;
-}
-
-OwnSettings::OwnSettings() {
-    ::setenv("TAV_SETTINGS", ToUtf8(folder_ / u"settings").c_str(), 1);
-}
-OwnSettings::~OwnSettings() {
-    ::unsetenv("TAV_SETTINGS");
 }
 
 std::string TestFile(std::string_view path) {

@@ -1,6 +1,7 @@
 // What many tests need: a folder of their own, a list of the messages shown, golden files.
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,6 +10,16 @@
 #include "common/text.h"
 
 namespace tav::test {
+
+// A path for the standard library, which knows Text on Windows and bytes on Linux.
+std::filesystem::path NativePath(TextView path);
+
+// Makes a symbolic link; false where links cannot be made, and the test that needs one is skipped.
+bool MakeLink(TextView target, TextView link);
+
+// Names of documents that are hard to handle, as far as the platform has such names. The last one has
+// characters that Windows-1251 lacks.
+std::vector<Text> OddNames();
 
 // A new empty folder, removed with everything in it at the end.
 class TempFolder {
@@ -20,8 +31,8 @@ class TempFolder {
 
     // With its separator at the end.
     const Text& path() const { return path_; }
-    // The full path of a file in it.
-    Text operator/(TextView name) const { return path_ + Text(name); }
+    // The full path of a file in it; "/" in the name is the platform's separator.
+    Text operator/(TextView name) const;
     // Writes a file into it and returns its full path.
     Text Write(TextView name, std::string_view bytes) const;
 
@@ -41,7 +52,7 @@ class MessageList : public MessageBox {
     ScopedMessageBox scope_;
 };
 
-// Points TAV_SETTINGS at an empty settings file in a folder of its own, and back at the end.
+// Points TAV_SETTINGS at an empty settings store of its own (a file, a key on Windows), and back at the end.
 class OwnSettings {
  public:
     OwnSettings();
@@ -49,8 +60,11 @@ class OwnSettings {
     OwnSettings(const OwnSettings&) = delete;
     OwnSettings& operator=(const OwnSettings&) = delete;
 
+    const Text& store() const { return store_; }
+
  private:
     TempFolder folder_;
+    Text store_;
 };
 
 // A file of tests/, by its path below that folder.

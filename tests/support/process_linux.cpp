@@ -1,7 +1,4 @@
-#include "support/process.h"
-
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -9,6 +6,9 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+
+#include "support/process.h"
+#include "support/support.h"
 
 namespace tav::test {
 namespace fs = std::filesystem;
@@ -20,6 +20,12 @@ std::string ReadAll(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
+// A program of the build before one of that name on the PATH.
+std::string OwnProgram(const std::string& name) {
+    const std::string own = std::string(TAV_BINARY_DIR) + "/" + name;
+    return fs::exists(own) ? own : name;
+}
+
 void SendTo(const std::string& path, int descriptor) {
     const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
     ::dup2(file, descriptor);
@@ -28,57 +34,61 @@ void SendTo(const std::string& path, int descriptor) {
 
 }  // namespace
 
+struct Process::State {
+    pid_t pid = -1;
+    TempFolder folder;
+
+    std::string File(TextView name) const { return ToUtf8(folder / name); }
+};
+
 Process::Process(const std::string& program, const std::vector<std::string>& arguments,
-                 const std::function<void()>& in_child) {
-    folder_ = (fs::temp_directory_path() / "tav-run-").string() + std::string(6, 'X');
-    if (::mkdtemp(folder_.data()) == nullptr) ADD_FAILURE() << "no temporary folder";
-    std::vector<std::string> words{program};
+                 const std::function<void()>& in_child)
+    : state_(std::make_unique<State>()) {
+    std::vector<std::string> words{OwnProgram(program)};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> argv;
     for (std::string& word : words) argv.push_back(word.data());
     argv.push_back(nullptr);
-    pid_ = ::fork();
-    if (pid_ != 0) return;
-    SendTo(folder_ + "/out", STDOUT_FILENO);
-    SendTo(folder_ + "/err", STDERR_FILENO);
+    state_->pid = ::fork();
+    if (state_->pid != 0) return;
+    SendTo(state_->File(u"out"), STDOUT_FILENO);
+    SendTo(state_->File(u"err"), STDERR_FILENO);
     if (in_child) in_child();
     ::execvp(argv[0], argv.data());
     ::_exit(127);
 }
 
 Process::~Process() {
-    if (pid_ > 0) Wait();
-    std::error_code ignored;
-    fs::remove_all(folder_, ignored);
+    if (state_->pid > 0) Wait();
 }
 
-void Process::Signal(int signal) const {
-    ::kill(pid_, signal);
+void Process::Kill() const {
+    ::kill(state_->pid, SIGKILL);
 }
 
-void Process::AwaitHandler(int signal) const {
-    const std::string path = "/proc/" + std::to_string(pid_) + "/status";
+void Process::Interrupt() const {
+    const std::string path = "/proc/" + std::to_string(state_->pid) + "/status";
     for (;;) {
         const std::string status = ReadAll(path);
         const std::size_t caught = status.find("SigCgt:");
-        if (caught == std::string::npos) return;
-        if ((std::stoull(status.substr(caught + 7), nullptr, 16) >> (signal - 1) & 1) != 0) return;
+        if (caught == std::string::npos) break;
+        if ((std::stoull(status.substr(caught + 7), nullptr, 16) >> (SIGINT - 1) & 1) != 0) break;
         ::usleep(1000);
     }
+    ::kill(state_->pid, SIGINT);
 }
 
 Outcome Process::Wait() {
     int status = 0;
-    ::waitpid(pid_, &status, 0);
-    pid_ = -1;
+    ::waitpid(state_->pid, &status, 0);
+    state_->pid = -1;
     const int code = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    return {code, ReadAll(folder_ + "/out"), ReadAll(folder_ + "/err")};
+    return {code, ReadAll(state_->File(u"out")), ReadAll(state_->File(u"err"))};
 }
 
 Outcome RunProgram(const std::string& name, const std::vector<std::string>& arguments,
                    const std::function<void()>& in_child) {
-    const std::string own = std::string(TAV_BINARY_DIR) + "/" + name;
-    return Process(fs::exists(own) ? own : name, arguments, in_child).Wait();
+    return Process(name, arguments, in_child).Wait();
 }
 
 bool HasProgram(const std::string& name) {

@@ -1,0 +1,71 @@
+#include <atomic>
+
+#include "platform/environment.h"
+#include "platform/files.h"
+#include "platform/win32_windows.h"
+
+namespace tav {
+namespace {
+
+std::atomic<bool> interrupted = false;
+
+// On a thread of its own.
+BOOL WINAPI OnInterrupt(DWORD event) {
+    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) return FALSE;
+    return interrupted.exchange(true) ? FALSE : TRUE;
+}
+
+LocalTime SystemClock() {
+    SYSTEMTIME now{};
+    ::GetLocalTime(&now);
+    return {{now.wYear, now.wMonth, now.wDay}, {now.wHour, now.wMinute, now.wSecond}};
+}
+
+LocalTime (*clock_in_use)() = SystemClock;
+
+}  // namespace
+
+Text ComponentFolder() {
+    HMODULE module = nullptr;  // the library that holds this code, or the program
+    ::GetModuleHandleExW(
+        GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+        reinterpret_cast<const wchar_t*>(&ComponentFolder), &module);
+    return FolderOf(win32::FromWide(win32::Filled(
+        [&](wchar_t* buffer, DWORD size) { return ::GetModuleFileNameW(module, buffer, size); })));
+}
+
+Text TempVariable() {
+    return win32::Variable(L"TEMP");
+}
+
+Text ReportFolder() {
+    if (Text folder = TempVariable(); !folder.empty()) return folder;
+    return win32::FromWide(
+        win32::Filled([](wchar_t* buffer, DWORD size) { return ::GetTempPathW(size, buffer); }));
+}
+
+LocalTime Now() {
+    return clock_in_use();
+}
+void SetClock(LocalTime (*clock)()) {
+    clock_in_use = clock == nullptr ? SystemClock : clock;
+}
+
+Date Today() {
+    return DateFromCivil(Now().date).value_or(Date());
+}
+
+InterruptWatch::InterruptWatch() {
+    interrupted = false;
+    ::SetConsoleCtrlHandler(OnInterrupt, TRUE);
+}
+
+InterruptWatch::~InterruptWatch() {
+    ::SetConsoleCtrlHandler(OnInterrupt, FALSE);
+}
+
+bool InterruptWatch::Interrupted() {
+    return interrupted;
+}
+
+}  // namespace tav

@@ -1,0 +1,314 @@
+#include <algorithm>
+#include <cstdint>
+#include <optional>
+#include <tuple>
+
+#include "platform/files.h"
+#include "platform/listing.h"
+#include "platform/win32_windows.h"
+
+namespace tav {
+
+using win32::Handle;
+using win32::NativePath;
+using win32::OpenFile;
+using win32::Refuse;
+
+const TextView kPathSeparators = u"\\/";
+const char16_t kPathSeparator = u'\\';
+
+namespace {
+
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+bool IsSeparator(char16_t c) {
+    return kPathSeparators.find(c) != TextView::npos;
+}
+
+std::optional<DWORD> Attributes(TextView path) {
+    const DWORD attributes = ::GetFileAttributesW(NativePath(path).c_str());
+    return attributes == INVALID_FILE_ATTRIBUTES ? std::nullopt : std::optional(attributes);
+}
+
+void WriteAll(const Handle& file, std::string_view bytes, TextView path) {
+    while (!bytes.empty()) {
+        DWORD written = 0;
+        const auto piece = static_cast<DWORD>(std::min<std::size_t>(bytes.size(), 1 << 30));
+        if (!::WriteFile(file.get(), bytes.data(), piece, &written, nullptr)) Refuse(::GetLastError(), path);
+        bytes.remove_prefix(written);
+    }
+}
+
+// What is left of the file, up to the buffer's size.
+std::size_t ReadInto(const Handle& file, TextView path, char* buffer, std::size_t size) {
+    std::size_t filled = 0;
+    while (filled < size) {
+        DWORD got = 0;
+        const auto piece = static_cast<DWORD>(std::min<std::size_t>(size - filled, 1 << 30));
+        if (!::ReadFile(file.get(), buffer + filled, piece, &got, nullptr)) Refuse(::GetLastError(), path);
+        if (got == 0) break;
+        filled += got;
+    }
+    return filled;
+}
+
+void Sync(const Handle& file, TextView path) {
+    if (!::FlushFileBuffers(file.get())) Refuse(::GetLastError(), path);
+}
+
+// A name in the folder of `target` that nobody uses.
+Text TemporaryName(TextView target) {
+    static unsigned counter = 0;
+    for (;;) {
+        Text name = FolderOf(target).append(u".tav-").append(Digits(::GetCurrentProcessId()));
+        name.append(u"-").append(Digits(static_cast<long long>(::GetTickCount64()))).append(u"-");
+        name.append(Digits(++counter));
+        if (!Attributes(name)) return name;
+    }
+}
+
+// A file that goes at the end of the scope, unless it has become another by then.
+class TemporaryFile {
+ public:
+    explicit TemporaryFile(TextView target) : name_(TemporaryName(target)), native_(NativePath(name_)) {}
+    ~TemporaryFile() {
+        if (moved_) return;
+        ::SetFileAttributesW(native_.c_str(), FILE_ATTRIBUTE_NORMAL);  // a read-only file is not deleted
+        ::DeleteFileW(native_.c_str());
+    }
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+    const Text& name() const { return name_; }
+    const std::wstring& native() const { return native_; }
+
+    void MoveOver(TextView target) {
+        if (!::MoveFileExW(native_.c_str(), NativePath(target).c_str(),
+                           MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
+            Refuse(::GetLastError(), target);
+        moved_ = true;
+    }
+    // The target's rights and attributes stay as they are.
+    void Replace(TextView target) {
+        if (!::ReplaceFileW(NativePath(target).c_str(), native_.c_str(), nullptr, 0, nullptr, nullptr))
+            Refuse(::GetLastError(), target);
+        moved_ = true;
+    }
+
+ private:
+    Text name_;
+    std::wstring native_;
+    bool moved_ = false;
+};
+
+void CopyOver(TextView source, TextView target) {
+    TemporaryFile copy(target);
+    if (!::CopyFileW(NativePath(source).c_str(), copy.native().c_str(), TRUE))
+        Refuse(::GetLastError(), source);
+    // A read-only file cannot be synced; the copy is one again afterwards.
+    const DWORD attributes = ::GetFileAttributesW(copy.native().c_str());
+    ::SetFileAttributesW(copy.native().c_str(), FILE_ATTRIBUTE_NORMAL);
+    Sync(OpenFile(copy.name(), GENERIC_WRITE, 0), target);
+    ::SetFileAttributesW(copy.native().c_str(), attributes);
+    copy.MoveOver(target);
+    ::SetFileAttributesW(NativePath(source).c_str(), FILE_ATTRIBUTE_NORMAL);
+}
+
+// A file that exists and that somebody has open without letting others delete it is not replaced. The system
+// would refuse that too, but may leave a temporary file of its own behind.
+void RefuseHeldFile(TextView path) {
+    if (Attributes(path)) OpenFile(path, DELETE, kShareAll);
+}
+
+// The rights of the file as the system keeps them; empty when they cannot be read.
+std::string RightsOf(TextView path) {
+    const std::wstring native = NativePath(path);
+    DWORD size = 0;
+    ::GetFileSecurityW(native.c_str(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
+    std::string rights(size, '\0');
+    if (!::GetFileSecurityW(native.c_str(), DACL_SECURITY_INFORMATION, rights.data(), size, &size)) return {};
+    return rights;
+}
+
+// The length of what names the drive or the network folder: no folder can be made there.
+std::size_t RootLength(TextView path) {
+    std::size_t at = 0;
+    std::size_t names = 0;  // of server and share
+    if (path.starts_with(u"\\\\?\\UNC\\")) {
+        at = 8;
+        names = 2;
+    } else if (path.starts_with(u"\\\\?\\")) {
+        at = 4;
+    } else if (path.size() > 2 && IsSeparator(path[0]) && IsSeparator(path[1])) {
+        at = 2;
+        names = 2;
+    }
+    if (names == 0 && at + 1 < path.size() && path[at + 1] == u':') at += 2;
+    for (; names > 0 && at < path.size(); ++at) names -= IsSeparator(path[at]) ? 1 : 0;
+    return at;
+}
+
+}  // namespace
+
+bool FileExists(TextView path) {
+    if (path.empty() || IsSeparator(path.back())) return false;
+    const auto attributes = Attributes(path);
+    return attributes && (*attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+}
+
+bool FolderExists(TextView path) {
+    const auto attributes = path.empty() ? std::nullopt : Attributes(path);
+    return attributes && (*attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+std::optional<FileStamp> StampOf(TextView path) {
+    WIN32_FILE_ATTRIBUTE_DATA found{};
+    if (!::GetFileAttributesExW(NativePath(path).c_str(), GetFileExInfoStandard, &found)) return std::nullopt;
+    constexpr std::int64_t kNanoseconds = 100;  // of a tick of the file system's clock
+    constexpr std::uint64_t kYear1970 =
+        116444736000000000ULL;  // in ticks; nanoseconds since 1601 are too many
+    const std::uint64_t ticks =
+        std::uint64_t{found.ftLastWriteTime.dwHighDateTime} << 32 | found.ftLastWriteTime.dwLowDateTime;
+    return FileStamp{std::uint64_t{found.nFileSizeHigh} << 32 | found.nFileSizeLow,
+                     static_cast<std::int64_t>(ticks - kYear1970) * kNanoseconds};
+}
+
+bool SameFolder(TextView a, TextView b) {
+    using Identity = std::tuple<DWORD, DWORD, DWORD>;
+    const auto identity = [](TextView path) -> std::optional<Identity> {
+        const Handle folder(::CreateFileW(NativePath(path).c_str(), 0, kShareAll, nullptr, OPEN_EXISTING,
+                                          FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+        BY_HANDLE_FILE_INFORMATION found{};
+        if (!folder || !::GetFileInformationByHandle(folder.get(), &found)) return std::nullopt;
+        if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return std::nullopt;
+        return Identity(found.dwVolumeSerialNumber, found.nFileIndexHigh, found.nFileIndexLow);
+    };
+    const auto first = identity(a);
+    return first && first == identity(b);
+}
+
+// Only a link leads elsewhere; any other path stays as it was given, because messages show it.
+Text RealPath(TextView path) {
+    const auto attributes = Attributes(path);
+    if (!attributes || (*attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return Text(path);
+    const Handle file(::CreateFileW(NativePath(path).c_str(), 0, kShareAll, nullptr, OPEN_EXISTING,
+                                    FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    const std::wstring real = win32::Filled([&](wchar_t* buffer, DWORD size) {
+        return file ? ::GetFinalPathNameByHandleW(file.get(), buffer, size, FILE_NAME_NORMALIZED) : 0;
+    });
+    if (real.starts_with(L"\\\\?\\UNC\\")) return u"\\" + win32::FromWide(real).substr(7);
+    return real.empty() ? Text(path) : win32::FromWide(real).substr(real.starts_with(L"\\\\?\\") ? 4 : 0);
+}
+
+void MakeFolders(TextView file_path) {
+    for (std::size_t at = RootLength(file_path); at < file_path.size(); ++at) {
+        if (!IsSeparator(file_path[at])) continue;
+        const TextView folder = file_path.substr(0, at);
+        if (folder.empty() || FolderExists(folder)) continue;
+        if (::CreateDirectoryW(NativePath(folder).c_str(), nullptr) || FolderExists(folder)) continue;
+        const DWORD error = ::GetLastError();
+        Refuse(error == ERROR_ALREADY_EXISTS ? ERROR_DIRECTORY : error, folder);
+    }
+}
+
+// Patterns of the system would also match short names ("x.rtfx" has one that ends in ".RTF"), so all names
+// are looked at.
+std::vector<Text> ListFiles(TextView folder, TextView ending) {
+    WIN32_FIND_DATAW entry{};
+    const std::wstring native = NativePath(folder);
+    const HANDLE search =
+        ::FindFirstFileExW((native + (native.ends_with(L'\\') ? L"*" : L"\\*")).c_str(), FindExInfoBasic,
+                           &entry, FindExSearchNameMatch, nullptr, FIND_FIRST_EX_LARGE_FETCH);
+    if (search == INVALID_HANDLE_VALUE) {
+        const DWORD error = ::GetLastError();
+        if (!FolderExists(folder) || error == ERROR_FILE_NOT_FOUND) return {};
+        Refuse(error, folder);
+    }
+    const std::unique_ptr<void, decltype(&::FindClose)> owner(search, ::FindClose);
+    Listing listing(ending);
+    do {
+        Text name = win32::FromWide(entry.cFileName);
+        const bool plain = (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+        if (plain && listing.Wants(name)) listing.Add(std::move(name));
+    } while (::FindNextFileW(search, &entry));
+    if (const DWORD error = ::GetLastError(); error != ERROR_NO_MORE_FILES) Refuse(error, folder);
+    return listing.Sorted();
+}
+
+std::string ReadFile(TextView path) {
+    const Handle file = OpenFile(path, GENERIC_READ, kShareAll);
+    LARGE_INTEGER size{};
+    ::GetFileSizeEx(file.get(), &size);
+    std::string bytes;
+    if (static_cast<std::uint64_t>(size.QuadPart) > bytes.max_size())
+        throw Failure(RunTimeError::OutOfMemory, path);
+    bytes.resize(static_cast<std::size_t>(size.QuadPart));
+    bytes.resize(ReadInto(file, path, bytes.data(), bytes.size()));
+    return bytes;
+}
+
+std::string ReadFileHead(TextView path, std::size_t most) {
+    const Handle file = OpenFile(path, GENERIC_READ, kShareAll);
+    std::string bytes(most, '\0');
+    bytes.resize(ReadInto(file, path, bytes.data(), most));
+    return bytes;
+}
+
+void WriteFileWhole(TextView path, std::string_view bytes) {
+    const Text target = RealPath(path);  // a replacement keeps the link
+    RefuseHeldFile(target);
+    TemporaryFile replacement(target);
+    {
+        const Handle file(::CreateFileW(replacement.native().c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                                        FILE_ATTRIBUTE_NORMAL, nullptr));
+        if (!file) Refuse(::GetLastError(), path);
+        WriteAll(file, bytes, path);
+        Sync(file, path);
+    }
+    if (Attributes(target)) {
+        replacement.Replace(target);
+    } else {
+        replacement.MoveOver(target);
+    }
+}
+
+// The system writes the folder's entry through with the file.
+void WriteFileLike(TextView like, TextView path, std::string_view bytes) {
+    const std::wstring native = NativePath(path);
+    ::DeleteFileW(native.c_str());
+    std::string rights = RightsOf(like);
+    SECURITY_ATTRIBUTES security{sizeof security, rights.empty() ? nullptr : rights.data(), FALSE};
+    const Handle file(::CreateFileW(native.c_str(), GENERIC_WRITE | DELETE, 0, &security, CREATE_NEW,
+                                    FILE_FLAG_WRITE_THROUGH, nullptr));
+    if (!file) Refuse(::GetLastError(), path);
+    try {
+        WriteAll(file, bytes, path);
+        Sync(file, path);
+    } catch (const Failure&) {
+        FILE_DISPOSITION_INFO gone{TRUE};
+        ::SetFileInformationByHandle(file.get(), FileDispositionInfo, &gone, sizeof gone);
+        throw;
+    }
+}
+
+void DeleteFile(TextView path) {
+    if (!::DeleteFileW(NativePath(path).c_str())) Refuse(::GetLastError(), path);
+}
+
+bool IsHeld(TextView path) {
+    const std::wstring native = NativePath(path);
+    return !Handle(::CreateFileW(native.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
+                                 FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+void MoveFileOver(TextView source, TextView target) {
+    if (::MoveFileExW(NativePath(source).c_str(), NativePath(target).c_str(),
+                      MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
+        return;
+    const DWORD error = ::GetLastError();
+    if (error != ERROR_NOT_SAME_DEVICE) Refuse(error, source);
+    CopyOver(source, target);
+    DeleteFile(source);
+}
+
+}  // namespace tav

@@ -1,0 +1,87 @@
+#include "platform/win32_windows.h"
+
+#include <array>
+
+#include "platform/files.h"
+
+namespace tav::win32 {
+namespace {
+
+constexpr DWORD kDiskQuotaExceeded = 1295;  // not in every compiler's headers
+
+constexpr std::array<std::pair<DWORD, RunTimeError>, 20> kMeanings = {{
+    {ERROR_FILE_NOT_FOUND, RunTimeError::FileNotFound},
+    {ERROR_PATH_NOT_FOUND, RunTimeError::PathNotFound},
+    {ERROR_INVALID_DRIVE, RunTimeError::PathNotFound},
+    {ERROR_INVALID_NAME, RunTimeError::PathNotFound},
+    {ERROR_BAD_PATHNAME, RunTimeError::PathNotFound},
+    {ERROR_BAD_NETPATH, RunTimeError::PathNotFound},
+    {ERROR_BAD_NET_NAME, RunTimeError::PathNotFound},
+    {ERROR_DIRECTORY, RunTimeError::PathNotFound},
+    {ERROR_ACCESS_DENIED, RunTimeError::PermissionDenied},
+    {ERROR_SHARING_VIOLATION, RunTimeError::PermissionDenied},
+    {ERROR_LOCK_VIOLATION, RunTimeError::PermissionDenied},
+    {ERROR_NETWORK_ACCESS_DENIED, RunTimeError::PermissionDenied},
+    {ERROR_WRITE_PROTECT, RunTimeError::PermissionDenied},
+    {ERROR_USER_MAPPED_FILE, RunTimeError::PermissionDenied},
+    {ERROR_DELETE_PENDING, RunTimeError::PermissionDenied},
+    {ERROR_UNABLE_TO_REMOVE_REPLACED, RunTimeError::PermissionDenied},
+    {ERROR_DISK_FULL, RunTimeError::DiskFull},
+    {ERROR_HANDLE_DISK_FULL, RunTimeError::DiskFull},
+    {kDiskQuotaExceeded, RunTimeError::DiskFull},
+    {ERROR_FILE_TOO_LARGE, RunTimeError::DiskFull},
+}};
+
+}  // namespace
+
+Text Variable(const wchar_t* name) {
+    return FromWide(
+        Filled([&](wchar_t* buffer, DWORD size) { return ::GetEnvironmentVariableW(name, buffer, size); }));
+}
+
+std::wstring NativePath(TextView path) {
+    const std::wstring typed = Wide(path.empty() ? TextView(u".") : path);
+    std::wstring full = typed;
+    if (!typed.starts_with(L"\\\\?\\")) {
+        full = Filled([&](wchar_t* buffer, DWORD size) {
+            return ::GetFullPathNameW(typed.c_str(), size, buffer, nullptr);
+        });
+    }
+    const bool prefixed = full.starts_with(L"\\\\?\\") || full.starts_with(L"\\\\.\\");
+    if (!prefixed && full.starts_with(L"\\\\")) {
+        full.replace(0, 2, L"\\\\?\\UNC\\");
+    } else if (!prefixed) {
+        full.insert(0, L"\\\\?\\");
+    }
+    // The separator behind a drive is part of its name.
+    while (full.ends_with(L'\\') && !full.ends_with(L":\\")) full.pop_back();
+    return full;
+}
+
+Text ErrorWords(DWORD error) {
+    wchar_t words[512];
+    const DWORD length = ::FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+                                          error, 0, words, static_cast<DWORD>(std::size(words)), nullptr);
+    Text text = FromWide({words, length});
+    while (text.ends_with(u'\n') || text.ends_with(u'\r') || text.ends_with(u' ')) text.pop_back();
+    return text.empty() ? u"system error " + Digits(error) : text;
+}
+
+void Refuse(DWORD error, TextView path) {
+    // A folder that is opened as a file is "access denied" to the system.
+    if (error == ERROR_ACCESS_DENIED && FolderExists(path)) throw Failure(RunTimeError::PathFileAccess, path);
+    for (const auto& [known, meaning] : kMeanings) {
+        if (known == error) throw Failure(meaning, path);
+    }
+    throw Failure(RunTimeError::PathFileAccess,
+                  Text(path).append(u" (").append(ErrorWords(error)).append(u")"));
+}
+
+Handle OpenFile(TextView path, DWORD access, DWORD share) {
+    Handle file(::CreateFileW(NativePath(path).c_str(), access, share, nullptr, OPEN_EXISTING,
+                              FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file) Refuse(::GetLastError(), path);
+    return file;
+}
+
+}  // namespace tav::win32
