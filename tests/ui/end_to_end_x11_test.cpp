@@ -70,7 +70,14 @@ TEST_F(Session, FromAnEmptyDatabaseToASummaryAndBack) {
     Send("key Escape");
     EXPECT_TRUE(WaitGone("frmFilter"));
 
-    QTimer::singleShot(500, [] { ClickAt("frmDialog", "Command1"); });
+    // The dialog's own loop runs inside the click that shows it.
+    QTimer until_shown;
+    until_shown.callOnTimeout([&] {
+        if (WindowNamed("frmDialog") == nullptr) return;
+        until_shown.stop();
+        ClickAt("frmDialog", "Command1");
+    });
+    until_shown.start(50);
     ClickAt("frmmain", "Command2");
     EXPECT_TRUE(WaitText("lblInfoBase", "Выписок в базе данных: 0"));
     EXPECT_THAT(RowsOf("frmmain", "lstBase"), IsEmpty());
