@@ -103,7 +103,7 @@ bool ConvertNew(TextView folder, const FolderDifference& difference, std::string
         CurrentProgress().SetLabel(Label(name));
         CurrentProgress().ProcessEvents();
         // A folder that has gone is one failure, not one of every file.
-        if (!FolderExists(folder)) throw Failure(RunTimeError::PathNotFound, folder);
+        if (!folder.empty() && !FolderExists(folder)) throw Failure(RunTimeError::PathNotFound, folder);
         text += Convert(folder, name);
         if (CancelStamp() != 0) return false;
         CurrentProgress().SetFilesDone(++done);
