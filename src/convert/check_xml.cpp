@@ -102,6 +102,8 @@ bool ConvertNew(TextView folder, const FolderDifference& difference, std::string
     for (const Text& name : difference.remaining) {
         CurrentProgress().SetLabel(Label(name));
         CurrentProgress().ProcessEvents();
+        // A folder that has gone is one failure, not one of every file.
+        if (!folder.empty() && !FolderExists(folder)) throw Failure(RunTimeError::PathNotFound, folder);
         text += Convert(folder, name);
         if (CancelStamp() != 0) return false;
         CurrentProgress().SetFilesDone(++done);

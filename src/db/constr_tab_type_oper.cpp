@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "common/guard.h"
+#include "common/progress.h"
 #include "common/regional.h"
 #include "db/connection.h"
 #include "db/counter.h"
@@ -57,6 +58,7 @@ void AssignTypes(TextView database) {
         u"tav_operations_type t2"
         u" on ucase(t1.p3)=t2.tname and t1.p9=t2.tpayment where isnull(t1.tid)");
     for (; !rows.Eof(); rows.MoveNext()) {
+        CurrentProgress().ProcessEvents();
         if (IsNull(rows.Field(u"p3")) || IsNull(rows.Field(u"p9"))) continue;
         const Text operation = isns(rows.Field(u"p3"));
         const Text payment = isns(rows.Field(u"p9"));

@@ -66,6 +66,7 @@ void OpenClass::import(TextView inn, TextView kpp) {
     Guarded(u"Ошибка в функции import", [&] {
         UseWindowsIfAny();
         RunImport(ChooseFolders({}, {}), inn, kpp);
+        Shared<frmmain>().Refill();
     });
 }
 

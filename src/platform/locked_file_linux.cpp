@@ -18,7 +18,8 @@ struct LockedFile::State {
 LockedFile::LockedFile(TextView path, Access access) : state_(std::make_unique<State>()) {
     state_->path = path;
     const int mode = access == Access::Write ? O_RDWR : O_RDONLY;
-    state_->file = Descriptor(::open(ToUtf8(path).c_str(), mode | O_CLOEXEC));
+    // Without waiting: a pipe of that name has no other end.
+    state_->file = Descriptor(::open(ToUtf8(path).c_str(), mode | O_NONBLOCK | O_CLOEXEC));
     if (!state_->file) Refuse(errno, path);
     struct stat status {};
     if (::fstat(state_->file.number(), &status) != 0) Refuse(errno, path);

@@ -1,11 +1,13 @@
 #include "ui/frmmain.h"
 
+#include "common/failure.h"
 #include "common/get_next.h"
 #include "common/progress.h"
 #include "common/regional.h"
 #include "db/run_import.h"
 #include "platform/environment.h"
 #include "platform/files.h"
+#include "platform/registry.h"
 #include "platform/shell.h"
 #include "reports/get_files.h"
 #include "reports/get_files_act.h"
@@ -63,11 +65,13 @@ void frmmain::Form_Load() {
     txtAbout.Set(Text(u"База данных: ").append(getbase()));
     txtImport.Set(SettingText(u"ImportPath"));
     txtExport.Set(SettingText(u"ExportPath"));
-    chkImportPath.Check(SettingTruth(u"ChkOut"));
     txtOut.Set(SettingText(u"OutPath"));
-    chkImportPath_Click();
+    txtOut.Enable(false);
     Form_Again();
     if (StartedFor().import) Timer2.SetInterval(kUnattendedMilliseconds);
+    // What is neither true nor false is a failure; all else is there by then.
+    chkImportPath.Check(SettingTruth(u"ChkOut"));
+    chkImportPath_Click();
 }
 
 // The host may have gone on to another taxpayer.
@@ -79,7 +83,7 @@ void frmmain::Form_Again() {
 }
 
 void frmmain::Form_Unload() {
-    SaveFolders();
+    if (!SaveFolders()) throw Failure(Text(u"Папки не сохранены. ").append(LastRegistryFailure()));
 }
 
 void frmmain::ShowTaxpayer() {
@@ -97,8 +101,14 @@ Text frmmain::Kpp() const {
     return chkKons.Checked() ? Text(kAllSubdivisions) : Taxpayer().kpp;
 }
 
+// An import has the database to itself: the refresh behind it fills the list.
 void frmmain::FillBase() {
-    SetFiles(lstBase, FilesOf::Database, getbase(), Taxpayer().inn, Kpp());
+    base_counts_.clear();
+    if (ImportRunning()) return;
+    const Text information = SetFiles(lstBase, FilesOf::Database, getbase(), Taxpayer().inn, Kpp());
+    TextView rest = information;
+    GetNext(rest, u"*");
+    base_counts_ = GetNext(rest, u"*");
 }
 
 void frmmain::Refill() {
@@ -125,11 +135,10 @@ void frmmain::Command4_Click() {
 }
 
 // The event loop runs while a large folder is listed, and while an import runs: a refresh asked for meanwhile
-// has to wait, or comes anyway when the import has ended.
+// waits, and the timer goes on.
 void frmmain::Timer1_Timer() {
-    if (refreshing_) return;
+    if (refreshing_ || ImportRunning()) return;
     Timer1.SetInterval(0);
-    if (ImportRunning()) return;
     refreshing_ = true;
     try {
         Refresh();
@@ -143,6 +152,7 @@ void frmmain::Timer1_Timer() {
 void frmmain::Refresh() {
     for (Button* button : {&Command1, &Command2, &Command3}) button->Enable(false);
     const Text folder = txtImport.Get();
+    const Text inn = Taxpayer().inn;  // the host may go on to another meanwhile
     bool changed = false;
     const auto go_on = [&] {
         CurrentProgress().ProcessEvents();
@@ -150,8 +160,7 @@ void frmmain::Refresh() {
         return !changed;
     };
     const Text information =
-        SetFiles(lstFile, FilesOf::Folder, folder.empty() ? Text(u" ") : UserPath(folder), Taxpayer().inn,
-                 Kpp(), go_on);
+        SetFiles(lstFile, FilesOf::Folder, folder.empty() ? Text(u" ") : UserPath(folder), inn, Kpp(), go_on);
     if (changed) return;  // the change has asked for the next refresh
     if (!Trim(folder).empty()) SaveFolders();
     ShowCounts(information);
@@ -171,23 +180,26 @@ void frmmain::ShowCounts(const Text& information) {
     Command1.Enable(NumberAfter(information, u"загрузке: ") > 0);
     TextView rest = information;
     if (const TextView name = GetNext(rest, u"*"); !name.empty()) lblInfoName.Set(name);
-    lblInfoBase.Set(GetNext(rest, u"*"));
+    const TextView base_counts = GetNext(rest, u"*");
+    lblInfoBase.Set(base_counts);
+    // The database was busy when its list was filled, or has changed behind the window's back.
+    if (base_counts != base_counts_) FillBase();
     lblInfoFile.Set(GetNext(rest, u"*"));
 }
 
-void frmmain::SaveFolders() {
-    WriteSetting(u"ImportPath", txtImport.Get());
-    WriteSetting(u"ExportPath", txtExport.Get());
-    WriteSetting(u"OutPath", txtOut.Get());
-    WriteSetting(u"ChkOut", chkImportPath.Checked() ? u"1" : u"0");
+bool frmmain::SaveFolders() {
+    return WriteSetting(u"ImportPath", txtImport.Get()) && WriteSetting(u"ExportPath", txtExport.Get()) &&
+           WriteSetting(u"OutPath", txtOut.Get()) &&
+           WriteSetting(u"ChkOut", chkImportPath.Checked() ? u"1" : u"0");
 }
 
 void frmmain::Command1_Click() {
     Command1.Enable(false);
     const Text move_to = chkImportPath.Checked() ? UserPath(txtOut.Get()) : Text();
-    RunImport({UserPath(txtImport.Get()), move_to}, Taxpayer().inn, Kpp());
+    const Text inn = Taxpayer().inn;  // the host may go on to another meanwhile
+    RunImport({UserPath(txtImport.Get()), move_to}, inn, Kpp());
     PBar.Set(0);
-    if (Loaded()) Refill();
+    Refill();
 }
 
 // An import that finds nobody at the screen waits for the first refresh, which tells whether there is

@@ -46,7 +46,7 @@ class frmmain : public Form {
     void ScheduleRefresh();
     void Refresh();
     void ShowCounts(const Text& information);
-    void SaveFolders();
+    bool SaveFolders();
     Text Kpp() const;
     void Summarise(SummaryKind kind);
     void Browse(TextView title, TextControl& box);
@@ -70,6 +70,7 @@ class frmmain : public Form {
     TextControl txtAbout{*this, u"txtAbout"};
     Timer Timer1{*this, u"Timer1"};
     Timer Timer2{*this, u"Timer2"};
+    Text base_counts_;  // of the documents in lstBase
     bool refreshing_ = false;
     bool refreshed_ = false;
 };

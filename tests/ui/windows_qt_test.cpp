@@ -116,7 +116,8 @@ TEST_F(Windows, CancelInTheMiddleOfAnImportLosesNothing) {
     EXPECT_TRUE(Wait([] { return In<QAbstractButton>("frmmain", "Command1")->isEnabled(); }));
 }
 
-// Closing the window does not stop what it began; meanwhile nobody else gets at the database.
+// Neither closing the window nor another taxpayer stops what it began; meanwhile nobody else gets at the
+// database.
 TEST_F(Windows, AnImportSurvivesItsWindow) {
     WriteStatements(300);
     Start();
@@ -128,6 +129,7 @@ TEST_F(Windows, AnImportSurvivesItsWindow) {
         closed = true;
         host_.import(kInn, kKpp);
         host_.view_v(kInn, kKpp);
+        host_.start(u"5500000000", u"550001001");
         WindowNamed("frmmain")->close();
     });
     clock.start(1);
@@ -139,6 +141,24 @@ TEST_F(Windows, AnImportSurvivesItsWindow) {
                                            HasSubstr("file already in use"))));
     Start();
     EXPECT_TRUE(WaitCounts("lblInfoBase", "Выписок в базе данных: 300"));
+}
+
+// The lists follow what happens behind the window's back: an import of the host, a database that was busy.
+TEST_F(Windows, CatchesUp) {
+    Start();
+    ASSERT_TRUE(WaitCounts("lblInfoFile", "Файлов в папке: 0"));
+    WriteStatements(2);
+    Import();
+    ASSERT_TRUE(WaitCounts("lblInfoBase", "Выписок в базе данных: 2"));
+    EXPECT_THAT(RowsOf("frmmain", "lstBase"), SizeIs(2));
+    {
+        const LockedFile other(folder_ / u"PlX_Base.mdb", LockedFile::Access::Write);
+        Click("frmmain", "chkKons");
+        EXPECT_THAT(RowsOf("frmmain", "lstBase"), IsEmpty());
+        EXPECT_THAT(Shown(), ElementsAre(HasSubstr("PlX_Base.mdb'; file already in use.")));
+    }
+    Click("frmmain", "Command4");
+    EXPECT_TRUE(Wait([] { return RowsOf("frmmain", "lstBase").size() == 2; }));
 }
 
 TEST_F(Windows, ClearsAfterAsking) {
@@ -256,6 +276,33 @@ TEST_F(Windows, KeepsTheSettings) {
     EXPECT_EQ(SettingText(u"OutPath"), u"/куда");
     EXPECT_TRUE(SettingTruth(u"ChkOut"));
     EXPECT_EQ(SettingText(u"ImportPath"), folder_ / u"in");
+}
+
+// A setting that makes no sense leaves the others alone; settings that cannot be written are told of.
+TEST_F(Windows, LosesNoSettingInSilence) {
+    WriteSetting(u"ChkOut", u"abc");
+    WriteSetting(u"OutPath", u"/куда");
+    Start();
+    WindowNamed("frmmain")->close();
+    EXPECT_EQ(SettingText(u"OutPath"), u"/куда");
+    const std::string file = std::getenv("TAV_SETTINGS");
+    ::setenv("TAV_SETTINGS", (ToUtf8(folder_ / u"PlX_Base.mdb") + "/settings").c_str(), 1);
+    Start();
+    WindowNamed("frmmain")->close();
+    ::setenv("TAV_SETTINGS", file.c_str(), 1);
+    EXPECT_THAT(Shown(), Contains(AllOf(HasSubstr("Form_Load"), HasSubstr("ChkOut = abc"))));
+    EXPECT_THAT(Shown(), Contains(AllOf(HasSubstr("Папки не сохранены"), HasSubstr("PlX_Base.mdb"))));
+}
+
+// A folder that vanishes while its files are read is one failure.
+TEST_F(Windows, LivesOnWhenTheFolderVanishes) {
+    WriteStatements(50);
+    Start();
+    ASSERT_TRUE(WaitCounts("lblInfoFile", "загрузке: 50"));
+    QTimer::singleShot(0, [&] { MoveFileOver(folder_ / u"in", folder_ / u"gone"); });
+    Click("frmmain", "Command1");
+    EXPECT_TRUE(WaitCounts("lblInfoFile", "папка не найдена"));
+    EXPECT_THAT(Shown(), ElementsAre(HasSubstr("Path not found")));
 }
 
 // Bad surroundings: no dead window, one clear message, not one per keystroke.
