@@ -6,6 +6,7 @@
 #include "common/guard.h"
 #include "common/regional.h"
 #include "db/empty_database.h"
+#include "db/engine.h"
 #include "jet/checker.h"
 #include "jet/database.h"
 #include "settings/settings.h"
@@ -100,6 +101,7 @@ void Check() {
             PrintLine(Text(finding.error ? u"error " : u"note ") + Digits(finding.invariant) + u": " +
                       finding.text);
         }
+        PrintLine(u"Работает с базой: " + EngineInUse());
         if (errors == 0) {
             PrintLine(u"Ошибок нет: " + path);
         } else {

@@ -1,7 +1,7 @@
 // The connection every procedure opens for itself, uses, and lets go.
 //
 // Work is done by Execute of one literal SQL text each; there are no explicit transactions. Behind it stands
-// the native engine (jet/executor.h), the only one on Linux.
+// an engine (db/engine.h): the native one, the only one on Linux, or on Windows that of an ADO provider.
 #pragma once
 
 #include <memory>
@@ -11,6 +11,9 @@
 #include "jet/sql_text.h"
 
 namespace tav {
+
+class Engine;
+struct OpenRequest;
 
 class Connection {
  public:
@@ -41,8 +44,10 @@ class Connection {
     void Close();
 
  private:
-    struct State;
-    std::unique_ptr<State> state_;
+    void Open(const OpenRequest& request);
+    Engine& Opened() const;
+
+    std::unique_ptr<Engine> engine_;
 };
 
 // The connection string of a database file.

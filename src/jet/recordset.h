@@ -21,6 +21,9 @@ class Recordset {
 
     bool Eof() const { return table_ == nullptr || row_ >= table_->rows.size(); }
     void MoveNext() { ++row_; }
+    // Of a select; 0 after a statement that returns no rows.
+    std::size_t FieldCount() const { return table_ == nullptr ? 0 : table_->names.size(); }
+    const Text& FieldName(std::size_t ordinal) const { return table_->names.at(ordinal); }
     int RecordCount() const { return table_ == nullptr ? 0 : static_cast<int>(table_->rows.size()); }
 
     // The current row's field by ordinal or by name (letter case ignored, the first of that name). Past the

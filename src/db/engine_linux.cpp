@@ -1,0 +1,13 @@
+#include "db/engine.h"
+
+namespace tav {
+
+std::unique_ptr<Engine> OpenEngine(const OpenRequest& request) {
+    return OpenNativeEngine(request);
+}
+
+Text EngineInUse() {
+    return u"native";
+}
+
+}  // namespace tav

@@ -1,0 +1,28 @@
+// ADODB.Connection and ADODB.Recordset as a provider's component would offer them, over the native engine,
+// and a record of what is asked of them. While one lives, new ADODB.Connection objects of this process are
+// its own, and the machine seems to have the provider Microsoft.Jet.OLEDB.4.0.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "common/text.h"
+
+namespace tav::test {
+
+class AdoDouble {
+ public:
+    AdoDouble();
+    ~AdoDouble();
+    AdoDouble(const AdoDouble&) = delete;
+    AdoDouble& operator=(const AdoDouble&) = delete;
+
+    // "CursorLocation=3", "Open text|user|password|options", "Execute text", "Close", in the order of the
+    // calls.
+    static std::vector<Text>& Calls();
+
+ private:
+    unsigned long factory_ = 0;
+};
+
+}  // namespace tav::test

@@ -1,0 +1,223 @@
+#include "db/ado_double_windows.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+
+#include "common/failure.h"
+#include "common/regional.h"
+#include "db/engine.h"
+#include "platform/automation_windows.h"
+
+// The system's interfaces have no virtual destructor: objects go by Release.
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+
+namespace tav::test {
+namespace {
+
+using win32::Variant;
+
+// {6B0D2C47-5F7A-4C55-9E0B-0C8A6C1D7E21}
+constexpr CLSID kDouble = {0x6b0d2c47, 0x5f7a, 0x4c55, {0x9e, 0x0b, 0x0c, 0x8a, 0x6c, 0x1d, 0x7e, 0x21}};
+constexpr const wchar_t* kClassKeys[] = {L"Software\\Classes\\ADODB.Connection",
+                                         L"Software\\Classes\\Microsoft.Jet.OLEDB.4.0"};
+
+// An automation object of members by name. A Failure in one comes out as an automation exception.
+class Members : public IDispatch {
+ public:
+    using Member = std::function<Variant(const std::vector<VARIANT>& arguments)>;
+    virtual ~Members() = default;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
+        const bool known = id == IID_IUnknown || id == IID_IDispatch;
+        *object = known ? this : nullptr;
+        if (known) AddRef();
+        return known ? S_OK : E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
+    ULONG STDMETHODCALLTYPE Release() override {
+        const ULONG left = --references_;
+        if (left == 0) delete this;
+        return left;
+    }
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
+        *count = 0;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID, DISPID* numbers) override {
+        for (std::size_t i = 0; i < members_.size(); ++i) {
+            if (members_[i].first == names[0]) {
+                *numbers = static_cast<DISPID>(i) + 1;
+                return S_OK;
+            }
+        }
+        return DISP_E_UNKNOWNNAME;
+    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID number, REFIID, LCID, WORD, DISPPARAMS* parameters,
+                                     VARIANT* answer, EXCEPINFO* exception, UINT*) override {
+        const std::vector<VARIANT> arguments(
+            std::make_reverse_iterator(parameters->rgvarg + parameters->cArgs),
+            std::make_reverse_iterator(parameters->rgvarg));
+        try {
+            Variant result = members_.at(static_cast<std::size_t>(number) - 1).second(arguments);
+            if (answer != nullptr) std::swap<VARIANT>(*answer, result);
+            return S_OK;
+        } catch (const Failure& failure) {
+            exception->bstrDescription = ::SysAllocString(win32::Wide(failure.description()).c_str());
+            return DISP_E_EXCEPTION;
+        }
+    }
+
+ protected:
+    void Add(const wchar_t* name, Member member) { members_.emplace_back(name, std::move(member)); }
+
+ private:
+    ULONG references_ = 1;
+    std::vector<std::pair<std::wstring, Member>> members_;
+};
+
+Variant Given(IDispatch* object) {
+    Variant variant;
+    variant.vt = VT_DISPATCH;
+    variant.pdispVal = object;
+    return variant;
+}
+Variant Truth(bool truth) {
+    Variant variant;
+    variant.vt = VT_BOOL;
+    variant.boolVal = truth ? VARIANT_TRUE : VARIANT_FALSE;
+    return variant;
+}
+
+// As the provider gives them: whole numbers as VT_I4, dates as VT_DATE.
+Variant VariantOf(const Value& value) {
+    Variant variant;
+    variant.vt = VT_NULL;
+    if (const auto* text = std::get_if<Text>(&value)) return Variant(*text);
+    if (const auto* number = std::get_if<std::int64_t>(&value)) return Variant(static_cast<long>(*number));
+    if (const auto* number = std::get_if<double>(&value)) {
+        variant.vt = VT_R8;
+        variant.dblVal = *number;
+    }
+    if (const auto* date = std::get_if<Date>(&value)) {
+        variant.vt = VT_DATE;
+        variant.date = date->serial;
+    }
+    return variant;
+}
+
+Text TextOf(const VARIANT& variant) {
+    return ValueText(win32::ValueOf(variant));
+}
+
+class FieldDouble : public Members {
+ public:
+    FieldDouble(std::shared_ptr<Recordset> set, std::size_t ordinal) {
+        Add(L"Name", [=](const auto&) { return Variant(set->FieldName(ordinal)); });
+        Add(L"Value", [=](const auto&) { return VariantOf(set->Field(ordinal)); });
+    }
+};
+
+class FieldsDouble : public Members {
+ public:
+    explicit FieldsDouble(std::shared_ptr<Recordset> set) {
+        Add(L"Count", [=](const auto&) { return Variant(static_cast<long>(set->FieldCount())); });
+        Add(L"Item", [=](const auto& arguments) {
+            return Given(new FieldDouble(set, static_cast<std::size_t>(arguments.at(0).lVal)));
+        });
+    }
+};
+
+class RecordsetDouble : public Members {
+ public:
+    explicit RecordsetDouble(Recordset rows) {
+        auto set = std::make_shared<Recordset>(std::move(rows));
+        Add(L"State", [=](const auto&) { return Variant(set->FieldCount() == 0 ? 0L : 1L); });
+        Add(L"EOF", [=](const auto&) { return Truth(set->Eof()); });
+        Add(L"Fields", [=](const auto&) { return Given(new FieldsDouble(set)); });
+        Add(L"MoveNext", [=](const auto&) {
+            set->MoveNext();
+            return Variant();
+        });
+        Add(L"Close", [](const auto&) { return Variant(); });
+    }
+};
+
+class ConnectionDouble : public Members {
+ public:
+    ConnectionDouble() {
+        Add(L"CursorLocation", [](const auto& arguments) {
+            AdoDouble::Calls().push_back(u"CursorLocation=" + TextOf(arguments.at(0)));
+            return Variant();
+        });
+        Add(L"Open", [this](const auto& arguments) {
+            Text call = u"Open ";
+            for (const VARIANT& argument : arguments) call += TextOf(argument) + u"|";
+            AdoDouble::Calls().push_back(call);
+            const Text text = TextOf(arguments.at(0));
+            engine_ = OpenNativeEngine({text, 2, false});
+            return Variant();
+        });
+        Add(L"Execute", [this](const auto& arguments) {
+            const Text text = TextOf(arguments.at(0));
+            AdoDouble::Calls().push_back(u"Execute " + text);
+            return Given(new RecordsetDouble(engine_->Execute(SqlText(text))));
+        });
+        Add(L"Close", [this](const auto&) {
+            AdoDouble::Calls().push_back(u"Close");
+            engine_->Close();
+            engine_.reset();
+            return Variant();
+        });
+    }
+
+ private:
+    std::unique_ptr<Engine> engine_;
+};
+
+class Factory : public IClassFactory {
+ public:
+    virtual ~Factory() = default;
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
+        const bool known = id == IID_IUnknown || id == IID_IClassFactory;
+        *object = known ? this : nullptr;
+        return known ? S_OK : E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return 1; }
+    ULONG STDMETHODCALLTYPE Release() override { return 1; }
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID id, void** object) override {
+        auto* made = new ConnectionDouble;
+        const HRESULT result = made->QueryInterface(id, object);
+        made->Release();
+        return result;
+    }
+    HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
+};
+Factory factory;
+
+}  // namespace
+
+std::vector<Text>& AdoDouble::Calls() {
+    static std::vector<Text> calls;
+    return calls;
+}
+
+AdoDouble::AdoDouble() {
+    Calls().clear();
+    ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    ::CoRegisterClassObject(kDouble, &factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &factory_);
+    constexpr std::wstring_view kId = L"{6B0D2C47-5F7A-4C55-9E0B-0C8A6C1D7E21}";
+    for (const wchar_t* key : kClassKeys) {
+        ::RegSetKeyValueW(HKEY_CURRENT_USER, (std::wstring(key) + L"\\CLSID").c_str(), nullptr, REG_SZ,
+                          kId.data(), static_cast<DWORD>((kId.size() + 1) * sizeof(wchar_t)));
+    }
+}
+
+AdoDouble::~AdoDouble() {
+    for (const wchar_t* key : kClassKeys) ::RegDeleteTreeW(HKEY_CURRENT_USER, key);
+    ::CoRevokeClassObject(factory_);
+    ::CoUninitialize();
+}
+
+}  // namespace tav::test

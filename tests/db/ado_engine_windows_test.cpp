@@ -1,0 +1,98 @@
+// The engine of an ADO provider, against a double of the provider's objects.
+
+#include "db/ado_double_windows.h"
+#include "db/database_fixture.h"
+#include "db/engine.h"
+
+namespace tav {
+namespace {
+
+using namespace test;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class Ado : public OperationsDatabase {
+ protected:
+    // The tables' rows, as the native engine sees them.
+    std::vector<std::string> Everything() const {
+        std::vector<std::string> all;
+        for (const TextView table : {u"tav_operations_header", u"tav_operations", u"tav_acts"}) {
+            const Text text = ConnectionString(database_);
+            const auto engine = OpenNativeEngine({text, 2, true});
+            for (Recordset set = engine->Execute(SqlText(u"select * from " + Text(table))); !set.Eof();
+                 set.MoveNext()) {
+                Text row(table);
+                for (std::size_t i = 0; i < set.FieldCount(); ++i) row += u"|" + ValueText(set.Field(i));
+                all.push_back(ToUtf8(row));
+            }
+        }
+        return all;
+    }
+    void LoadBoth() const {
+        Load({{u"a.rtf", StatementPart({}, {u"p01=01.02.2011|p03=Уплата|p09=налог|p11=123.45"})},
+              {u"b.rtf", ActPart({}, u"p0011=1.00|p1111=-2.50")}});
+    }
+};
+
+TEST_F(Ado, ClearingAsksForNoCursorsAndClosesInOrder) {
+    const AdoDouble ado;
+    EXPECT_EQ(EngineInUse(), u"Microsoft.Jet.OLEDB.4.0");
+    clearbaseAll(database_);
+    const auto& calls = AdoDouble::Calls();
+    ASSERT_GE(calls.size(), 3U);
+    EXPECT_EQ(calls.front(), u"Open Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + database_ + u"|||-1|");
+    EXPECT_EQ(calls.back(), u"Close");
+    EXPECT_EQ(std::ranges::count(calls, u"Close"), 1);
+}
+
+TEST_F(Ado, ReadingSetsTheCursorsFirstAndGivesTheValuesTheirKinds) {
+    LoadBoth();
+    const AdoDouble ado;
+    Connection connection;
+    connection.CursorLocation = 3;
+    connection.OpenForReading(ConnectionString(database_));
+    Recordset set =
+        connection.Execute(u"select id, perb, vid, h1, h6 from tav_operations_header order by id");
+    EXPECT_EQ(set.RecordCount(), 2);
+    EXPECT_EQ(set.Field(u"ID"), Value(std::int64_t{1}));
+    EXPECT_EQ(ValueText(set.Field(u"perb")), u"01.01.2011");
+    EXPECT_TRUE(std::holds_alternative<Date>(set.Field(1)));
+    EXPECT_EQ(set.Field(u"h1"), Value(Text(u"7701234567")));
+    set.MoveNext();
+    EXPECT_TRUE(IsNull(set.Field(u"vid")));
+    EXPECT_TRUE(IsNull(set.Field(u"h6")));
+    EXPECT_EQ(AdoDouble::Calls().front(), u"CursorLocation=3");
+}
+
+TEST_F(Ado, AnImportEndsAsWithTheNativeEngine) {
+    LoadBoth();
+    const auto native = Everything();
+    clearbaseAll(database_);
+    {
+        const AdoDouble ado;
+        LoadBoth();
+    }
+    EXPECT_EQ(Everything(), native);
+    EXPECT_THAT(Shown(), IsEmpty());
+}
+
+TEST_F(Ado, FailuresAreTheProvidersAndNameIt) {
+    const AdoDouble ado;
+    DeleteFile(database_);
+    clearbaseAll(database_);
+    EXPECT_THAT(Shown(), ElementsAre(AllOf(HasSubstr("clearbase: Could not find file"),
+                                           HasSubstr("(Microsoft.Jet.OLEDB.4.0)"))));
+}
+
+// What would change the statement's shape never gets to the provider.
+TEST_F(Ado, AValueWithAnApostropheIsRefusedBefore) {
+    const AdoDouble ado;
+    clearbase(database_, u"1' or '1'='1", u"2");
+    EXPECT_THAT(Shown(), ElementsAre(HasSubstr("Syntax error (missing operator)")));
+    for (const Text& call : AdoDouble::Calls()) EXPECT_FALSE(call.starts_with(u"Execute")) << ToUtf8(call);
+}
+
+}  // namespace
+}  // namespace tav
