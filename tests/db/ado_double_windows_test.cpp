@@ -209,13 +209,13 @@ AdoDouble::AdoDouble() {
     ::CoRegisterClassObject(kDouble, &factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &factory_);
     constexpr std::wstring_view kId = L"{6B0D2C47-5F7A-4C55-9E0B-0C8A6C1D7E21}";
     for (const wchar_t* key : kClassKeys) {
-        ::RegSetKeyValueW(HKEY_CURRENT_USER, (std::wstring(key) + L"\\CLSID").c_str(), nullptr, REG_SZ,
+        ::RegSetKeyValueW(HKEY_LOCAL_MACHINE, (std::wstring(key) + L"\\CLSID").c_str(), nullptr, REG_SZ,
                           kId.data(), static_cast<DWORD>((kId.size() + 1) * sizeof(wchar_t)));
     }
 }
 
 AdoDouble::~AdoDouble() {
-    for (const wchar_t* key : kClassKeys) ::RegDeleteTreeW(HKEY_CURRENT_USER, key);
+    for (const wchar_t* key : kClassKeys) ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, key);
     ::CoRevokeClassObject(factory_);
     ::CoUninitialize();
 }

@@ -63,6 +63,7 @@ TEST_F(Ado, ReadingSetsTheCursorsFirstAndGivesTheValuesTheirKinds) {
     set.MoveNext();
     EXPECT_TRUE(IsNull(set.Field(u"vid")));
     EXPECT_TRUE(IsNull(set.Field(u"h6")));
+    ASSERT_FALSE(AdoDouble::Calls().empty());
     EXPECT_EQ(AdoDouble::Calls().front(), u"CursorLocation=3");
 }
 
