@@ -34,6 +34,14 @@ constexpr std::array<std::pair<DWORD, RunTimeError>, 20> kMeanings = {{
 
 }  // namespace
 
+HINSTANCE ThisModule() {
+    HMODULE module = nullptr;
+    ::GetModuleHandleExW(
+        GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+        reinterpret_cast<const wchar_t*>(&ThisModule), &module);
+    return module;
+}
+
 Text Variable(const wchar_t* name) {
     return FromWide(
         Filled([&](wchar_t* buffer, DWORD size) { return ::GetEnvironmentVariableW(name, buffer, size); }));

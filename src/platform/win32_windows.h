@@ -13,6 +13,8 @@
 #undef DeleteFile
 #undef MessageBox
 
+#include <commctrl.h>
+
 #include "common/failure.h"
 
 namespace tav::win32 {
@@ -58,6 +60,9 @@ std::wstring Filled(Call call) {
         if (whole) return buffer;
     }
 }
+
+// The library that holds this code, or the program.
+HINSTANCE ThisModule();
 
 // The environment variable, or empty text.
 Text Variable(const wchar_t* name);
