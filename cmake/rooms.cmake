@@ -27,10 +27,11 @@ set(CMAKE_BUILD_RPATH "$ORIGIN;$ORIGIN/../lib")
 set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/../lib")
 
 # tav_sources(VARIABLE PATTERN): the sources of that pattern for this platform. One whose name ends in _linux or
-# _windows (before _test, if it is a test) belongs to that platform alone; one that ends in _qt or _x11 to what links Qt.
+# _windows (before _test, if it is a test) belongs to that platform alone; one that ends in _qt or _x11 to what links Qt,
+# one that ends in _desktop to what shows windows.
 function(tav_sources variable pattern)
   file(GLOB sources CONFIGURE_DEPENDS ${pattern})
-  list(FILTER sources EXCLUDE REGEX "_(qt|x11)(_test)?\\.cpp$")
+  list(FILTER sources EXCLUDE REGEX "_(qt|x11|desktop)(_test)?\\.cpp$")
   if(WIN32)
     list(FILTER sources EXCLUDE REGEX "_linux(_test)?\\.cpp$")
   else()

@@ -159,6 +159,12 @@ LRESULT FormWindowWin::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
             const ControlWin* button = ButtonNamed(plan_.default_button);
             return button == nullptr ? 0 : MAKELRESULT(::GetDlgCtrlID(button->hwnd()), DC_HASDEFID);
         }
+        case WM_NEXTDLGCTL: {  // the dialog manager moves the keyboard: to a window, else on or back
+            const bool to_window = LOWORD(lparam) != 0;
+            ::SetFocus(to_window ? reinterpret_cast<HWND>(wparam)
+                                 : ::GetNextDlgTabItem(hwnd_, ::GetFocus(), wparam != 0));
+            return 0;
+        }
         case WM_ACTIVATE:
             if (LOWORD(wparam) == WA_INACTIVE && ::IsChild(hwnd_, ::GetFocus())) focus_ = ::GetFocus();
             break;

@@ -20,7 +20,6 @@ class TreeView : public ControlWin {
     ~TreeView() override { ::ImageList_Destroy(pictures_); }
 
     void SetNodes(std::vector<TreeNode>&& nodes) override {
-        const Selecting selecting(*this);
         Send(WM_SETREDRAW, FALSE);
         Send(TVM_DELETEITEM, 0, reinterpret_cast<LPARAM>(TVI_ROOT));
         nodes_ = std::move(nodes);
@@ -37,18 +36,22 @@ class TreeView : public ControlWin {
         return node < nodes_.size() ? nodes_[node].key : Text();
     }
     void SelectNode(TextView key) override {
-        const Selecting selecting(*this);
         const auto found = by_key_.find(key);
         const HTREEITEM item = found == by_key_.end() ? nullptr : found->second;
         Send(TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(item));
     }
     LRESULT OnNotify(NMHDR& notice) override {
-        if (notice.code == NM_DBLCLK && OnNode()) OnEnter();
+        if (notice.code == NM_DBLCLK && on_node_) OnEnter();
+        return notice.code == TVN_SELCHANGINGW && focusing_ ? TRUE : FALSE;
+    }
+    LRESULT OnMessage(UINT message, WPARAM wparam, LPARAM lparam) override {
+        if (message == WM_LBUTTONDBLCLK) on_node_ = OnNode(lparam);
+        if (message != WM_SETFOCUS) return ControlWin::OnMessage(message, wparam, lparam);
         // A tree that gets the focus would select its first node by itself.
-        if (notice.code == TVN_SELCHANGINGW) {
-            return !selecting_ && reinterpret_cast<const NMTREEVIEWW&>(notice).action == TVC_UNKNOWN;
-        }
-        return 0;
+        focusing_ = true;
+        const LRESULT result = ControlWin::OnMessage(message, wparam, lparam);
+        focusing_ = false;
+        return result;
     }
     bool OnEnter() override {
         if (Selected() == nullptr) return false;
@@ -63,24 +66,11 @@ class TreeView : public ControlWin {
     int HeightFor(int) const override { return 4 * metrics().line(); }
 
  private:
-    // While the form, not the user, selects.
-    class Selecting {
-     public:
-        explicit Selecting(TreeView& tree) : tree_(tree) { tree_.selecting_ = true; }
-        ~Selecting() { tree_.selecting_ = false; }
-        Selecting(const Selecting&) = delete;
-        Selecting& operator=(const Selecting&) = delete;
-
-     private:
-        TreeView& tree_;
-    };
-
     HTREEITEM Selected() const { return reinterpret_cast<HTREEITEM>(Send(TVM_GETNEXTITEM, TVGN_CARET)); }
-    bool OnNode() const {
-        const DWORD at = ::GetMessagePos();
+    // At a point as messages of the mouse give it.
+    bool OnNode(LPARAM point) const {
         TVHITTESTINFO hit{};
-        hit.pt = {static_cast<short>(LOWORD(at)), static_cast<short>(HIWORD(at))};
-        ::ScreenToClient(hwnd(), &hit.pt);
+        hit.pt = {static_cast<short>(LOWORD(point)), static_cast<short>(HIWORD(point))};
         return Send(TVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit)) != 0 && (hit.flags & TVHT_ONITEM) != 0;
     }
     void ShowPictures() {
@@ -120,7 +110,8 @@ class TreeView : public ControlWin {
     std::vector<TreeNode> nodes_;
     std::unordered_map<TextView, HTREEITEM> by_key_;
     HIMAGELIST pictures_ = nullptr;
-    bool selecting_ = false;
+    bool focusing_ = false;
+    bool on_node_ = false;  // the last double click
 };
 
 }  // namespace
