@@ -78,8 +78,9 @@ void ControlWin::OnMetrics() {
 }
 
 void ControlWin::Put(const Box& box) {
-    box_ = box;
-    ::SetWindowPos(hwnd_, nullptr, box.x, box.y, box.width, box.height, SWP_NOZORDER | SWP_NOACTIVATE);
+    if (std::exchange(box_, box) == box) return;
+    ::SetWindowPos(hwnd_, nullptr, box.x, box.y, box.width, box.height,
+                   SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
 }
 
 void ControlWin::Refuse() const {

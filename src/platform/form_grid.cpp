@@ -11,15 +11,31 @@ int Total(const std::vector<int>& lengths, int gap) {
     return std::accumulate(lengths.begin(), lengths.end(), gap * gaps);
 }
 
-// Hands `over` pixels to the lines that grow, equally.
-void Spread(std::vector<int>& lengths, const std::vector<bool>& grows, int over) {
-    auto lines = static_cast<int>(std::count(grows.begin(), grows.end(), true));
-    for (std::size_t i = 0; i < lengths.size() && over > 0; ++i) {
-        if (!grows[i]) continue;
-        const int share = over / lines--;
-        lengths[i] += share;
-        over -= share;
+// Lengthens lines by `over` pixels in all so that they are as equal as their lengths before allow.
+void Spread(std::vector<int*> lines, int over) {
+    if (lines.empty() || over <= 0) return;
+    std::sort(lines.begin(), lines.end(), [](const int* a, const int* b) { return *a < *b; });
+    int total = std::accumulate(lines.begin(), lines.end(), over,
+                                [](int sum, const int* line) { return sum + *line; });
+    while (*lines.back() > total / static_cast<int>(lines.size())) {
+        total -= *lines.back();
+        lines.pop_back();
     }
+    auto left = static_cast<int>(lines.size());
+    for (int* line : lines) {
+        *line = total / left--;
+        total -= *line;
+    }
+}
+
+// Those of the lines that grow.
+std::vector<int*> Growing(std::vector<int>& lengths, const std::vector<bool>& grows, std::size_t first,
+                          std::size_t count) {
+    std::vector<int*> lines;
+    for (std::size_t i = first; i < first + count; ++i) {
+        if (grows[i]) lines.push_back(&lengths[i]);
+    }
+    return lines;
 }
 
 // Where the line before which these lengths stand begins.
@@ -51,20 +67,18 @@ int Grid::Spanned(const std::vector<int>& widths, const Place& place) const {
     return std::accumulate(first, first + place.column_span, gap_ * (place.column_span - 1));
 }
 
-// What one column alone holds comes first; several columns are then widened in the last one that grows.
+// What one column alone holds comes first. Several columns are then widened where they grow, else all alike.
 std::vector<int> Grid::MinWidths() const {
     std::vector<int> widths(stretch_.columns.size());
+    const std::vector<bool> all(widths.size(), true);
     for (const bool several : {false, true}) {
         for (const Cell& cell : cells_) {
             const Place& place = cell.plan->place;
             if ((place.column_span > 1) != several) continue;
-            const int lacking = MinWidthOf(cell) - Spanned(widths, place);
-            if (lacking <= 0) continue;
-            auto column = static_cast<std::size_t>(place.column + place.column_span - 1);
-            if (stretch_.Wide(place)) {
-                while (!stretch_.columns[column]) --column;
-            }
-            widths[column] += lacking;
+            Spread(
+                Growing(widths, stretch_.Wide(place) ? stretch_.columns : all,
+                        static_cast<std::size_t>(place.column), static_cast<std::size_t>(place.column_span)),
+                MinWidthOf(cell) - Spanned(widths, place));
         }
     }
     return widths;
@@ -72,7 +86,8 @@ std::vector<int> Grid::MinWidths() const {
 
 std::vector<int> Grid::Widths(int width) const {
     std::vector<int> widths = MinWidths();
-    Spread(widths, stretch_.columns, width - Total(widths, gap_));
+    const int over = width - Total(widths, gap_);
+    Spread(Growing(widths, stretch_.columns, 0, widths.size()), over);
     return widths;
 }
 
@@ -96,7 +111,8 @@ int Grid::HeightFor(int width) const {
 void Grid::Arrange(const Box& room) {
     const std::vector<int> widths = Widths(room.width);
     std::vector<int> heights = Heights(widths);
-    Spread(heights, stretch_.rows, room.height - Total(heights, gap_));
+    const int over = room.height - Total(heights, gap_);
+    Spread(Growing(heights, stretch_.rows, 0, heights.size()), over);
     const std::vector<int> lefts = Starts(widths, room.x, gap_);
     const std::vector<int> tops = Starts(heights, room.y, gap_);
     for (const Cell& cell : cells_) {

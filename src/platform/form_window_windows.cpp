@@ -284,13 +284,14 @@ void FormWindowWin::Arrange() {
     ::GetClientRect(hwnd_, &client);
     grid_.Arrange({Margin(), Margin(), static_cast<int>(client.right) - 2 * Margin(),
                    static_cast<int>(client.bottom) - 2 * Margin()});
+    // Frames and what stands in them are brothers, and overlap.
+    ::RedrawWindow(hwnd_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
 void FormWindowWin::ShowMetrics() {
     for (Grid* grid : grids_) grid->SetGap(metrics_.Across(4));
     for (const MadeControl& control : controls_) control->OnMetrics();
     Arrange();
-    ::InvalidateRect(hwnd_, nullptr, TRUE);
 }
 
 void FormWindowWin::TakeFocus() {

@@ -112,11 +112,19 @@ HICON Draw(Shape shape, int size) {
     ICONINFO icon{};
     icon.fIcon = TRUE;
     icon.hbmColor = ::CreateDIBSection(nullptr, &format, DIB_RGB_COLORS, &bits, nullptr, 0);
-    const std::vector<std::uint8_t> all_shown(static_cast<std::size_t>((size + 15) / 16 * 2 * size));
-    icon.hbmMask = ::CreateBitmap(size, size, 1, 1, all_shown.data());
+    // The mask, a bit a pixel in rows of whole words, is for drawing without transparency: that of disabled
+    // buttons.
+    const int row_bytes = (size + 15) / 16 * 2;
+    std::vector<std::uint8_t> mask(static_cast<std::size_t>(row_bytes * size));
     auto* pixel = static_cast<std::uint32_t*>(bits);
-    for (int i = 0; bits != nullptr && i < size * size; ++i)
-        *pixel++ = Pixel(shape, i % size, i / size, size);
+    for (int i = 0; bits != nullptr && i < size * size; ++i) {
+        pixel[i] = Pixel(shape, i % size, i / size, size);
+        const int bit = 0x80 >> i % size % 8;
+        if (pixel[i] >> 24 < 128)
+            mask[static_cast<std::size_t>(i / size * row_bytes + i % size / 8)] |=
+                static_cast<std::uint8_t>(bit);
+    }
+    icon.hbmMask = ::CreateBitmap(size, size, 1, 1, mask.data());
     const HICON made = ::CreateIconIndirect(&icon);
     ::DeleteObject(icon.hbmColor);
     ::DeleteObject(icon.hbmMask);
@@ -130,8 +138,7 @@ Icon::Icon(Picture picture, int size) {
         if (known == picture) icon_ = Draw(shape, size);
     }
     if (picture != Picture::Warning) return;
-    const HANDLE shared =
-        ::LoadImageW(nullptr, IDI_WARNING, IMAGE_ICON, size, size, LR_SHARED);
+    const HANDLE shared = ::LoadImageW(nullptr, IDI_WARNING, IMAGE_ICON, size, size, LR_SHARED);
     icon_ = ::CopyIcon(static_cast<HICON>(shared));
 }
 

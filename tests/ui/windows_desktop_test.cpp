@@ -165,7 +165,7 @@ TEST_F(Windows, NarrowsASummaryToAPeriodAndACode) {
     WriteStatements(16);
     Import();
     host_.view_v(kInn, kKpp);
-    ASSERT_TRUE(WaitShown("frmFilter"));
+    ASSERT_TRUE(WaitActive("frmFilter"));
     EXPECT_THAT(NodesOf({"frmFilter", "TreeView1"}), Contains(StartsWith(" 20")).Times(2));
     EXPECT_THAT(RowsOf({"frmFilter", "cmbKBK"}), SizeIs(3));
     Focus({"frmFilter", "cmbKBK"});
