@@ -62,15 +62,11 @@ FormWindowWin::FormWindowWin(const FormPlan& plan, FormEvents& events)
 // The windows of others that this one owns would go with it.
 FormWindowWin::~FormWindowWin() {
     Enter();
-    ::EnumThreadWindows(
-        ::GetCurrentThreadId(),
-        [](HWND other, LPARAM self) -> BOOL {
-            if (FormOf(other) != nullptr && ::GetWindow(other, GW_OWNER) == reinterpret_cast<HWND>(self)) {
-                SetOwner(other, nullptr);
-            }
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(hwnd_));
+    for (HWND other : win32::ThreadWindows()) {
+        if (hwnd_ != nullptr && FormOf(other) != nullptr && ::GetWindow(other, GW_OWNER) == hwnd_) {
+            SetOwner(other, nullptr);
+        }
+    }
     if (hwnd_ != nullptr) ::DestroyWindow(hwnd_);
     FormGone(this);
 }
@@ -307,31 +303,27 @@ void FormWindowWin::Appear() {
 }
 
 void FormWindowWin::Show() {
+    if (hwnd_ == nullptr) return;
     if (modal_done_ == nullptr) SetOwner(hwnd_, nullptr);
     Appear();
 }
 
 void FormWindowWin::DisableOthers() {
-    ::EnumThreadWindows(
-        ::GetCurrentThreadId(),
-        [](HWND other, LPARAM self) -> BOOL {
-            auto& form = *reinterpret_cast<FormWindowWin*>(self);
-            if (other != form.hwnd_ && ::IsWindowVisible(other) && ::IsWindowEnabled(other)) {
-                form.disabled_.push_back(other);
-            }
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(this));
+    for (HWND other : win32::ThreadWindows()) {
+        if (other != hwnd_ && ::IsWindowVisible(other) && ::IsWindowEnabled(other))
+            disabled_.push_back(other);
+    }
     for (HWND other : disabled_) ::EnableWindow(other, FALSE);
 }
 
 void FormWindowWin::ShowModal(FormWindow* owner) {
     const Running running(*this);
     Hide();
+    if (hwnd_ == nullptr) return;
     const HWND owner_window = owner == nullptr ? nullptr : static_cast<FormWindowWin*>(owner)->hwnd_;
     SetOwner(hwnd_, owner_window);
     if (owner_window != nullptr) Centre(hwnd_, owner_window);
-    bool done = hwnd_ == nullptr;
+    bool done = false;
     modal_done_ = &done;
     DisableOthers();
     Appear();

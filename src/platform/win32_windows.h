@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <string>
 #include <utility>
+#include <vector>
 
 #undef DeleteFile
 #undef MessageBox
@@ -63,6 +64,9 @@ std::wstring Filled(Call call) {
 
 // The library that holds this code, or the program.
 HINSTANCE ThisModule();
+
+// The windows of this thread that are no children.
+std::vector<HWND> ThreadWindows();
 
 // The environment variable, or empty text.
 Text Variable(const wchar_t* name);

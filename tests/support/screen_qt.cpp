@@ -159,7 +159,9 @@ void Click(const Spot& button) {
 void Type(const Spot& spot, TextView text) {
     auto* box = In<QLineEdit>(spot);
     box->selectAll();
-    QTest::keyClicks(box, ToQt(text));
+    for (const QChar letter : ToQt(text)) {
+        QTest::sendKeyEvent(QTest::Click, box, static_cast<Qt::Key>(letter.toUpper().unicode()), letter, {});
+    }
 }
 
 void DoubleClickRow(const Spot& list, int row) {
