@@ -1,8 +1,7 @@
 // What the forms are as windows of Windows, among those of a host.
-#include "platform/files.h"
 #include "platform/probe_form.h"
 #include "platform/shown_forms_windows.h"
-#include "support/support.h"
+#include "platform/win32_windows.h"
 
 namespace tav {
 namespace {
@@ -12,15 +11,19 @@ using namespace test;
 class FormsWindows : public ProbeForm {
  protected:
     static HWND Top() {
-        HWND top = nullptr;
-        ::EnumThreadWindows(
-            ::GetCurrentThreadId(),
-            [](HWND window, LPARAM found) -> BOOL {
-                if (::GetPropW(window, L"Probe") == window) *reinterpret_cast<HWND*>(found) = window;
-                return TRUE;
-            },
-            reinterpret_cast<LPARAM>(&top));
-        return top;
+        for (HWND window : win32::ThreadWindows()) {
+            if (::GetPropW(window, L"Probe") == window) return window;
+        }
+        return nullptr;
+    }
+    static HWND ToolTips() {
+        for (HWND window : win32::ThreadWindows()) {
+            wchar_t name[64] = L"";
+            ::GetClassNameW(window, name, static_cast<int>(std::size(name)));
+            if (std::wstring(name) == TOOLTIPS_CLASSW && ::GetWindow(window, GW_OWNER) == Top())
+                return window;
+        }
+        return nullptr;
     }
     // In the plan's order; null for the timer.
     static HWND Child(std::size_t control) { return ::GetDlgItem(Top(), static_cast<int>(1000 + control)); }
@@ -138,17 +141,7 @@ TEST_F(FormsWindows, TheTipIsThatOfTheRowUnderThePointer) {
     const auto tip_at = [&](int y) {
         ::SendMessageW(list, WM_MOUSEMOVE, 0, MAKELPARAM(5, y));
         NMTTDISPINFOW asked{};
-        ::EnumThreadWindows(
-            ::GetCurrentThreadId(),
-            [](HWND tips, LPARAM header) -> BOOL {
-                wchar_t name[64] = L"";
-                ::GetClassNameW(tips, name, 64);
-                const bool ours =
-                    std::wstring(name) == TOOLTIPS_CLASSW && ::GetWindow(tips, GW_OWNER) == Top();
-                if (ours) reinterpret_cast<NMHDR*>(header)->hwndFrom = tips;
-                return !ours;
-            },
-            reinterpret_cast<LPARAM>(&asked.hdr));
+        asked.hdr.hwndFrom = ToolTips();
         asked.hdr.code = TTN_GETDISPINFOW;
         ::SendMessageW(list, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&asked));
         return win32::FromWide(asked.lpszText);
@@ -186,8 +179,7 @@ TEST_F(FormsWindows, PicturesAreDrawnAndNamed) {
 }
 
 TEST_F(FormsWindows, AFolderIsChosenAndCancelled) {
-    const TempFolder folder;
-    MakeFolders(folder / u"папка/");
+    const Text folder = win32::Variable(L"windir");
     for (const WORD button : {IDOK, IDCANCEL}) {
         // The tree of the dialog finds its start in a thread of its own.
         Soon(
@@ -197,8 +189,8 @@ TEST_F(FormsWindows, AFolderIsChosenAndCancelled) {
                 ::PostMessageW(dialog, WM_COMMAND, button, 0);
             },
             500);
-        const Text chosen = CurrentToolkit().BrowseFolder(u"Папка", folder / u"папка", window.get());
-        EXPECT_EQ(chosen, button == IDOK ? folder / u"папка" : Text());
+        const Text chosen = CurrentToolkit().BrowseFolder(u"Папка", folder, window.get());
+        EXPECT_EQ(chosen, button == IDOK ? folder : Text());
     }
     EXPECT_TRUE(::IsWindowEnabled(Top()));
 }
