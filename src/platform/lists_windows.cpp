@@ -86,6 +86,7 @@ class ListBox : public ControlWin {
         Measure();
     }
     LRESULT OnMessage(UINT message, WPARAM wparam, LPARAM lparam) override {
+        TellTips(host().tool_tips(), hwnd(), message, wparam, lparam);
         switch (message) {
             case WM_LBUTTONDOWN:
             case WM_LBUTTONDBLCLK:

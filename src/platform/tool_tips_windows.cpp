@@ -7,7 +7,6 @@ namespace {
 TTTOOLINFOW Tool(HWND window) {
     TTTOOLINFOW tool{};
     tool.cbSize = TTTOOLINFOW_V1_SIZE;
-    tool.uFlags = TTF_SUBCLASS;
     tool.hwnd = window;
     return tool;
 }
@@ -26,7 +25,7 @@ HWND MakeToolTips(HWND form) {
 void AddToolTip(HWND tips, HWND control, TextView text) {
     std::wstring wide = win32::Wide(text);
     TTTOOLINFOW tool = Tool(::GetParent(control));
-    tool.uFlags |= TTF_IDISHWND;
+    tool.uFlags = TTF_SUBCLASS | TTF_IDISHWND;
     tool.uId = reinterpret_cast<UINT_PTR>(control);
     tool.lpszText = wide.data();
     ::SendMessageW(tips, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
@@ -43,6 +42,16 @@ void SetTipPart(HWND tips, HWND control, const RECT& part) {
     tool.rect = part;
     ::SendMessageW(tips, TTM_POP, 0, 0);
     ::SendMessageW(tips, TTM_NEWTOOLRECTW, 0, reinterpret_cast<LPARAM>(&tool));
+}
+
+void TellTips(HWND tips, HWND control, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message < WM_MOUSEFIRST || message > WM_MOUSELAST) return;
+    MSG told{};
+    told.hwnd = control;
+    told.message = message;
+    told.wParam = wparam;
+    told.lParam = lparam;
+    ::SendMessageW(tips, TTM_RELAYEVENT, 0, reinterpret_cast<LPARAM>(&told));
 }
 
 }  // namespace tav

@@ -16,5 +16,8 @@ void AddToolTip(HWND tips, HWND control, TextView text);
 void AddPartTips(HWND tips, HWND control);
 // The part that the pointer is in; the tip of another goes.
 void SetTipPart(HWND tips, HWND control, const RECT& part);
+// What comes to the control, of which the tips want to know what the mouse does. They could listen
+// themselves, but then every message of a list that is filled would pass through them.
+void TellTips(HWND tips, HWND control, UINT message, WPARAM wparam, LPARAM lparam);
 
 }  // namespace tav
