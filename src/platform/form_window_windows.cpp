@@ -59,13 +59,13 @@ FormWindowWin::FormWindowWin(const FormPlan& plan, FormEvents& events)
     FormMade(this);
 }
 
-// The windows of others that this one owns would go with it.
+// The forms and the message boxes that this one owns would go with it, unread.
 FormWindowWin::~FormWindowWin() {
     Enter();
+    constexpr ULONG_PTR kDialogClass = 32770;
     for (HWND other : win32::ThreadWindows()) {
-        if (hwnd_ != nullptr && FormOf(other) != nullptr && ::GetWindow(other, GW_OWNER) == hwnd_) {
-            SetOwner(other, nullptr);
-        }
+        const bool outlives = FormOf(other) != nullptr || ::GetClassLongPtrW(other, GCW_ATOM) == kDialogClass;
+        if (hwnd_ != nullptr && outlives && ::GetWindow(other, GW_OWNER) == hwnd_) SetOwner(other, nullptr);
     }
     if (hwnd_ != nullptr) ::DestroyWindow(hwnd_);
     FormGone(this);
