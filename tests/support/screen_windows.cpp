@@ -158,7 +158,7 @@ void WaitFor(int milliseconds) {
 
 void Soon(const std::function<void()>& action, int milliseconds) {
     const UINT_PTR timer =
-        ::SetTimer(nullptr, 0, static_cast<UINT>(milliseconds), [](HWND, UINT, UINT_PTR id, DWORD) {
+        ::SetTimer(nullptr, 0, static_cast<UINT>(milliseconds), [](HWND, UINT, UINT_PTR id, DWORD) CALLBACK {
             ::KillTimer(nullptr, id);
             const auto due = Actions().extract(id);
             if (!due.empty()) due.mapped()();
@@ -223,7 +223,7 @@ std::string Focused() {
     std::wstring name;
     ::EnumPropsExW(
         ::GetFocus(),
-        [](HWND window, wchar_t* property, HANDLE value, ULONG_PTR found) -> BOOL {
+        [](HWND window, wchar_t* property, HANDLE value, ULONG_PTR found) CALLBACK -> BOOL {
             const bool text = (reinterpret_cast<ULONG_PTR>(property) >> 16) != 0;  // not a number
             if (text && value == window) *reinterpret_cast<std::wstring*>(found) = property;
             return TRUE;
