@@ -55,6 +55,7 @@ class Somebody {
         std::set<std::string> forms;
         ::EnumWindows(NoteForm, reinterpret_cast<LPARAM>(&forms));
         forms.erase("Импорт файлов, полученных из ТАВ");
+        forms.erase("");  // the same, going
         for (const std::string& title : forms) somebody.seen_ += "    " + title + "\n";
         ::PostMessageW(window, WM_COMMAND, IDOK, 0);
         return TRUE;
