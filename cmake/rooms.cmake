@@ -27,10 +27,11 @@ set(CMAKE_BUILD_RPATH "$ORIGIN;$ORIGIN/../lib")
 set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/../lib")
 
 # tav_sources(VARIABLE PATTERN): the sources of that pattern for this platform. One whose name ends in _linux or
-# _windows (before _test, if it is a test) belongs to that platform alone; one that ends in _qt or _x11 to what links Qt.
+# _windows (before _test, if it is a test) belongs to that platform alone; one that ends in _qt or _x11 to what links Qt,
+# one that ends in _desktop to what shows windows.
 function(tav_sources variable pattern)
   file(GLOB sources CONFIGURE_DEPENDS ${pattern})
-  list(FILTER sources EXCLUDE REGEX "_(qt|x11)(_test)?\\.cpp$")
+  list(FILTER sources EXCLUDE REGEX "_(qt|x11|desktop)(_test)?\\.cpp$")
   if(WIN32)
     list(FILTER sources EXCLUDE REGEX "_linux(_test)?\\.cpp$")
   else()
@@ -61,6 +62,7 @@ function(tav_forms_module)
   find_package(Qt6 REQUIRED COMPONENTS Widgets)
   find_library(XCB_LIBRARY xcb REQUIRED)
   file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/platform/*_qt.cpp)
+  list(APPEND sources ${PROJECT_SOURCE_DIR}/src/platform/form_stretch.cpp)
   add_library(tav_forms_qt MODULE ${sources})
   set_target_properties(
     tav_forms_qt

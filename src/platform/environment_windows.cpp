@@ -26,12 +26,9 @@ LocalTime (*clock_in_use)() = SystemClock;
 }  // namespace
 
 Text ComponentFolder() {
-    HMODULE module = nullptr;  // the library that holds this code, or the program
-    ::GetModuleHandleExW(
-        GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-        reinterpret_cast<const wchar_t*>(&ComponentFolder), &module);
-    return FolderOf(win32::FromWide(win32::Filled(
-        [&](wchar_t* buffer, DWORD size) { return ::GetModuleFileNameW(module, buffer, size); })));
+    return FolderOf(win32::FromWide(win32::Filled([](wchar_t* buffer, DWORD size) {
+        return ::GetModuleFileNameW(win32::ThisModule(), buffer, size);
+    })));
 }
 
 Text TempVariable() {

@@ -7,6 +7,7 @@
 
 namespace tav {
 
-void LayOut(QWidget& window, std::span<const MadeControl> controls);
+// `controls` are those of `plans`, in their order.
+void LayOut(QWidget& window, std::span<const ControlPlan> plans, std::span<const MadeControl> controls);
 
 }  // namespace tav

@@ -1,14 +1,87 @@
-#include "common/failure.h"
+// The toolkit of Windows: linked in, always there.
+#include <shlobj.h>
+
+#include "platform/form_window_windows.h"
 #include "platform/forms.h"
+#include "platform/message_loop_windows.h"
+#include "platform/shown_forms_windows.h"
+#include "platform/theme_windows.h"
 
 namespace tav {
+namespace {
+
+bool used = false;
+
+// The folder's dialog lives on OLE. A host has it on its thread already; then this only counts.
+class ScopedOle {
+ public:
+    ScopedOle() : begun_(SUCCEEDED(::OleInitialize(nullptr))) {}
+    ~ScopedOle() {
+        if (begun_) ::OleUninitialize();
+    }
+    ScopedOle(const ScopedOle&) = delete;
+    ScopedOle& operator=(const ScopedOle&) = delete;
+
+ private:
+    const bool begun_;
+};
+
+int CALLBACK OnBrowse(HWND dialog, UINT message, LPARAM, LPARAM start) {
+    if (message == BFFM_INITIALIZED) ::SendMessageW(dialog, BFFM_SETSELECTIONW, TRUE, start);
+    return 0;
+}
+
+class ToolkitWin : public Toolkit {
+ public:
+    OwnedWindow Create(const FormPlan& plan, FormEvents& events) override {
+        auto* form = new FormWindowWin(plan, events);
+        OwnedWindow window(form);
+        form->Make();
+        return window;
+    }
+
+    // Without an owner, the box holds up all windows of the thread.
+    void ShowMessage(const Message& message) override {
+        const ScopedTheme theme;
+        const FormWindowWin* active = ActiveForm();
+        const UINT icon = message.icon == MessageIcon::Critical ? MB_ICONERROR : MB_ICONINFORMATION;
+        ::MessageBoxW(active == nullptr ? nullptr : active->hwnd(), win32::Wide(message.text).c_str(),
+                      win32::Wide(message.title).c_str(),
+                      MB_OK | icon | (active == nullptr ? MB_TASKMODAL | MB_SETFOREGROUND : 0));
+    }
+
+    Text BrowseFolder(TextView title, TextView start, FormWindow* owner) override {
+        const ScopedTheme theme;
+        const ScopedOle ole;
+        const std::wstring shown = win32::Wide(title);
+        const std::wstring first = win32::Wide(start);
+        BROWSEINFOW browse{};
+        browse.hwndOwner = owner == nullptr ? nullptr : static_cast<FormWindowWin*>(owner)->hwnd();
+        browse.lpszTitle = shown.c_str();
+        browse.ulFlags = BIF_RETURNONLYFSDIRS | BIF_NEWDIALOGSTYLE;
+        browse.lpfn = OnBrowse;
+        browse.lParam = reinterpret_cast<LPARAM>(first.c_str());
+        PIDLIST_ABSOLUTE chosen = ::SHBrowseForFolderW(&browse);
+        wchar_t path[MAX_PATH] = L"";
+        if (chosen != nullptr) ::SHGetPathFromIDListW(chosen, path);
+        ::CoTaskMemFree(chosen);
+        return win32::FromWide(path);
+    }
+
+    void ProcessEvents() override { HandleWaiting(); }
+    void RunUntilClosed() override { RunUntilNoFormIsShown(); }
+};
+
+}  // namespace
 
 Toolkit& CurrentToolkit() {
-    throw Failure(u"Окна показать нельзя: в этой сборке их нет");
+    static ToolkitWin& toolkit = *new ToolkitWin;
+    used = true;
+    return toolkit;
 }
 
 bool ToolkitLoaded() {
-    return false;
+    return used;
 }
 
 }  // namespace tav

@@ -9,9 +9,12 @@
 #include <algorithm>
 #include <string>
 #include <utility>
+#include <vector>
 
 #undef DeleteFile
 #undef MessageBox
+
+#include <commctrl.h>
 
 #include "common/failure.h"
 
@@ -58,6 +61,12 @@ std::wstring Filled(Call call) {
         if (whole) return buffer;
     }
 }
+
+// The library that holds this code, or the program.
+HINSTANCE ThisModule();
+
+// The windows of this thread that are no children.
+std::vector<HWND> ThreadWindows();
 
 // The environment variable, or empty text.
 Text Variable(const wchar_t* name);

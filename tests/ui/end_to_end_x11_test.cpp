@@ -1,12 +1,8 @@
 // One session as a person has it, with the keys and clicks of a real X server (xdotool sends them): an empty
 // database is filled from a folder typed in, summed up for a half-year, and cleared.
 
-#include <QLabel>
-#include <QLineEdit>
-#include <QTimer>
-#include <QTreeView>
-
 #include "samples/generator.h"
+#include "support/screen_qt.h"
 #include "ui/desktop.h"
 
 namespace tav {
@@ -21,28 +17,26 @@ using testing::SizeIs;
 // The event loop runs while the server delivers.
 void Send(const std::string& arguments) {
     ASSERT_EQ(std::system(("xdotool " + arguments).c_str()), 0) << arguments;
-    QTest::qWait(50);
+    WaitFor(50);
 }
 
 // Keys go to the window that the window manager has made the active one, when it has put it where it stays.
-bool WaitActive(const QString& window) {
-    const bool active = Wait([=] {
-        return WindowNamed(window) != nullptr && QApplication::activeWindow() == WindowNamed(window);
-    });
-    QTest::qWait(300);
+bool WaitSettled(const std::string& window) {
+    const bool active = WaitActive(window);
+    WaitFor(300);
     return active;
 }
 
-void ClickAt(const QString& window, const QString& control) {
-    ASSERT_TRUE(WaitActive(window));
-    auto* widget = In(window, control);
-    ASSERT_TRUE(Wait([=] { return widget->isEnabled(); })) << control.toStdString();
+void ClickAt(const Spot& spot) {
+    ASSERT_TRUE(WaitSettled(spot.window));
+    auto* widget = In(spot);
+    ASSERT_TRUE(Wait([=] { return widget->isEnabled(); })) << spot.control;
     const QPoint at = widget->mapToGlobal(widget->rect().center());
     Send("mousemove " + std::to_string(at.x()) + " " + std::to_string(at.y()) + " click 1");
 }
 
-bool WaitText(const QString& label, const QString& text) {
-    return Wait([=] { return In<QLabel>("frmmain", label)->text().contains(text); });
+bool WaitText(const std::string& label, const std::string& text) {
+    return Wait([=] { return TextOf({"frmmain", label}).find(text) != std::string::npos; });
 }
 
 class Session : public Desktop {};
@@ -51,37 +45,30 @@ TEST_F(Session, FromAnEmptyDatabaseToASummaryAndBack) {
     samples::SampleFolder(folder_ / u"in");
     WriteSetting(u"ImportPath", u"");
     Start();
-    ClickAt("frmmain", "txtImport");
+    ClickAt({"frmmain", "txtImport"});
     Send("type '" + ToUtf8(folder_ / u"in") + "'");
     ASSERT_TRUE(WaitText("lblInfoFile", "Подлежат загрузке: 12"));
 
     // A Russian keyboard, for the mnemonics.
     ASSERT_EQ(std::system("setxkbmap ru"), 0);
-    QTest::qWait(200);
+    WaitFor(200);
     Send("key alt+Cyrillic_i");
     ASSERT_TRUE(WaitText("lblInfoBase", "Выписок в базе данных: 7"));
-    EXPECT_THAT(RowsOf("frmmain", "lstBase"), SizeIs(10));
+    EXPECT_THAT(RowsOf({"frmmain", "lstBase"}), SizeIs(10));
 
-    ClickAt("frmmain", "Command3");
-    ASSERT_TRUE(WaitActive("frmFilter"));
+    ClickAt({"frmmain", "Command3"});
+    ASSERT_TRUE(WaitSettled("frmFilter"));
     // From the codes, which have the focus first, to the tree, and down to the first year.
     Send("key Tab Down Return");
     EXPECT_THAT(Opened("index"), EndsWith(".doc\n"));
     Send("key Escape");
     EXPECT_TRUE(WaitGone("frmFilter"));
 
-    // The dialog's own loop runs inside the click that shows it.
-    QTimer until_shown;
-    until_shown.callOnTimeout([&] {
-        if (WindowNamed("frmDialog") == nullptr) return;
-        until_shown.stop();
-        ClickAt("frmDialog", "Command1");
-    });
-    until_shown.start(50);
-    ClickAt("frmmain", "Command2");
+    WhenShown("frmDialog", [] { ClickAt({"frmDialog", "Command1"}); });
+    ClickAt({"frmmain", "Command2"});
     EXPECT_TRUE(WaitText("lblInfoBase", "Выписок в базе данных: 0"));
-    EXPECT_THAT(RowsOf("frmmain", "lstBase"), IsEmpty());
-    ASSERT_TRUE(WaitActive("frmmain"));
+    EXPECT_THAT(RowsOf({"frmmain", "lstBase"}), IsEmpty());
+    ASSERT_TRUE(WaitSettled("frmmain"));
     Send("key alt+Cyrillic_ze");
     EXPECT_TRUE(WaitGone("frmmain"));
     EXPECT_THAT(Shown(), IsEmpty());

@@ -1,11 +1,3 @@
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QTimer>
-#include <QTreeView>
-
-#include "db/connection.h"
 #include "samples/generator.h"
 #include "ui/desktop.h"
 
@@ -44,9 +36,9 @@ class Windows : public Desktop {
         host_.import(kInn, kKpp);
         ASSERT_TRUE(WaitGone("frmShortImport"));
     }
-    static QString TextOf(const QString& label) { return In<QLabel>("frmmain", label)->text(); }
-    static bool WaitCounts(const QString& label, const QString& text) {
-        return Wait([=] { return TextOf(label).contains(text); });
+    static Spot Main(const std::string& control) { return {"frmmain", control}; }
+    static bool WaitCounts(const std::string& label, const std::string& text) {
+        return Wait([=] { return TextOf(Main(label)).find(text) != std::string::npos; });
     }
 };
 
@@ -57,23 +49,23 @@ TEST_F(Windows, ImportsFromTheMainWindow) {
     WriteSetting(u"NameINNKPP", u"ООО <b>Ромашка</b>|7701234567|770101001|лишнее");
     Start();
     ASSERT_TRUE(WaitCounts("lblInfoFile", "Подлежат загрузке: 10"));
-    EXPECT_EQ(TextOf("lblInfoName"), "ООО <b>Ромашка</b>");
-    EXPECT_EQ(TextOf("Label5"), "ИНН: 7701234567     КПП: 770101001");
-    EXPECT_FALSE(In<QAbstractButton>("frmmain", "Command3")->isEnabled());
-    const auto listed = RowsOf("frmmain", "lstFile");
+    EXPECT_EQ(TextOf(Main("lblInfoName")), "ООО <b>Ромашка</b>");
+    EXPECT_EQ(TextOf(Main("Label5")), "ИНН: 7701234567     КПП: 770101001");
+    EXPECT_FALSE(IsEnabled(Main("Command3")));
+    const auto listed = RowsOf(Main("lstFile"));
     ASSERT_THAT(listed, SizeIs(10));
     EXPECT_EQ(listed[0], "18210101011011000110   45280000000   01.01.2009 - 28.03.2009   v0000.rtf");
     EXPECT_THAT(listed, Contains("чужой.rtf"));
 
-    Click("frmmain", "Command1");
+    Click(Main("Command1"));
     ASSERT_TRUE(WaitCounts("lblInfoBase", "Выписок в базе данных: 8\r\nАктов в базе данных: 1"));
     ASSERT_TRUE(WaitCounts("lblInfoFile", "Подлежат загрузке: 1"));
-    const auto held = RowsOf("frmmain", "lstBase");
+    const auto held = RowsOf(Main("lstBase"));
     ASSERT_THAT(held, SizeIs(9));
     EXPECT_THAT(held[0], AllOf(StartsWith("18210101011011000110   45280000000   200901 - 200903 "),
                                EndsWith(" Выписка")));
-    EXPECT_TRUE(In<QAbstractButton>("frmmain", "Command3")->isEnabled());
-    EXPECT_TRUE(In<QAbstractButton>("frmmain", "Command6")->isEnabled());
+    EXPECT_TRUE(IsEnabled(Main("Command3")));
+    EXPECT_TRUE(IsEnabled(Main("Command6")));
     EXPECT_THAT(Shown(), IsEmpty());
 }
 
@@ -98,22 +90,19 @@ TEST_F(Windows, CancelInTheMiddleOfAnImportLosesNothing) {
     WriteStatements(300);
     Start();
     ASSERT_TRUE(WaitCounts("lblInfoFile", "загрузке: 300"));
-    QTimer clock;
     bool shown = false;
-    QObject::connect(&clock, &QTimer::timeout, [&] {
-        if (WindowNamed("frmShortImport") == nullptr || shown) return;
+    WhenShown("frmShortImport", [&] {
         shown = true;
-        Click("frmShortImport", "CancelButton");
+        Click({"frmShortImport", "CancelButton"});
     });
-    clock.start(1);
-    Click("frmmain", "Command1");
+    Click(Main("Command1"));
     EXPECT_TRUE(shown);
     EXPECT_NE(CancelStamp(), 0);
     EXPECT_FALSE(FileExists(folder_ / u"in/listfiles.xml"));
     EXPECT_TRUE(WaitGone("frmShortImport"));
     EXPECT_THAT(ListFiles(folder_ / u"in", u".rtf"), SizeIs(300));
     EXPECT_TRUE(WaitCounts("lblInfoBase", "Выписок в базе данных: 0"));
-    EXPECT_TRUE(Wait([] { return In<QAbstractButton>("frmmain", "Command1")->isEnabled(); }));
+    EXPECT_TRUE(IsEnabled(Main("Command1")));
 }
 
 // Neither closing the window nor another taxpayer stops what it began; meanwhile nobody else gets at the
@@ -122,21 +111,17 @@ TEST_F(Windows, AnImportSurvivesItsWindow) {
     WriteStatements(300);
     Start();
     ASSERT_TRUE(WaitCounts("lblInfoFile", "загрузке: 300"));
-    QTimer clock;
     bool closed = false;
-    QObject::connect(&clock, &QTimer::timeout, [&] {
-        if (WindowNamed("frmShortImport") == nullptr || closed) return;
+    WhenShown("frmShortImport", [&] {
         closed = true;
         host_.import(kInn, kKpp);
         host_.view_v(kInn, kKpp);
-        host_.start(u"5500000000", u"550001001");
-        WindowNamed("frmmain")->close();
+        CloseWindow("frmmain");
     });
-    clock.start(1);
-    Click("frmmain", "Command1");
+    Click(Main("Command1"));
     ASSERT_TRUE(closed);
     EXPECT_TRUE(WaitGone("frmShortImport"));
-    EXPECT_EQ(WindowNamed("frmmain"), nullptr);
+    EXPECT_FALSE(OnScreen("frmmain"));
     EXPECT_THAT(Shown(), ElementsAre(AllOf(StartsWith("Ошибка в функции View_V: "),
                                            HasSubstr("file already in use"))));
     Start();
@@ -166,37 +151,30 @@ TEST_F(Windows, ClearsAfterAsking) {
     Import();
     Start();
     for (const auto& [button, left] : {std::pair{"Command3", 2}, {"Command1", 0}}) {
-        ASSERT_TRUE(Wait([] { return In<QAbstractButton>("frmmain", "Command2")->isEnabled(); }));
-        QTimer::singleShot(200, [&, name = button] { Click("frmDialog", name); });
-        Click("frmmain", "Command2");
-        EXPECT_EQ(WindowNamed("frmDialog"), nullptr);
-        EXPECT_TRUE(WaitCounts("lblInfoBase", QString("Выписок в базе данных: %1").arg(left)));
-        EXPECT_THAT(RowsOf("frmmain", "lstBase"), SizeIs(left));
+        ASSERT_TRUE(Wait([] { return IsEnabled(Main("Command2")); }));
+        WhenShown("frmDialog", [name = button] { Click({"frmDialog", name}); });
+        Click(Main("Command2"));
+        EXPECT_FALSE(OnScreen("frmDialog"));
+        EXPECT_TRUE(WaitCounts("lblInfoBase", "Выписок в базе данных: " + std::to_string(left)));
+        EXPECT_THAT(RowsOf(Main("lstBase")), SizeIs(left));
     }
-    EXPECT_TRUE(Wait([] { return !In<QAbstractButton>("frmmain", "Command2")->isEnabled(); }));
+    EXPECT_TRUE(Wait([] { return !IsEnabled(Main("Command2")); }));
 }
 
 TEST_F(Windows, NarrowsASummaryToAPeriodAndACode) {
     WriteStatements(16);
     Import();
     host_.view_v(kInn, kKpp);
-    ASSERT_TRUE(WaitShown("frmFilter"));
-    auto* tree = In<QTreeView>("frmFilter", "TreeView1");
-    const QModelIndex all = tree->model()->index(0, 0);
-    EXPECT_EQ(tree->model()->rowCount(), 1);
-    EXPECT_EQ(tree->model()->rowCount(all), 2);
-    auto* codes = In<QComboBox>("frmFilter", "cmbKBK");
-    ASSERT_EQ(codes->count(), 3);
-    codes->setFocus();
-    QTest::keyClick(codes, Qt::Key_Down);
-    QTest::keyClick(codes, Qt::Key_Down);
-    const auto found = tree->model()->match(all, Qt::DisplayRole, "2 полугодие", 1,
-                                            Qt::MatchStartsWith | Qt::MatchRecursive);
-    ASSERT_FALSE(found.isEmpty());
-    tree->setCurrentIndex(found.first());
-    Click("frmFilter", "Command1");
+    ASSERT_TRUE(WaitActive("frmFilter"));
+    EXPECT_THAT(NodesOf({"frmFilter", "TreeView1"}), Contains(StartsWith(" 20")).Times(2));
+    EXPECT_THAT(RowsOf({"frmFilter", "cmbKBK"}), SizeIs(3));
+    Focus({"frmFilter", "cmbKBK"});
+    Press(Key::Down);
+    Press(Key::Down);
+    ChooseNode({"frmFilter", "TreeView1"}, u"2 полугодие");
+    Click({"frmFilter", "Command1"});
     const std::string opened = Opened("index");
-    EXPECT_THAT(opened, HasSubstr("/reports/index"));
+    EXPECT_THAT(opened, HasSubstr(ToUtf8(folder_ / u"reports/index")));
     const std::string page = ReadFile(FromUtf8(opened.substr(0, opened.find('\n'))));
     const auto times = [&](TextView text) {
         const std::string bytes = Bytes(text);
@@ -207,10 +185,10 @@ TEST_F(Windows, NarrowsASummaryToAPeriodAndACode) {
     EXPECT_EQ(times(u"<a href="), 2);
     EXPECT_EQ(times(samples::Taxes()[1].kbk), 2);
     EXPECT_EQ(times(u"01.07.2009-"), 1);
-    Click("frmFilter", "Check1");
+    Click({"frmFilter", "Check1"});
     EXPECT_TRUE(SettingTruth(u"ChkFilter"));
-    QTest::keyClick(WindowNamed("frmFilter"), Qt::Key_Escape);
-    EXPECT_EQ(WindowNamed("frmFilter"), nullptr);
+    Press(Key::Escape);
+    EXPECT_FALSE(OnScreen("frmFilter"));
 }
 
 // The box, the tree and the report are of the same code, whatever becomes of the database meanwhile.
@@ -255,7 +233,7 @@ TEST_F(Windows, KeepsToTheCodeWhosePeriodsItShows) {
 
 TEST_F(Windows, SaysWhenThereIsNothing) {
     host_.view_a(kInn, kKpp);
-    EXPECT_EQ(WindowNamed("frmFilter"), nullptr);
+    EXPECT_FALSE(OnScreen("frmFilter"));
     EXPECT_THAT(Shown(),
                 ElementsAre("Сводная справка: В базе данных для выбранного налогоплательщика отсутствует "
                             "информация по импортированным актам сверки.\r\nСводная справка не может "
@@ -265,13 +243,13 @@ TEST_F(Windows, SaysWhenThereIsNothing) {
 TEST_F(Windows, KeepsTheSettings) {
     WriteSetting(u"ChkOut", u"0");
     Start();
-    EXPECT_FALSE(In<QLineEdit>("frmmain", "txtOut")->isEnabled());
-    Click("frmmain", "chkImportPath");
-    EXPECT_TRUE(In<QLineEdit>("frmmain", "txtOut")->isEnabled());
-    In<QLineEdit>("frmmain", "txtOut")->setText("/куда");
-    In<QLineEdit>("frmmain", "txtExport")->setText("C:\\отчёты");
-    Click("frmmain", "Command5");
-    EXPECT_EQ(WindowNamed("frmmain"), nullptr);
+    EXPECT_FALSE(IsEnabled(Main("txtOut")));
+    Click(Main("chkImportPath"));
+    EXPECT_TRUE(IsEnabled(Main("txtOut")));
+    Type(Main("txtOut"), u"/куда");
+    Type(Main("txtExport"), u"C:\\отчёты");
+    Click(Main("Command5"));
+    EXPECT_FALSE(OnScreen("frmmain"));
     EXPECT_EQ(SettingText(u"ExportPath"), u"C:\\отчёты");
     EXPECT_EQ(SettingText(u"OutPath"), u"/куда");
     EXPECT_TRUE(SettingTruth(u"ChkOut"));
@@ -311,19 +289,17 @@ TEST_F(Windows, LivesWithoutFolderAndDatabase) {
     DeleteFile(folder_ / u"PlX_Base.mdb");
     Start();
     ASSERT_TRUE(WaitCounts("lblInfoFile", "Файлов в папке: 0 (папка не найдена)"));
-    QTest::keyClicks(In<QLineEdit>("frmmain", "txtImport"), "abc");
-    QTest::qWait(300);
+    Type(Main("txtImport"), u"abc");
+    WaitFor(300);
     EXPECT_THAT(Shown(),
                 ElementsAre(AllOf(StartsWith("Ошибка в функции SetFiles: "), HasSubstr("PlX_Base.mdb"))));
-    for (const char* list : {"lstFile", "lstBase"}) {
-        QTest::mouseDClick(In<QListView>("frmmain", list)->viewport(), Qt::LeftButton);
-    }
+    for (const char* list : {"lstFile", "lstBase"}) DoubleClickRow(Main(list), -1);
     for (const char* button : {"Command1", "Command2", "Command3", "Command6"}) {
-        EXPECT_FALSE(In<QAbstractButton>("frmmain", button)->isEnabled()) << button;
+        EXPECT_FALSE(IsEnabled(Main(button))) << button;
     }
     CreateDatabase(folder_ / u"PlX_Base.mdb");
     WriteStatements(1);
-    In<QLineEdit>("frmmain", "txtImport")->setText(QString::fromStdU16String(folder_ / u"in"));
+    Type(Main("txtImport"), folder_ / u"in");
     EXPECT_TRUE(WaitCounts("lblInfoFile", "Подлежат загрузке: 1"));
     EXPECT_THAT(Shown(), SizeIs(1));
 }
@@ -335,14 +311,12 @@ TEST_F(Windows, OpensWhatIsDoubleClicked) {
     folder_.Write(u"reports/Налог_18210101011011000110_45280000000_200901-200903.doc", "x");
     Start();
     ASSERT_TRUE(WaitCounts("lblInfoFile", "Файлов в папке: 1"));
-    for (const auto& [list, end] : {std::pair{"lstFile", "/in/v0000.rtf"}, {"lstBase", "200903.doc"}}) {
-        auto* view = In<QListView>("frmmain", list);
-        view->setCurrentIndex(view->model()->index(0, 0));
-        view->setFocus();
-        QTest::keyClick(view, Qt::Key_Return);
-        EXPECT_THAT(Opened(end), EndsWith(std::string(end) + "\n"));
+    for (const auto& [list, end] :
+         {std::pair{"lstFile", u"in/v0000.rtf"},
+          {"lstBase", u"reports/Налог_18210101011011000110_45280000000_200901-200903.doc"}}) {
+        DoubleClickRow(Main(list), 0);
+        EXPECT_THAT(Opened(ToUtf8(folder_ / end)), EndsWith(ToUtf8(folder_ / end) + "\n"));
     }
-    EXPECT_THAT(Opened("doc"), HasSubstr("/reports/"));
 }
 
 TEST_F(Windows, ShowsAllSubdivisions) {
@@ -353,12 +327,12 @@ TEST_F(Windows, ShowsAllSubdivisions) {
     samples::WriteDocument(folder_ / u"in", samples::MakeStatement(division));
     host_.import(kInn, kAllSubdivisions);
     Start();
-    EXPECT_THAT(RowsOf("frmmain", "lstBase"), SizeIs(1));
-    Click("frmmain", "chkKons");
-    EXPECT_THAT(RowsOf("frmmain", "lstBase"), SizeIs(2));
-    EXPECT_EQ(TextOf("Label5"), "ИНН: 7701234567");
-    ASSERT_TRUE(Wait([] { return In<QAbstractButton>("frmmain", "Command3")->isEnabled(); }));
-    Click("frmmain", "Command3");
+    EXPECT_THAT(RowsOf(Main("lstBase")), SizeIs(1));
+    Click(Main("chkKons"));
+    EXPECT_THAT(RowsOf(Main("lstBase")), SizeIs(2));
+    EXPECT_EQ(TextOf(Main("Label5")), "ИНН: 7701234567");
+    ASSERT_TRUE(Wait([] { return IsEnabled(Main("Command3")); }));
+    Click(Main("Command3"));
     ASSERT_TRUE(WaitShown("frmFilter"));
     EXPECT_THAT(Shown(), IsEmpty());
 }

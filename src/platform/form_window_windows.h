@@ -1,0 +1,96 @@
+// A form's window in Win32.
+//
+// Keys reach it in the host's message loop, which knows nothing of it: while a form is shown, a hook on the
+// messages that the thread takes gives those of our windows to the dialog manager first (IsDialogMessage),
+// which has the customs of Windows for Tab, arrows and mnemonics. The windows would have to imitate those if
+// each control kept its keys to itself.
+#pragma once
+
+#include <vector>
+
+#include "platform/control_windows.h"
+
+namespace tav {
+
+class FormWindowWin final : public FormWindow, public FormHost {
+ public:
+    FormWindowWin(const FormPlan& plan, FormEvents& events);
+    // Makes the window and its controls, not shown yet. Without them the object is only to be discarded.
+    void Make();
+    FormWindowWin(const FormWindowWin&) = delete;
+    FormWindowWin& operator=(const FormWindowWin&) = delete;
+
+    void Discard() override;
+    void Show() override;
+    void ShowModal(FormWindow* owner) override;
+    void Hide() override;
+
+    Text GetText(std::size_t control) const override { return At(control).GetText(); }
+    void SetText(std::size_t control, TextView text) override { At(control).SetText(text); }
+    bool Enabled(std::size_t control) const override { return At(control).Enabled(); }
+    void Enable(std::size_t control, bool enabled) override;
+    bool Checked(std::size_t control) const override { return At(control).Checked(); }
+    void Check(std::size_t control, bool checked) override { At(control).Check(checked); }
+    void SetRows(std::size_t control, std::vector<ListRow> rows) override {
+        At(control).SetRows(std::move(rows));
+    }
+    int SelectedRow(std::size_t control) const override { return At(control).SelectedRow(); }
+    void SelectRow(std::size_t control, int row) override { At(control).SelectRow(row); }
+    void SetNodes(std::size_t control, std::vector<TreeNode> nodes) override {
+        At(control).SetNodes(std::move(nodes));
+    }
+    Text SelectedNode(std::size_t control) const override { return At(control).SelectedNode(); }
+    void SelectNode(std::size_t control, TextView key) override { At(control).SelectNode(key); }
+    void SetBar(std::size_t control, double part) override { At(control).SetBar(part); }
+    void SetInterval(std::size_t control, int milliseconds) override {
+        At(control).SetInterval(milliseconds);
+    }
+
+    HWND hwnd() const override { return hwnd_; }
+    HWND tool_tips() const override { return tool_tips_; }
+    const Metrics& metrics() const override { return metrics_; }
+    void Raise(std::size_t control, Event event) override;
+    void Arrange() override;
+
+    // A key of this window or of a control in it. Whether it has been used up.
+    bool TakeKey(MSG& message);
+
+ private:
+    ~FormWindowWin() override;
+    void Enter() override { ++procedures_; }
+    void Leave() override;
+    static LRESULT CALLBACK Procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam);
+    LRESULT OnMessage(UINT message, WPARAM wparam, LPARAM lparam);
+    ControlWin& At(std::size_t control) const { return *controls_.at(control); }
+    // Null when the window is none of the controls'.
+    ControlWin* ControlOf(HWND window) const;
+    ControlWin* ButtonNamed(TextView name) const;
+    void MakeControls();
+    bool TakeEnterOrEscape(const MSG& message);
+    int Margin() const { return metrics_.Across(5); }
+    // The least size of the inside, and one with borders and title.
+    SIZE SmallestInside(int width) const;
+    SIZE WithBorder(SIZE inside) const;
+    void MakeLargeEnough();
+    void ShowMetrics();
+    void DisableOthers();
+    void TakeFocus();
+    void Appear();
+    void Gone();
+
+    const FormPlan& plan_;
+    FormEvents* events_;  // null when the window has been discarded
+    HWND hwnd_ = nullptr;
+    HWND tool_tips_ = nullptr;
+    Metrics metrics_;
+    std::vector<MadeControl> controls_;
+    std::vector<Grid*> grids_;
+    Grid grid_;
+    HWND focus_ = nullptr;        // where the keyboard was when another window was activated
+    bool* modal_done_ = nullptr;  // of the ShowModal that waits
+    std::vector<HWND> disabled_;  // by it
+    bool enlarging_ = false;
+    int procedures_ = 0;  // of the window and its controls, that run now
+};
+
+}  // namespace tav

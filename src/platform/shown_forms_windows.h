@@ -1,0 +1,26 @@
+// The forms of this module: which there are, which are shown, and their keys in a foreign message loop.
+#pragma once
+
+#include "platform/win32_windows.h"
+
+namespace tav {
+
+class FormWindowWin;
+
+// Forms that are made and not yet gone; the module stays loaded while there are any.
+int OpenForms();
+
+void FormMade(FormWindowWin* form);
+void FormGone(FormWindowWin* form);
+// The form with this window, or null.
+FormWindowWin* FormOf(HWND window);
+// The form that is the thread's active window, or null.
+FormWindowWin* ActiveForm();
+
+// A form's window appears on the screen or leaves it; both may be said again.
+void FormShown(FormWindowWin* form);
+void FormHidden(FormWindowWin* form);
+// The message loop, until no form is shown.
+void RunUntilNoFormIsShown();
+
+}  // namespace tav

@@ -1,0 +1,70 @@
+// A script of the script host of Windows uses the registered class.
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+#include "common/windows1251.h"
+#include "component.h"
+#include "db/empty_database.h"
+#include "platform/files.h"
+#include "samples/generator.h"
+#include "settings/settings.h"
+#include "somebody.h"
+#include "support/opened.h"
+#include "support/process.h"
+#include "support/support.h"
+
+namespace tav {
+namespace {
+
+using testing::HasSubstr;
+
+TEST(Script, CallsEveryOperationAndGetsTheErrorsOfWrongCalls) {
+    const test::OwnSettings settings;
+    const test::TempFolder folder;
+    samples::SampleFolder(folder / u"in");
+    ASSERT_TRUE(WriteSetting(u"DataBasePath", folder.path()));
+    ASSERT_TRUE(WriteSetting(u"ImportPath", folder / u"in"));
+    ASSERT_TRUE(WriteSetting(u"ExportPath", folder / u"reports"));
+    CreateDatabase(folder / u"PlX_Base.mdb");
+    const test::OpenedDocuments opened(folder);
+    const std::string library = ToUtf8(win32::FromWide(test::ComponentPath()));
+    ASSERT_EQ(test::RunProgram("regsvr32", {"/s", library}).status, 0);
+
+    const Text script =
+        folder.Write(u"host.vbs", test::Bytes(FromUtf8(test::TestFile("component/data/host.vbs"))));
+    const samples::Taxpayer& taxpayer = samples::SampleTaxpayer();
+    test::Somebody somebody;
+    const auto outcome =
+        test::RunProgram("cscript", {"//nologo", ToUtf8(script), ToUtf8(folder / u"notes.txt"),
+                                     ToUtf8(taxpayer.inn), ToUtf8(taxpayer.kpp)});
+    EXPECT_EQ(test::RunProgram("regsvr32", {"/s", "/u", library}).status, 0);
+
+    EXPECT_EQ(outcome.status, 7) << outcome.out << outcome.err;
+    test::ExpectGolden("component/host_notes.txt", ToUtf8(FromWindows1251(ReadFile(folder / u"notes.txt"))));
+    test::ExpectGolden("component/host_boxes.txt", somebody.Leave());
+    EXPECT_TRUE(FileExists(folder / u"in/listfiles.xml"));
+    EXPECT_TRUE(FileExists(folder / u"reports/index.doc"));
+    EXPECT_TRUE(FileExists(folder / u"reports/acts.doc"));
+    // By a process that nobody waits for.
+    for (int i = 0; i < 100 && opened.Paths().empty(); ++i) ::Sleep(50);
+    EXPECT_THAT(opened.Paths(), HasSubstr("vipis.doc"));
+}
+
+// The rest of it needs the engine that is not here.
+TEST(Script, TheSelfTestSaysThatThereIsNoJetAndLeavesNothing) {
+    const test::TempFolder folder;
+    MakeFolders(folder / u"samples/");
+    const Text script = folder.Write(u"selftest.vbs", test::TestFile("../windows/selftest.vbs"));
+    const Text temp = TempVariable();
+    const auto before = std::ranges::distance(std::filesystem::directory_iterator(test::NativePath(temp)));
+    const auto outcome =
+        test::RunProgram("cscript", {"//nologo", ToUtf8(script), ToUtf8(ComponentFolder() + u"tav.exe")});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_THAT(outcome.out, HasSubstr("Jet 4.0 cannot be used here, so nothing was tried"));
+    EXPECT_EQ(std::ranges::distance(std::filesystem::directory_iterator(test::NativePath(temp))), before);
+}
+
+}  // namespace
+}  // namespace tav

@@ -1,0 +1,16 @@
+#include "type_library_windows.h"
+
+#include "module_windows.h"
+
+namespace tav {
+
+HRESULT TypeInfoOf(const GUID& id, ITypeInfo** info) {
+    ITypeLib* library = nullptr;
+    const HRESULT loaded = ::LoadTypeLibEx(ModulePath().c_str(), REGKIND_NONE, &library);
+    if (FAILED(loaded)) return loaded;
+    const HRESULT found = library->GetTypeInfoOfGuid(id, info);
+    library->Release();
+    return found;
+}
+
+}  // namespace tav
