@@ -42,12 +42,14 @@ class Button : public Pressed {
     void Press() override {
         if (::IsWindowEnabled(hwnd())) Raise(Event::Click);
     }
-    // A few signs for a caption make a small button.
+    // One whose caption has no letter, such as "...", is narrow.
     int MinWidth() const override {
-        constexpr std::size_t kFew = 3;
-        const int text = static_cast<int>(CaptionSize().cx);
-        return GetText().size() <= kFew ? text + metrics().Across(8)
-                                        : std::max(metrics().Across(50), text + metrics().Across(12));
+        if (KeepsWidth()) return 6 * metrics().character();
+        return std::max(metrics().Across(50), static_cast<int>(CaptionSize().cx) + metrics().Across(12));
+    }
+    bool KeepsWidth() const override {
+        const auto letter = [](char16_t c) { return ::IsCharAlphaW(static_cast<wchar_t>(c)) != FALSE; };
+        return std::none_of(plan().caption.begin(), plan().caption.end(), letter);
     }
     int HeightFor(int) const override { return metrics().line() + metrics().Down(6); }
 };
@@ -66,6 +68,7 @@ class PictureButton : public Button {
     }
     void OnMetrics() override { Show(); }
     int MinWidth() const override { return HeightFor(0) + metrics().Across(4); }
+    bool KeepsWidth() const override { return true; }
 
  private:
     void Show() {

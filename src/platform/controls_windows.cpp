@@ -53,6 +53,7 @@ class Label : public ControlWin {
         if (MinWidth() > room.width || HeightFor(room.width) != room.height) host().Arrange();
     }
     int MinWidth() const override { return static_cast<int>(Size(0).cx) + 1; }
+    int BrokenWidth() const override { return 30 * metrics().character(); }
     int HeightFor(int width) const override {
         return std::max(metrics().line(), static_cast<int>(Size(width).cy));
     }
@@ -136,6 +137,7 @@ class PictureBox : public ControlWin {
     }
     void OnMetrics() override { Show(); }
     int MinWidth() const override { return Size(); }
+    bool KeepsWidth() const override { return true; }
     int HeightFor(int) const override { return Size(); }
 
  private:

@@ -52,14 +52,13 @@ std::vector<int> Starts(const std::vector<int>& lengths, int from, int gap) {
 
 int Grid::MinWidthOf(const Cell& cell) const {
     const bool breaks = cell.plan->kind == ControlKind::Label && stretch_.Wide(cell.plan->place);
-    return breaks ? 1 : cell.item->MinWidth();
+    return breaks ? cell.item->BrokenWidth() : cell.item->MinWidth();
 }
 
 int Grid::WidthOf(const Cell& cell, int width) const {
-    const ControlKind kind = cell.plan->kind;
-    const bool own = kind == ControlKind::PictureButton || kind == ControlKind::Picture ||
-                     (kind != ControlKind::Label && stretch_.Wide(cell.plan->place));
-    return own && !GrowthOf(kind).width ? std::min(width, cell.item->MinWidth()) : width;
+    const bool fills = cell.plan->kind == ControlKind::Label || GrowthOf(*cell.plan).width ||
+                       !stretch_.Wide(cell.plan->place);
+    return fills && !cell.item->KeepsWidth() ? width : std::min(width, cell.item->MinWidth());
 }
 
 int Grid::Spanned(const std::vector<int>& widths, const Place& place) const {
@@ -120,7 +119,7 @@ void Grid::Arrange(const Box& room) {
         const auto row = static_cast<std::size_t>(place.row);
         Box box{lefts[static_cast<std::size_t>(place.column)], tops[row],
                 WidthOf(cell, Spanned(widths, place)), heights[row]};
-        const bool fills = GrowthOf(cell.plan->kind).height || cell.plan->kind == ControlKind::Frame;
+        const bool fills = GrowthOf(*cell.plan).height || cell.plan->kind == ControlKind::Frame;
         if (!fills) {
             box.height = std::min(heights[row], cell.item->HeightFor(box.width));
             if (!stretch_.rows[row]) box.y += (heights[row] - box.height) / 2;

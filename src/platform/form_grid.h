@@ -22,6 +22,10 @@ class GridItem {
  public:
     virtual ~GridItem() = default;
     virtual int MinWidth() const = 0;
+    // The same where its lines may be broken.
+    virtual int BrokenWidth() const { return MinWidth(); }
+    // Whether it is never wider.
+    virtual bool KeepsWidth() const { return false; }
     // The height it needs at this width.
     virtual int HeightFor(int width) const = 0;
     virtual void Put(const Box& box) = 0;

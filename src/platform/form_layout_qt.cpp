@@ -33,9 +33,9 @@ void LetGrow(QWidget& container, const Stretch& stretch) {
 // What does not grow itself keeps its size in a row or column that does; a label there may break its lines,
 // and a text that is set later does not widen the window.
 void Align(const ControlQt& control, const Stretch& stretch) {
+    constexpr int kLabelCharacters = 30;
     const Place& place = control.plan().place;
     QWidget* widget = control.widget();
-    if (GrowthOf(control.plan().kind).width) return;
     const bool wide = stretch.Wide(place);
     const bool high = stretch.rows[static_cast<std::size_t>(place.row)];
     if (control.plan().kind == ControlKind::Label) {

@@ -29,8 +29,10 @@ Grids EmptyGrids(std::span<const ControlPlan> plans) {
 
 }  // namespace
 
-Growth GrowthOf(ControlKind kind) {
-    switch (kind) {
+Growth GrowthOf(const ControlPlan& plan) {
+    switch (plan.kind) {
+        case ControlKind::Label:
+            return {plan.caption.empty(), false};  // its text is set later, and may be long
         case ControlKind::ListBox:
         case ControlKind::TreeView:
             return {true, true};
@@ -55,10 +57,10 @@ Grids StretchOf(std::span<const ControlPlan> plans) {
     for (const bool several : {false, true}) {
         for (const ControlPlan& plan : plans) {
             const Place& place = plan.place;
-            if (!GrowthOf(plan.kind).width || (place.column_span > 1) != several) continue;
+            if (!GrowthOf(plan).width || (place.column_span > 1) != several) continue;
             Stretch& grid = grids.at(place.parent);
             if (!grid.Wide(place)) {
-                grid.columns[static_cast<std::size_t>(place.column + place.column_span - 1)] = true;
+                grid.columns[static_cast<std::size_t>(place.column)] = true;
             }
         }
     }
@@ -66,7 +68,7 @@ Grids StretchOf(std::span<const ControlPlan> plans) {
     // frame's row grow.
     for (auto plan = plans.rbegin(); plan != plans.rend(); ++plan) {
         const bool grows =
-            plan->kind == ControlKind::Frame ? Any(grids.at(plan->name).rows) : GrowthOf(plan->kind).height;
+            plan->kind == ControlKind::Frame ? Any(grids.at(plan->name).rows) : GrowthOf(*plan).height;
         if (grows) grids.at(plan->place.parent).rows[static_cast<std::size_t>(plan->place.row)] = true;
     }
     return grids;

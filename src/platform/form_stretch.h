@@ -14,9 +14,9 @@ struct Growth {
     bool width;
     bool height;
 };
-Growth GrowthOf(ControlKind kind);
+Growth GrowthOf(const ControlPlan& plan);
 
-// Of one grid: which of its rows and columns grow. A control over several columns widens the last of them,
+// Of one grid: which of its rows and columns grow. A control over several columns widens the first of them,
 // unless another already grows.
 struct Stretch {
     std::vector<bool> rows;

@@ -86,6 +86,7 @@ FormWindowQt::FormWindowQt(const FormPlan& plan, FormEvents& events) : events_(&
     setAttribute(Qt::WA_QuitOnClose, false);  // a host's windows decide when the host ends
     MakeControls(plan);
     JoinLabels(controls_);
+    NameForReaders(controls_);
     LayOut(*this, plan.controls, controls_);
     default_ = FindButton(plan.default_button);
     cancel_ = FindButton(plan.cancel_button);

@@ -14,6 +14,7 @@ class Item : public GridItem {
  public:
     explicit Item(const ControlPlan& plan) : plan_(plan) {}
     int MinWidth() const override { return plan_.kind == ControlKind::Label ? 100 : 40; }
+    int BrokenWidth() const override { return 10; }
     int HeightFor(int width) const override {
         return plan_.kind == ControlKind::Label ? (100 + width - 1) / width * 10 : 20;
     }
@@ -47,10 +48,10 @@ struct Laid {
 };
 
 const std::vector<ControlPlan> kDialog = {
-    {u"Ask", ControlKind::Label, {}, {}, {0, 0}},
+    {u"Ask", ControlKind::Label, u"буквы", {}, {0, 0}},
     {u"Box", ControlKind::TextBox, {}, {}, {0, 1}},
     {u"List", ControlKind::ListBox, {}, {}, {1, 0, 2}},
-    {u"Note", ControlKind::Label, {}, {}, {2, 0, 2}},
+    {u"Note", ControlKind::Label, u"буквы", {}, {2, 0, 2}},
     {u"Ok", ControlKind::Button, {}, {}, {3, 0}},
     {u"Cancel", ControlKind::Button, {}, {}, {3, 1}},
     {u"Tick", ControlKind::Timer},
@@ -71,11 +72,11 @@ TEST(FormGrid, GivesTheRoomThatIsOverToWhatGrows) {
 
 TEST(FormGrid, BreaksALabelOnlyWhereAColumnGrows) {
     const std::vector<ControlPlan> plans = {{u"Box", ControlKind::TextBox, {}, {}, {0, 0}},
-                                            {u"Note", ControlKind::Label, {}, {}, {1, 0}}};
+                                            {u"Note", ControlKind::Label, u"буквы", {}, {1, 0}}};
     Laid laid(plans);
     EXPECT_EQ(laid.grid.MinWidth(), 40);
     EXPECT_EQ(laid.In({0, 0, 40, 200}), "Box 0,0 40x20\nNote 0,25 40x30\n");
-    const std::vector<ControlPlan> narrow = {{u"Note", ControlKind::Label, {}, {}, {0, 0, 3}},
+    const std::vector<ControlPlan> narrow = {{u"Note", ControlKind::Label, u"буквы", {}, {0, 0, 3}},
                                              {u"Yes", ControlKind::Button, {}, {}, {1, 0}},
                                              {u"No", ControlKind::Button, {}, {}, {1, 2}}};
     EXPECT_EQ(Laid(narrow).In({0, 0, 500, 500}), "Note 0,0 100x10\nYes 0,15 40x20\nNo 60,15 40x20\n");

@@ -107,6 +107,7 @@ std::string TextOf(const Spot& spot) {
     QWidget* control = In(spot);
     if (auto* edit = qobject_cast<QLineEdit*>(control)) return edit->text().toStdString();
     if (auto* memo = qobject_cast<QPlainTextEdit*>(control)) return memo->toPlainText().toStdString();
+    if (auto* combo = qobject_cast<QComboBox*>(control)) return combo->currentText().toStdString();
     if (auto* label = qobject_cast<QLabel*>(control)) {
         return (label->buddy() == nullptr ? label->text() : WithoutMnemonic(label->text())).toStdString();
     }

@@ -6,6 +6,7 @@
 #include "db/empty_database.h"
 #include "host/open_class.h"
 #include "platform/files.h"
+#include "samples/generator.h"
 #include "settings/session.h"
 #include "settings/settings.h"
 #include "support/opened.h"
@@ -50,6 +51,31 @@ class Desktop : public testing::Test {
             shown.push_back(ToUtf8(message.title + u": " + message.text));
         }
         return shown;
+    }
+
+    // Documents of the sample taxpayer: `files` statements of successive quarters from 2009 on.
+    void WriteStatements(int files) const {
+        for (int i = 0; i < files; ++i) {
+            samples::StatementOptions options;
+            const int month = i % 4 * 3 + 1;
+            options.name = Text(u"v").append(Digits(i, 4)).append(u".rtf");
+            options.tax = samples::Taxes()[static_cast<std::size_t>(i / 4 % 2)];
+            options.period = {{2009 + i / 8, month, 1}, {2009 + i / 8, month + 2, 28}};
+            samples::WriteDocument(folder_ / u"in", samples::MakeStatement(options));
+        }
+    }
+    void WriteAct() const {
+        samples::ActOptions options;
+        options.name = u"акт.rtf";
+        samples::WriteDocument(folder_ / u"in", samples::MakeActRtf(options));
+    }
+    void Import() {
+        host_.import(kInn, kKpp);
+        ASSERT_TRUE(WaitGone("frmShortImport"));
+    }
+    static Spot Main(const std::string& control) { return {"frmmain", control}; }
+    static bool WaitCounts(const std::string& label, const std::string& text) {
+        return Wait([=] { return TextOf(Main(label)).find(text) != std::string::npos; });
     }
 
     const OwnSettings settings_;

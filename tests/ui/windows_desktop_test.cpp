@@ -1,3 +1,4 @@
+#include "db/connection.h"
 #include "samples/generator.h"
 #include "ui/desktop.h"
 
@@ -14,33 +15,7 @@ using testing::IsEmpty;
 using testing::SizeIs;
 using testing::StartsWith;
 
-class Windows : public Desktop {
- protected:
-    // Documents of the sample taxpayer: `files` statements of successive quarters from 2009 on.
-    void WriteStatements(int files) const {
-        for (int i = 0; i < files; ++i) {
-            samples::StatementOptions options;
-            const int month = i % 4 * 3 + 1;
-            options.name = Text(u"v").append(Digits(i, 4)).append(u".rtf");
-            options.tax = samples::Taxes()[static_cast<std::size_t>(i / 4 % 2)];
-            options.period = {{2009 + i / 8, month, 1}, {2009 + i / 8, month + 2, 28}};
-            samples::WriteDocument(folder_ / u"in", samples::MakeStatement(options));
-        }
-    }
-    void WriteAct() const {
-        samples::ActOptions options;
-        options.name = u"акт.rtf";
-        samples::WriteDocument(folder_ / u"in", samples::MakeActRtf(options));
-    }
-    void Import() {
-        host_.import(kInn, kKpp);
-        ASSERT_TRUE(WaitGone("frmShortImport"));
-    }
-    static Spot Main(const std::string& control) { return {"frmmain", control}; }
-    static bool WaitCounts(const std::string& label, const std::string& text) {
-        return Wait([=] { return TextOf(Main(label)).find(text) != std::string::npos; });
-    }
-};
+class Windows : public Desktop {};
 
 TEST_F(Windows, ImportsFromTheMainWindow) {
     WriteStatements(8);
@@ -67,23 +42,6 @@ TEST_F(Windows, ImportsFromTheMainWindow) {
     EXPECT_TRUE(IsEnabled(Main("Command3")));
     EXPECT_TRUE(IsEnabled(Main("Command6")));
     EXPECT_THAT(Shown(), IsEmpty());
-}
-
-TEST_F(Windows, FitOnASmallScreenWithALongName) {
-    Text name = u"Общество";
-    for (int i = 0; i < 20; ++i) name += u" с ограниченной";
-    WriteSetting(u"NameINNKPP", name);
-    Start();
-    ASSERT_TRUE(WaitCounts("lblInfoFile", "Файлов в папке: 0"));
-    QWidget* window = WindowNamed("frmmain");
-    window->resize(1000, 660);
-    EXPECT_EQ(window->size(), QSize(1000, 660));
-    for (const char* label : {"lblInfoName", "Label5", "lblInfoFile", "lblInfoBase"}) {
-        const auto* shown = In<QLabel>("frmmain", label);
-        EXPECT_GE(shown->height(), shown->heightForWidth(shown->width())) << label;
-    }
-    EXPECT_EQ(In("frmmain", "txtOut")->accessibleName(), "Переносить импортированные файлы в папку:");
-    EXPECT_EQ(In("frmmain", "cmdImport")->accessibleName(), "Выбор папки с файлами из ТАВ в формате rtf");
 }
 
 TEST_F(Windows, CancelInTheMiddleOfAnImportLosesNothing) {
@@ -135,15 +93,15 @@ TEST_F(Windows, CatchesUp) {
     WriteStatements(2);
     Import();
     ASSERT_TRUE(WaitCounts("lblInfoBase", "Выписок в базе данных: 2"));
-    EXPECT_THAT(RowsOf("frmmain", "lstBase"), SizeIs(2));
+    EXPECT_THAT(RowsOf(Main("lstBase")), SizeIs(2));
     {
         const LockedFile other(folder_ / u"PlX_Base.mdb", LockedFile::Access::Write);
-        Click("frmmain", "chkKons");
-        EXPECT_THAT(RowsOf("frmmain", "lstBase"), IsEmpty());
+        Click(Main("chkKons"));
+        EXPECT_THAT(RowsOf(Main("lstBase")), IsEmpty());
         EXPECT_THAT(Shown(), ElementsAre(HasSubstr("PlX_Base.mdb'; file already in use.")));
     }
-    Click("frmmain", "Command4");
-    EXPECT_TRUE(Wait([] { return RowsOf("frmmain", "lstBase").size() == 2; }));
+    Click(Main("Command4"));
+    EXPECT_TRUE(Wait([] { return RowsOf(Main("lstBase")).size() == 2; }));
 }
 
 TEST_F(Windows, ClearsAfterAsking) {
@@ -196,24 +154,25 @@ TEST_F(Windows, KeepsToTheCodeWhosePeriodsItShows) {
     WriteStatements(5);
     Import();
     host_.view_v(kInn, kAllSubdivisions);
-    ASSERT_TRUE(WaitShown("frmFilter"));
-    auto* codes = In<QComboBox>("frmFilter", "cmbKBK");
+    ASSERT_TRUE(WaitActive("frmFilter"));
+    const Spot codes = {"frmFilter", "cmbKBK"};
     const auto shown = [&] {
-        const auto* tree = In<QTreeView>("frmFilter", "TreeView1")->model();
-        return codes->currentText() + tree->index(0, 0, tree->index(0, 0)).data().toString();
+        const auto nodes = NodesOf({"frmFilter", "TreeView1"});
+        return TextOf(codes) + (nodes.size() > 1 ? nodes[1] : "");
     };
-    const QString first = QString::fromStdU16String(samples::Taxes()[0].kbk) + "2009 (3/3)";
-    const QString second = QString::fromStdU16String(samples::Taxes()[1].kbk) + "2009 (1/1)";
+    const std::string first = ToUtf8(samples::Taxes()[0].kbk) + " 2009 (3/3)";
+    const std::string second = ToUtf8(samples::Taxes()[1].kbk) + " 2009 (1/1)";
+    Focus(codes);
     EXPECT_EQ(shown(), first);
     const auto hide = [&](TextView from, TextView to) {
-        std::filesystem::rename(ToUtf8(folder_ / from), ToUtf8(folder_ / to));
+        std::filesystem::rename(NativePath(folder_ / from), NativePath(folder_ / to));
     };
     hide(u"PlX_Base.mdb", u"hidden");
-    QTest::keyClick(codes, Qt::Key_Down);
+    Press(Key::Down);
     EXPECT_THAT(Shown(), SizeIs(1));
     EXPECT_EQ(shown(), first);
     hide(u"hidden", u"PlX_Base.mdb");
-    QTest::keyClick(codes, Qt::Key_Down);
+    Press(Key::Down);
     EXPECT_EQ(shown(), second);
     {
         Connection connection;
@@ -222,12 +181,13 @@ TEST_F(Windows, KeepsToTheCodeWhosePeriodsItShows) {
                                .append(samples::Taxes()[0].kbk)
                                .append(u"'"));
     }
-    QTest::keyClick(codes, Qt::Key_Up);
-    EXPECT_EQ(codes->count(), 1);
+    Press(Key::Up);
+    EXPECT_THAT(RowsOf(codes), SizeIs(1));
     EXPECT_EQ(shown(), "");
-    Click("frmFilter", "Command1");
+    Click({"frmFilter", "Command1"});
     EXPECT_THAT(Shown(), ElementsAre(StartsWith("Ошибка в функции GetFiles"), StartsWith("Сводная справка")));
-    QTest::keyClick(codes, Qt::Key_Down);
+    Focus(codes);
+    Press(Key::Down);
     EXPECT_EQ(shown(), second);
 }
 
@@ -256,29 +216,13 @@ TEST_F(Windows, KeepsTheSettings) {
     EXPECT_EQ(SettingText(u"ImportPath"), folder_ / u"in");
 }
 
-// A setting that makes no sense leaves the others alone; settings that cannot be written are told of.
-TEST_F(Windows, LosesNoSettingInSilence) {
-    WriteSetting(u"ChkOut", u"abc");
-    WriteSetting(u"OutPath", u"/куда");
-    Start();
-    WindowNamed("frmmain")->close();
-    EXPECT_EQ(SettingText(u"OutPath"), u"/куда");
-    const std::string file = std::getenv("TAV_SETTINGS");
-    ::setenv("TAV_SETTINGS", (ToUtf8(folder_ / u"PlX_Base.mdb") + "/settings").c_str(), 1);
-    Start();
-    WindowNamed("frmmain")->close();
-    ::setenv("TAV_SETTINGS", file.c_str(), 1);
-    EXPECT_THAT(Shown(), Contains(AllOf(HasSubstr("Form_Load"), HasSubstr("ChkOut = abc"))));
-    EXPECT_THAT(Shown(), Contains(AllOf(HasSubstr("Папки не сохранены"), HasSubstr("PlX_Base.mdb"))));
-}
-
 // A folder that vanishes while its files are read is one failure.
 TEST_F(Windows, LivesOnWhenTheFolderVanishes) {
     WriteStatements(50);
     Start();
     ASSERT_TRUE(WaitCounts("lblInfoFile", "загрузке: 50"));
-    QTimer::singleShot(0, [&] { MoveFileOver(folder_ / u"in", folder_ / u"gone"); });
-    Click("frmmain", "Command1");
+    Soon([&] { MoveFileOver(folder_ / u"in", folder_ / u"gone"); });
+    Click(Main("Command1"));
     EXPECT_TRUE(WaitCounts("lblInfoFile", "папка не найдена"));
     EXPECT_THAT(Shown(), ElementsAre(HasSubstr("Path not found")));
 }
