@@ -60,7 +60,7 @@ TEST_F(Windows, CancelInTheMiddleOfAnImportLosesNothing) {
     EXPECT_TRUE(WaitGone("frmShortImport"));
     EXPECT_THAT(ListFiles(folder_ / u"in", u".rtf"), SizeIs(300));
     EXPECT_TRUE(WaitCounts("lblInfoBase", "Выписок в базе данных: 0"));
-    EXPECT_TRUE(IsEnabled(Main("Command1")));
+    EXPECT_TRUE(Wait([] { return IsEnabled(Main("Command1")); }));
 }
 
 // Neither closing the window nor another taxpayer stops what it began; meanwhile nobody else gets at the
@@ -74,6 +74,7 @@ TEST_F(Windows, AnImportSurvivesItsWindow) {
         closed = true;
         host_.import(kInn, kKpp);
         host_.view_v(kInn, kKpp);
+        host_.start(u"5500000000", u"550001001");
         CloseWindow("frmmain");
     });
     Click(Main("Command1"));
