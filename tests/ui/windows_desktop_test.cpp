@@ -219,10 +219,10 @@ TEST_F(Windows, KeepsTheSettings) {
 
 // A folder that vanishes while its files are read is one failure.
 TEST_F(Windows, LivesOnWhenTheFolderVanishes) {
-    WriteStatements(50);
+    WriteStatements(300);
     Start();
-    ASSERT_TRUE(WaitCounts("lblInfoFile", "загрузке: 50"));
-    Soon([&] { MoveFileOver(folder_ / u"in", folder_ / u"gone"); });
+    ASSERT_TRUE(WaitCounts("lblInfoFile", "загрузке: 300"));
+    WhenShown("frmShortImport", [&] { MoveFileOver(folder_ / u"in", folder_ / u"gone"); });
     Click(Main("Command1"));
     EXPECT_TRUE(WaitCounts("lblInfoFile", "папка не найдена"));
     EXPECT_THAT(Shown(), ElementsAre(HasSubstr("Path not found")));
