@@ -8,6 +8,7 @@
 #include "common/get_next.h"
 #include "common/regional.h"
 #include "db/connection.h"
+#include "settings/session.h"
 
 namespace tav {
 namespace {
@@ -41,8 +42,23 @@ int CountAlone(std::vector<Period> periods) {
 
 }  // namespace
 
+HeldDocument HeldDocumentOf(const Recordset& row) {
+    const auto text = [&](TextView field) { return ValueText(row.Field(field)); };
+    HeldDocument document;
+    document.file_name = text(u"filename");
+    document.kpp = text(u"h2");
+    document.name = text(u"h3");
+    document.code = text(u"h7");
+    document.tax = text(u"h8");
+    document.okato = text(u"h10");
+    document.begin = row.Field(u"perb");
+    document.end = row.Field(u"pere");
+    document.act = IsNull(row.Field(u"h6"));
+    document.current = !IsNull(row.Field(u"vid"));
+    return document;
+}
+
 std::vector<HeldDocument> HeldDocuments(TextView database, TextView inn, TextView kpp) {
-    constexpr std::size_t kAnyKppCharacters = 16;
     SqlText sql(
         u"select id, filename, vid, perb, pere, h1, h2, h3, h6, h7, h8, h10 from tav_operations_header");
     TextView next = u" where ";
@@ -54,7 +70,7 @@ std::vector<HeldDocument> HeldDocuments(TextView database, TextView inn, TextVie
         sql.Fixed(u")");
         next = u" and ";
     }
-    if (!kpp.empty() && kpp.size() < kAnyKppCharacters) {
+    if (!kpp.empty() && !IsEverySubdivision(kpp)) {
         sql.Fixed(next).Fixed(u"h2='").Value(kpp).Fixed(u"'");
     }
     sql.Fixed(u" order by h7, h10, perb");
@@ -64,21 +80,10 @@ std::vector<HeldDocument> HeldDocuments(TextView database, TextView inn, TextVie
     connection.OpenForReading(ConnectionString(database));
     std::vector<HeldDocument> documents;
     for (Recordset rows = connection.Execute(sql); !rows.Eof(); rows.MoveNext()) {
-        const auto text = [&](TextView field) { return ValueText(rows.Field(field)); };
-        HeldDocument document;
+        HeldDocument document = HeldDocumentOf(rows);
         const auto* id = std::get_if<std::int64_t>(&rows.Field(u"id"));
         document.id = id == nullptr ? 0 : *id;
-        document.file_name = text(u"filename");
-        document.inn = text(u"h1");
-        document.kpp = text(u"h2");
-        document.name = text(u"h3");
-        document.code = text(u"h7");
-        document.tax = text(u"h8");
-        document.okato = text(u"h10");
-        document.begin = rows.Field(u"perb");
-        document.end = rows.Field(u"pere");
-        document.act = IsNull(rows.Field(u"h6"));
-        document.current = !IsNull(rows.Field(u"vid"));
+        document.inn = ValueText(rows.Field(u"h1"));
         documents.push_back(std::move(document));
     }
     return documents;

@@ -5,6 +5,7 @@
 
 #include "common/text.h"
 #include "common/value.h"
+#include "jet/recordset.h"
 
 namespace tav {
 
@@ -22,6 +23,10 @@ struct HeldDocument {
     bool act = false;      // else a statement
     bool current = false;  // a statement that no later one has superseded
 };
+
+// The current row of a select over headers that has the columns filename, vid, perb, pere, h2, h3, h6, h7, h8
+// and h10; number and INN are left to the caller.
+HeldDocument HeldDocumentOf(const Recordset& row);
 
 // Ordered by code, OKATO and begin. An empty INN means every taxpayer; several INNs stand between "|". An
 // empty KPP, or one of 16 characters and more, means every subdivision.

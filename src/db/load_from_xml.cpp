@@ -22,8 +22,6 @@ constexpr int kRowsPerUnit = 20000;
 // What a source file may need in the database, in bytes: a statement of 10,000 lines.
 constexpr std::uint64_t kRoomForFile = 4 << 20;
 
-constexpr std::size_t kAnyKppCharacters = 16;
-
 // Whose parts are loaded.
 class Taxpayer {
  public:
@@ -46,7 +44,7 @@ class Taxpayer {
     bool HasInn(TextView inn) const {
         return inn == inn_ || inn_.find(Text(u"|").append(UpperCase(inn)).append(u"|")) != inn_.npos;
     }
-    bool HasKpp(TextView kpp) const { return kpp == kpp_ || kpp_.size() >= kAnyKppCharacters; }
+    bool HasKpp(TextView kpp) const { return kpp == kpp_ || IsEverySubdivision(kpp_); }
 
     Text inn_;
     Text kpp_;

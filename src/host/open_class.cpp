@@ -23,7 +23,7 @@ using Summarise = Text (*)(TextView database, TextView inn, TextView kpp, TextVi
 
 // Without a screen the summary is written all the same, and the failure says where it is.
 void View(Summarise summarise, TextView inn, TextView kpp) {
-    const bool windows = UseWindowsIfAny();
+    UseWindowsIfAny();
     RefuseDuringImport();
     const Text folder = ExportFolder();
     Taxpayer().inn = inn;
@@ -34,7 +34,7 @@ void View(Summarise summarise, TextView inn, TextView kpp) {
         return;
     }
     try {
-        if (!windows) UseWindows();
+        UseWindows();
         Shared<frmFilter>().Show();
     } catch (const Failure& failure) {
         throw failure.In(path);

@@ -92,12 +92,6 @@ struct Group {
     Text end;
 };
 
-// "201101" of "01.01.2011".
-Text YearAndMonth(TextView date) {
-    constexpr std::size_t kDateLength = 10;
-    return date.size() < kDateLength ? Text() : Text(date.substr(6, 4)).append(date.substr(3, 2));
-}
-
 // The totals are those of the page built last.
 Text SummaryRow(const Group& group, TextView file, bool first) {
     const auto total = [](TextView column, int mode) { return GetMoney(nullptr, column, mode); };
@@ -144,7 +138,7 @@ Text WriteGroup(Connection& connection, const Recordset& groups, const SummaryRe
     // An underscore ends a label, which would cut the name of a tax short.
     const Group group = {ReplaceAll(consolidated ? kpp : name, u"_", u" "), isns(groups.Field(u"h10")),
                          isns(document.begin), isns(document.end)};
-    const Text months = YearAndMonth(group.begin).append(u"-").append(YearAndMonth(group.end));
+    const Text months = YearAndMonth(document.begin).append(u"-").append(YearAndMonth(document.end));
     file = ReportPath(request.export_folder,
                       names.Take({name, consolidated ? kpp : document.code, group.okato, months}));
     WriteReport(file, page);

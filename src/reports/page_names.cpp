@@ -35,6 +35,13 @@ Text PlainField(TextView field, std::size_t room) {
 
 }  // namespace
 
+Text YearAndMonth(const Value& day) {
+    const Date* date = std::get_if<Date>(&day);
+    if (date == nullptr) return {};
+    const CivilDate civil = CivilFromDate(*date);
+    return Digits(civil.year, 4) + Digits(civil.month, 2);
+}
+
 Text PageNames::Take(std::initializer_list<TextView> fields) {
     Text stem;
     for (const TextView field : fields) {

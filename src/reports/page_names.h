@@ -10,8 +10,12 @@
 #include <unordered_map>
 
 #include "common/text.h"
+#include "common/value.h"
 
 namespace tav {
+
+// "201101" of a day in January 2011, as the names have it; empty for what is no date.
+Text YearAndMonth(const Value& day);
 
 class PageNames {
  public:

@@ -24,6 +24,11 @@ struct AtOnce {
 AtOnce& StartedFor();
 
 inline constexpr TextView kAllSubdivisions = u"00000000000000000000";
+// Whether a KPP stands for every subdivision, as any of 16 characters and more does.
+inline bool IsEverySubdivision(TextView kpp) {
+    constexpr std::size_t kCharacters = 16;
+    return kpp.size() >= kCharacters;
+}
 
 // The cancel stamp: 0 when no cancel is pending, else the time of day of the last cancel as the number HHMMSS
 // (143005 at 14:30:05). A cancel at exactly 00:00:00 stores 0 and is not seen.

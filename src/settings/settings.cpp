@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "common/get_next.h"
 #include "common/guard.h"
 #include "common/regional.h"
 #include "platform/environment.h"
@@ -91,6 +92,14 @@ bool WriteSetting(TextView name, TextView value) {
     const Setting* setting = FindSetting(name);
     if (setting == nullptr) throw Failure(RunTimeError::InvalidProcedureCall, name);
     return WriteRegistry(setting->hive, setting->key, setting->name, Text(value), setting->type);
+}
+
+NamedTaxpayer TaxpayerSetting() {
+    const Text setting = SettingText(u"NameINNKPP");
+    TextView rest = setting;
+    NamedTaxpayer taxpayer;
+    for (Text* field : {&taxpayer.name, &taxpayer.inn, &taxpayer.kpp}) *field = GetNext(rest, u"|");
+    return taxpayer;
 }
 
 Text ExportFolder() {

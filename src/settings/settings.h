@@ -35,6 +35,15 @@ bool SettingTruth(TextView name);
 // Writes with the setting's registry type; false when it could not be written.
 bool WriteSetting(TextView name, TextView value);
 
+// The fields of NameINNKPP ("name|INN|KPP"), which the host writes for the windows; empty where they are
+// missing.
+struct NamedTaxpayer {
+    Text name;
+    Text inn;
+    Text kpp;
+};
+NamedTaxpayer TaxpayerSetting();
+
 // The folder reports are written to: ExportPath, else the temporary folder.
 Text ExportFolder();
 

@@ -1,6 +1,5 @@
 #include "ui/frmShortImport.h"
 
-#include "common/get_next.h"
 #include "settings/session.h"
 #include "settings/settings.h"
 
@@ -28,10 +27,8 @@ frmShortImport::frmShortImport() : Form(kPlan) {
 }
 
 void frmShortImport::Form_Load() {
-    const Text setting = SettingText(u"NameINNKPP");
-    TextView rest = setting;
-    const TextView name = GetNext(rest, u"|");
-    Label2.Set(Text(kOfTaxpayer).append(name.empty() ? TextView(Taxpayer().inn) : name));
+    const Text name = TaxpayerSetting().name;
+    Label2.Set(Text(kOfTaxpayer).append(name.empty() ? Taxpayer().inn : name));
     Form_Again();
 }
 

@@ -1,7 +1,10 @@
 #include "ui/frmmain.h"
 
-#include "common/failure.h"
+#include <algorithm>
+#include <utility>
+
 #include "common/get_next.h"
+#include "common/guard.h"
 #include "common/progress.h"
 #include "common/regional.h"
 #include "db/run_import.h"
@@ -66,12 +69,15 @@ void frmmain::Form_Load() {
     txtImport.Set(SettingText(u"ImportPath"));
     txtExport.Set(SettingText(u"ExportPath"));
     txtOut.Set(SettingText(u"OutPath"));
+    // Before anything is shown: a message lets the timer go on, and a refresh saves the box as it is. What is
+    // neither true nor false is a failure of its own.
     txtOut.Enable(false);
+    Guarded(u"Ошибка в функции Form_Load", [&] {
+        chkImportPath.Check(SettingTruth(u"ChkOut"));
+        chkImportPath_Click();
+    });
     Form_Again();
     if (StartedFor().import) Timer2.SetInterval(kUnattendedMilliseconds);
-    // What is neither true nor false is a failure; all else is there by then.
-    chkImportPath.Check(SettingTruth(u"ChkOut"));
-    chkImportPath_Click();
 }
 
 // The host may have gone on to another taxpayer.
@@ -88,13 +94,11 @@ void frmmain::Form_Unload() {
 
 void frmmain::ShowTaxpayer() {
     const CurrentTaxpayer& current = Taxpayer();
-    const Text setting = SettingText(u"NameINNKPP");
-    TextView rest = setting;
-    lblInfoName.Set(GetNext(rest, u"|"));
-    const TextView inn = GetNext(rest, u"|");
-    const TextView kpp = chkKons.Checked() ? kAllSubdivisions : GetNext(rest, u"|");
-    Label5.Set(
-        TaxpayerLine(inn.empty() ? TextView(current.inn) : inn, kpp.empty() ? TextView(current.kpp) : kpp));
+    const NamedTaxpayer named = TaxpayerSetting();
+    lblInfoName.Set(named.name);
+    const Text& kpp = named.kpp.empty() ? current.kpp : named.kpp;
+    Label5.Set(TaxpayerLine(named.inn.empty() ? current.inn : named.inn,
+                            chkKons.Checked() ? kAllSubdivisions : TextView(kpp)));
 }
 
 Text frmmain::Kpp() const {
@@ -188,9 +192,13 @@ void frmmain::ShowCounts(const Text& information) {
 }
 
 bool frmmain::SaveFolders() {
-    return WriteSetting(u"ImportPath", txtImport.Get()) && WriteSetting(u"ExportPath", txtExport.Get()) &&
-           WriteSetting(u"OutPath", txtOut.Get()) &&
-           WriteSetting(u"ChkOut", chkImportPath.Checked() ? u"1" : u"0");
+    const std::pair<TextView, Text> values[] = {{u"ImportPath", txtImport.Get()},
+                                                {u"ExportPath", txtExport.Get()},
+                                                {u"OutPath", txtOut.Get()},
+                                                {u"ChkOut", chkImportPath.Checked() ? u"1" : u"0"}};
+    return std::all_of(std::begin(values), std::end(values), [](const auto& value) {
+        return SettingText(value.first) == value.second || WriteSetting(value.first, value.second);
+    });
 }
 
 void frmmain::Command1_Click() {

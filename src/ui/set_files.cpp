@@ -1,12 +1,12 @@
 #include "ui/set_files.h"
 
-#include "common/get_next.h"
 #include "common/guard.h"
-#include "common/regional.h"
 #include "db/holdings.h"
 #include "db/known_files.h"
 #include "db/literals.h"
 #include "platform/files.h"
+#include "reports/page_names.h"
+#include "settings/session.h"
 #include "settings/settings.h"
 #include "ui/folder_rows.h"
 
@@ -17,14 +17,6 @@ constexpr TextView kGap = u"   ";
 constexpr TextView kTo = u" - ";
 
 Text shown_failure;
-
-// "201101" of a day in January 2011; what is no date is empty.
-Text YearAndMonth(const Value& day) {
-    const Date* date = std::get_if<Date>(&day);
-    if (date == nullptr) return {};
-    const CivilDate civil = CivilFromDate(*date);
-    return Digits(civil.year, 4) + Digits(civil.month, 2);
-}
 
 // "18210101011011000110   45286552000   201101 - 201103 (01.01.2011 - 31.03.2011) Налог на прибыль Выписка".
 // Up to the months the row, its gaps turned into "_", is how the name of its page ends in the folder of
@@ -57,35 +49,21 @@ std::vector<HeldDocument> DocumentsOf(Connection& connection, TextView inn, Text
     const Recordset highest = connection.Execute(u"select max(id), max(vid) from tav_operations_header");
     if (IsNull(highest.Field(0))) return documents;
 
-    constexpr std::size_t kAnyKppCharacters = 16;
     SqlText sql(
         u"select filename, vid, perb, pere, h2, h3, h6, h7,h8, h10  from tav_operations_header where h1='");
     sql.Value(inn);
-    if (!kpp.empty() && kpp.size() < kAnyKppCharacters) sql.Fixed(u"' and h2='").Value(kpp);
+    if (!kpp.empty() && !IsEverySubdivision(kpp)) sql.Fixed(u"' and h2='").Value(kpp);
     sql.Fixed(u"' order by h7, h10, perb");
     for (Recordset rows = connection.Execute(sql); !rows.Eof(); rows.MoveNext()) {
-        const auto text = [&](TextView field) { return isns(rows.Field(field)); };
-        HeldDocument document;
-        document.file_name = text(u"filename");
+        HeldDocument document = HeldDocumentOf(rows);
         document.inn = inn;
-        document.kpp = text(u"h2");
-        document.name = text(u"h3");
-        document.code = text(u"h7");
-        document.tax = text(u"h8");
-        document.okato = text(u"h10");
-        document.begin = rows.Field(u"perb");
-        document.end = rows.Field(u"pere");
-        document.act = IsNull(rows.Field(u"h6"));
-        document.current = !IsNull(rows.Field(u"vid"));
         documents.push_back(std::move(document));
     }
     return documents;
 }
 
 Text TaxpayerName(const std::vector<HeldDocument>& documents) {
-    const Text setting = SettingText(u"NameINNKPP");
-    TextView rest = setting;
-    Text name(GetNext(rest, u"|"));
+    Text name = TaxpayerSetting().name;
     for (const HeldDocument& document : documents) {
         if (!name.empty()) break;
         name = document.name;

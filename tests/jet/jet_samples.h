@@ -24,6 +24,10 @@ inline Text SamplePath(std::string_view name) {
     return WithSeparator(FromUtf8(SampleFolder())) + FromUtf8(name);
 }
 
+inline Text SampleDatabase(const std::string& stem) {
+    return SamplePath(stem + ".mdb");
+}
+
 // The file names of all sample databases, sorted.
 inline std::vector<Text> SampleDatabases() {
     return ListFiles(FromUtf8(SampleFolder()), u".mdb");

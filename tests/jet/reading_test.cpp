@@ -10,6 +10,7 @@ namespace tav::jet {
 namespace {
 
 using Json = nlohmann::json;
+using test::SampleDatabase;
 using test::SampleDatabases;
 using test::SamplePath;
 
@@ -76,7 +77,7 @@ TEST(Reading, SamplesHaveTheirExpectedContents) {
 
 TEST(Reading, WideTableSpreadsOverTwoDefinitionPages) {
     TAV_NEEDS_SAMPLES();
-    Database database(SamplePath("test2V2000.mdb"), Database::Access::Read);
+    Database database(SampleDatabase("test2V2000"), Database::Access::Read);
     Table* table = database.FindTable(u"msp_projects");
     ASSERT_NE(table, nullptr);
     EXPECT_EQ(table->definition().pages, (std::vector<PageNumber>{15, 19}));
@@ -99,7 +100,7 @@ TEST(Reading, WideTableSpreadsOverTwoDefinitionPages) {
 
 TEST(Reading, NoSuchTable) {
     TAV_NEEDS_SAMPLES();
-    Database database(SamplePath("adox_jet4.mdb"), Database::Access::Read);
+    Database database(SampleDatabase("adox_jet4"), Database::Access::Read);
     EXPECT_TRUE(database.Tables().empty());
     EXPECT_EQ(database.FindTable(u"MSysObjects"), nullptr);
 }
