@@ -14,7 +14,6 @@
 #include <QTimer>
 #include <algorithm>
 #include <array>
-#include <stdexcept>
 #include <utility>
 
 #include "platform/pictures_qt.h"
@@ -232,10 +231,6 @@ bool ControlQt::Enabled() const {
 void ControlQt::Enable(bool enabled) {
     if (widget() == nullptr) Refuse();
     widget()->setEnabled(enabled);
-}
-
-void ControlQt::Refuse() const {
-    throw std::logic_error("the control " + ToQt(plan_.name).toStdString() + " cannot do that");
 }
 
 MadeControl MakeControl(const ControlPlan& plan, QWidget* parent, const Raise& raise) {

@@ -9,44 +9,21 @@
 #include <memory>
 #include <vector>
 
-#include "platform/forms.h"
+#include "platform/form_control.h"
 
 namespace tav {
 
 // Tells the form that something has happened to the control.
 using Raise = std::function<void(Event)>;
 
-class ControlQt {
+class ControlQt : public FormControl {
  public:
-    explicit ControlQt(const ControlPlan& plan) : plan_(plan) {}
-    virtual ~ControlQt() = default;
-    ControlQt(const ControlQt&) = delete;
-    ControlQt& operator=(const ControlQt&) = delete;
+    using FormControl::FormControl;
 
     // Null for what is not seen.
     virtual QWidget* widget() const { return nullptr; }
-    const ControlPlan& plan() const { return plan_; }
-
-    // The operations of FormWindow. What a kind does not have throws std::logic_error.
-    virtual Text GetText() const { Refuse(); }
-    virtual void SetText(TextView) { Refuse(); }
-    virtual bool Checked() const { Refuse(); }
-    virtual void Check(bool) { Refuse(); }
-    virtual void SetRows(std::vector<ListRow>&&) { Refuse(); }
-    virtual int SelectedRow() const { Refuse(); }
-    virtual void SelectRow(int) { Refuse(); }
-    virtual void SetNodes(std::vector<TreeNode>&&) { Refuse(); }
-    virtual Text SelectedNode() const { Refuse(); }
-    virtual void SelectNode(TextView) { Refuse(); }
-    virtual void SetBar(double) { Refuse(); }
-    virtual void SetInterval(int) { Refuse(); }
-    bool Enabled() const;
-    void Enable(bool enabled);
-
- private:
-    [[noreturn]] void Refuse() const;
-
-    const ControlPlan& plan_;
+    bool Enabled() const override;
+    void Enable(bool enabled) override;
 };
 
 // A control that is seen as a widget of type `Widget`.

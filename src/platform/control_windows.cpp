@@ -1,7 +1,6 @@
 #include "platform/control_windows.h"
 
 #include <array>
-#include <stdexcept>
 
 namespace tav {
 
@@ -13,7 +12,7 @@ void ControlWin::MakeWindow(const wchar_t* window_class, DWORD style, DWORD ex_s
     if (hwnd_ == nullptr) {
         throw Failure(u"Окна показать нельзя: " + win32::ErrorWords(::GetLastError()));
     }
-    ::SetPropW(hwnd_, win32::Wide(plan_.name).c_str(), hwnd_);
+    ::SetPropW(hwnd_, win32::Wide(plan().name).c_str(), hwnd_);
     ::SetWindowLongPtrW(hwnd_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     class_procedure_ = reinterpret_cast<WNDPROC>(
         ::SetWindowLongPtrW(hwnd_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Procedure)));
@@ -34,7 +33,7 @@ LRESULT CALLBACK ControlWin::Procedure(HWND hwnd, UINT message, WPARAM wparam, L
 }
 
 LRESULT ControlWin::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
-    if (message == WM_DESTROY) ::RemovePropW(hwnd_, win32::Wide(plan_.name).c_str());
+    if (message == WM_DESTROY) ::RemovePropW(hwnd_, win32::Wide(plan().name).c_str());
     return ::CallWindowProcW(class_procedure_, hwnd_, message, wparam, lparam);
 }
 
@@ -81,10 +80,6 @@ void ControlWin::Put(const Box& box) {
     if (std::exchange(box_, box) == box) return;
     ::SetWindowPos(hwnd_, nullptr, box.x, box.y, box.width, box.height,
                    SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
-}
-
-void ControlWin::Refuse() const {
-    throw std::logic_error("the control " + ToUtf8(plan_.name) + " cannot do that");
 }
 
 Text WithMnemonic(TextView text, char16_t mnemonic) {

@@ -8,8 +8,8 @@
 #include <memory>
 #include <vector>
 
+#include "platform/form_control.h"
 #include "platform/form_grid.h"
-#include "platform/forms.h"
 #include "platform/metrics_windows.h"
 
 namespace tav {
@@ -43,34 +43,18 @@ class Running {
     FormHost& host_;
 };
 
-class ControlWin : public GridItem {
+class ControlWin : public FormControl, public GridItem {
  public:
     ControlWin(const ControlPlan& plan, std::size_t index, FormHost& host)
-        : plan_(plan), index_(index), host_(host) {}
-    ControlWin(const ControlWin&) = delete;
-    ControlWin& operator=(const ControlWin&) = delete;
+        : FormControl(plan), index_(index), host_(host) {}
 
     // Null for what is not seen.
     HWND hwnd() const { return hwnd_; }
-    const ControlPlan& plan() const { return plan_; }
     // The grid in a frame.
     virtual Grid* grid() { return nullptr; }
 
-    // The operations of FormWindow. What a kind does not have throws std::logic_error.
-    virtual Text GetText() const { Refuse(); }
-    virtual void SetText(TextView) { Refuse(); }
-    virtual bool Checked() const { Refuse(); }
-    virtual void Check(bool) { Refuse(); }
-    virtual void SetRows(std::vector<ListRow>&&) { Refuse(); }
-    virtual int SelectedRow() const { Refuse(); }
-    virtual void SelectRow(int) { Refuse(); }
-    virtual void SetNodes(std::vector<TreeNode>&&) { Refuse(); }
-    virtual Text SelectedNode() const { Refuse(); }
-    virtual void SelectNode(TextView) { Refuse(); }
-    virtual void SetBar(double) { Refuse(); }
-    virtual void SetInterval(int) { Refuse(); }
-    bool Enabled() const;
-    void Enable(bool enabled);
+    bool Enabled() const override;
+    void Enable(bool enabled) override;
 
     // A frame's controls take no input when the frame is disabled.
     void SetFrame(const ControlWin* frame) { frame_ = frame; }
@@ -104,13 +88,11 @@ class ControlWin : public GridItem {
     FormHost& host() const { return host_; }
     std::size_t index() const { return index_; }
     const Box& box() const { return box_; }
-    [[noreturn]] void Refuse() const;
 
  private:
     static LRESULT CALLBACK Procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam);
     bool Usable() const { return enabled_ && (frame_ == nullptr || frame_->Usable()); }
 
-    const ControlPlan& plan_;
     const std::size_t index_;
     FormHost& host_;
     const ControlWin* frame_ = nullptr;

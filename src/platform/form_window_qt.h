@@ -13,7 +13,7 @@
 
 namespace tav {
 
-class FormWindowQt final : public QWidget, public FormWindow {
+class FormWindowQt final : public QWidget, public WindowOfControls {
  public:
     FormWindowQt(const FormPlan& plan, FormEvents& events);
     ~FormWindowQt() override;
@@ -23,34 +23,13 @@ class FormWindowQt final : public QWidget, public FormWindow {
     void ShowModal(FormWindow* owner) override;
     void Hide() override;
 
-    Text GetText(std::size_t control) const override { return At(control).GetText(); }
-    void SetText(std::size_t control, TextView text) override { At(control).SetText(text); }
-    bool Enabled(std::size_t control) const override { return At(control).Enabled(); }
-    void Enable(std::size_t control, bool enabled) override { At(control).Enable(enabled); }
-    bool Checked(std::size_t control) const override { return At(control).Checked(); }
-    void Check(std::size_t control, bool checked) override { At(control).Check(checked); }
-    void SetRows(std::size_t control, std::vector<ListRow> rows) override {
-        At(control).SetRows(std::move(rows));
-    }
-    int SelectedRow(std::size_t control) const override { return At(control).SelectedRow(); }
-    void SelectRow(std::size_t control, int row) override { At(control).SelectRow(row); }
-    void SetNodes(std::size_t control, std::vector<TreeNode> nodes) override {
-        At(control).SetNodes(std::move(nodes));
-    }
-    Text SelectedNode(std::size_t control) const override { return At(control).SelectedNode(); }
-    void SelectNode(std::size_t control, TextView key) override { At(control).SelectNode(key); }
-    void SetBar(std::size_t control, double part) override { At(control).SetBar(part); }
-    void SetInterval(std::size_t control, int milliseconds) override {
-        At(control).SetInterval(milliseconds);
-    }
-
  protected:
     bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
  private:
-    ControlQt& At(std::size_t control) const { return *controls_.at(control); }
+    ControlQt& At(std::size_t control) const override { return *controls_.at(control); }
     void MakeControls(const FormPlan& plan);
     QAbstractButton* FindButton(TextView name) const;
     void Appear();

@@ -12,7 +12,7 @@
 
 namespace tav {
 
-class FormWindowWin final : public FormWindow, public FormHost {
+class FormWindowWin final : public WindowOfControls, public FormHost {
  public:
     FormWindowWin(const FormPlan& plan, FormEvents& events);
     // Makes the window and its controls, not shown yet. Without them the object is only to be discarded.
@@ -25,26 +25,7 @@ class FormWindowWin final : public FormWindow, public FormHost {
     void ShowModal(FormWindow* owner) override;
     void Hide() override;
 
-    Text GetText(std::size_t control) const override { return At(control).GetText(); }
-    void SetText(std::size_t control, TextView text) override { At(control).SetText(text); }
-    bool Enabled(std::size_t control) const override { return At(control).Enabled(); }
     void Enable(std::size_t control, bool enabled) override;
-    bool Checked(std::size_t control) const override { return At(control).Checked(); }
-    void Check(std::size_t control, bool checked) override { At(control).Check(checked); }
-    void SetRows(std::size_t control, std::vector<ListRow> rows) override {
-        At(control).SetRows(std::move(rows));
-    }
-    int SelectedRow(std::size_t control) const override { return At(control).SelectedRow(); }
-    void SelectRow(std::size_t control, int row) override { At(control).SelectRow(row); }
-    void SetNodes(std::size_t control, std::vector<TreeNode> nodes) override {
-        At(control).SetNodes(std::move(nodes));
-    }
-    Text SelectedNode(std::size_t control) const override { return At(control).SelectedNode(); }
-    void SelectNode(std::size_t control, TextView key) override { At(control).SelectNode(key); }
-    void SetBar(std::size_t control, double part) override { At(control).SetBar(part); }
-    void SetInterval(std::size_t control, int milliseconds) override {
-        At(control).SetInterval(milliseconds);
-    }
 
     HWND hwnd() const override { return hwnd_; }
     HWND tool_tips() const override { return tool_tips_; }
@@ -61,7 +42,7 @@ class FormWindowWin final : public FormWindow, public FormHost {
     void Leave() override;
     static LRESULT CALLBACK Procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam);
     LRESULT OnMessage(UINT message, WPARAM wparam, LPARAM lparam);
-    ControlWin& At(std::size_t control) const { return *controls_.at(control); }
+    ControlWin& At(std::size_t control) const override { return *controls_.at(control); }
     // Null when the window is none of the controls'.
     ControlWin* ControlOf(HWND window) const;
     ControlWin* ButtonNamed(TextView name) const;

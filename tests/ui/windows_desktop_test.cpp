@@ -217,6 +217,29 @@ TEST_F(Windows, KeepsTheSettings) {
     EXPECT_EQ(SettingText(u"ImportPath"), folder_ / u"in");
 }
 
+// A message that a person leaves standing: the windows' timers go on meanwhile.
+class StandingBox : public MessageBox {
+ public:
+    void Show(const Message&) override {
+        ++shown;
+        WaitFor(300);
+    }
+    int shown = 0;
+
+ private:
+    ScopedMessageBox scope_{*this};
+};
+
+TEST_F(Windows, KeepsTheSettingsWhileAMessageStandsBeforeTheWindow) {
+    WriteSetting(u"ChkOut", u"1");
+    DeleteFile(folder_ / u"PlX_Base.mdb");
+    StandingBox box;
+    Start();
+    EXPECT_EQ(box.shown, 1);
+    EXPECT_TRUE(IsTicked(Main("chkImportPath")));
+    EXPECT_TRUE(SettingTruth(u"ChkOut"));
+}
+
 // A folder that vanishes while its files are read is one failure.
 TEST_F(Windows, LivesOnWhenTheFolderVanishes) {
     WriteStatements(300);
