@@ -1,21 +1,5 @@
-# Cross compiling for Windows x64 on Linux. The posix variant of the compiler has the threads and locks of C++.
-set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
-set(tav_tools x86_64-w64-mingw32)
-set(CMAKE_C_COMPILER ${tav_tools}-gcc-posix)
-set(CMAKE_CXX_COMPILER ${tav_tools}-g++-posix)
-set(CMAKE_RC_COMPILER ${tav_tools}-windres)
-
-# Only what Windows itself has is imported: the compiler's libraries are linked in.
-set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
-set(CMAKE_SHARED_LINKER_FLAGS_INIT -static)
-set(CMAKE_MODULE_LINKER_FLAGS_INIT -static)
-
-set(CMAKE_FIND_ROOT_PATH /usr/${tav_tools})
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+include(${CMAKE_CURRENT_LIST_DIR}/windows.cmake)
 
 # Programs of the build, tests among them, run under Wine.
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../scripts/wine_run)
