@@ -27,6 +27,8 @@ class PageReader {
     bool More() const { return !rest_.empty(); }
     // The next page's text, Windows-1251 with CR LF; valid until the next call.
     std::string_view Next();
+    // The document of its own that the page last read was made.
+    std::string_view page() const { return page_; }
     // Whether the page last read had visible text behind its outermost closing brace, where none shows.
     bool dropped_text() const { return converter_.dropped_text(); }
 

@@ -77,14 +77,19 @@ void RichText::Begin(std::string_view document) {
     for (const std::int32_t font : fonts_set_) font_maps_[static_cast<std::size_t>(font)] = nullptr;
     fonts_set_.clear();
     default_font_ = 0;
-    group_start_ = paragraph_mark_ = nullptr;
-    document_end_ = nullptr;
+    group_start_ = nullptr;
+    after_break_ = row_ = document_end_ = nullptr;
     in_row_ = false;
     SetDocumentMap(0);
 }
 
+// A control's text has a last paragraph that no line break ends.
+char* RichText::EndOfText() const {
+    return after_break_ == out_ ? out_ - 2 : out_;
+}
+
 std::string_view RichText::Finish() {
-    char* const end = document_end_ == nullptr ? out_ : document_end_;
+    char* const end = document_end_ == nullptr ? EndOfText() : document_end_;
     dropped_text_ = std::any_of(end, out_, IsVisible);
     return {buffer_.get(), static_cast<std::size_t>(end - buffer_.get())};
 }
@@ -115,7 +120,6 @@ void RichText::ReadPlain() {
 // A line end in the source, or a control character: neither is text, nor does it part what stands around it.
 void RichText::ReadLineEnd() {
     if (group_start_ == at_) ++group_start_;
-    if (paragraph_mark_ == at_) ++paragraph_mark_;
     ++at_;
 }
 
@@ -152,6 +156,7 @@ void RichText::ReadSymbol() {
         case '\\':
         case '{':
         case '}':
+        case ':':
         case '\t':
             return Put(symbol);
         case '~':
@@ -161,7 +166,7 @@ void RichText::ReadSymbol() {
         case '\r':
         case '\n':
             if (symbol == '\r' && at_ != end_ && *at_ == '\n') ++at_;
-            return EndParagraph();
+            return PutBreak();
         case '*':
             if (opens_group) PassGroup([](const Word&) {});
             return;
@@ -194,12 +199,13 @@ void RichText::Apply(const Word& word) {
         case RtfAction::FontCharset:
         case RtfAction::FontCodePage:
             return;
-        case RtfAction::Paragraph:
-            return EndParagraph();
         case RtfAction::Break:
             return PutBreak();
         case RtfAction::Character:
             return Put(word.known->character);
+        case RtfAction::InRow:
+            if (row_ == nullptr) row_ = paragraph_;
+            return;
         case RtfAction::Cell:
             return EndCell();
         case RtfAction::Row:
@@ -236,8 +242,8 @@ void RichText::OpenGroup() {
 
 void RichText::CloseGroup() {
     if (depth_ == 1 && document_end_ == nullptr) {
-        if (paragraph_mark_ == at_) out_ -= 2;
-        document_end_ = paragraph_ = out_;
+        document_end_ = paragraph_ = out_ = EndOfText();
+        row_ = nullptr;
     }
     ++at_;
     if (depth_ == 0) return;
@@ -332,12 +338,7 @@ void RichText::Put(char byte) {
 void RichText::PutBreak() {
     *out_++ = '\r';
     *out_++ = '\n';
-    paragraph_ = out_;
-}
-
-void RichText::EndParagraph() {
-    PutBreak();
-    paragraph_mark_ = at_;
+    paragraph_ = after_break_ = out_;
 }
 
 // Numbers above 32767 are often written as negative ones. A character beyond 16 bits comes as two halves and
@@ -355,9 +356,10 @@ void RichText::PutUnicode(std::int32_t number) {
 
 void RichText::EndCell() {
     if (!in_row_) {
-        std::memmove(paragraph_ + 2, paragraph_, static_cast<std::size_t>(out_ - paragraph_));
-        paragraph_[0] = '\r';
-        paragraph_[1] = '\n';
+        char* const row = row_ == nullptr ? paragraph_ : row_;
+        std::memmove(row + 2, row, static_cast<std::size_t>(out_ - row));
+        row[0] = '\r';
+        row[1] = '\n';
         paragraph_ += 2;
         out_ += 2;
         in_row_ = true;
@@ -365,8 +367,10 @@ void RichText::EndCell() {
     Put('\t');
 }
 
+// A row's end stays, also at the end of the document.
 void RichText::EndRow() {
     PutBreak();
+    after_break_ = row_ = nullptr;
     in_row_ = false;
 }
 

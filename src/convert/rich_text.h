@@ -2,8 +2,8 @@
 //
 // In: the bytes of a document that begins with "{\rtf"; anything else is no rich text and gives empty text.
 // Out: Windows-1251 text; a paragraph, section or page end is CR LF, \line a blank, \tab and \cell TAB. The
-// first cell of a row puts a line break before the row's own paragraph. The result is never longer than the
-// document.
+// first cell of a row puts a line break before the row's first paragraph. One such end as the very last of
+// the text is none: the text's last paragraph ends with it. The result is never longer than the document.
 //
 // Bytes and \'xx are read by the charset of the run's font, else by the document's code page (code_pages.h);
 // what Windows-1251 lacks becomes the best fit (common/windows1251.h). Control characters, byte 0 among them,
@@ -49,6 +49,7 @@ class RichText {
 
     void Begin(std::string_view document);
     void ReadAll();
+    char* EndOfText() const;
     std::string_view Finish();
 
     void ReadPlain();
@@ -72,7 +73,6 @@ class RichText {
     void Put(char byte);
     void PutBreak();
     void PutUnicode(std::int32_t number);
-    void EndParagraph();
     void EndCell();
     void EndRow();
 
@@ -102,10 +102,11 @@ class RichText {
     std::vector<const ByteMap*> font_maps_;
     std::vector<std::int32_t> fonts_set_;
 
-    const char* group_start_ = nullptr;     // just behind an opening brace
-    const char* paragraph_mark_ = nullptr;  // just behind a \par
-    char* paragraph_ = nullptr;             // where the present paragraph's text begins
-    char* document_end_ = nullptr;          // where the text ended when the outermost brace closed
+    const char* group_start_ = nullptr;  // just behind an opening brace
+    char* paragraph_ = nullptr;          // where the present paragraph's text begins
+    char* after_break_ = nullptr;        // just behind the last line break that no row ended
+    char* row_ = nullptr;                // where the present row's text begins; none before \intbl
+    char* document_end_ = nullptr;       // where the text ended when the outermost brace closed
     bool in_row_ = false;
     bool dropped_text_ = false;
 };

@@ -10,9 +10,10 @@ namespace tav {
 namespace {
 
 constexpr RtfWord kWords[] = {
-    {"par", RtfAction::Paragraph},
+    {"par", RtfAction::Break},
     {"sect", RtfAction::Break},
     {"page", RtfAction::Break},
+    {"intbl", RtfAction::InRow},
     {"cell", RtfAction::Cell},
     {"nestcell", RtfAction::Character, '\t'},
     {"row", RtfAction::Row},

@@ -10,9 +10,9 @@ namespace tav {
 
 enum class RtfAction : std::uint8_t {
     None,         // unknown words: formatting
-    Paragraph,    // a line break, which the closing brace of the document takes back
     Break,        // a line break
     Character,    // one character of text
+    InRow,        // the paragraph belongs to a table row
     Cell,         // the end of a table cell
     Row,          // the end of a table row
     Unicode,      // a character by its number

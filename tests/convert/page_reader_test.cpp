@@ -43,25 +43,25 @@ TEST(PageReader, CutsAndWrapsPages) {
     } cases[] = {
         {"", 1, ""},
         {"{\\rtf1 a}", 1, "\r\na[]"},
-        {"{\\rtf1 a\\par}", 1, "\r\na\r\n[]"},
+        {"{\\rtf1 a\\par}", 1, "\r\na[]"},
         // Page 1 leaves one group open, which the end closes; page 2 closes a group that page 1 opened.
         {"{\\rtf1 a\\par\\page\\par b}", 2, "\r\na\r\n[]\r\n\r\nb[]"},
-        {"{\\rtf1{\\b a\\page }\\pard b\\par }", 2, "\r\na\r\n\r\n[]\r\n b[]"},
+        {"{\\rtf1{\\b a\\page }\\pard b\\par }", 2, "\r\na\r\n[]\r\n b[]"},
         {"{\\rtf1 a\\page b}", 2, "\r\na[]\r\n b[]"},
-        {"{\\rtf1 a\\page\r\n}", 2, "\r\na[]\r\n[]"},
+        {"{\\rtf1 a\\page\r\n}", 2, "\r\na[][]"},
         {"{\\rtf1 a\\page", 2, "\r\na[]"},
-        {"\\page\\page", 3, "\r\n[]\r\n[]"},
+        {"\\page\\page", 3, "[][]"},
         // The word goes on behind the cut, or in front of it.
         {"{\\rtf1 a\\pagebb0 some longer text}", 2, "\r\na[]some longer text[]"},
-        {"{\\rtf1 a\\\\page some longer text}", 2, "\r\na}\r\n\r\n[]\r\nsome longer text[]"},
+        {"{\\rtf1 a\\\\page some longer text}", 2, "\r\na}\r\n[]\r\nsome longer text[]"},
         // The frame's position is text, and its blank ends the word before it.
-        {"{\\rtf1\\phpg\\posx612\\posy5 a\\par}", 1, "\r\nposx612a\r\n[]"},
+        {"{\\rtf1\\phpg\\posx612\\posy5 a\\par}", 1, "\r\nposx612a[]"},
         {"{\\rtf1 a\\posx612\\posy5 b}", 1, "\r\na posx612b[]"},
         // A font table counts on its own page alone.
         {"{\\rtf1{\\fonttbl{\\f1\\fcharset0 A;}}\\f1\\'c0\\page\\f1\\'c0 longer text}", 2,
          "\r\n?[]\r\n\xC0 longer text[]"},
         // Two groups are closed, one was opened.
-        {"{\\rtf1{\\b{\\i a\\page } b} lost}", 2, "\r\na\r\n\r\n[]\r\n  b[!]"},
+        {"{\\rtf1{\\b{\\i a\\page } b} lost}", 2, "\r\na\r\n[]\r\n  b[!]"},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(PageReader(c.document).pages(), c.pages) << c.document;

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "convert/check_xml.h"
+#include "convert/every_make.h"
 #include "convert/load_rtf_file.h"
 #include "convert/load_xml_file.h"
 #include "platform/files.h"
@@ -17,10 +18,6 @@ namespace {
 
 using test::MessageList;
 using test::TempFolder;
-
-constexpr Cut kCuts[] = {Cut::None, Cut::BetweenGroups, Cut::InsideGroup};
-constexpr Letters kLetters[] = {Letters::LowerHex, Letters::UpperHex, Letters::Unicode, Letters::UnicodeHex,
-                                Letters::Raw};
 
 // Without the tabs that begin the lines.
 std::string WithoutIndentation(const std::string& entry) {
@@ -66,39 +63,8 @@ TEST(SamplesRead, AScanMakesTheirCatalogue) {
     EXPECT_TRUE(read == expected) << FirstDifference(read, expected);
 }
 
-TEST(SamplesRead, StatementsOfEveryMake) {
-    int number = 0;
-    for (int layout : {1, 2}) {
-        for (Cut cut : kCuts) {
-            for (Letters letters : kLetters) {
-                ++number;
-                SCOPED_TRACE(number);
-                ExpectReadBack(MakeStatement({.rows = number % 7 * 9,
-                                              .layout = layout,
-                                              .cut = cut,
-                                              .letters = letters,
-                                              .repeat_numbering = number % 2 == 0,
-                                              .second_line_every = number % 4,
-                                              .parts = 1 + number % 3,
-                                              .seed = static_cast<std::uint64_t>(number)}));
-            }
-        }
-    }
-}
-
-TEST(SamplesRead, ActsOfEveryMake) {
-    int number = 0;
-    for (Cut cut : kCuts) {
-        for (Letters letters : kLetters) {
-            ++number;
-            SCOPED_TRACE(number);
-            ExpectReadBack(MakeActRtf({.all_zero = number % 5 == 0,
-                                       .cut = cut,
-                                       .letters = letters,
-                                       .parts = 1 + number % 3,
-                                       .seed = static_cast<std::uint64_t>(number)}));
-        }
-    }
+TEST(SamplesRead, EveryMake) {
+    for (const Document& document : EveryMake()) ExpectReadBack(document);
 }
 
 TEST(SamplesRead, ActsInTheExchangeFormat) {
