@@ -94,7 +94,7 @@ TEST(RichEdit, ShowsEveryConstructAsWeDo) {
         EXPECT_EQ(Readable(converter.Read(document)), Readable(control.Read(document))) << document;
 }
 
-// Where we differ on purpose: no text gets lost, and none is made up.
+// Where we differ from the control, which is Wine's, on purpose: no text gets lost, and none is made up.
 TEST(RichEdit, ShowsKnownConstructsOtherwise) {
     const std::string fonts = "{\\fonttbl{\\f0\\fcharset204 A;}{\\f1\\fcharset0 B;}}\\deff1";
     const std::string row = "\\trowd\\cellx100\\cellx200\\pard\\intbl ";
