@@ -2,8 +2,8 @@
 '
 '   %windir%\SysWOW64\cscript.exe //nologo selftest.vbs C:\path\x64\tav.exe
 '
-' The class must be registered, and SysWOW64 is for the 32-bit class: Jet 4.0 has no other width. The 64-bit tav.exe finds no
-' Jet, so it uses the native engine. Settings of the user and of the host are not touched: everything happens below a
+' The class must be registered, and SysWOW64 is for the 32-bit class: Jet 4.0 has no other width. tav.exe is told to use
+' the native engine, whatever else it finds. Settings of the user and of the host are not touched: everything happens below a
 ' new folder in %TEMP% and the key HKEY_CURRENT_USER\Software\TAV_OperationImport.SelfTest, which go at the end.
 '
 '   1. The class imports the sample documents through ADO and Jet, tav.exe those of a copy with its own engine.
@@ -23,6 +23,7 @@ Const kKpp = "770101001"
 Dim files, shell, environment, package, work, tav, failures
 Set files = CreateObject("Scripting.FileSystemObject")
 Set shell = CreateObject("WScript.Shell")
+Set environment = shell.Environment("PROCESS")
 package = files.GetParentFolderName(WScript.ScriptFullName)
 failures = 0
 
@@ -35,7 +36,6 @@ files.CreateFolder work
 If Run("db create --database " & Quoted(work & "\empty.mdb")) <> 0 Then GiveUp "tav.exe could not make an empty database"
 CheckJet work & "\empty.mdb"
 
-Set environment = shell.Environment("PROCESS")
 environment("TAV_SETTINGS") = kKey
 MakePlace "jet"
 MakePlace "native"
@@ -134,7 +134,7 @@ End Function
 Function Dump(database, name)
     Dim file
     file = work & "\" & name & ".json"
-    If shell.Run("cmd /c """ & Quoted(tav) & " db dump --database " & Quoted(database) & " > " & Quoted(file) & """", 0, True) <> 0 Then
+    If RunNative("cmd /c """ & Quoted(tav) & " db dump --database " & Quoted(database) & " > " & Quoted(file) & """") <> 0 Then
         Fail "tav.exe could not read " & database
         Dump = ""
     Else
@@ -193,7 +193,14 @@ Sub SortPart(lines, first, last)
 End Sub
 
 Function Run(words)
-    Run = shell.Run(Quoted(tav) & " " & words, 0, True)
+    Run = RunNative(Quoted(tav) & " " & words)
+End Function
+
+' The class, which lives in this process, must not see the variable.
+Function RunNative(command)
+    environment("TAV_ENGINE") = "native"
+    RunNative = shell.Run(command, 0, True)
+    environment.Remove "TAV_ENGINE"
 End Function
 
 Function Quoted(path)

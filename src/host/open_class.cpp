@@ -41,6 +41,24 @@ void View(Summarise summarise, TextView inn, TextView kpp) {
     }
 }
 
+// The filter dialog, loaded though not shown, to own what the shell asks or says.
+class LoadedFilter {
+ public:
+    LoadedFilter() {
+        if (mine_) form_.Load();
+    }
+    ~LoadedFilter() {
+        if (mine_) form_.Unload();
+    }
+    LoadedFilter(const LoadedFilter&) = delete;
+    LoadedFilter& operator=(const LoadedFilter&) = delete;
+    frmFilter* operator->() const { return &form_; }
+
+ private:
+    frmFilter& form_ = Shared<frmFilter>();
+    const bool mine_ = !form_.Loaded();
+};
+
 }  // namespace
 
 const Date OpenClass::kNoDateLimit = *DateFromCivil({2099, 1, 1});
@@ -55,10 +73,11 @@ void OpenClass::start(TextView inn, TextView kpp, Date vdm) {
 
 void OpenClass::view_v_id(std::int16_t id) {
     Guarded(u"Ошибка в функции View_V_ID", [&] {
-        UseWindowsIfAny();
+        const bool windows = UseWindowsIfAny();
         RefuseDuringImport();
         const Text path = GetVipis(getbase(), id, ExportFolder());
-        if (!path.empty()) OpenDocument(path);
+        if (path.empty()) return;
+        windows ? LoadedFilter()->OpenDocument(path) : OpenDocument(path);
     });
 }
 

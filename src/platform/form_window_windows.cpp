@@ -320,7 +320,7 @@ void FormWindowWin::ShowModal(FormWindow* owner) {
     const Running running(*this);
     Hide();
     if (hwnd_ == nullptr) return;
-    const HWND owner_window = owner == nullptr ? nullptr : static_cast<FormWindowWin*>(owner)->hwnd_;
+    const HWND owner_window = WindowOf(owner);
     SetOwner(hwnd_, owner_window);
     if (owner_window != nullptr) Centre(hwnd_, owner_window);
     bool done = false;

@@ -74,4 +74,9 @@ class FormWindowWin final : public WindowOfControls, public FormHost {
     int procedures_ = 0;  // of the window and its controls, that run now
 };
 
+// Null for no form.
+inline HWND WindowOf(FormWindow* form) {
+    return form == nullptr ? nullptr : static_cast<FormWindowWin*>(form)->hwnd();
+}
+
 }  // namespace tav

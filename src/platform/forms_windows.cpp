@@ -56,7 +56,7 @@ class ToolkitWin : public Toolkit {
         const std::wstring shown = win32::Wide(title);
         const std::wstring first = win32::Wide(start);
         BROWSEINFOW browse{};
-        browse.hwndOwner = owner == nullptr ? nullptr : static_cast<FormWindowWin*>(owner)->hwnd();
+        browse.hwndOwner = WindowOf(owner);
         browse.lpszTitle = shown.c_str();
         browse.ulFlags = BIF_RETURNONLYFSDIRS | BIF_NEWDIALOGSTYLE;
         browse.lpfn = OnBrowse;

@@ -5,8 +5,11 @@
 
 namespace tav {
 
-// Opens a document with the program the user has for it; nothing is waited for. "File not found" when it is
-// not there, "Path/File access error" when the shell would not.
-void OpenDocument(TextView path);
+class FormWindow;
+
+// Opens a document with the program the user has for it; nothing is waited for. What the shell itself asks or
+// says belongs to the window, if it is given one. "File not found" when the document is not there, "Path/File
+// access error" when the shell would not.
+void OpenDocument(TextView path, FormWindow* owner = nullptr);
 
 }  // namespace tav

@@ -12,7 +12,7 @@ namespace tav {
 
 // The opener runs as a process of its own that nobody waits for: without a desktop it is the word processor
 // itself. A pipe that closes when the program starts tells whether there is one.
-void OpenDocument(TextView path) {
+void OpenDocument(TextView path, FormWindow*) {
     if (!FileExists(path)) throw Failure(RunTimeError::FileNotFound, path);
     const std::string document = ToUtf8(path);
     int ends[2];

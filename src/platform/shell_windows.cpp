@@ -1,16 +1,17 @@
 
 #include "platform/files.h"
+#include "platform/form_window_windows.h"
 #include "platform/shell.h"
 #include "platform/win32_windows.h"
 
 namespace tav {
 
 // The shell's extensions are COM objects. A host has COM on its thread already; then this only counts.
-void OpenDocument(TextView path) {
+void OpenDocument(TextView path, FormWindow* owner) {
     if (!FileExists(path)) throw Failure(RunTimeError::FileNotFound, path);
     const HRESULT com = ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
     const HINSTANCE result =
-        ::ShellExecuteW(nullptr, L"open", win32::Wide(path).c_str(), L"0", L"0", SW_SHOWNORMAL);
+        ::ShellExecuteW(WindowOf(owner), L"open", win32::Wide(path).c_str(), L"0", L"0", SW_SHOWNORMAL);
     if (SUCCEEDED(com)) ::CoUninitialize();
     const auto code = reinterpret_cast<INT_PTR>(result);
     if (code > 32) return;

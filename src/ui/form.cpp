@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "common/guard.h"
+#include "platform/shell.h"
 
 namespace tav {
 namespace {
@@ -82,6 +83,10 @@ FormWindow& Form::window() const {
 
 Text Form::BrowseFolder(TextView title, TextView start) {
     return CurrentToolkit().BrowseFolder(title, start, &window());
+}
+
+void Form::OpenDocument(TextView path) {
+    tav::OpenDocument(path, &window());
 }
 
 void Form::OnEvent(std::size_t control, Event event) {

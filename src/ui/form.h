@@ -33,6 +33,8 @@ class Form : public FormEvents {
     void ShowModal(Form& owner);
     // Runs Form_Unload and takes the window away.
     void Unload();
+    // With the shell; what that asks or says belongs to this window.
+    void OpenDocument(TextView path);
 
  protected:
     template <class F>

@@ -4,7 +4,6 @@
 
 #include "db/run_import.h"
 #include "platform/files.h"
-#include "platform/shell.h"
 #include "reports/get_files.h"
 #include "reports/get_files_act.h"
 #include "settings/settings.h"

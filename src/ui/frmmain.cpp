@@ -11,7 +11,6 @@
 #include "platform/environment.h"
 #include "platform/files.h"
 #include "platform/registry.h"
-#include "platform/shell.h"
 #include "reports/get_files.h"
 #include "reports/get_files_act.h"
 #include "settings/session.h"

@@ -3,6 +3,7 @@
 #include "db/ado_double_windows.h"
 #include "db/database_fixture.h"
 #include "db/engine.h"
+#include "platform/win32_windows.h"
 
 namespace tav {
 namespace {
@@ -77,6 +78,16 @@ TEST_F(Ado, AnImportEndsAsWithTheNativeEngine) {
     }
     EXPECT_EQ(Everything(), native);
     EXPECT_THAT(Shown(), IsEmpty());
+}
+
+TEST_F(Ado, TheNativeEngineIsUsedWhereItIsAskedFor) {
+    const AdoDouble ado;
+    ::SetEnvironmentVariableW(L"TAV_ENGINE", L"native");
+    EXPECT_EQ(EngineInUse(), u"native");
+    clearbaseAll(database_);
+    ::SetEnvironmentVariableW(L"TAV_ENGINE", nullptr);
+    EXPECT_THAT(AdoDouble::Calls(), IsEmpty());
+    EXPECT_EQ(EngineInUse(), u"Microsoft.Jet.OLEDB.4.0");
 }
 
 TEST_F(Ado, FailuresAreTheProvidersAndNameIt) {
