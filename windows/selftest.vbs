@@ -1,6 +1,6 @@
 ' Tries the component on a machine that has the Jet engine, and the native engine of tav.exe beside it:
 '
-'   %windir%\SysWOW64\cscript.exe //nologo selftest.vbs C:\path\x64\tav.exe
+'   %windir%\SysWOW64\cscript.exe //nologo selftest.vbs [another tav.exe]
 '
 ' The class must be registered, and SysWOW64 is for the 32-bit class: Jet 4.0 has no other width. tav.exe is told to use
 ' the native engine, whatever else it finds. Settings of the user and of the host are not touched: everything happens below a
@@ -29,7 +29,7 @@ failures = 0
 
 tav = package & "\tav.exe"
 If WScript.Arguments.Count > 0 Then tav = WScript.Arguments(0)
-If Not files.FileExists(tav) Then GiveUp "There is no " & tav & ": name the 64-bit one"
+If Not files.FileExists(tav) Then GiveUp "There is no " & tav
 If Not files.FolderExists(package & "\samples") Then GiveUp "There are no samples beside this script"
 work = files.GetSpecialFolder(2) & "\" & files.GetTempName
 files.CreateFolder work
