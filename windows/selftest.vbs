@@ -33,8 +33,11 @@ If Not files.FileExists(tav) Then GiveUp "There is no " & tav
 If Not files.FolderExists(package & "\samples") Then GiveUp "There are no samples beside this script"
 work = files.GetSpecialFolder(2) & "\" & files.GetTempName
 files.CreateFolder work
+CheckRegion
+CheckJet work & "\probe.mdb"
 If Run("db create --database " & Quoted(work & "\empty.mdb")) <> 0 Then GiveUp "tav.exe could not make an empty database"
-CheckJet work & "\empty.mdb"
+Rows work & "\empty.mdb"
+If failures > 0 Then Finish
 
 environment("TAV_SETTINGS") = kKey
 MakePlace "jet"
@@ -51,18 +54,24 @@ by_native = Rows(work & "\native\PlX_Base.mdb")
 If Len(by_jet) < 1000 Then Fail "the class has not imported through Jet"
 Compare "imported through Jet", by_jet, "imported by the native engine", by_native
 
-Dim dump_before, dump_after
-dump_before = Dump(work & "\native\PlX_Base.mdb", "before")
 compacted = work & "\compacted.mdb"
-Compact work & "\native\PlX_Base.mdb", compacted
-Compare "before compacting", by_native, "after compacting", Rows(compacted)
-If Run("db check --database " & Quoted(compacted)) <> 0 Then Fail "tav.exe finds faults in what Jet has compacted"
-dump_after = Dump(compacted, "after")
-Compare "dumped before compacting", Sorted(dump_before), "dumped after compacting", Sorted(dump_after)
+If Compacts(work & "\native\PlX_Base.mdb", compacted) Then
+    Compare "before compacting", by_native, "after compacting", Rows(compacted)
+    If Run("db check --database " & Quoted(compacted)) <> 0 Then Fail "tav.exe finds faults in what Jet has compacted"
+    Compare "dumped before compacting", Dump(work & "\native\PlX_Base.mdb", "before"), _
+        "dumped after compacting", Dump(compacted, "after")
+End If
+Finish
 
-If failures = 0 Then WScript.Echo "All is well." Else WScript.Echo failures & " failures; the databases are in " & work
-If failures = 0 Then CleanUp
-If failures = 0 Then WScript.Quit 0 Else WScript.Quit 1
+Sub Finish
+    If failures > 0 Then
+        WScript.Echo failures & " failures; the databases are in " & work
+        WScript.Quit 1
+    End If
+    WScript.Echo "All is well."
+    CleanUp
+    WScript.Quit 0
+End Sub
 
 ' A folder with documents and an empty database.
 Sub MakePlace(name)
@@ -73,17 +82,29 @@ End Sub
 
 ' The settings that name it.
 Sub UsePlace(name)
-    Run "settings set DataBasePath " & Quoted(work & "\" & name)
-    Run "settings set ImportPath " & Quoted(work & "\" & name & "\in")
+    UseSetting "DataBasePath", work & "\" & name
+    UseSetting "ImportPath", work & "\" & name & "\in"
 End Sub
 
-Sub CheckJet(database)
-    Dim connection
+Sub UseSetting(name, value)
+    If Run("settings set " & name & " " & Quoted(value)) <> 0 Then GiveUp "tav.exe could not write the setting " & name
+End Sub
+
+' Jet reads dates and amounts as the region writes them.
+Sub CheckRegion
+    Dim right
     On Error Resume Next
-    Set connection = CreateObject("ADODB.Connection")
-    connection.Open kJet & database
+    right = Month(CDate("02.03.2011")) = 3 And CDbl("1,5") = 1.5
+    If Err.Number <> 0 Or Not right Then GiveUp "The regional settings are not those of the documents (dd.mm.yyyy, decimal comma)"
+End Sub
+
+' Whether Jet is here is seen on a file of its own making, so that a fault in ours is not taken for its absence.
+Sub CheckJet(database)
+    Dim catalog
+    On Error Resume Next
+    Set catalog = CreateObject("ADOX.Catalog")
+    catalog.Create kJet & database & ";Jet OLEDB:Engine Type=5"
     If Err.Number <> 0 Then GiveUp "Jet 4.0 cannot be used here, so nothing was tried: " & Err.Description
-    connection.Close
 End Sub
 
 ' Jet has the database open meanwhile: the native engine, which opens a file for itself alone, could not write to it. So
@@ -100,23 +121,27 @@ Sub ImportByClass
     connection.Close
 End Sub
 
-Sub Compact(source, target)
+Function Compacts(source, target)
     Dim engine
     On Error Resume Next
     Set engine = CreateObject("JRO.JetEngine")
     engine.CompactDatabase kJet & source, kJet & target & ";Jet OLEDB:Engine Type=5"
+    Compacts = Err.Number = 0
     If Err.Number <> 0 Then Fail "Jet could not compact the file: " & Err.Description
-End Sub
+End Function
 
 ' All rows of all tables as Jet reads them, a line each; sorted, because a table has no order.
 Function Rows(database)
     Dim connection, table, answer, field, line, lines
+    On Error Resume Next
+    Rows = ""
     lines = ""
     Set connection = CreateObject("ADODB.Connection")
     connection.Open kJet & database
     For Each table In Split(kTables)
-        Set answer = connection.Execute("select * from " & table)
-        Do Until answer.EOF
+        If Err.Number = 0 Then Set answer = connection.Execute("select * from " & table)
+        Do Until Err.Number <> 0
+            If answer.EOF Then Exit Do
             line = table
             For Each field In answer.Fields
                 line = line & "|" & field.Name & "=" & field.Value
@@ -124,22 +149,29 @@ Function Rows(database)
             lines = lines & line & vbLf
             answer.MoveNext
         Loop
-        answer.Close
     Next
+    If Err.Number <> 0 Then
+        Fail "Jet could not read " & database & ": " & Err.Description
+    Else
+        Rows = Sorted(lines)
+    End If
     connection.Close
-    Rows = Sorted(lines)
 End Function
 
-' What tav.exe reads there.
+' What tav.exe reads there: the lines without what separates them, sorted as well.
 Function Dump(database, name)
-    Dim file
+    Dim file, text, separator
     file = work & "\" & name & ".json"
+    Dump = ""
     If RunNative("cmd /c """ & Quoted(tav) & " db dump --database " & Quoted(database) & " > " & Quoted(file) & """") <> 0 Then
         Fail "tav.exe could not read " & database
-        Dump = ""
-    Else
-        Dump = files.OpenTextFile(file).ReadAll
+        Exit Function
     End If
+    text = files.OpenTextFile(file).ReadAll
+    For Each separator In Array("}],", "}]", "},")
+        text = Replace(text, separator, "}")
+    Next
+    Dump = Sorted(Replace(text, "[],", "[]"))
 End Function
 
 Sub Compare(name, text, other_name, other_text)

@@ -94,6 +94,7 @@ void Dump() {
 void Check() {
     constexpr TextView kTitle = u"Проверка базы данных";
     Guarded(kTitle, [&] {
+        PrintLine(u"Работает с базой: " + EngineInUse());
         const Text path = getbase();
         int errors = 0;
         for (const jet::Finding& finding : jet::CheckDatabase(path)) {
@@ -101,7 +102,6 @@ void Check() {
             PrintLine(Text(finding.error ? u"error " : u"note ") + Digits(finding.invariant) + u": " +
                       finding.text);
         }
-        PrintLine(u"Работает с базой: " + EngineInUse());
         if (errors == 0) {
             PrintLine(u"Ошибок нет: " + path);
         } else {
