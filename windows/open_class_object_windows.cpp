@@ -3,6 +3,7 @@
 #include "common/guard.h"
 #include "dispatch_windows.h"
 #include "type_library_windows.h"
+#include "ui/screen.h"
 
 namespace tav {
 namespace {
@@ -24,6 +25,7 @@ Date DateOf(DATE date) {
 template <class Operation>
 HRESULT Succeed(TextView title, Operation&& operation) noexcept {
     try {
+        UseWindowsIfAny();  // for what is wrong with an argument, too
         Guarded(title, operation);
     } catch (...) {
         return S_OK;

@@ -4,13 +4,15 @@
 
 namespace tav {
 
-HRESULT TypeInfoOf(const GUID& id, ITypeInfo** info) {
+HRESULT TypeInfoOf(const GUID& id, ITypeInfo** info) try {
     ITypeLib* library = nullptr;
     const HRESULT loaded = ::LoadTypeLibEx(ModulePath().c_str(), REGKIND_NONE, &library);
     if (FAILED(loaded)) return loaded;
     const HRESULT found = library->GetTypeInfoOfGuid(id, info);
     library->Release();
     return found;
+} catch (const std::bad_alloc&) {
+    return E_OUTOFMEMORY;
 }
 
 }  // namespace tav

@@ -46,7 +46,8 @@ ResultTable ReadAll(Object& set) {
 
 class AdoEngine : public Engine {
  public:
-    AdoEngine(const OpenRequest& request, TextView provider) : connection_(L"ADODB.Connection") {
+    AdoEngine(const OpenRequest& request, TextView provider)
+        : provider_(provider), connection_(L"ADODB.Connection") {
         if (request.cursor_location != kUsualCursors) {
             connection_.Put(L"CursorLocation", Variant(static_cast<long>(request.cursor_location)));
         }
@@ -61,12 +62,17 @@ class AdoEngine : public Engine {
             if (value.quoted) jet::CheckQuotedValue(TextView(sql.text()).substr(value.begin, value.length));
         }
         const Variant text(sql.text());
-        Object set(connection_.Call(L"Execute", {&text}));
-        return Recordset(ReadAll(set));
+        try {
+            Object set(connection_.Call(L"Execute", {&text}));
+            return Recordset(ReadAll(set));
+        } catch (const Failure& failure) {
+            throw failure.In(provider_);
+        }
     }
     void Close() override { connection_.Call(L"Close"); }
 
  private:
+    const Text provider_;
     win32::ComUse com_;
     Object connection_;
 };

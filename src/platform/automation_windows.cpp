@@ -49,10 +49,12 @@ Value ValueOf(const VARIANT& variant) {
         case VT_I2:
         case VT_UI2:
         case VT_I4:
+        case VT_UI4:
+        case VT_I8:
         case VT_INT: {
             Variant number;
-            if (FAILED(::VariantChangeType(&number, &source, 0, VT_I4))) break;
-            return std::int64_t{number.lVal};
+            if (FAILED(::VariantChangeType(&number, &source, 0, VT_I8))) break;
+            return std::int64_t{number.llVal};
         }
         case VT_R4:
         case VT_R8:

@@ -88,11 +88,17 @@ class TemporaryFile {
             Refuse(::GetLastError(), target);
         moved_ = true;
     }
-    // The target's rights and attributes stay as they are.
+    // The target's rights and attributes stay as they are, where the file system and the rights to the folder
+    // allow that. A scanner may hold a new file for a moment.
     void Replace(TextView target) {
-        if (!::ReplaceFileW(NativePath(target).c_str(), native_.c_str(), nullptr, 0, nullptr, nullptr))
-            Refuse(::GetLastError(), target);
-        moved_ = true;
+        constexpr DWORD kFlags = REPLACEFILE_IGNORE_MERGE_ERRORS | REPLACEFILE_IGNORE_ACL_ERRORS;
+        constexpr DWORD kMilliseconds = 50;
+        const std::wstring replaced = NativePath(target);
+        for (int tries = 0; tries < 3 && !moved_; ++tries) {
+            if (tries > 0) ::Sleep(kMilliseconds);
+            moved_ = ::ReplaceFileW(replaced.c_str(), native_.c_str(), nullptr, kFlags, nullptr, nullptr);
+        }
+        if (!moved_) MoveOver(target);
     }
 
  private:
@@ -181,6 +187,9 @@ bool SameFolder(TextView a, TextView b) {
         BY_HANDLE_FILE_INFORMATION found{};
         if (!folder || !::GetFileInformationByHandle(folder.get(), &found)) return std::nullopt;
         if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return std::nullopt;
+        // Some network file systems have no numbers; a folder then equals none, and moving a file onto itself
+        // leaves it where it is.
+        if (found.nFileIndexHigh == 0 && found.nFileIndexLow == 0) return std::nullopt;
         return Identity(found.dwVolumeSerialNumber, found.nFileIndexHigh, found.nFileIndexLow);
     };
     const auto first = identity(a);
@@ -306,7 +315,10 @@ void MoveFileOver(TextView source, TextView target) {
                       MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
         return;
     const DWORD error = ::GetLastError();
-    if (error != ERROR_NOT_SAME_DEVICE) Refuse(error, source);
+    if (error != ERROR_NOT_SAME_DEVICE) {
+        RefuseHeldFile(target);  // names it, where it is what is in the way
+        Refuse(error, Attributes(target).value_or(0) & FILE_ATTRIBUTE_READONLY ? target : source);
+    }
     CopyOver(source, target);
     DeleteFile(source);
 }

@@ -322,6 +322,8 @@ void FormWindowWin::ShowModal(FormWindow* owner) {
     if (hwnd_ == nullptr) return;
     const HWND owner_window = WindowOf(owner);
     SetOwner(hwnd_, owner_window);
+    // Minimised, it would have no button on the task bar, and hold up the others unseen.
+    ::SetWindowLongPtrW(hwnd_, GWL_STYLE, kStyle & ~(WS_MINIMIZEBOX | WS_MAXIMIZEBOX));
     if (owner_window != nullptr) Centre(hwnd_, owner_window);
     bool done = false;
     modal_done_ = &done;

@@ -10,8 +10,9 @@ namespace tav {
 void OpenDocument(TextView path, FormWindow* owner) {
     if (!FileExists(path)) throw Failure(RunTimeError::FileNotFound, path);
     const HRESULT com = ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
+    const std::wstring full = win32::FullPath(path);  // the shell looks below the folder "0" for any other
     const HINSTANCE result =
-        ::ShellExecuteW(WindowOf(owner), L"open", win32::Wide(path).c_str(), L"0", L"0", SW_SHOWNORMAL);
+        ::ShellExecuteW(WindowOf(owner), L"open", full.c_str(), L"0", L"0", SW_SHOWNORMAL);
     if (SUCCEEDED(com)) ::CoUninitialize();
     const auto code = reinterpret_cast<INT_PTR>(result);
     if (code > 32) return;

@@ -32,9 +32,12 @@ constexpr std::array<std::pair<DWORD, RunTimeError>, 20> kMeanings = {{
     {ERROR_FILE_TOO_LARGE, RunTimeError::DiskFull},
 }};
 
-BOOL CALLBACK Collect(HWND window, LPARAM list) {
+// Called by the system, which no exception may pass through.
+BOOL CALLBACK Collect(HWND window, LPARAM list) noexcept try {
     reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
     return TRUE;
+} catch (const std::bad_alloc&) {
+    return FALSE;
 }
 
 }  // namespace
@@ -58,14 +61,16 @@ Text Variable(const wchar_t* name) {
         Filled([&](wchar_t* buffer, DWORD size) { return ::GetEnvironmentVariableW(name, buffer, size); }));
 }
 
-std::wstring NativePath(TextView path) {
+std::wstring FullPath(TextView path) {
     const std::wstring typed = Wide(path.empty() ? TextView(u".") : path);
-    std::wstring full = typed;
-    if (!typed.starts_with(L"\\\\?\\")) {
-        full = Filled([&](wchar_t* buffer, DWORD size) {
-            return ::GetFullPathNameW(typed.c_str(), size, buffer, nullptr);
-        });
-    }
+    if (typed.starts_with(L"\\\\?\\")) return typed;
+    return Filled([&](wchar_t* buffer, DWORD size) {
+        return ::GetFullPathNameW(typed.c_str(), size, buffer, nullptr);
+    });
+}
+
+std::wstring NativePath(TextView path) {
+    std::wstring full = FullPath(path);
     const bool prefixed = full.starts_with(L"\\\\?\\") || full.starts_with(L"\\\\.\\");
     if (!prefixed && full.starts_with(L"\\\\")) {
         full.replace(0, 2, L"\\\\?\\UNC\\");

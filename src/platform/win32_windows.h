@@ -71,8 +71,10 @@ std::vector<HWND> ThreadWindows();
 // The environment variable, or empty text.
 Text Variable(const wchar_t* name);
 
-// The full path in the form that may be longer than MAX_PATH, without a separator at its end; empty text is
-// the present folder.
+// From the root on; empty text is the present folder.
+std::wstring FullPath(TextView path);
+
+// The full path in the form that may be longer than MAX_PATH, without a separator at its end.
 std::wstring NativePath(TextView path);
 
 // What the system says about an error.

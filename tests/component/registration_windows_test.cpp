@@ -108,8 +108,11 @@ TEST_F(Registration, NobodyElseIsRegisteredFor) {
 TEST(RegistrationFree, AManifestIsEnough) {
     ACTCTXW request{};
     request.cbSize = sizeof request;
-    const std::wstring source = win32::Wide(ComponentFolder()) + L"TAV_OperationImport.manifest";
+    const std::wstring folder = win32::Wide(ComponentFolder());
+    const std::wstring source = folder + L"host.manifest";
     request.lpSource = source.c_str();
+    request.lpAssemblyDirectory = folder.c_str();
+    request.dwFlags = ACTCTX_FLAG_ASSEMBLY_DIRECTORY_VALID;
     const HANDLE context = ::CreateActCtxW(&request);
     ASSERT_NE(context, INVALID_HANDLE_VALUE) << ::GetLastError();
     ULONG_PTR cookie = 0;

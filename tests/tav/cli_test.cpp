@@ -43,6 +43,13 @@ TEST_F(Cli, SettingsAreKept) {
     EXPECT_THAT(Tav({"settings"}).out, HasSubstr("ImportPath = " + kept));
 }
 
+// FNV-1a: enough to see that two systems wrote the same bytes.
+std::string Fingerprint(const std::string& bytes) {
+    std::uint64_t hash = 0xCBF29CE484222325;
+    for (const char c : bytes) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3;
+    return std::to_string(bytes.size()) + " " + std::to_string(hash) + "\n";
+}
+
 TEST_F(Cli, AFolderBecomesADatabaseAndAReport) {
     samples::SampleFolder(folder_ / u"in/");
     Create();
@@ -90,6 +97,14 @@ TEST_F(Cli, AFolderBecomesADatabaseAndAReport) {
         EXPECT_EQ(none.out, "");
         EXPECT_THAT(none.err, testing::StartsWith("Сводная справка: В базе данных"));
     }
+
+    // One golden file for all systems.
+    std::string made = "rows " + Fingerprint(Content().dump());
+    made += "listfiles.xml " + Fingerprint(ReadFile(folder_ / u"in/listfiles.xml"));
+    for (const Text& name : ListFiles(folder_ / u"out", u".doc")) {
+        made += ToUtf8(name) + " " + Fingerprint(ReadFile(folder_ / u"out/" + name));
+    }
+    test::ExpectGolden("tav/made.txt", made);
 
     EXPECT_EQ(Tav({"clear", "--all", "--database", Database()}).status, 0);
     EXPECT_TRUE(Dump()["tav_operations"].empty());
