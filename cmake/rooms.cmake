@@ -62,7 +62,7 @@ function(tav_forms_module)
   find_package(Qt6 REQUIRED COMPONENTS Widgets)
   find_library(XCB_LIBRARY xcb REQUIRED)
   file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/platform/*_qt.cpp)
-  list(APPEND sources ${PROJECT_SOURCE_DIR}/src/platform/form_stretch.cpp)
+  list(APPEND sources ${PROJECT_SOURCE_DIR}/src/platform/form_stretch.cpp ${PROJECT_SOURCE_DIR}/src/platform/reader_names.cpp)
   add_library(tav_forms_qt MODULE ${sources})
   set_target_properties(
     tav_forms_qt

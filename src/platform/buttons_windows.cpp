@@ -1,6 +1,7 @@
 // Buttons, buttons with pictures, check boxes.
 #include "platform/control_windows.h"
 #include "platform/pictures_windows.h"
+#include "platform/reader_names.h"
 
 namespace tav {
 namespace {
@@ -42,15 +43,12 @@ class Button : public Pressed {
     void Press() override {
         if (::IsWindowEnabled(hwnd())) Raise(Event::Click);
     }
-    // One whose caption has no letter, such as "...", is narrow.
+    // One whose caption has no words is narrow.
     int MinWidth() const override {
         if (KeepsWidth()) return 6 * metrics().character();
         return std::max(metrics().Across(50), static_cast<int>(CaptionSize().cx) + metrics().Across(12));
     }
-    bool KeepsWidth() const override {
-        const auto letter = [](char16_t c) { return ::IsCharAlphaW(static_cast<wchar_t>(c)) != FALSE; };
-        return std::none_of(plan().caption.begin(), plan().caption.end(), letter);
-    }
+    bool KeepsWidth() const override { return !HasWords(plan().caption); }
     int HeightFor(int) const override { return metrics().line() + metrics().Down(6); }
 };
 

@@ -17,6 +17,7 @@
 #include <utility>
 
 #include "platform/pictures_qt.h"
+#include "platform/reader_names.h"
 #include "platform/text_qt.h"
 
 namespace tav {
@@ -98,15 +99,13 @@ class Pressed : public Captioned<Widget> {
     }
 };
 
-// One whose caption has no letter, such as "...", is narrow, and read out by its tool-tip.
+// One whose caption has no words is narrow.
 class Button : public Pressed<PressedByEnter> {
  public:
     Button(const ControlPlan& plan, QWidget* parent, const Raise& raise) : Pressed(plan, parent, raise) {
         constexpr int kNarrowCharacters = 6;
-        if (std::any_of(plan.caption.begin(), plan.caption.end(), [](QChar c) { return c.isLetter(); }))
-            return;
+        if (HasWords(plan.caption)) return;
         widget_->setFixedWidth(CharacterSize(*widget_, kNarrowCharacters, 0).width());
-        if (!plan.tool_tip.empty()) widget_->setAccessibleName(ToQt(plan.tool_tip));
     }
 };
 
@@ -115,7 +114,6 @@ class PictureButton : public Pressed<PressedByEnter> {
     PictureButton(const ControlPlan& plan, QWidget* parent, const Raise& raise)
         : Pressed(plan, parent, raise) {
         widget_->setIcon(PictureIcon(plan.picture, *widget_));
-        widget_->setAccessibleName(ToQt(plan.tool_tip.empty() ? plan.caption : plan.tool_tip));
         widget_->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     }
 
@@ -178,7 +176,6 @@ class PictureBox : public SeenControl<QLabel> {
         const int size = widget_->style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, widget_);
         widget_->setPixmap(
             PictureIcon(plan.picture, *widget_).pixmap(QSize(size, size), widget_->devicePixelRatio()));
-        widget_->setAccessibleName(ToQt(plan.tool_tip));
     }
 };
 

@@ -15,6 +15,7 @@
 #include <utility>
 
 #include "platform/form_layout_qt.h"
+#include "platform/reader_names.h"
 #include "platform/text_qt.h"
 
 namespace tav {
@@ -48,23 +49,6 @@ ShownForms& Shown() {
     return shown;
 }
 
-// What has no caption of its own is read out by that of the label or check box before it, else of its frame.
-void NameForReaders(const std::vector<MadeControl>& controls) {
-    std::unordered_map<TextView, TextView> frames;
-    const ControlPlan* before = nullptr;
-    for (const MadeControl& control : controls) {
-        const ControlPlan& plan = control->plan();
-        QWidget* widget = control->widget();
-        if (plan.kind == ControlKind::Frame) frames[plan.name] = plan.caption;
-        if (widget != nullptr && plan.caption.empty() && widget->accessibleName().isEmpty()) {
-            const bool named = before != nullptr && before->place.parent == plan.place.parent &&
-                               (before->kind == ControlKind::Label || before->kind == ControlKind::CheckBox);
-            widget->setAccessibleName(ToQt(named ? before->caption : frames[plan.place.parent]));
-        }
-        before = &plan;
-    }
-}
-
 // A label's mnemonic leads to the next control that takes the keyboard.
 void JoinLabels(const std::vector<MadeControl>& controls) {
     QWidget* next = nullptr;
@@ -86,7 +70,10 @@ FormWindowQt::FormWindowQt(const FormPlan& plan, FormEvents& events) : events_(&
     setAttribute(Qt::WA_QuitOnClose, false);  // a host's windows decide when the host ends
     MakeControls(plan);
     JoinLabels(controls_);
-    NameForReaders(controls_);
+    const std::vector<TextView> names = NamesForReaders(plan.controls);
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        if (!names[i].empty()) controls_[i]->widget()->setAccessibleName(ToQt(names[i]));
+    }
     LayOut(*this, plan.controls, controls_);
     default_ = FindButton(plan.default_button);
     cancel_ = FindButton(plan.cancel_button);

@@ -3,6 +3,7 @@
 #include <map>
 
 #include "platform/message_loop_windows.h"
+#include "platform/reader_names.h"
 #include "platform/shown_forms_windows.h"
 #include "platform/theme_windows.h"
 #include "platform/tool_tips_windows.h"
@@ -92,6 +93,7 @@ void FormWindowWin::Make() {
 
 void FormWindowWin::MakeControls() {
     const auto stretches = StretchOf(plan_.controls);
+    const std::vector<TextView> names = NamesForReaders(plan_.controls);
     std::map<TextView, ControlWin*> frames = {{TextView(), nullptr}};
     grid_.SetStretch(stretches.at({}));
     grids_ = {&grid_};
@@ -108,11 +110,13 @@ void FormWindowWin::MakeControls() {
         ControlWin* frame = frames.at(plan.place.parent);
         control.SetFrame(frame);
         (frame == nullptr ? grid_ : *frame->grid()).Add(control, plan);
+        if (!names[i].empty()) reader_names_.emplace_back(control.hwnd(), names[i]);
         if (!plan.tool_tip.empty()) AddToolTip(tool_tips_, control.hwnd(), plan.tool_tip);
         if (plan.name == plan_.default_button)
             ::SendMessageW(control.hwnd(), BM_SETSTYLE, BS_DEFPUSHBUTTON, TRUE);
     }
     for (Grid* grid : grids_) grid->SetGap(metrics_.Across(4));
+    TellReaders(reader_names_);
 }
 
 LRESULT CALLBACK FormWindowWin::Procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam) {
@@ -192,6 +196,7 @@ LRESULT FormWindowWin::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
             ShowMetrics();
             break;
         case WM_DESTROY:
+            ForgetReaders(reader_names_);
             ::RemovePropW(hwnd_, win32::Wide(plan_.name).c_str());
             break;
         case WM_NCDESTROY:

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/control_windows.h"
+#include "platform/readers_windows.h"
 
 namespace tav {
 
@@ -65,6 +66,7 @@ class FormWindowWin final : public WindowOfControls, public FormHost {
     HWND tool_tips_ = nullptr;
     Metrics metrics_;
     std::vector<MadeControl> controls_;
+    ReaderNames reader_names_;
     std::vector<Grid*> grids_;
     Grid grid_;
     HWND focus_ = nullptr;        // where the keyboard was when another window was activated

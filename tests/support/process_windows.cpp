@@ -63,7 +63,7 @@ Process::~Process() {
 }
 
 void Process::Kill() const {
-    ::TerminateProcess(state_->process.get(), 128 + 9);
+    if (state_->process) ::TerminateProcess(state_->process.get(), 128 + 9);
 }
 
 Outcome Process::Wait() {

@@ -1,3 +1,5 @@
+#include "support/screen_windows.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -5,7 +7,6 @@
 
 #include "platform/forms.h"
 #include "platform/win32_windows.h"
-#include "support/screen.h"
 
 namespace tav::test {
 namespace {
@@ -16,10 +17,22 @@ BOOL CALLBACK Collect(HWND window, LPARAM list) {
     reinterpret_cast<Windows*>(list)->push_back(window);
     return TRUE;
 }
+// Another program's, if it is not 0.
+DWORD driven = 0;
+
 Windows OfThread() {
     Windows windows;
-    ::EnumThreadWindows(::GetCurrentThreadId(), Collect, reinterpret_cast<LPARAM>(&windows));
+    ::EnumThreadWindows(driven == 0 ? ::GetCurrentThreadId() : driven, Collect,
+                        reinterpret_cast<LPARAM>(&windows));
     return windows;
+}
+
+// The window that is active and the one that has the keyboard.
+GUITHREADINFO State() {
+    GUITHREADINFO state{};
+    state.cbSize = sizeof state;
+    ::GetGUIThreadInfo(driven == 0 ? ::GetCurrentThreadId() : driven, &state);
+    return state;
 }
 
 HWND Named(const Windows& windows, const std::string& name) {
@@ -59,8 +72,9 @@ std::wstring ClassOf(HWND window) {
 }
 
 std::wstring Shown(HWND window) {
-    std::wstring text(static_cast<std::size_t>(::GetWindowTextLengthW(window)), L'\0');
-    ::GetWindowTextW(window, text.data(), static_cast<int>(text.size()) + 1);
+    std::wstring text(static_cast<std::size_t>(Send(window, WM_GETTEXTLENGTH)), L'\0');
+    text.resize(static_cast<std::size_t>(
+        Send(window, WM_GETTEXT, text.size() + 1, reinterpret_cast<LPARAM>(text.data()))));
     return text;
 }
 
@@ -140,6 +154,18 @@ std::map<UINT_PTR, std::function<void()>>& Actions() {
 
 }  // namespace
 
+DrivenProgram::DrivenProgram(HWND window) {
+    DWORD process = 0;
+    driven = ::GetWindowThreadProcessId(window, &process);
+    process_ = win32::Handle(::OpenProcess(SYNCHRONIZE, FALSE, process));
+}
+DrivenProgram::~DrivenProgram() {
+    driven = 0;
+}
+bool DrivenProgram::Ended() const {
+    return ::WaitForSingleObject(process_.get(), 0) == WAIT_OBJECT_0;
+}
+
 bool Wait(const std::function<bool()>& until) {
     constexpr ULONGLONG kMilliseconds = 20'000;
     const ULONGLONG end = ::GetTickCount64() + kMilliseconds;
@@ -170,7 +196,7 @@ bool OnScreen(const std::string& window) {
     return WindowNamed(window) != nullptr;
 }
 bool WaitActive(const std::string& window) {
-    return Wait([=] { return OnScreen(window) && ::GetActiveWindow() == WindowNamed(window); });
+    return Wait([=] { return OnScreen(window) && State().hwndActive == WindowNamed(window); });
 }
 void CloseWindow(const std::string& window) {
     Send(WindowNamed(window), WM_SYSCOMMAND, SC_CLOSE);
@@ -222,7 +248,7 @@ int BarOf(const Spot& spot) {
 std::string Focused() {
     std::wstring name;
     ::EnumPropsExW(
-        ::GetFocus(),
+        State().hwndFocus,
         [](HWND window, wchar_t* property, HANDLE value, ULONG_PTR found) CALLBACK -> BOOL {
             const bool text = (reinterpret_cast<ULONG_PTR>(property) >> 16) != 0;  // not a number
             if (text && value == window) *reinterpret_cast<std::wstring*>(found) = property;
@@ -233,13 +259,17 @@ std::string Focused() {
 }
 
 void Focus(const Spot& spot) {
-    ::SetFocus(Find(spot));
+    Send(WindowNamed(spot.window), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Find(spot)), TRUE);
 }
 
 void Click(const Spot& button) {
     HWND window = Find(button);
     ASSERT_TRUE(::IsWindowEnabled(window)) << button.control;
-    Send(window, BM_CLICK);
+    if (driven == 0) {
+        Send(window, BM_CLICK);
+    } else {
+        ::PostMessageW(window, BM_CLICK, 0, 0);  // what it opens is driven meanwhile
+    }
 }
 
 void Type(const Spot& spot, TextView text) {
@@ -276,14 +306,14 @@ void Press(Key key) {
                                                  {Key::Escape, VK_ESCAPE},
                                                  {Key::Up, VK_UP},
                                                  {Key::Down, VK_DOWN}};
-    ::PostMessageW(::GetFocus(), WM_KEYDOWN, kCodes.at(key), 1);
-    ::PostMessageW(::GetFocus(), WM_KEYUP, kCodes.at(key), 1 | 1 << 30);
+    ::PostMessageW(State().hwndFocus, WM_KEYDOWN, kCodes.at(key), 1);
+    ::PostMessageW(State().hwndFocus, WM_KEYUP, kCodes.at(key), 1 | 1 << 30);
     CurrentToolkit().ProcessEvents();
 }
 
 void PressAlt(char16_t letter) {
     constexpr LPARAM kWithAlt = 1 | 1 << 29;
-    ::PostMessageW(::GetFocus(), WM_SYSCHAR, letter, kWithAlt);
+    ::PostMessageW(State().hwndFocus, WM_SYSCHAR, letter, kWithAlt);
     CurrentToolkit().ProcessEvents();
 }
 
