@@ -20,7 +20,7 @@ Const kKey = "Software\TAV_OperationImport.SelfTest"
 Const kInn = "7701234567"
 Const kKpp = "770101001"
 
-Dim files, shell, environment, package, work, tav, failures
+Dim files, shell, environment, package, work, tav, failures, sorting
 Set files = CreateObject("Scripting.FileSystemObject")
 Set shell = CreateObject("WScript.Shell")
 Set environment = shell.Environment("PROCESS")
@@ -193,35 +193,34 @@ End Sub
 
 ' Lines in the order of their letters.
 Function Sorted(text)
-    Dim lines
-    lines = Split(text, vbLf)
-    SortPart lines, 0, UBound(lines)
-    Sorted = Join(lines, vbLf)
+    sorting = Split(text, vbLf)
+    SortPart 0, UBound(sorting)
+    Sorted = Join(sorting, vbLf)
 End Function
 
-Sub SortPart(lines, first, last)
+Sub SortPart(first, last)
     Dim low, high, middle, spare
     low = first
     high = last
     If low >= high Then Exit Sub
-    middle = lines((first + last) \ 2)
+    middle = sorting((first + last) \ 2)
     Do While low <= high
-        Do While lines(low) < middle
+        Do While sorting(low) < middle
             low = low + 1
         Loop
-        Do While middle < lines(high)
+        Do While middle < sorting(high)
             high = high - 1
         Loop
         If low <= high Then
-            spare = lines(low)
-            lines(low) = lines(high)
-            lines(high) = spare
+            spare = sorting(low)
+            sorting(low) = sorting(high)
+            sorting(high) = spare
             low = low + 1
             high = high - 1
         End If
     Loop
-    SortPart lines, first, high
-    SortPart lines, low, last
+    SortPart first, high
+    SortPart low, last
 End Sub
 
 Function Run(words)

@@ -98,7 +98,9 @@ class TemporaryFile {
             if (tries > 0) ::Sleep(kMilliseconds);
             moved_ = ::ReplaceFileW(replaced.c_str(), native_.c_str(), nullptr, kFlags, nullptr, nullptr);
         }
-        if (!moved_) MoveOver(target);
+        if (moved_) return;
+        if (Attributes(target).value_or(0) & FILE_ATTRIBUTE_READONLY) Refuse(ERROR_ACCESS_DENIED, target);
+        MoveOver(target);
     }
 
  private:
