@@ -81,7 +81,7 @@ class AdoEngine : public Engine {
 
 Text AdoProvider() {
     for (const wchar_t* provider : kProviders) {
-        if (win32::IsRegistered(provider)) return win32::FromWide(provider);
+        if (win32::CanMake(provider)) return win32::FromWide(provider);
     }
     return {};
 }

@@ -6,8 +6,8 @@
 
 namespace tav {
 
-// The name of the first provider that the machine has for the file: Jet 4.0, else ACE 16.0 or 12.0; empty
-// when none is registered.
+// The name of the first provider that the machine has for this process: Jet 4.0, else ACE 16.0 or 12.0;
+// empty when there is none. Every 64-bit Windows has a Jet that is for 32-bit processes alone.
 Text AdoProvider();
 
 // Opens the connection with that provider's name in the place of the connection string's own.

@@ -78,7 +78,9 @@ Object::Object(const wchar_t* program_id) {
                                     reinterpret_cast<void**>(&object_));
     }
     if (FAILED(result)) {
-        throw Failure(Text(u"ActiveX component can't create object: ").append(FromWide(program_id)));
+        Text words = u"ActiveX component can't create object: ";
+        words.append(FromWide(program_id)).append(u": ").append(ErrorWords(static_cast<DWORD>(result)));
+        throw Failure(words);
     }
 }
 
@@ -144,9 +146,14 @@ Variant Object::Invoke(WORD kind, const wchar_t* name, std::initializer_list<con
     return answer;
 }
 
-bool IsRegistered(const wchar_t* program_id) {
+bool CanMake(const wchar_t* program_id) {
+    const ComUse com;
     CLSID id{};
-    return SUCCEEDED(::CLSIDFromProgID(program_id, &id));
+    if (FAILED(::CLSIDFromProgID(program_id, &id))) return false;
+    void* factory = nullptr;
+    if (FAILED(::CoGetClassObject(id, CLSCTX_INPROC_SERVER, nullptr, IID_IUnknown, &factory))) return false;
+    static_cast<IUnknown*>(factory)->Release();
+    return true;
 }
 
 }  // namespace tav::win32

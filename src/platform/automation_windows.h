@@ -70,7 +70,8 @@ class Object {
     std::map<std::wstring, DISPID> numbers_;  // of the names asked for
 };
 
-// Whether a class of that programmatic identifier is registered.
-bool IsRegistered(const wchar_t* program_id);
+// Whether objects of that class can be made in this process. Its name alone says little: programs of both
+// widths share the names, and each width has components of its own.
+bool CanMake(const wchar_t* program_id);
 
 }  // namespace tav::win32

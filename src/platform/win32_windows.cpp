@@ -88,7 +88,10 @@ Text ErrorWords(DWORD error) {
                                           error, 0, words, static_cast<DWORD>(std::size(words)), nullptr);
     Text text = FromWide({words, length});
     while (text.ends_with(u'\n') || text.ends_with(u'\r') || text.ends_with(u' ')) text.pop_back();
-    return text.empty() ? u"system error " + Digits(error) : text;
+    if (!text.empty()) return text;
+    wchar_t number[16];  // COM's results are known in the second form
+    ::wsprintfW(number, error <= 0xFFFF ? L"%lu" : L"0x%08lX", error);
+    return u"system error " + FromWide(number);
 }
 
 void Refuse(DWORD error, TextView path) {

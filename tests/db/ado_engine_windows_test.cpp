@@ -11,6 +11,7 @@ namespace {
 using namespace test;
 using testing::AllOf;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
@@ -96,6 +97,34 @@ TEST_F(Ado, FailuresAreTheProvidersAndNameIt) {
     clearbaseAll(database_);
     EXPECT_THAT(Shown(), ElementsAre(AllOf(HasSubstr("clearbase: Could not find file"),
                                            HasSubstr("(Microsoft.Jet.OLEDB.4.0)"))));
+}
+
+// As on every 64-bit Windows: the name is for both widths, the class for 32-bit processes alone.
+TEST_F(Ado, AProviderForTheOtherWidthIsNone) {
+    constexpr wchar_t kId[] = L"{6B0D2C47-5F7A-4C55-9E0B-0C8A6C1D7E22}";
+    constexpr const wchar_t* kKeys[] = {
+        L"Software\\Classes\\Microsoft.Jet.OLEDB.4.0\\CLSID",
+        L"Software\\Classes\\Wow6432Node\\CLSID\\{6B0D2C47-5F7A-4C55-9E0B-0C8A6C1D7E22}\\InprocServer32"};
+    ::RegSetKeyValueW(HKEY_LOCAL_MACHINE, kKeys[0], nullptr, REG_SZ, kId, sizeof kId);
+    ::RegSetKeyValueW(HKEY_LOCAL_MACHINE, kKeys[1], nullptr, REG_SZ, L"x.dll", 6 * sizeof(wchar_t));
+    CLSID found{};
+    EXPECT_EQ(::CLSIDFromProgID(L"Microsoft.Jet.OLEDB.4.0", &found), S_OK);
+    EXPECT_EQ(EngineInUse(), u"native");
+    clearbaseAll(database_);
+    EXPECT_THAT(Shown(), IsEmpty());
+    for (const std::wstring key : kKeys) {
+        ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, key.substr(0, key.find_last_of(L'\\')).c_str());
+    }
+}
+
+TEST_F(Ado, AMachineWithoutWorkingAdoSaysSo) {
+    const AdoDouble ado;
+    constexpr wchar_t kNobody[] = L"{6B0D2C47-5F7A-4C55-9E0B-0C8A6C1D7E23}";
+    ::RegSetKeyValueW(HKEY_LOCAL_MACHINE, L"Software\\Classes\\ADODB.Connection\\CLSID", nullptr, REG_SZ,
+                      kNobody, sizeof kNobody);
+    clearbaseAll(database_);
+    EXPECT_THAT(Shown(), ElementsAre(AllOf(HasSubstr("can't create object: ADODB.Connection: "),
+                                           EndsWith(" (Microsoft.Jet.OLEDB.4.0)\r\n"))));
 }
 
 // What would change the statement's shape never gets to the provider.
