@@ -19,7 +19,7 @@ const Setting& Known(const std::string& name) {
 
 void List() {
     for (const Setting& setting : Settings()) {
-        PrintLine(Text(setting.name) + u" = " + SettingText(setting.name));
+        Guarded(u"Параметры", [&] { PrintLine(Text(setting.name) + u" = " + SettingText(setting.name)); });
         PrintLine(u"    " + Text(setting.meaning));
     }
 }

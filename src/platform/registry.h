@@ -45,6 +45,7 @@ bool WriteRegistry(Hive hive, TextView key, TextView name, const RegistryValue& 
 
 // The operating system's result of the last read or write, 0 for success; and what refused it, in words.
 int LastRegistryResult();
+inline constexpr int kRegistryAbsent = 2;  // there is no such key or value; both systems have that number
 Text LastRegistryFailure();
 
 }  // namespace tav

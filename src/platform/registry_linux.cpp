@@ -231,7 +231,7 @@ bool Succeeds(Operation operation) {
 bool ReadRegistry(Hive hive, TextView key, TextView name, RegistryValue& slot) {
     slot = Null();
     const bool readable = Succeeds([&] { slot = Store().Find(hive, key, name); });
-    if (readable && std::holds_alternative<Null>(slot)) last_result = ENOENT;
+    if (readable && std::holds_alternative<Null>(slot)) last_result = kRegistryAbsent;
     return last_result == 0;
 }
 

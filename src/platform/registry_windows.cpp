@@ -115,8 +115,10 @@ std::string BytesOf(const RegistryValue& value) {
 
 bool ReadRegistry(Hive hive, TextView key, TextView name, RegistryValue& slot) {
     slot = Null();
+    static_assert(kRegistryAbsent == ERROR_FILE_NOT_FOUND);
     for (const Place& place : PlacesOf(hive)) {
         if (Noted(Query(place, key, name, slot), key, name)) return true;
+        if (last_result != kRegistryAbsent) return false;  // it is there, and cannot be read
     }
     return false;
 }

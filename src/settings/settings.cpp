@@ -39,11 +39,8 @@ Text& ChosenDatabase() {
     return path;
 }
 
-Text AsText(const RegistryValue& value) {
-    if (const Text* text = std::get_if<Text>(&value)) return *text;
-    if (const auto* number = std::get_if<std::uint32_t>(&value)) return Digits(*number);
-    return {};
-}
+// No path is longer, nor anything else that is meant here.
+constexpr std::size_t kLongestText = 32767;
 
 }  // namespace
 
@@ -58,16 +55,23 @@ const Setting* FindSetting(TextView name) {
     return nullptr;
 }
 
-RegistryValue ReadSetting(TextView name) {
+std::optional<Text> ReadSetting(TextView name) {
     const Setting* setting = FindSetting(name);
     if (setting == nullptr) throw Failure(RunTimeError::InvalidProcedureCall, name);
     RegistryValue value;
-    ReadRegistry(setting->hive, setting->key, setting->name, value);
-    return value;
+    if (!ReadRegistry(setting->hive, setting->key, setting->name, value)) {
+        if (LastRegistryResult() == kRegistryAbsent) return std::nullopt;
+        throw Failure(LastRegistryFailure());
+    }
+    if (const auto* number = std::get_if<std::uint32_t>(&value)) return Digits(*number);
+    const Text* text = std::get_if<Text>(&value);
+    if (text == nullptr) throw Failure(RunTimeError::TypeMismatch, setting->name);
+    if (text->size() > kLongestText) throw Failure(RunTimeError::Overflow, setting->name);
+    return *text;
 }
 
 Text SettingText(TextView name) {
-    return AsText(ReadSetting(name));
+    return ReadSetting(name).value_or(Text());
 }
 
 std::int16_t SettingSwitch(TextView name) {
@@ -114,8 +118,8 @@ Text getbase() {
             path = ChosenDatabase();
             return;
         }
-        const RegistryValue folder = ReadSetting(u"DataBasePath");
-        path = std::holds_alternative<Null>(folder) ? ComponentFolder() : AsText(folder);
+        const std::optional<Text> folder = ReadSetting(u"DataBasePath");
+        path = folder ? *folder : ComponentFolder();
         if (!path.ends_with(kPathSeparator)) path += kPathSeparator;
         path += kDatabaseName;
     });

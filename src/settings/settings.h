@@ -1,6 +1,7 @@
 // The component's settings and where its database lies.
 #pragma once
 
+#include <optional>
 #include <span>
 
 #include "common/text.h"
@@ -22,8 +23,9 @@ std::span<const Setting> Settings();
 // The setting of that name in any letter case, or nullptr.
 const Setting* FindSetting(TextView name);
 
-// A value as text; Null when it is absent. `name` must be one of Settings().
-RegistryValue ReadSetting(TextView name);
+// A value as text, none when it is absent. One that is there and cannot be read, or is no text, is a Failure
+// that names it. `name` must be one of Settings().
+std::optional<Text> ReadSetting(TextView name);
 // The text of a value, empty when it is absent.
 Text SettingText(TextView name);
 // A switch as a 16-bit whole number, 0 when absent. Text that is no number is "Type mismatch", one too large

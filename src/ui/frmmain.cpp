@@ -23,6 +23,7 @@
 namespace tav {
 namespace {
 
+constexpr TextView kLoadTitle = u"Ошибка в функции Form_Load";
 constexpr int kRefreshMilliseconds = 100;
 
 // The number behind `label` in the information text, up to the line break; 0 when it is not there.
@@ -31,6 +32,15 @@ long long NumberAfter(TextView information, TextView label) {
     if (at == information.npos) return 0;
     TextView rest = information.substr(at + label.size());
     return ParseInteger(GetNext(rest, u"\r\n")).value_or(0);
+}
+
+// A setting that cannot be read is shown as an empty box, and stays until something is written there.
+bool IsStored(TextView name, TextView text) {
+    try {
+        return SettingText(name) == text;
+    } catch (const Failure&) {
+        return text.empty();
+    }
 }
 
 Text TaxpayerLine(TextView inn, TextView kpp) {
@@ -65,16 +75,18 @@ void frmmain::Form_Load() {
     constexpr int kUnattendedMilliseconds = 500;
     refreshed_ = false;
     txtAbout.Set(Text(u"База данных: ").append(getbase()));
-    txtImport.Set(SettingText(u"ImportPath"));
-    txtExport.Set(SettingText(u"ExportPath"));
-    txtOut.Set(SettingText(u"OutPath"));
-    // Before anything is shown: a message lets the timer go on, and a refresh saves the box as it is. What is
-    // neither true nor false is a failure of its own.
-    txtOut.Enable(false);
-    Guarded(u"Ошибка в функции Form_Load", [&] {
-        chkImportPath.Check(SettingTruth(u"ChkOut"));
-        chkImportPath_Click();
-    });
+    // Each on its own; and what fails is shown when all are there: a message lets the timer go on, and a
+    // refresh saves the boxes as they are.
+    std::vector<Failure> failures;
+    const auto load = [&](auto&& setting) {
+        GuardedBy(setting, [&](const Failure& failure) { failures.push_back(failure); });
+    };
+    load([&] { txtImport.Set(SettingText(u"ImportPath")); });
+    load([&] { txtExport.Set(SettingText(u"ExportPath")); });
+    load([&] { txtOut.Set(SettingText(u"OutPath")); });
+    load([&] { chkImportPath.Check(SettingTruth(u"ChkOut")); });
+    chkImportPath_Click();
+    for (const Failure& failure : failures) ShowFailure(kLoadTitle, failure);
     Form_Again();
     if (StartedFor().import) Timer2.SetInterval(kUnattendedMilliseconds);
 }
@@ -82,7 +94,7 @@ void frmmain::Form_Load() {
 // The host may have gone on to another taxpayer.
 void frmmain::Form_Again() {
     ShowFailuresAgain();
-    ShowTaxpayer();
+    Guarded(kLoadTitle, [&] { ShowTaxpayer(); });
     FillBase();
     ScheduleRefresh();
 }
@@ -196,7 +208,7 @@ bool frmmain::SaveFolders() {
                                                 {u"OutPath", txtOut.Get()},
                                                 {u"ChkOut", chkImportPath.Checked() ? u"1" : u"0"}};
     return std::all_of(std::begin(values), std::end(values), [](const auto& value) {
-        return SettingText(value.first) == value.second || WriteSetting(value.first, value.second);
+        return IsStored(value.first, value.second) || WriteSetting(value.first, value.second);
     });
 }
 

@@ -65,6 +65,29 @@ TEST(SettingsTable, TypedAccess) {
     EXPECT_THROW(ReadSetting(u"Unknown"), Failure);
 }
 
+// A value of another kind than meant is neither absent nor an empty text.
+TEST(SettingsTable, WhatIsNoTextIsRefusedByItsName) {
+    const OwnSettings own;
+    const auto refusal = [](TextView name, const RegistryValue& value, RegistryType type) -> Text {
+        const Setting& setting = *FindSetting(name);
+        WriteRegistry(setting.hive, setting.key, setting.name, value, type);
+        try {
+            return u"= " + SettingText(name);
+        } catch (const Failure& failure) {
+            return failure.description();
+        }
+    };
+    EXPECT_EQ(refusal(u"ImportPath", Binary{"abc"}, RegistryType::Binary), u"Type mismatch: ImportPath");
+    EXPECT_EQ(refusal(u"ChkOut", Binary{}, RegistryType::MultiString), u"Type mismatch: ChkOut");
+    EXPECT_EQ(refusal(u"SpVupis", std::uint32_t{1}, RegistryType::DoubleWord), u"= 1");
+    EXPECT_EQ(refusal(u"OutPath", Text(32768, u'x'), RegistryType::String), u"Overflow: OutPath");
+    EXPECT_EQ(refusal(u"DataBasePath", Binary{"x"}, RegistryType::Binary), u"Type mismatch: DataBasePath");
+    test::MessageList shown;
+    EXPECT_EQ(getbase(), u"");
+    ASSERT_EQ(shown.messages.size(), 1U);
+    EXPECT_EQ(shown.messages[0].title, u"Ошибка в функции getbase");
+}
+
 TEST(Getbase, FolderOfTheHostWithOneSeparator) {
     const OwnSettings own;
     EXPECT_EQ(getbase(), ComponentFolder() + u"PlX_Base.mdb");

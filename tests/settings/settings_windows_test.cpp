@@ -49,6 +49,37 @@ TEST_F(MachineKey, The32BitHalfComesFirst) {
     EXPECT_EQ(Value(), RegistryValue(Text(u"32")));
 }
 
+// Nor what cannot be read there: the other half is for what is not there.
+TEST_F(MachineKey, AnUnreadable32BitHalfIsNoReasonToReadTheOther) {
+    Put(KEY_WOW64_64KEY, u"64");
+    Put(KEY_WOW64_32KEY, REG_QWORD, "12345678", 8);
+    EXPECT_EQ(Value(), RegistryValue(Null()));
+    EXPECT_FALSE(read_);
+    EXPECT_EQ(LastRegistryResult(), ERROR_UNSUPPORTED_TYPE);
+}
+
+TEST(WindowsRegistry, AKeyThatMayNotBeReadIsNotAnEmptyOne) {
+    const test::OwnSettings own;
+    ASSERT_TRUE(WriteSetting(u"DataBasePath", u"C:\\"));
+    const std::wstring path =
+        win32::Wide(own.store() + u"\\HKEY_LOCAL_MACHINE\\" + Text(FindSetting(u"DataBasePath")->key));
+    HKEY key = nullptr;
+    ASSERT_EQ(::RegOpenKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, WRITE_DAC, &key), ERROR_SUCCESS);
+    ACL nobody{};
+    ASSERT_TRUE(::InitializeAcl(&nobody, sizeof nobody, ACL_REVISION));
+    SECURITY_DESCRIPTOR rights{};
+    ::InitializeSecurityDescriptor(&rights, SECURITY_DESCRIPTOR_REVISION);
+    ::SetSecurityDescriptorDacl(&rights, TRUE, &nobody, FALSE);
+    ASSERT_EQ(::RegSetKeySecurity(key, DACL_SECURITY_INFORMATION, &rights), ERROR_SUCCESS);
+    test::MessageList shown;
+    EXPECT_EQ(getbase(), u"");
+    ASSERT_EQ(shown.messages.size(), 1U);
+    EXPECT_NE(shown.messages[0].text.find(u"DataBasePath: "), Text::npos) << ToUtf8(shown.messages[0].text);
+    ::SetSecurityDescriptorDacl(&rights, TRUE, nullptr, FALSE);  // for everybody
+    ::RegSetKeySecurity(key, DACL_SECURITY_INFORMATION, &rights);
+    ::RegCloseKey(key);
+}
+
 TEST_F(MachineKey, WhatOtherProgramsLeaveThere) {
     const auto text = [&](DWORD type, std::string_view bytes) {
         Put(KEY_WOW64_32KEY, type, bytes.data(), bytes.size());

@@ -217,6 +217,21 @@ TEST_F(Windows, KeepsTheSettings) {
     EXPECT_EQ(SettingText(u"ImportPath"), folder_ / u"in");
 }
 
+TEST_F(Windows, ASettingOfAnotherKindStaysAsItIsAndTheOthersAreKept) {
+    const Setting& out = *FindSetting(u"OutPath");
+    const RegistryValue odd = Binary{"x"};
+    WriteRegistry(out.hive, out.key, out.name, odd, RegistryType::Binary);
+    Start();
+    ASSERT_TRUE(WaitCounts("lblInfoFile", "Файлов в папке: 0"));
+    Type(Main("txtExport"), u"C:\\отчёты");
+    Click(Main("Command5"));
+    EXPECT_THAT(Shown(), ElementsAre("Ошибка в функции Form_Load: Type mismatch: OutPath\r\n"));
+    EXPECT_EQ(SettingText(u"ExportPath"), u"C:\\отчёты");
+    RegistryValue left;
+    EXPECT_TRUE(ReadRegistry(out.hive, out.key, out.name, left));
+    EXPECT_EQ(left, odd);
+}
+
 // A message that a person leaves standing: the windows' timers go on meanwhile.
 class StandingBox : public MessageBox {
  public:
