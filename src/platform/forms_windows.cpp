@@ -31,6 +31,13 @@ int CALLBACK OnBrowse(HWND dialog, UINT message, LPARAM, LPARAM start) {
     return 0;
 }
 
+// A box is as high as its text. The beginning of a long one says what it is about, and often its end why.
+std::wstring Shortened(TextView text) {
+    constexpr std::size_t kHalf = 2000;
+    if (text.size() <= 2 * kHalf) return win32::Wide(text);
+    return win32::Wide(text.substr(0, kHalf)) + L" \x2026 " + win32::Wide(text.substr(text.size() - kHalf));
+}
+
 class ToolkitWin : public Toolkit {
  public:
     OwnedWindow Create(const FormPlan& plan, FormEvents& events) override {
@@ -45,7 +52,7 @@ class ToolkitWin : public Toolkit {
         const ScopedTheme theme;
         const FormWindowWin* active = ActiveForm();
         const UINT icon = message.icon == MessageIcon::Critical ? MB_ICONERROR : MB_ICONINFORMATION;
-        ::MessageBoxW(active == nullptr ? nullptr : active->hwnd(), win32::Wide(message.text).c_str(),
+        ::MessageBoxW(active == nullptr ? nullptr : active->hwnd(), Shortened(message.text).c_str(),
                       win32::Wide(message.title).c_str(),
                       MB_OK | icon | (active == nullptr ? MB_TASKMODAL | MB_SETFOREGROUND : 0));
     }
@@ -62,10 +69,11 @@ class ToolkitWin : public Toolkit {
         browse.lpfn = OnBrowse;
         browse.lParam = reinterpret_cast<LPARAM>(first.c_str());
         PIDLIST_ABSOLUTE chosen = ::SHBrowseForFolderW(&browse);
-        wchar_t path[MAX_PATH] = L"";
-        if (chosen != nullptr) ::SHGetPathFromIDListW(chosen, path);
+        wchar_t* path = nullptr;  // of any length
+        if (chosen != nullptr) ::SHGetNameFromIDList(chosen, SIGDN_FILESYSPATH, &path);
         ::CoTaskMemFree(chosen);
-        return win32::FromWide(path);
+        const std::unique_ptr<wchar_t, decltype(&::CoTaskMemFree)> owned(path, ::CoTaskMemFree);
+        return path == nullptr ? Text() : win32::FromWide(path);
     }
 
     void ProcessEvents() override { HandleWaiting(); }
