@@ -2,6 +2,7 @@
 
 #include "common/guard.h"
 #include "dispatch_windows.h"
+#include "one_thread_windows.h"
 #include "type_library_windows.h"
 #include "ui/screen.h"
 
@@ -25,8 +26,12 @@ Date DateOf(DATE date) {
 template <class Operation>
 HRESULT Succeed(TextView title, Operation&& operation) noexcept {
     try {
-        UseWindowsIfAny();  // for what is wrong with an argument, too
-        Guarded(title, operation);
+        if (const OneThread thread; thread) {
+            UseWindowsIfAny();  // for what is wrong with an argument, too
+            Guarded(title, operation);
+        } else {
+            ShowWrongThread(title);
+        }
     } catch (...) {
         return S_OK;
     }

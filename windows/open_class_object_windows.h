@@ -2,7 +2,8 @@
 // by their names, and IProvideClassInfo.
 //
 // Every operation succeeds whatever happens in it; the failure is shown by the operation itself
-// (host/open_class.h). The object is for one thread, that of the host's user interface.
+// (host/open_class.h). The object is for one thread, that of the host's user interface; an operation on
+// another is refused while that one has windows or works.
 #pragma once
 
 #include <oaidl.h>

@@ -11,7 +11,6 @@
 namespace tav {
 namespace {
 
-constexpr wchar_t kClass[] = L"TAV_OperationImport";
 constexpr DWORD kStyle = WS_OVERLAPPEDWINDOW;
 
 RECT WorkArea(HWND window) {
@@ -47,7 +46,7 @@ void RegisterFormClass(WNDPROC procedure) {
         form.hIcon = ::LoadIconW(nullptr, IDI_APPLICATION);
         form.hCursor = ::LoadCursorW(nullptr, IDC_ARROW);
         form.hbrBackground = ::GetSysColorBrush(COLOR_3DFACE);
-        form.lpszClassName = kClass;
+        form.lpszClassName = kFormClass;
         return ::RegisterClassExW(&form);
     }();
     static_cast<void>(registered);  // a class that is missing shows when its window is created
@@ -75,9 +74,9 @@ FormWindowWin::~FormWindowWin() {
 void FormWindowWin::Make() {
     const ScopedTheme theme;
     RegisterFormClass(&Procedure);
-    ::CreateWindowExW(WS_EX_CONTROLPARENT, kClass, win32::Wide(plan_.caption).c_str(), kStyle, CW_USEDEFAULT,
-                      CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, nullptr, nullptr, win32::ThisModule(),
-                      this);
+    ::CreateWindowExW(WS_EX_CONTROLPARENT, kFormClass, win32::Wide(plan_.caption).c_str(), kStyle,
+                      CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, nullptr, nullptr,
+                      win32::ThisModule(), this);
     if (hwnd_ == nullptr) throw Failure(u"Окна показать нельзя: " + win32::ErrorWords(::GetLastError()));
     ::SetPropW(hwnd_, win32::Wide(plan_.name).c_str(), hwnd_);
     metrics_ = Metrics(DpiOf(hwnd_));
@@ -217,6 +216,18 @@ void FormWindowWin::Discard() {
     const Running running(*this);
     Hide();
     events_ = nullptr;
+}
+
+bool FormWindowWin::Exists() const {
+    return hwnd_ != nullptr && ::GetWindowLongPtrW(hwnd_, GWLP_USERDATA) == reinterpret_cast<LONG_PTR>(this);
+}
+
+// The loops of a thread that has ended are no more, either.
+void FormWindowWin::ForgetIfLost() {
+    if (hwnd_ == nullptr || Exists()) return;
+    modal_done_ = nullptr;
+    disabled_.clear();
+    Gone();
 }
 
 // The window is no more, whoever destroyed it; the form may still ask.

@@ -22,6 +22,7 @@ class FormWindowWin final : public WindowOfControls, public FormHost {
     FormWindowWin& operator=(const FormWindowWin&) = delete;
 
     void Discard() override;
+    bool Exists() const override;
     void Show() override;
     void ShowModal(FormWindow* owner) override;
     void Hide() override;
@@ -34,6 +35,8 @@ class FormWindowWin final : public WindowOfControls, public FormHost {
     void Raise(std::size_t control, Event event) override;
     void Arrange() override;
 
+    // Lets go of a window whose thread ended without telling.
+    void ForgetIfLost();
     // A key of this window or of a control in it. Whether it has been used up.
     bool TakeKey(MSG& message);
 

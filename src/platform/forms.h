@@ -101,6 +101,8 @@ class FormWindow {
     // any time, also while one of its events is handled; the object goes when that is over. A window that is
     // left when main has ended is simply left.
     virtual void Discard() = 0;
+    // Whether it is still there: a host may destroy windows that are not its own, or end their thread.
+    virtual bool Exists() const { return true; }
 
     // Modeless, in front, with the input focus; of no owner.
     virtual void Show() = 0;

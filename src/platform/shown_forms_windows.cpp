@@ -31,13 +31,32 @@ LRESULT CALLBACK OnMessageTaken(int code, WPARAM removed, LPARAM taken) {
     return ::CallNextHookEx(nullptr, code, removed, taken);
 }
 
+// Ends the search at a window of ours.
+BOOL CALLBACK FindForm(HWND window, LPARAM found) {
+    wchar_t name[std::size(kFormClass) + 1] = {};
+    ::GetClassNameW(window, name, static_cast<int>(std::size(name)));
+    const bool ours =
+        std::wstring_view(name) == kFormClass &&
+        ::GetWindowLongPtrW(window, GWLP_HINSTANCE) == reinterpret_cast<LONG_PTR>(win32::ThisModule());
+    *reinterpret_cast<bool*>(found) = ours;
+    return ours ? FALSE : TRUE;
+}
+
 }  // namespace
 
 int OpenForms() {
-    return static_cast<int>(All().made.size());
+    return static_cast<int>(
+        std::ranges::count_if(All().made, [](const FormWindowWin* form) { return form->Exists(); }));
+}
+
+bool HasForms(DWORD thread) {
+    bool found = false;
+    ::EnumThreadWindows(thread, FindForm, reinterpret_cast<LPARAM>(&found));
+    return found;
 }
 
 void FormMade(FormWindowWin* form) {
+    for (FormWindowWin* other : All().made) other->ForgetIfLost();
     All().made.insert(form);
 }
 

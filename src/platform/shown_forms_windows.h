@@ -7,8 +7,13 @@ namespace tav {
 
 class FormWindowWin;
 
-// Forms that are made and not yet gone; the module stays loaded while there are any.
+// Forms whose windows are made and not yet gone; the module stays loaded while there are any.
 int OpenForms();
+
+// The class of their windows.
+inline constexpr wchar_t kFormClass[] = L"TAV_OperationImport";
+// Whether that thread has windows of forms; to be asked by any thread.
+bool HasForms(DWORD thread);
 
 void FormMade(FormWindowWin* form);
 void FormGone(FormWindowWin* form);

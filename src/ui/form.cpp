@@ -36,7 +36,7 @@ Form::Form(const FormPlan& plan, TextView load_title) : plan_(plan), load_title_
 
 void Form::Load() {
     const bool again = Loaded();
-    if (window_ == nullptr) window_ = CurrentToolkit().Create(plan_, *this);
+    if (window_ == nullptr || !window_->Exists()) window_ = CurrentToolkit().Create(plan_, *this);
     unloaded_ = false;
     const Running running(*this);
     Guarded(load_title_, [&] { again ? Form_Again() : Form_Load(); });

@@ -23,7 +23,7 @@ class Form : public FormEvents {
     Form& operator=(const Form&) = delete;
 
     // Whether there is a window that the user has not closed.
-    bool Loaded() const { return window_ != nullptr && !unloaded_; }
+    bool Loaded() const { return window_ != nullptr && !unloaded_ && window_->Exists(); }
     // Creates the window and runs Form_Load; a window that is there gets Form_Again. Without a toolkit: a
     // Failure, and nothing has changed.
     void Load();

@@ -4,7 +4,6 @@
 #include <ocidl.h>
 
 #include <cmath>
-#include <functional>
 
 #include "component.h"
 #include "db/empty_database.h"
@@ -82,18 +81,6 @@ TEST(Class, MethodsOfTheVtableSucceedAndWithoutAFolderAnImportDoesNothing) {
     EXPECT_EQ(methods->import(Bstr(u"7701000000").get(), Bstr(u"770101001").get()), S_OK);
 }
 
-// With a message loop of the host, here this test's.
-bool HandleMessagesUntil(const std::function<bool()>& done) {
-    for (int i = 0; i < 500 && !done(); ++i) {
-        for (MSG message; ::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);) {
-            ::TranslateMessage(&message);
-            ::DispatchMessageW(&message);
-        }
-        ::Sleep(10);
-    }
-    return done();
-}
-
 TEST(Class, WindowsKeepTheLibraryBusyWhenTheObjectIsGone) {
     const test::OwnSettings settings;
     const test::TempFolder folder;
@@ -105,7 +92,7 @@ TEST(Class, WindowsKeepTheLibraryBusyWhenTheObjectIsGone) {
     ASSERT_TRUE(::IsWindowVisible(window));
     EXPECT_EQ(TheLibrary().CanUnloadNow(), S_FALSE);
     ::PostMessageW(window, WM_CLOSE, 0, 0);
-    EXPECT_TRUE(HandleMessagesUntil([] { return TheLibrary().CanUnloadNow() == S_OK; }));
+    EXPECT_TRUE(test::HandleMessagesUntil([] { return TheLibrary().CanUnloadNow() == S_OK; }));
     EXPECT_FALSE(::IsWindow(window));
     EXPECT_EQ(somebody.Leave(), "");
 }

@@ -5,6 +5,7 @@
 #include <oaidl.h>
 #include <windows.h>
 
+#include <functional>
 #include <memory>
 
 #include "identity_windows.h"
@@ -62,6 +63,18 @@ Com<Interface> Query(IUnknown& object, const GUID& id) {
     void* found = nullptr;
     object.QueryInterface(id, &found);
     return Com<Interface>(static_cast<Interface*>(found));
+}
+
+// The message loop of the host, here the test.
+inline bool HandleMessagesUntil(const std::function<bool()>& done) {
+    for (int i = 0; i < 500 && !done(); ++i) {
+        for (MSG message; ::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);) {
+            ::TranslateMessage(&message);
+            ::DispatchMessageW(&message);
+        }
+        ::Sleep(10);
+    }
+    return done();
 }
 
 // A text that frees itself.

@@ -24,12 +24,17 @@ TEST(Script, CallsEveryOperationAndGetsTheErrorsOfWrongCalls) {
     const test::OwnSettings settings;
     const test::TempFolder folder;
     samples::SampleFolder(folder / u"in");
-    ASSERT_TRUE(WriteSetting(u"DataBasePath", folder.path()));
     ASSERT_TRUE(WriteSetting(u"ImportPath", folder / u"in"));
     ASSERT_TRUE(WriteSetting(u"ExportPath", folder / u"reports"));
-    CreateDatabase(folder / u"PlX_Base.mdb");
+    // The database and the schema lie beside the library, wherever that is.
+    const Text home = folder / u"Выписки и акты/";
+    MakeFolders(home);
+    CreateDatabase(home + u"PlX_Base.mdb");
+    for (const TextView file : {u"TAV_OperationImport.dll", u"IU_AKTSVP_1_862_01_05_01_01.xsd"}) {
+        WriteFileWhole(home + Text(file), ReadFile(ComponentFolder() + Text(file)));
+    }
     const test::OpenedDocuments opened(folder);
-    const std::string library = ToUtf8(win32::FromWide(test::ComponentPath()));
+    const std::string library = ToUtf8(home) + "TAV_OperationImport.dll";
     ASSERT_EQ(test::RunProgram("regsvr32", {"/s", library}).status, 0);
 
     const Text script =

@@ -1,0 +1,28 @@
+// The rule that the component works on one thread at a time: the one whose operation runs, or whose windows
+// are there. Its state and its windows are for one thread; COM holds to that only hosts that pass objects on
+// by its rules. When nothing runs and no window is left, another thread may be the next.
+#pragma once
+
+#include "common/text.h"
+
+namespace tav {
+
+// An operation of the present thread, for as long as it lives.
+class OneThread {
+ public:
+    OneThread();
+    ~OneThread();
+    OneThread(const OneThread&) = delete;
+    OneThread& operator=(const OneThread&) = delete;
+
+    // False when another thread is at work; nothing of the component may be touched then.
+    explicit operator bool() const { return entered_; }
+
+ private:
+    const bool entered_;
+};
+
+// Tells the user that the operation was refused, in a box of the present thread.
+void ShowWrongThread(TextView title);
+
+}  // namespace tav
