@@ -105,6 +105,7 @@ void Refuse(DWORD error, TextView path) {
 }
 
 Handle OpenFile(TextView path, DWORD access, DWORD share) {
+    if (path.empty()) Refuse(ERROR_FILE_NOT_FOUND, path);  // else it were the present folder
     Handle file(::CreateFileW(NativePath(path).c_str(), access, share, nullptr, OPEN_EXISTING,
                               FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file) Refuse(::GetLastError(), path);

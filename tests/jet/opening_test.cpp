@@ -57,7 +57,9 @@ TEST(Opening, MissingFileOrFolder) {
     TempFolder folder;
     EXPECT_EQ(OpenFailure(folder / u"none.mdb"),
               "Could not find file '" + ToUtf8(folder / u"none.mdb") + "'.");
-    EXPECT_THAT(OpenFailure(folder / u"no/none.mdb"), HasSubstr("Could not find file"));
+    for (const Text& path : {folder / u"no/none.mdb", Text()}) {
+        EXPECT_THAT(OpenFailure(path), HasSubstr("Could not find file"));
+    }
     EXPECT_NE(OpenFailure(folder.path()), "");
 }
 

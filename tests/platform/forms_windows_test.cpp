@@ -132,7 +132,8 @@ TEST_F(FormsWindows, AWindowThatOthersDestroyedDoesNoHarm) {
     window->Show();
     window->ShowModal(nullptr);
     EXPECT_EQ(window->GetText(kFolder), u"");
-    EXPECT_EQ(OpenForms(), 1);
+    EXPECT_FALSE(window->Exists());
+    EXPECT_EQ(OpenForms(), 0);
     CurrentToolkit().RunUntilClosed();
 }
 
