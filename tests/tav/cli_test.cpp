@@ -185,6 +185,28 @@ TEST_F(Cli, ADatabaseInUseIsLeftAlone) {
     EXPECT_EQ(Import().status, 0);
 }
 
+// Two hosts at once: each statement is in the database once, whoever was first, and the other says why.
+TEST_F(Cli, TwoImportsAtOnce) {
+    samples::ManyFiles(folder_ / u"in/", 60);
+    Create();
+    ASSERT_EQ(Import().status, 0);
+    const Json whole = Content();
+    for (int turn = 0; turn < 4; ++turn) {
+        DeleteFile(folder_ / u"PlX_Base.mdb");
+        if (turn % 2 == 0) DeleteFile(folder_ / u"in/listfiles.xml");
+        Create();
+        test::Process first("tav", ImportArguments());
+        const Outcome second = Import();
+        for (const Outcome& outcome : {first.Wait(), second}) {
+            if (outcome.status == 0) continue;
+            EXPECT_THAT(outcome.err, testing::AnyOf(HasSubstr("PlX_Base.mdb"), HasSubstr("listfiles.xml")));
+        }
+        ExpectWhole();
+        ASSERT_EQ(Import().status, 0);
+        EXPECT_EQ(Content(), whole) << turn;
+    }
+}
+
 TEST_F(Cli, AKillAtAnyMomentLosesNothing) {
     samples::ManyFiles(folder_ / u"in/", 60);
     Create();
