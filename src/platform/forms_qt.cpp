@@ -70,11 +70,12 @@ class ToolkitQt : public Toolkit {
 
     // Outside a loop Qt leaves objects that are to be deleted for the next one, which a host without a loop
     // never starts.
-    void ProcessEvents() override {
+    bool ProcessEvents() override {
         QCoreApplication::processEvents();
         if (QThread::currentThread()->loopLevel() == 0) {
             QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         }
+        return true;
     }
     void RunUntilClosed() override { RunUntilNoFormIsShown(); }
 };

@@ -76,7 +76,7 @@ class ToolkitWin : public Toolkit {
         return path == nullptr ? Text() : win32::FromWide(path);
     }
 
-    void ProcessEvents() override { HandleWaiting(); }
+    bool ProcessEvents() override { return HandleWaiting(); }
     void RunUntilClosed() override { RunUntilNoFormIsShown(); }
 };
 

@@ -29,13 +29,15 @@ void WakeLoop() {
     ::PostThreadMessageW(::GetCurrentThreadId(), WM_NULL, 0, 0);
 }
 
-void HandleWaiting() {
+bool HandleWaiting() {
     constexpr ULONGLONG kMilliseconds = 100;
     const ULONGLONG end = ::GetTickCount64() + kMilliseconds;
     MSG message;
     while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-        if (!Handle(message) || ::GetTickCount64() > end) return;
+        if (!Handle(message)) return false;
+        if (::GetTickCount64() > end) break;
     }
+    return true;
 }
 
 }  // namespace tav

@@ -4,6 +4,7 @@
 
 #include "db/run_import.h"
 #include "platform/forms.h"
+#include "settings/session.h"
 #include "ui/frmShortImport.h"
 #include "ui/frmmain.h"
 
@@ -44,7 +45,7 @@ void WindowProgress::ProcessEvents() {
     const auto now = std::chrono::steady_clock::now();
     if (now - drawn_ < kBetweenDrawings) return;
     Draw();
-    CurrentToolkit().ProcessEvents();
+    if (!CurrentToolkit().ProcessEvents()) RequestCancel();  // a program that ends does not wait for the rest
     drawn_ = std::chrono::steady_clock::now();
 }
 

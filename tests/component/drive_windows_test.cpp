@@ -48,13 +48,13 @@ class Drive : public Desktop {
 };
 
 TEST_F(Drive, ImportCancelFilterClear) {
-    constexpr int kRead = 500;
+    constexpr int kRead = 1500;  // long enough for the cancel to come
     constexpr std::size_t kLoaded = 50;
     WriteStatements(kRead);
     folder_.Write(u"in/listfiles.xml", "of before");
     StartHost();
 
-    ASSERT_TRUE(WaitCounts("lblInfoFile", "Подлежат загрузке: 500"));
+    ASSERT_TRUE(WaitCounts("lblInfoFile", "Подлежат загрузке: " + std::to_string(kRead)));
     Click(Main("Command1"));
     ASSERT_TRUE(WaitShown("frmShortImport"));
     Click({"frmShortImport", "CancelButton"});

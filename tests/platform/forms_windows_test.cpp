@@ -103,7 +103,7 @@ TEST_F(FormsWindows, ARequestToQuitEndsEveryLoopAndReachesTheHost) {
     EXPECT_FALSE(OnScreen("Other"));
     EXPECT_TRUE(::IsWindowEnabled(Top()));
     CurrentToolkit().RunUntilClosed();
-    CurrentToolkit().ProcessEvents();
+    EXPECT_FALSE(CurrentToolkit().ProcessEvents());
     MSG message{};
     while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) && message.message != WM_QUIT) {
     }
