@@ -152,8 +152,8 @@ class Toolkit {
     // The system's dialog for choosing a folder, owned by the window and starting at `start`; empty text when
     // the user cancelled.
     virtual Text BrowseFolder(TextView title, TextView start, FormWindow* owner) = 0;
-    // Handles what is waiting: input, timers, drawing. False when the thread is asked to quit, which its outer
-    // loop then learns, too; until that has come, nothing more is handled.
+    // Handles what is waiting: input, timers, drawing. False when the thread is asked to quit, which its
+    // outer loop then learns, too; until that has come, nothing more is handled.
     virtual bool ProcessEvents() = 0;
     // The event loop, until no form is shown.
     virtual void RunUntilClosed() = 0;

@@ -11,8 +11,8 @@ void RunLoopUntil(const std::function<bool()>& done);
 // Lets a loop look at its `done` again, where that changed without a message.
 void WakeLoop();
 
-// Handles what is waiting, for a moment at most: a window that never finishes its drawing holds up nobody. False
-// when the thread is asked to quit, which the loops outside learn, too.
+// Handles what is waiting, for a moment at most: a window that never finishes its drawing holds up nobody.
+// False when the thread is asked to quit, which the loops outside learn, too.
 bool HandleWaiting();
 
 }  // namespace tav
