@@ -23,7 +23,7 @@ Forms& All() {
 // A key that a form has used up reaches the host's loop as a message that means nothing.
 LRESULT CALLBACK OnMessageTaken(int code, WPARAM removed, LPARAM taken) {
     auto& message = *reinterpret_cast<MSG*>(taken);
-    if (code == HC_ACTION && removed == PM_REMOVE && message.message >= WM_KEYFIRST &&
+    if (code == HC_ACTION && (removed & PM_REMOVE) != 0 && message.message >= WM_KEYFIRST &&
         message.message <= WM_KEYLAST) {
         FormWindowWin* form = FormOf(::GetAncestor(message.hwnd, GA_ROOT));
         if (form != nullptr && form->TakeKey(message)) message = MSG{};
