@@ -18,6 +18,8 @@ struct LocalTime {
     CivilDate date;
     ClockTime time;
 };
+LocalTime SystemClock();
+// The system's, or the clock that tests have set.
 LocalTime Now();
 // Tests set the clock; nullptr gives the real one back.
 void SetClock(LocalTime (*clock)());

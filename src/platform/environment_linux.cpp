@@ -30,16 +30,6 @@ Text RealPath(const char* path) {
     return real == nullptr ? Text() : FromUtf8(real.get());
 }
 
-LocalTime SystemClock() {
-    const std::time_t now = std::time(nullptr);
-    std::tm local{};
-    ::localtime_r(&now, &local);
-    return {{local.tm_year + 1900, local.tm_mon + 1, local.tm_mday},
-            {local.tm_hour, local.tm_min, local.tm_sec}};
-}
-
-LocalTime (*clock_in_use)() = SystemClock;
-
 struct sigaction before_watch;
 
 }  // namespace
@@ -66,15 +56,12 @@ Text ReportFolder() {
     return u"/tmp";
 }
 
-LocalTime Now() {
-    return clock_in_use();
-}
-void SetClock(LocalTime (*clock)()) {
-    clock_in_use = clock == nullptr ? SystemClock : clock;
-}
-
-Date Today() {
-    return DateFromCivil(Now().date).value_or(Date());
+LocalTime SystemClock() {
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    ::localtime_r(&now, &local);
+    return {{local.tm_year + 1900, local.tm_mon + 1, local.tm_mday},
+            {local.tm_hour, local.tm_min, local.tm_sec}};
 }
 
 InterruptWatch::InterruptWatch() {

@@ -15,14 +15,6 @@ BOOL WINAPI OnInterrupt(DWORD event) {
     return interrupted.exchange(true) ? FALSE : TRUE;
 }
 
-LocalTime SystemClock() {
-    SYSTEMTIME now{};
-    ::GetLocalTime(&now);
-    return {{now.wYear, now.wMonth, now.wDay}, {now.wHour, now.wMinute, now.wSecond}};
-}
-
-LocalTime (*clock_in_use)() = SystemClock;
-
 }  // namespace
 
 Text ComponentFolder() {
@@ -41,15 +33,10 @@ Text ReportFolder() {
         win32::Filled([](wchar_t* buffer, DWORD size) { return ::GetTempPathW(size, buffer); }));
 }
 
-LocalTime Now() {
-    return clock_in_use();
-}
-void SetClock(LocalTime (*clock)()) {
-    clock_in_use = clock == nullptr ? SystemClock : clock;
-}
-
-Date Today() {
-    return DateFromCivil(Now().date).value_or(Date());
+LocalTime SystemClock() {
+    SYSTEMTIME now{};
+    ::GetLocalTime(&now);
+    return {{now.wYear, now.wMonth, now.wDay}, {now.wHour, now.wMinute, now.wSecond}};
 }
 
 InterruptWatch::InterruptWatch() {
