@@ -4,7 +4,7 @@
 '
 ' The class must be registered, and SysWOW64 is for the 32-bit class: Jet 4.0 has no other width. tav.exe is told to use
 ' the native engine, whatever else it finds. Settings of the user and of the host are not touched: everything happens below a
-' new folder in %TEMP% and the key HKEY_CURRENT_USER\Software\TAV_OperationImport.SelfTest, which go at the end.
+' new folder in %TEMP% and the key HKEY_CURRENT_USER\Software\TAV_OperationImport.SelfTest, which go at the end; with failures, the folder stays.
 '
 '   1. The class imports the sample documents through ADO and Jet, tav.exe those of a copy with its own engine.
 '   2. Jet reads both databases: all rows of all tables must be the same.
@@ -66,6 +66,7 @@ Finish
 Sub Finish
     If failures > 0 Then
         WScript.Echo failures & " failures; the databases are in " & work
+        ForgetSettings
         WScript.Quit 1
     End If
     WScript.Echo "All is well."
@@ -252,5 +253,9 @@ End Sub
 Sub CleanUp
     On Error Resume Next
     If work <> "" Then files.DeleteFolder work, True
+    ForgetSettings
+End Sub
+
+Sub ForgetSettings
     shell.Run "reg delete HKCU\" & kKey & " /f", 0, True
 End Sub

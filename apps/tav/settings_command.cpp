@@ -19,7 +19,9 @@ const Setting& Known(const std::string& name) {
 
 void List() {
     for (const Setting& setting : Settings()) {
-        Guarded(u"Параметры", [&] { PrintLine(Text(setting.name) + u" = " + SettingText(setting.name)); });
+        Text value;
+        Guarded(u"Параметры", [&] { value = SettingText(setting.name); });
+        PrintLine(Text(setting.name) + u" = " + value);
         PrintLine(u"    " + Text(setting.meaning));
     }
 }

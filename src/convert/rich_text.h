@@ -1,9 +1,10 @@
 // The page converter: rich text to plain text, as a rich-text control shows it.
 //
 // In: the bytes of a document that begins with "{\rtf"; anything else is no rich text and gives empty text.
-// Out: Windows-1251 text; a paragraph, section or page end is CR LF, \line a blank, \tab and \cell TAB. The
-// first cell of a row puts a line break before the row's first paragraph. One such end as the very last of
-// the text is none: the text's last paragraph ends with it. The result is never longer than the document.
+// Out: Windows-1251 text; a paragraph, section, page or table row end is CR LF, \line a blank, \tab and
+// \cell TAB. The first cell of a row puts a line break before the row's first paragraph. As the very last of
+// the text, such an end is none (the text's last paragraph ends with it), but for a row's. The result is
+// never longer than the document.
 //
 // Bytes and \'xx are read by the charset of the run's font, else by the document's code page (code_pages.h);
 // what Windows-1251 lacks becomes the best fit (common/windows1251.h). Control characters, byte 0 among them,

@@ -128,6 +128,13 @@ void RefuseHeldFile(TextView path) {
     if (Attributes(path)) OpenFile(path, DELETE, kShareAll);
 }
 
+// Behind links and drives; empty when the system does not say.
+std::wstring FinalPath(const Handle& file) {
+    return win32::Filled([&](wchar_t* buffer, DWORD size) {
+        return ::GetFinalPathNameByHandleW(file.get(), buffer, size, FILE_NAME_NORMALIZED);
+    });
+}
+
 // The rights of the file as the system keeps them; empty when they cannot be read.
 std::string RightsOf(TextView path) {
     const std::wstring native = NativePath(path);
@@ -182,17 +189,17 @@ std::optional<FileStamp> StampOf(TextView path) {
 }
 
 bool SameFolder(TextView a, TextView b) {
-    using Identity = std::tuple<DWORD, DWORD, DWORD>;
+    using Identity = std::tuple<DWORD, DWORD, DWORD, std::wstring>;
     const auto identity = [](TextView path) -> std::optional<Identity> {
         const Handle folder(::CreateFileW(NativePath(path).c_str(), 0, kShareAll, nullptr, OPEN_EXISTING,
                                           FILE_FLAG_BACKUP_SEMANTICS, nullptr));
         BY_HANDLE_FILE_INFORMATION found{};
         if (!folder || !::GetFileInformationByHandle(folder.get(), &found)) return std::nullopt;
         if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return std::nullopt;
-        // Some network file systems have no numbers; a folder then equals none, and moving a file onto itself
-        // leaves it where it is.
-        if (found.nFileIndexHigh == 0 && found.nFileIndexLow == 0) return std::nullopt;
-        return Identity(found.dwVolumeSerialNumber, found.nFileIndexHigh, found.nFileIndexLow);
+        // Some network file systems have no numbers, but the path behind drives and links.
+        const bool numbered = found.nFileIndexHigh != 0 || found.nFileIndexLow != 0;
+        return Identity(found.dwVolumeSerialNumber, found.nFileIndexHigh, found.nFileIndexLow,
+                        numbered ? std::wstring() : FinalPath(folder));
     };
     const auto first = identity(a);
     return first && first == identity(b);
@@ -204,9 +211,7 @@ Text RealPath(TextView path) {
     if (!attributes || (*attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return Text(path);
     const Handle file(::CreateFileW(NativePath(path).c_str(), 0, kShareAll, nullptr, OPEN_EXISTING,
                                     FILE_FLAG_BACKUP_SEMANTICS, nullptr));
-    const std::wstring real = win32::Filled([&](wchar_t* buffer, DWORD size) {
-        return file ? ::GetFinalPathNameByHandleW(file.get(), buffer, size, FILE_NAME_NORMALIZED) : 0;
-    });
+    const std::wstring real = file ? FinalPath(file) : std::wstring();
     if (real.starts_with(L"\\\\?\\UNC\\")) return u"\\" + win32::FromWide(real).substr(7);
     return real.empty() ? Text(path) : win32::FromWide(real).substr(real.starts_with(L"\\\\?\\") ? 4 : 0);
 }
@@ -319,7 +324,8 @@ void MoveFileOver(TextView source, TextView target) {
     const DWORD error = ::GetLastError();
     if (error != ERROR_NOT_SAME_DEVICE) {
         RefuseHeldFile(target);  // names it, where it is what is in the way
-        Refuse(error, Attributes(target).value_or(0) & FILE_ATTRIBUTE_READONLY ? target : source);
+        const bool read_only = (Attributes(target).value_or(0) & FILE_ATTRIBUTE_READONLY) != 0;
+        Refuse(error, error == ERROR_ACCESS_DENIED && read_only ? target : source);
     }
     CopyOver(source, target);
     DeleteFile(source);

@@ -227,6 +227,7 @@ void FormWindowWin::ForgetIfLost() {
     if (hwnd_ == nullptr || Exists()) return;
     modal_done_ = nullptr;
     disabled_.clear();
+    hwnd_ = nullptr;  // may be another program's by now
     Gone();
 }
 

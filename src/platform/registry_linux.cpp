@@ -107,7 +107,8 @@ Text FormatValue(const RegistryValue& value, RegistryType type) {
     return out;
 }
 
-RegistryValue ParseValue(TextView line) {
+// Nothing for a line that is none of ours.
+std::optional<RegistryValue> ParseValue(TextView line) {
     const TextView type = GetNext(line, u" ");
     for (const auto& [known, name] : kTypeNames) {
         if (!EqualNoCase(type, name)) continue;
@@ -119,7 +120,7 @@ RegistryValue ParseValue(TextView line) {
             return Binary{std::move(*bytes)};
         }
     }
-    return Null();
+    return std::nullopt;
 }
 
 Text SectionLine(Hive hive, TextView key) {
@@ -152,9 +153,10 @@ class Store {
 
     RegistryValue Find(Hive hive, TextView key, TextView name) const {
         const Place place = Locate(SectionLine(hive, key), name);
-        return place.found
-                   ? ParseValue(Trim(TextView(lines_[place.line]).substr(lines_[place.line].find(u'=') + 1)))
-                   : Null();
+        if (!place.found) return Null();
+        const TextView line = lines_[place.line];
+        if (auto value = ParseValue(Trim(line.substr(line.find(u'=') + 1)))) return *value;
+        throw Failure(RunTimeError::TypeMismatch, Text(name).append(u" (").append(path_) += u')');
     }
 
     void Put(Hive hive, TextView key, TextView name, TextView value) {

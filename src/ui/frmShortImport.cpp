@@ -27,9 +27,9 @@ frmShortImport::frmShortImport() : Form(kPlan) {
 }
 
 void frmShortImport::Form_Load() {
+    Form_Again();
     const Text name = TaxpayerSetting().name;
     Label2.Set(Text(kOfTaxpayer).append(name.empty() ? Taxpayer().inn : name));
-    Form_Again();
 }
 
 void frmShortImport::Form_Again() {

@@ -34,12 +34,13 @@ long long NumberAfter(TextView information, TextView label) {
     return ParseInteger(GetNext(rest, u"\r\n")).value_or(0);
 }
 
-// A setting that cannot be read is shown as an empty box, and stays until something is written there.
+// A setting that cannot be read is shown as an empty box, and stays until something is written or ticked
+// there.
 bool IsStored(TextView name, TextView text) {
     try {
         return SettingText(name) == text;
     } catch (const Failure&) {
-        return text.empty();
+        return text.empty() || text == u"0";
     }
 }
 
@@ -74,7 +75,6 @@ frmmain::frmmain() : Form(kMainPlan) {
 void frmmain::Form_Load() {
     constexpr int kUnattendedMilliseconds = 500;
     refreshed_ = false;
-    txtAbout.Set(Text(u"База данных: ").append(getbase()));
     // Each on its own; and what fails is shown when all are there: a message lets the timer go on, and a
     // refresh saves the boxes as they are.
     std::vector<Failure> failures;
@@ -86,6 +86,7 @@ void frmmain::Form_Load() {
     load([&] { txtOut.Set(SettingText(u"OutPath")); });
     load([&] { chkImportPath.Check(SettingTruth(u"ChkOut")); });
     chkImportPath_Click();
+    txtAbout.Set(Text(u"База данных: ").append(getbase()));
     for (const Failure& failure : failures) ShowFailure(kLoadTitle, failure);
     Form_Again();
     if (StartedFor().import) Timer2.SetInterval(kUnattendedMilliseconds);
@@ -293,7 +294,7 @@ void frmmain::Browse(TextView title, TextControl& box) {
 }
 
 void frmmain::chkKons_Click() {
-    ShowTaxpayer();
+    Guarded(u"Ошибка в функции chkKons_Click", [&] { ShowTaxpayer(); });
     Refill();
 }
 

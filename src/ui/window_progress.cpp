@@ -45,7 +45,8 @@ void WindowProgress::ProcessEvents() {
     const auto now = std::chrono::steady_clock::now();
     if (now - drawn_ < kBetweenDrawings) return;
     Draw();
-    if (!CurrentToolkit().ProcessEvents()) RequestCancel();  // a program that ends does not wait for the rest
+    if (!CurrentToolkit().ProcessEvents())
+        RequestCancel();  // a program that ends does not wait for the reading
     drawn_ = std::chrono::steady_clock::now();
 }
 

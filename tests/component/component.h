@@ -67,7 +67,8 @@ Com<Interface> Query(IUnknown& object, const GUID& id) {
 
 // The message loop of the host, here the test.
 inline bool HandleMessagesUntil(const std::function<bool()>& done) {
-    for (int i = 0; i < 500 && !done(); ++i) {
+    constexpr ULONGLONG kMilliseconds = 60'000;
+    for (const ULONGLONG end = ::GetTickCount64() + kMilliseconds; ::GetTickCount64() < end && !done();) {
         for (MSG message; ::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);) {
             ::TranslateMessage(&message);
             ::DispatchMessageW(&message);

@@ -2,6 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
+#include <thread>
+
 #include "component.h"
 #include "db/empty_database.h"
 #include "open_class_object_windows.h"
@@ -78,7 +81,8 @@ TEST_F(Host, EndsWithWindowsOpenAndTheNextOneShowsThem) {
             if (dialog) ::PostMessageW(button, BM_CLICK, 0, 0);
             const DWORD thread = ::GetCurrentThreadId();
             std::thread quitter([&] {
-                for (int i = 0; i < 500 && dialog && Named(L"frmDialog") == nullptr; ++i) ::Sleep(10);
+                for (int i = 0; i < 3000 && dialog && Named(L"frmDialog") == nullptr; ++i) ::Sleep(10);
+                EXPECT_EQ(Named(L"frmDialog") != nullptr, dialog);
                 ::PostThreadMessageW(thread, WM_QUIT, 0, 0);
             });
             for (MSG message; ::GetMessageW(&message, nullptr, 0, 0) > 0;) ::DispatchMessageW(&message);

@@ -217,12 +217,17 @@ AdoDouble::AdoDouble() {
     DWORD size = sizeof ado_before;
     ::RegGetValueW(HKEY_LOCAL_MACHINE, kAdo, nullptr, RRF_RT_REG_SZ, nullptr, ado_before, &size);
     const std::wstring id = L"{6B0D2C47-5F7A-4C55-9E0B-0C8A6C1D7E21}";
+    if (ado_before == id) *ado_before = L'\0';  // what a run left behind that was ended
     SetText(kAdo, id);
     SetText(std::wstring(kJet) + L"\\CLSID", id);
 }
 
 AdoDouble::~AdoDouble() {
-    SetText(kAdo, ado_before);
+    if (*ado_before != L'\0') {
+        SetText(kAdo, ado_before);
+    } else {
+        ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, kAdo);
+    }
     ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, kJet);
     ::CoRevokeClassObject(factory_);
     ::CoUninitialize();

@@ -98,7 +98,7 @@ TEST_F(Cli, AFolderBecomesADatabaseAndAReport) {
         EXPECT_THAT(none.err, testing::StartsWith("Сводная справка: В базе данных"));
     }
 
-    // One golden file for all systems.
+    // One golden list for all systems. Where it differs, the goldens of catalogue and reports show how.
     std::string made = "rows " + Fingerprint(Content().dump());
     made += "listfiles.xml " + Fingerprint(ReadFile(folder_ / u"in/listfiles.xml"));
     for (const Text& name : ListFiles(folder_ / u"out", u".doc")) {

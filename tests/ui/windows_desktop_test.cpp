@@ -218,18 +218,24 @@ TEST_F(Windows, KeepsTheSettings) {
 }
 
 TEST_F(Windows, ASettingOfAnotherKindStaysAsItIsAndTheOthersAreKept) {
-    const Setting& out = *FindSetting(u"OutPath");
     const RegistryValue odd = Binary{"x"};
-    WriteRegistry(out.hive, out.key, out.name, odd, RegistryType::Binary);
+    for (const TextView name : {u"OutPath", u"ChkOut"}) {
+        const Setting& setting = *FindSetting(name);
+        WriteRegistry(setting.hive, setting.key, name, odd, RegistryType::Binary);
+    }
     Start();
     ASSERT_TRUE(WaitCounts("lblInfoFile", "Файлов в папке: 0"));
     Type(Main("txtExport"), u"C:\\отчёты");
     Click(Main("Command5"));
-    EXPECT_THAT(Shown(), ElementsAre("Ошибка в функции Form_Load: Type mismatch: OutPath\r\n"));
+    EXPECT_THAT(Shown(), ElementsAre("Ошибка в функции Form_Load: Type mismatch: OutPath\r\n",
+                                     "Ошибка в функции Form_Load: Type mismatch: ChkOut\r\n"));
     EXPECT_EQ(SettingText(u"ExportPath"), u"C:\\отчёты");
-    RegistryValue left;
-    EXPECT_TRUE(ReadRegistry(out.hive, out.key, out.name, left));
-    EXPECT_EQ(left, odd);
+    for (const TextView name : {u"OutPath", u"ChkOut"}) {
+        const Setting& setting = *FindSetting(name);
+        RegistryValue left;
+        EXPECT_TRUE(ReadRegistry(setting.hive, setting.key, name, left));
+        EXPECT_EQ(left, odd) << ToUtf8(name);
+    }
 }
 
 // A message that a person leaves standing: the windows' timers go on meanwhile.
