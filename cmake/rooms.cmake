@@ -56,6 +56,15 @@ function(tav_room name)
   endforeach()
 endfunction()
 
+# tav_program_resources(TARGET): what a program of Windows that shows windows has for itself.
+function(tav_program_resources target)
+  set(folder ${PROJECT_SOURCE_DIR}/src/platform)
+  target_sources(${target} PRIVATE ${folder}/common_controls.rc)
+  set_source_files_properties(
+    ${folder}/common_controls.rc PROPERTIES OBJECT_DEPENDS
+                                            "${folder}/common_controls.manifest;${folder}/program.manifest")
+endfunction()
+
 # The windows of Linux: a module that a process loads when it shows its first one (platform/forms.h), so that
 # nothing else needs Qt or a screen.
 function(tav_forms_module)
