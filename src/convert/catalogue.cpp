@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "common/get_next.h"
+#include "common/progress.h"
 #include "common/windows1251.h"
 #include "convert/markup_scan.h"
 #include "platform/files.h"
@@ -35,7 +36,10 @@ class Contents : public XmlEvents {
 
     void EndElement() override {
         if (depth_ == kPath && IsItem()) items.push_back(FromUtf8(text_));
-        if (depth_ == kPath && IsName()) names.push_back({FromUtf8(text_), entries - 1});
+        if (depth_ == kPath && IsName()) {
+            names.push_back({FromUtf8(text_), entries - 1});
+            CurrentProgress().ProcessEvents();  // a catalogue of 20,000 documents takes half a second
+        }
         --depth_;
     }
 
