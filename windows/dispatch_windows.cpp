@@ -5,24 +5,12 @@
 #include <span>
 
 #include "open_class_object_windows.h"
+#include "platform/automation_windows.h"
 
 namespace tav::dispatch {
 namespace {
 
-// A variant that frees what it holds.
-class Value {
- public:
-    Value() { ::VariantInit(&variant_); }
-    ~Value() { ::VariantClear(&variant_); }
-    Value(const Value&) = delete;
-    Value& operator=(const Value&) = delete;
-
-    VARIANT& operator*() { return variant_; }
-    const VARIANT* operator->() const { return &variant_; }
-
- private:
-    VARIANT variant_;
-};
+using win32::Variant;
 
 struct Parameter {
     const wchar_t* name;
@@ -31,7 +19,7 @@ struct Parameter {
 };
 
 constexpr std::size_t kMostParameters = 3;
-using Values = std::array<Value, kMostParameters>;
+using Values = std::array<Variant, kMostParameters>;
 
 struct Method {
     const wchar_t* name;
@@ -49,15 +37,15 @@ constexpr std::array<Parameter, 1> kStatement = {{{L"id", VT_I2}}};
 
 template <HRESULT (STDMETHODCALLTYPE OpenClassInterface::*method)(BSTR, BSTR)>
 HRESULT CallForTaxpayer(OpenClassInterface& object, Values& values) {
-    return (object.*method)(values[0]->bstrVal, values[1]->bstrVal);
+    return (object.*method)(values[0].bstrVal, values[1].bstrVal);
 }
 
 HRESULT CallStart(OpenClassInterface& object, Values& values) {
-    return object.start(values[0]->bstrVal, values[1]->bstrVal, values[2]->date);
+    return object.start(values[0].bstrVal, values[1].bstrVal, values[2].date);
 }
 
 HRESULT CallViewVId(OpenClassInterface& object, Values& values) {
-    return object.view_v_id(values[0]->iVal);
+    return object.view_v_id(values[0].iVal);
 }
 
 // A method's number is its place here, from 1.
@@ -82,10 +70,10 @@ bool IsLeftOut(const VARIANT& argument) {
     return argument.vt == VT_ERROR && argument.scode == DISP_E_PARAMNOTFOUND;
 }
 
-HRESULT Converted(VARIANT& argument, VARTYPE type, LCID locale, Value& value) {
-    Value plain;  // not a reference
-    HRESULT result = ::VariantCopyInd(&*plain, &argument);
-    if (SUCCEEDED(result)) result = ::VariantChangeTypeEx(&*value, &*plain, locale, 0, type);
+HRESULT Converted(VARIANT& argument, VARTYPE type, LCID locale, Variant& value) {
+    Variant plain;  // not a reference
+    HRESULT result = ::VariantCopyInd(&plain, &argument);
+    if (SUCCEEDED(result)) result = ::VariantChangeTypeEx(&value, &plain, locale, 0, type);
     if (SUCCEEDED(result) || result == DISP_E_OVERFLOW || result == E_OUTOFMEMORY) return result;
     return DISP_E_TYPEMISMATCH;
 }
@@ -160,8 +148,8 @@ HRESULT Invoke(OpenClassInterface& object, DISPID method, LCID locale, WORD flag
             const HRESULT result = Converted(*argument, parameters[i].type, locale, values[i]);
             if (FAILED(result)) return result;
         } else if (parameters[i].omitted != nullptr) {
-            (*values[i]).vt = VT_DATE;
-            (*values[i]).date = parameters[i].omitted->serial;
+            values[i].vt = VT_DATE;
+            values[i].date = parameters[i].omitted->serial;
         } else {
             wrong = place < 0 ? 0 : static_cast<UINT>(place);
             return DISP_E_PARAMNOTOPTIONAL;

@@ -35,14 +35,4 @@ void PinModule() {
                          reinterpret_cast<const wchar_t*>(&PinModule), &pinned);
 }
 
-std::wstring ModulePath() {
-    return win32::Filled(
-        [](wchar_t* buffer, DWORD size) { return ::GetModuleFileNameW(win32::ThisModule(), buffer, size); });
-}
-
-std::wstring ModuleFolder() {
-    const std::wstring path = ModulePath();
-    return path.substr(0, path.find_last_of(L"\\/") + 1);
-}
-
 }  // namespace tav

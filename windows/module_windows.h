@@ -5,10 +5,6 @@
 // between two operations.
 #pragma once
 
-#include <windows.h>
-
-#include <string>
-
 #include "platform/win32_windows.h"
 
 namespace tav {
@@ -31,9 +27,5 @@ bool ModuleBusy();
 
 // From now on the library stays loaded until the process ends.
 void PinModule();
-
-// The library's file, and its folder with the separator at the end.
-std::wstring ModulePath();
-std::wstring ModuleFolder();
 
 }  // namespace tav

@@ -3,7 +3,8 @@
 #include <array>
 #include <string>
 
-#include "module_windows.h"
+#include "platform/environment.h"
+#include "platform/win32_windows.h"
 #include "registration_rows_windows.h"
 
 namespace tav {
@@ -47,8 +48,8 @@ void Replace(std::wstring& text, std::wstring_view what, const std::wstring& wit
 }
 
 std::wstring Filled(std::wstring text) {
-    Replace(text, L"%MODULE%", ModulePath());
-    Replace(text, L"%FOLDER%", ModuleFolder());
+    Replace(text, L"%MODULE%", win32::ModulePath());
+    Replace(text, L"%FOLDER%", win32::Wide(ComponentFolder()));
     Replace(text, L"%WIN%", kWidth);
     return text;
 }

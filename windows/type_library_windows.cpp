@@ -1,12 +1,12 @@
 #include "type_library_windows.h"
 
-#include "module_windows.h"
+#include "platform/win32_windows.h"
 
 namespace tav {
 
 HRESULT TypeInfoOf(const GUID& id, ITypeInfo** info) try {
     ITypeLib* library = nullptr;
-    const HRESULT loaded = ::LoadTypeLibEx(ModulePath().c_str(), REGKIND_NONE, &library);
+    const HRESULT loaded = ::LoadTypeLibEx(win32::ModulePath().c_str(), REGKIND_NONE, &library);
     if (FAILED(loaded)) return loaded;
     const HRESULT found = library->GetTypeInfoOfGuid(id, info);
     library->Release();

@@ -12,13 +12,17 @@ using win32::Variant;
 
 constexpr const wchar_t* kProviders[] = {L"Microsoft.Jet.OLEDB.4.0", L"Microsoft.ACE.OLEDB.16.0",
                                          L"Microsoft.ACE.OLEDB.12.0"};
-constexpr TextView kOwnProvider = u"Microsoft.Jet.OLEDB.4.0";
 constexpr int kUsualCursors = 2;  // on the server's side, as a new connection has them
 constexpr long kUnspecified = -1;
 
+// The connection string, whose opening names Jet, with another provider.
 Text With(TextView connection_string, TextView provider) {
-    return provider == kOwnProvider ? Text(connection_string)
-                                    : ReplaceAll(connection_string, kOwnProvider, provider);
+    constexpr TextView kJet = u"Microsoft.Jet.OLEDB.4.0";
+    Text text(connection_string);
+    if (const auto at = kConnectionOpening.find(kJet); text.starts_with(kConnectionOpening)) {
+        text.replace(at, kJet.size(), provider);
+    }
+    return text;
 }
 
 // A statement that returns no rows returns a closed record set.

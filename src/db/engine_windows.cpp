@@ -5,26 +5,24 @@
 namespace tav {
 namespace {
 
-// Empty for the native engine. TAV_ENGINE=native has that also where there is a provider: for trials.
-Text Provider() {
-    return win32::Variable(L"TAV_ENGINE") == u"native" ? Text() : AdoProvider();
-}
+constexpr TextView kNative = u"native";
 
 }  // namespace
 
 // A machine without a provider has nobody to share the file with either: the native engine opens it alone.
 std::unique_ptr<Engine> OpenEngine(const OpenRequest& request) {
-    const Text provider = Provider();
+    const Text engine = EngineInUse();
     try {
-        return provider.empty() ? OpenNativeEngine(request) : OpenAdoEngine(request, provider);
+        return engine == kNative ? OpenNativeEngine(request) : OpenAdoEngine(request, engine);
     } catch (const Failure& failure) {
-        throw failure.In(EngineInUse());
+        throw failure.In(engine);
     }
 }
 
+// TAV_ENGINE=native has the native one also where there is a provider: for trials.
 Text EngineInUse() {
-    const Text provider = Provider();
-    return provider.empty() ? Text(u"native") : provider;
+    const Text provider = win32::Variable(L"TAV_ENGINE") == kNative ? Text() : AdoProvider();
+    return provider.empty() ? Text(kNative) : provider;
 }
 
 }  // namespace tav

@@ -14,7 +14,8 @@ namespace tav::win32 {
 // COM on this thread, for as long as it lives. A host's thread has it already, of whatever kind.
 class ComUse {
  public:
-    ComUse() : ours_(SUCCEEDED(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
+    ComUse()
+        : ours_(SUCCEEDED(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE))) {}
     ~ComUse() {
         if (ours_) ::CoUninitialize();
     }

@@ -18,9 +18,7 @@ BOOL WINAPI OnInterrupt(DWORD event) {
 }  // namespace
 
 Text ComponentFolder() {
-    return FolderOf(win32::FromWide(win32::Filled([](wchar_t* buffer, DWORD size) {
-        return ::GetModuleFileNameW(win32::ThisModule(), buffer, size);
-    })));
+    return FolderOf(win32::FromWide(win32::ModulePath()));
 }
 
 Text TempVariable() {

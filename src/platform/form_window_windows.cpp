@@ -83,10 +83,7 @@ void FormWindowWin::Make() {
     tool_tips_ = MakeToolTips(hwnd_);
     MakeControls();
     ::SendMessageW(hwnd_, WM_CHANGEUISTATE, MAKEWPARAM(UIS_INITIALIZE, 0), 0);
-    const SIZE size = WithBorder({plan_.width * metrics_.character(), plan_.height * metrics_.line()});
-    const RECT screen = WorkArea(hwnd_);
-    ::SetWindowPos(hwnd_, nullptr, 0, 0, std::min(size.cx, screen.right - screen.left),
-                   std::min(size.cy, screen.bottom - screen.top), SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    SetInside({plan_.width * metrics_.character(), plan_.height * metrics_.line()});
     Arrange();
 }
 
@@ -275,16 +272,20 @@ SIZE FormWindowWin::WithBorder(SIZE inside) const {
             inside.cy + whole.bottom - whole.top - client.bottom};
 }
 
+void FormWindowWin::SetInside(SIZE inside) {
+    const SIZE size = WithBorder(inside);
+    const RECT screen = WorkArea(hwnd_);
+    ::SetWindowPos(hwnd_, nullptr, 0, 0, std::min(size.cx, screen.right - screen.left),
+                   std::min(size.cy, screen.bottom - screen.top), SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 // A caption that has become longer widens the window, as far as the screen goes.
 void FormWindowWin::MakeLargeEnough() {
     RECT client{};
     ::GetClientRect(hwnd_, &client);
     const SIZE least = SmallestInside(static_cast<int>(client.right));
     if (least.cx <= client.right && least.cy <= client.bottom) return;
-    const SIZE size = WithBorder({std::max(least.cx, client.right), std::max(least.cy, client.bottom)});
-    const RECT screen = WorkArea(hwnd_);
-    ::SetWindowPos(hwnd_, nullptr, 0, 0, std::min(size.cx, screen.right - screen.left),
-                   std::min(size.cy, screen.bottom - screen.top), SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    SetInside({std::max(least.cx, client.right), std::max(least.cy, client.bottom)});
 }
 
 void FormWindowWin::Arrange() {

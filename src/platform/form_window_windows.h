@@ -56,6 +56,8 @@ class FormWindowWin final : public WindowOfControls, public FormHost {
     // The least size of the inside, and one with borders and title.
     SIZE SmallestInside(int width) const;
     SIZE WithBorder(SIZE inside) const;
+    // As far as the screen goes.
+    void SetInside(SIZE inside);
     void MakeLargeEnough();
     void ShowMetrics();
     void DisableOthers();

@@ -1,4 +1,4 @@
-
+#include "platform/automation_windows.h"
 #include "platform/files.h"
 #include "platform/form_window_windows.h"
 #include "platform/shell.h"
@@ -6,14 +6,13 @@
 
 namespace tav {
 
-// The shell's extensions are COM objects. A host has COM on its thread already; then this only counts.
+// The shell's extensions are COM objects.
 void OpenDocument(TextView path, FormWindow* owner) {
     if (!FileExists(path)) throw Failure(RunTimeError::FileNotFound, path);
-    const HRESULT com = ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
+    const win32::ComUse com;
     const std::wstring full = win32::FullPath(path);  // the shell looks below the folder "0" for any other
     const HINSTANCE result =
         ::ShellExecuteW(WindowOf(owner), L"open", full.c_str(), L"0", L"0", SW_SHOWNORMAL);
-    if (SUCCEEDED(com)) ::CoUninitialize();
     const auto code = reinterpret_cast<INT_PTR>(result);
     if (code > 32) return;
     throw Failure(RunTimeError::PathFileAccess,

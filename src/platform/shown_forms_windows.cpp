@@ -31,15 +31,9 @@ LRESULT CALLBACK OnMessageTaken(int code, WPARAM removed, LPARAM taken) {
     return ::CallNextHookEx(nullptr, code, removed, taken);
 }
 
-// Ends the search at a window of ours.
-BOOL CALLBACK FindForm(HWND window, LPARAM found) {
-    wchar_t name[std::size(kFormClass) + 1] = {};
-    ::GetClassNameW(window, name, static_cast<int>(std::size(name)));
-    const bool ours =
-        std::wstring_view(name) == kFormClass &&
-        ::GetWindowLongPtrW(window, GWLP_HINSTANCE) == reinterpret_cast<LONG_PTR>(win32::ThisModule());
-    *reinterpret_cast<bool*>(found) = ours;
-    return ours ? FALSE : TRUE;
+bool IsOurs(HWND window) {
+    return win32::ClassOf(window) == kFormClass &&
+           ::GetWindowLongPtrW(window, GWLP_HINSTANCE) == reinterpret_cast<LONG_PTR>(win32::ThisModule());
 }
 
 }  // namespace
@@ -50,9 +44,7 @@ int OpenForms() {
 }
 
 bool HasForms(DWORD thread) {
-    bool found = false;
-    ::EnumThreadWindows(thread, FindForm, reinterpret_cast<LPARAM>(&found));
-    return found;
+    return std::ranges::any_of(win32::ThreadWindows(thread), IsOurs);
 }
 
 void FormMade(FormWindowWin* form) {

@@ -8,8 +8,7 @@ constexpr int kManifest = 2;
 // INVALID_HANDLE_VALUE when the module has no manifest. Kept for the life of the process: windows refer to
 // it.
 HANDLE MakeContext() {
-    const std::wstring module = win32::Filled(
-        [](wchar_t* buffer, DWORD size) { return ::GetModuleFileNameW(win32::ThisModule(), buffer, size); });
+    const std::wstring module = win32::ModulePath();
     ACTCTXW context{};
     context.cbSize = sizeof context;
     context.dwFlags = ACTCTX_FLAG_HMODULE_VALID | ACTCTX_FLAG_RESOURCE_NAME_VALID;

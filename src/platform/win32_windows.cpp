@@ -50,10 +50,20 @@ HINSTANCE ThisModule() {
     return module;
 }
 
-std::vector<HWND> ThreadWindows() {
+std::wstring ModulePath() {
+    return Filled(
+        [](wchar_t* buffer, DWORD size) { return ::GetModuleFileNameW(ThisModule(), buffer, size); });
+}
+
+std::vector<HWND> ThreadWindows(DWORD thread) {
     std::vector<HWND> windows;
-    ::EnumThreadWindows(::GetCurrentThreadId(), Collect, reinterpret_cast<LPARAM>(&windows));
+    ::EnumThreadWindows(thread, Collect, reinterpret_cast<LPARAM>(&windows));
     return windows;
+}
+
+std::wstring ClassOf(HWND window) {
+    wchar_t name[257] = L"";  // the longest there is
+    return {name, static_cast<std::size_t>(::GetClassNameW(window, name, static_cast<int>(std::size(name))))};
 }
 
 Text Variable(const wchar_t* name) {

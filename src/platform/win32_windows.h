@@ -62,11 +62,13 @@ std::wstring Filled(Call call) {
     }
 }
 
-// The library that holds this code, or the program.
+// The library that holds this code, or the program; and its file.
 HINSTANCE ThisModule();
+std::wstring ModulePath();
 
-// The windows of this thread that are no children.
-std::vector<HWND> ThreadWindows();
+// The windows of a thread that are no children.
+std::vector<HWND> ThreadWindows(DWORD thread = ::GetCurrentThreadId());
+std::wstring ClassOf(HWND window);
 
 // The environment variable, or empty text.
 Text Variable(const wchar_t* name);

@@ -10,6 +10,7 @@
 #include "open_class_object_windows.h"
 #include "settings/settings.h"
 #include "somebody.h"
+#include "support/screen.h"
 #include "support/support.h"
 
 namespace tav {
@@ -92,7 +93,7 @@ TEST(Class, WindowsKeepTheLibraryBusyWhenTheObjectIsGone) {
     ASSERT_TRUE(::IsWindowVisible(window));
     EXPECT_EQ(TheLibrary().CanUnloadNow(), S_FALSE);
     ::PostMessageW(window, WM_CLOSE, 0, 0);
-    EXPECT_TRUE(test::HandleMessagesUntil([] { return TheLibrary().CanUnloadNow() == S_OK; }));
+    EXPECT_TRUE(test::Wait([] { return TheLibrary().CanUnloadNow() == S_OK; }));
     EXPECT_FALSE(::IsWindow(window));
     EXPECT_EQ(somebody.Leave(), "");
 }

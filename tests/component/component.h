@@ -5,7 +5,6 @@
 #include <oaidl.h>
 #include <windows.h>
 
-#include <functional>
 #include <memory>
 
 #include "identity_windows.h"
@@ -63,19 +62,6 @@ Com<Interface> Query(IUnknown& object, const GUID& id) {
     void* found = nullptr;
     object.QueryInterface(id, &found);
     return Com<Interface>(static_cast<Interface*>(found));
-}
-
-// The message loop of the host, here the test.
-inline bool HandleMessagesUntil(const std::function<bool()>& done) {
-    constexpr ULONGLONG kMilliseconds = 60'000;
-    for (const ULONGLONG end = ::GetTickCount64() + kMilliseconds; ::GetTickCount64() < end && !done();) {
-        for (MSG message; ::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);) {
-            ::TranslateMessage(&message);
-            ::DispatchMessageW(&message);
-        }
-        ::Sleep(10);
-    }
-    return done();
 }
 
 // A text that frees itself.

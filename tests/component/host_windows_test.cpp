@@ -12,6 +12,7 @@
 #include "samples/generator.h"
 #include "settings/settings.h"
 #include "somebody.h"
+#include "support/screen.h"
 #include "support/support.h"
 
 namespace tav {
@@ -42,7 +43,7 @@ class Host : public testing::Test {
         WaitUntilGone();
     }
     void WaitUntilGone() const {
-        EXPECT_TRUE(test::HandleMessagesUntil([&] { return library_.CanUnloadNow() == S_OK; }));
+        EXPECT_TRUE(test::Wait([&] { return library_.CanUnloadNow() == S_OK; }));
     }
     test::Com<OpenClassInterface> Make() const { return library_.Create<OpenClassInterface>(kInterfaceId); }
     void Start() const { Make()->start(inn_.get(), kpp_.get(), 72686); }
@@ -55,7 +56,7 @@ class Host : public testing::Test {
             work();
             done = true;
         });
-        EXPECT_TRUE(test::HandleMessagesUntil([&] { return done.load(); }));
+        EXPECT_TRUE(test::Wait([&] { return done.load(); }));
         thread.join();
     }
 
@@ -77,7 +78,7 @@ TEST_F(Host, EndsWithWindowsOpenAndTheNextOneShowsThem) {
             ::CoUninitialize();
             const HWND button = Named(L"Command2", Named(L"frmmain"));
             EXPECT_NE(button, nullptr);
-            EXPECT_TRUE(test::HandleMessagesUntil([&] { return ::IsWindowEnabled(button) != FALSE; }));
+            EXPECT_TRUE(test::Wait([&] { return ::IsWindowEnabled(button) != FALSE; }));
             if (dialog) ::PostMessageW(button, BM_CLICK, 0, 0);
             const DWORD thread = ::GetCurrentThreadId();
             std::thread quitter([&] {

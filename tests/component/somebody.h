@@ -27,10 +27,6 @@ class Somebody {
     }
 
  private:
-    static std::wstring ClassOf(HWND window) {
-        wchar_t name[64] = {};
-        return std::wstring(name, static_cast<std::size_t>(::GetClassNameW(window, name, std::size(name))));
-    }
     static std::string TextOf(HWND window) {
         wchar_t text[1024] = {};
         ::SendMessageTimeoutW(window, WM_GETTEXT, std::size(text), reinterpret_cast<LPARAM>(text), 0, 1000,
@@ -38,14 +34,14 @@ class Somebody {
         return ToUtf8(ReplaceAll(win32::FromWide(text), u"\r\n", u"\n"));
     }
     static BOOL CALLBACK NoteForm(HWND window, LPARAM titles) {
-        if (ClassOf(window) == L"TAV_OperationImport" && ::IsWindowVisible(window))
+        if (win32::ClassOf(window) == L"TAV_OperationImport" && ::IsWindowVisible(window))
             reinterpret_cast<std::set<std::string>*>(titles)->insert(TextOf(window));
         return TRUE;
     }
     static BOOL CALLBACK AnswerBox(HWND window, LPARAM self) {
         auto& somebody = *reinterpret_cast<Somebody*>(self);
         const HWND text = ::GetDlgItem(window, 0xFFFF);
-        if (ClassOf(window) != L"#32770" || window == somebody.last_ || text == nullptr ||
+        if (win32::ClassOf(window) != L"#32770" || window == somebody.last_ || text == nullptr ||
             !::IsWindowVisible(window))
             return TRUE;
         const std::string words = TextOf(text);

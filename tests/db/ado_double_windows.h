@@ -6,7 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "common/text.h"
+#include "platform/automation_windows.h"
+#include "support/machine_value_windows.h"
 
 namespace tav::test {
 
@@ -22,6 +23,9 @@ class AdoDouble {
     static std::vector<Text>& Calls();
 
  private:
+    const win32::ComUse com_;
+    const MachineValue ado_;
+    const MachineValue jet_;
     unsigned long factory_ = 0;
 };
 

@@ -17,17 +17,8 @@ namespace {
 
 using win32::Variant;
 
-// {6B0D2C47-5F7A-4C55-9E0B-0C8A6C1D7E21}
 constexpr CLSID kDouble = {0x6b0d2c47, 0x5f7a, 0x4c55, {0x9e, 0x0b, 0x0c, 0x8a, 0x6c, 0x1d, 0x7e, 0x21}};
-// The machine has the first key, its own class in it, and lacks the second.
-constexpr wchar_t kAdo[] = L"Software\\Classes\\ADODB.Connection\\CLSID";
-constexpr wchar_t kJet[] = L"Software\\Classes\\Microsoft.Jet.OLEDB.4.0";
-wchar_t ado_before[64] = L"";
-
-void SetText(const std::wstring& key, const std::wstring& text) {
-    ::RegSetKeyValueW(HKEY_LOCAL_MACHINE, key.c_str(), nullptr, REG_SZ, text.c_str(),
-                      static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
-}
+constexpr wchar_t kId[] = L"{6B0D2C47-5F7A-4C55-9E0B-0C8A6C1D7E21}";
 
 // An automation object of members by name. A Failure in one comes out as an automation exception.
 class Members : public IDispatch {
@@ -210,27 +201,16 @@ std::vector<Text>& AdoDouble::Calls() {
     return calls;
 }
 
-AdoDouble::AdoDouble() {
+// The machine has the first key, its own class in it, and lacks the second.
+AdoDouble::AdoDouble()
+    : ado_(L"Software\\Classes\\ADODB.Connection\\CLSID", kId),
+      jet_(L"Software\\Classes\\Microsoft.Jet.OLEDB.4.0\\CLSID", kId) {
     Calls().clear();
-    ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     ::CoRegisterClassObject(kDouble, &factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &factory_);
-    DWORD size = sizeof ado_before;
-    ::RegGetValueW(HKEY_LOCAL_MACHINE, kAdo, nullptr, RRF_RT_REG_SZ, nullptr, ado_before, &size);
-    const std::wstring id = L"{6B0D2C47-5F7A-4C55-9E0B-0C8A6C1D7E21}";
-    if (ado_before == id) *ado_before = L'\0';  // what a run left behind that was ended
-    SetText(kAdo, id);
-    SetText(std::wstring(kJet) + L"\\CLSID", id);
 }
 
 AdoDouble::~AdoDouble() {
-    if (*ado_before != L'\0') {
-        SetText(kAdo, ado_before);
-    } else {
-        ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, kAdo);
-    }
-    ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, kJet);
     ::CoRevokeClassObject(factory_);
-    ::CoUninitialize();
 }
 
 }  // namespace tav::test

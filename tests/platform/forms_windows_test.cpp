@@ -18,9 +18,7 @@ class FormsWindows : public ProbeForm {
     }
     static HWND ToolTips() {
         for (HWND window : win32::ThreadWindows()) {
-            wchar_t name[64] = L"";
-            ::GetClassNameW(window, name, static_cast<int>(std::size(name)));
-            if (std::wstring(name) == TOOLTIPS_CLASSW && ::GetWindow(window, GW_OWNER) == Top())
+            if (win32::ClassOf(window) == TOOLTIPS_CLASSW && ::GetWindow(window, GW_OWNER) == Top())
                 return window;
         }
         return nullptr;

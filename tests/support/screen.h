@@ -11,7 +11,7 @@
 
 namespace tav::test {
 
-// Runs the event loop until then, for 20 seconds at most; whether it came.
+// Runs the event loop until then, for a minute at most; whether it came.
 bool Wait(const std::function<bool()>& until);
 void WaitFor(int milliseconds);
 // In the event loop, whoever runs it by then.

@@ -71,7 +71,7 @@ QWidget* WindowNamed(const std::string& name) {
 }
 
 bool Wait(const std::function<bool()>& until) {
-    constexpr int kMilliseconds = 20'000;
+    constexpr int kMilliseconds = 60'000;
     return QTest::qWaitFor(until, kMilliseconds);
 }
 

@@ -11,6 +11,7 @@
 namespace tav::test {
 namespace {
 
+using win32::ClassOf;
 using Windows = std::vector<HWND>;
 
 BOOL CALLBACK Collect(HWND window, LPARAM list) {
@@ -20,18 +21,18 @@ BOOL CALLBACK Collect(HWND window, LPARAM list) {
 // Another program's, if it is not 0.
 DWORD driven = 0;
 
+DWORD Thread() {
+    return driven == 0 ? ::GetCurrentThreadId() : driven;
+}
 Windows OfThread() {
-    Windows windows;
-    ::EnumThreadWindows(driven == 0 ? ::GetCurrentThreadId() : driven, Collect,
-                        reinterpret_cast<LPARAM>(&windows));
-    return windows;
+    return win32::ThreadWindows(Thread());
 }
 
 // The window that is active and the one that has the keyboard.
 GUITHREADINFO State() {
     GUITHREADINFO state{};
     state.cbSize = sizeof state;
-    ::GetGUIThreadInfo(driven == 0 ? ::GetCurrentThreadId() : driven, &state);
+    ::GetGUIThreadInfo(Thread(), &state);
     return state;
 }
 
@@ -63,12 +64,6 @@ LRESULT Send(HWND window, UINT message, WPARAM wparam = 0, LPARAM lparam = 0) {
 template <class Structure>
 LPARAM Pointer(Structure& structure) {
     return reinterpret_cast<LPARAM>(&structure);
-}
-
-std::wstring ClassOf(HWND window) {
-    wchar_t name[64] = L"";
-    ::GetClassNameW(window, name, static_cast<int>(std::size(name)));
-    return name;
 }
 
 std::wstring Shown(HWND window) {
@@ -167,7 +162,7 @@ bool DrivenProgram::Ended() const {
 }
 
 bool Wait(const std::function<bool()>& until) {
-    constexpr ULONGLONG kMilliseconds = 20'000;
+    constexpr ULONGLONG kMilliseconds = 60'000;
     const ULONGLONG end = ::GetTickCount64() + kMilliseconds;
     while (!until()) {
         if (::GetTickCount64() > end) return false;

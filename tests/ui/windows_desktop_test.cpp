@@ -15,7 +15,15 @@ using testing::IsEmpty;
 using testing::SizeIs;
 using testing::StartsWith;
 
-class Windows : public Desktop {};
+class Windows : public Desktop {
+ protected:
+    // Enough documents for something to happen while they are read.
+    void StartWithMany() {
+        WriteStatements(300);
+        Start();
+        ASSERT_TRUE(WaitCounts("lblInfoFile", "загрузке: 300"));
+    }
+};
 
 TEST_F(Windows, ImportsFromTheMainWindow) {
     WriteStatements(8);
@@ -45,9 +53,7 @@ TEST_F(Windows, ImportsFromTheMainWindow) {
 }
 
 TEST_F(Windows, CancelInTheMiddleOfAnImportLosesNothing) {
-    WriteStatements(300);
-    Start();
-    ASSERT_TRUE(WaitCounts("lblInfoFile", "загрузке: 300"));
+    StartWithMany();
     bool shown = false;
     WhenShown("frmShortImport", [&] {
         shown = true;
@@ -66,9 +72,7 @@ TEST_F(Windows, CancelInTheMiddleOfAnImportLosesNothing) {
 // Neither closing the window nor another taxpayer stops what it began; meanwhile nobody else gets at the
 // database.
 TEST_F(Windows, AnImportSurvivesItsWindow) {
-    WriteStatements(300);
-    Start();
-    ASSERT_TRUE(WaitCounts("lblInfoFile", "загрузке: 300"));
+    StartWithMany();
     bool closed = false;
     WhenShown("frmShortImport", [&] {
         closed = true;
@@ -263,9 +267,7 @@ TEST_F(Windows, KeepsTheSettingsWhileAMessageStandsBeforeTheWindow) {
 
 // A folder that vanishes while its files are read is one failure.
 TEST_F(Windows, LivesOnWhenTheFolderVanishes) {
-    WriteStatements(300);
-    Start();
-    ASSERT_TRUE(WaitCounts("lblInfoFile", "загрузке: 300"));
+    StartWithMany();
     WhenShown("frmShortImport", [&] { MoveFileOver(folder_ / u"in", folder_ / u"gone"); });
     Click(Main("Command1"));
     EXPECT_TRUE(WaitCounts("lblInfoFile", "папка не найдена"));
