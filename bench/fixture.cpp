@@ -6,7 +6,7 @@
 
 #include "convert/check_xml.h"
 #include "db/empty_database.h"
-#include "db/load_from_xml.h"
+#include "load/load_from_xml.h"
 #include "platform/files.h"
 #include "samples/generator.h"
 

@@ -3,9 +3,9 @@
 #include <benchmark/benchmark.h>
 
 #include "convert/check_xml.h"
-#include "db/constr_tab_type_oper.h"
-#include "db/load_from_xml.h"
 #include "fixture.h"
+#include "load/constr_tab_type_oper.h"
+#include "load/load_from_xml.h"
 #include "platform/files.h"
 #include "samples/generator.h"
 

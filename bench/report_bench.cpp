@@ -5,8 +5,8 @@
 #include <cstdlib>
 
 #include "convert/check_xml.h"
-#include "db/load_from_xml.h"
 #include "fixture.h"
+#include "load/load_from_xml.h"
 #include "platform/files.h"
 #include "reports/get_vipis.h"
 #include "samples/generator.h"

@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "jet/create.h"
-#include "jet/database.h"
+#include "jet/create/create.h"
+#include "jet/table/database.h"
 #include "platform/files.h"
 
 namespace {

@@ -6,7 +6,7 @@
 
 #include "db/connection.h"
 #include "fixture.h"
-#include "platform/forms.h"
+#include "forms/forms.h"
 #include "settings/session.h"
 #include "settings/settings.h"
 #include "ui/frmmain.h"

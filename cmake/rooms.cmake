@@ -26,11 +26,11 @@ endif()
 set(CMAKE_BUILD_RPATH "$ORIGIN;$ORIGIN/../lib")
 set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/../lib")
 
-# tav_sources(VARIABLE PATTERN): the sources of that pattern for this platform. One whose name ends in _linux or
+# tav_sources(VARIABLE PATTERNS): the sources of these patterns for this platform. One whose name ends in _linux or
 # _windows (before _test, if it is a test) belongs to that platform alone; one that ends in _qt or _x11 to what links Qt,
 # one that ends in _desktop to what shows windows.
-function(tav_sources variable pattern)
-  file(GLOB sources CONFIGURE_DEPENDS ${pattern})
+function(tav_sources variable patterns)
+  file(GLOB sources CONFIGURE_DEPENDS ${patterns})
   list(FILTER sources EXCLUDE REGEX "_(qt|x11|desktop)(_test)?\\.cpp$")
   if(WIN32)
     list(FILTER sources EXCLUDE REGEX "_linux(_test)?\\.cpp$")
@@ -40,38 +40,54 @@ function(tav_sources variable pattern)
   set(${variable} ${sources} PARENT_SCOPE)
 endfunction()
 
-# tav_room(NAME USES...): the static library tav_NAME of the sources in src/NAME. USES are other rooms by name, or
-# libraries.
-function(tav_room name)
-  tav_sources(sources ${PROJECT_SOURCE_DIR}/src/${name}/*.cpp)
-  add_library(tav_${name} STATIC ${sources})
-  target_include_directories(tav_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
-  target_link_libraries(tav_${name} PRIVATE tav_flags)
+# tav_room_uses(FOLDER ROOMS...): what the sources in src/FOLDER may include, and do: cmake/check_rooms.cmake compares it
+# with them.
+function(tav_room_uses folder)
+  list(JOIN ARGN "," rooms)
+  set_property(GLOBAL APPEND PROPERTY TAV_ROOMS "${folder}:${rooms}")
+endfunction()
+
+# tav_room(FOLDER USES...): the static library of the sources in src/FOLDER, tav_FOLDER with "_" for "/". USES are
+# rooms made before, by their folders, or libraries.
+function(tav_room folder)
+  string(REPLACE "/" "_" name tav_${folder})
+  tav_sources(sources ${PROJECT_SOURCE_DIR}/src/${folder}/*.cpp)
+  if(WIN32 AND folder STREQUAL forms)
+    file(GLOB toolkit CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/forms/win32/*.cpp)
+    list(APPEND sources ${toolkit})
+  endif()
+  add_library(${name} STATIC ${sources})
+  target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+  target_link_libraries(${name} PRIVATE tav_flags)
+  set(rooms "")
   foreach(used ${ARGN})
-    if(TARGET tav_${used})
-      target_link_libraries(tav_${name} PUBLIC tav_${used})
+    string(REPLACE "/" "_" room tav_${used})
+    if(TARGET ${room})
+      list(APPEND rooms ${used})
+      target_link_libraries(${name} PUBLIC ${room})
     else()
-      target_link_libraries(tav_${name} PUBLIC ${used})
+      target_link_libraries(${name} PUBLIC ${used})
     endif()
   endforeach()
+  tav_room_uses(${folder} ${rooms})
 endfunction()
 
 # tav_program_resources(TARGET): what a program of Windows that shows windows has for itself.
 function(tav_program_resources target)
-  set(folder ${PROJECT_SOURCE_DIR}/src/platform)
+  set(folder ${PROJECT_SOURCE_DIR}/src/forms/win32)
   target_sources(${target} PRIVATE ${folder}/common_controls.rc)
   set_source_files_properties(
     ${folder}/common_controls.rc PROPERTIES OBJECT_DEPENDS
                                             "${folder}/common_controls.manifest;${folder}/program.manifest")
 endfunction()
 
-# The windows of Linux: a module that a process loads when it shows its first one (platform/forms.h), so that
+# The windows of Linux: a module that a process loads when it shows its first one (forms/forms.h), so that
 # nothing else needs Qt or a screen.
 function(tav_forms_module)
   find_package(Qt6 REQUIRED COMPONENTS Widgets)
   find_library(XCB_LIBRARY xcb REQUIRED)
-  file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/platform/*_qt.cpp)
-  list(APPEND sources ${PROJECT_SOURCE_DIR}/src/platform/form_stretch.cpp ${PROJECT_SOURCE_DIR}/src/platform/reader_names.cpp)
+  file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/forms/qt/*.cpp)
+  list(APPEND sources ${PROJECT_SOURCE_DIR}/src/forms/form_stretch.cpp ${PROJECT_SOURCE_DIR}/src/forms/reader_names.cpp)
   add_library(tav_forms_qt MODULE ${sources})
   set_target_properties(
     tav_forms_qt

@@ -5,8 +5,8 @@
 
 #include "common/failure.h"
 #include "common/get_next.h"
-#include "jet/sql_rewrite.h"
-#include "jet/statement_cache.h"
+#include "sql/sql_rewrite.h"
+#include "sql/statement_cache.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-#include "platform/shown_forms_windows.h"
+#include "forms/win32/shown_forms.h"
 
 namespace tav {
 namespace {

@@ -2,8 +2,8 @@
 
 #include "common/guard.h"
 #include "common/regional.h"
+#include "forms/forms.h"
 #include "host/open_class.h"
-#include "platform/forms.h"
 
 namespace {
 

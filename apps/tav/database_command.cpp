@@ -7,8 +7,8 @@
 #include "common/regional.h"
 #include "db/empty_database.h"
 #include "db/engine.h"
-#include "jet/checker.h"
-#include "jet/database.h"
+#include "jet/check/checker.h"
+#include "jet/table/database.h"
 #include "settings/settings.h"
 #include "terminal.h"
 

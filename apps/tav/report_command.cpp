@@ -4,7 +4,7 @@
 
 #include "commands.h"
 #include "common/guard.h"
-#include "platform/shell.h"
+#include "forms/shell.h"
 #include "reports/get_files.h"
 #include "reports/get_files_act.h"
 #include "reports/get_vipis.h"

@@ -4,8 +4,8 @@
 
 #include "commands.h"
 #include "common/regional.h"
+#include "forms/forms.h"
 #include "host/open_class.h"
-#include "platform/forms.h"
 #include "reports/summary_documents.h"
 #include "settings/session.h"
 #include "terminal.h"

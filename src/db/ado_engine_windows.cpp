@@ -1,8 +1,8 @@
 #include "db/ado_engine_windows.h"
 
 #include "common/failure.h"
-#include "jet/sql_token.h"
 #include "platform/automation_windows.h"
+#include "sql/sql_token.h"
 
 namespace tav {
 namespace {

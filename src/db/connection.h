@@ -7,8 +7,8 @@
 #include <memory>
 
 #include "common/text.h"
-#include "jet/recordset.h"
-#include "jet/sql_text.h"
+#include "sql/recordset.h"
+#include "sql/sql_text.h"
 
 namespace tav {
 

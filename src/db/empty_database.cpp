@@ -1,8 +1,8 @@
 #include "db/empty_database.h"
 
 #include "common/failure.h"
-#include "jet/create.h"
-#include "jet/rollback_journal.h"
+#include "jet/create/create.h"
+#include "jet/file/rollback_journal.h"
 #include "platform/files.h"
 
 namespace tav {

@@ -5,7 +5,7 @@
 
 #include "common/text.h"
 #include "common/value.h"
-#include "jet/recordset.h"
+#include "sql/recordset.h"
 
 namespace tav {
 

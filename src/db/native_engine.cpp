@@ -2,8 +2,8 @@
 
 #include "common/failure.h"
 #include "db/engine.h"
-#include "jet/executor.h"
-#include "jet/usage_map.h"
+#include "jet/file/usage_map.h"
+#include "sql/executor.h"
 
 namespace tav {
 namespace {

@@ -4,8 +4,8 @@
 
 #include "common/guard.h"
 #include "common/regional.h"
-#include "db/run_import.h"
-#include "platform/shell.h"
+#include "forms/shell.h"
+#include "load/run_import.h"
 #include "reports/get_files.h"
 #include "reports/get_files_act.h"
 #include "reports/get_vipis.h"

@@ -3,7 +3,7 @@
 //
 // Every operation returns normally, whatever happened; a failure is shown under the operation's own title, in
 // a box where there is a screen, else on standard error. Windows stay open when an operation has returned,
-// and act through their events: the host's event loop serves them, or the toolkit's (platform/forms.h).
+// and act through their events: the host's event loop serves them, or the toolkit's (forms/forms.h).
 #pragma once
 
 #include <cstdint>

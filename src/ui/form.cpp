@@ -4,7 +4,7 @@
 #include <iterator>
 
 #include "common/guard.h"
-#include "platform/shell.h"
+#include "forms/shell.h"
 
 namespace tav {
 namespace {

@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/forms.h"
+#include "forms/forms.h"
 
 namespace tav {
 

@@ -1,7 +1,7 @@
 #include "ui/frmDialog.h"
 
 #include "db/clearbase.h"
-#include "db/run_import.h"
+#include "load/run_import.h"
 #include "settings/session.h"
 #include "settings/settings.h"
 #include "ui/frmmain.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "db/run_import.h"
+#include "load/run_import.h"
 #include "platform/files.h"
 #include "reports/get_files.h"
 #include "reports/get_files_act.h"

@@ -7,7 +7,7 @@
 #include "common/guard.h"
 #include "common/progress.h"
 #include "common/regional.h"
-#include "db/run_import.h"
+#include "load/run_import.h"
 #include "platform/environment.h"
 #include "platform/files.h"
 #include "platform/registry.h"

@@ -1,7 +1,7 @@
 // What stands in the main window, and where.
 #pragma once
 
-#include "platform/forms.h"
+#include "forms/forms.h"
 
 namespace tav {
 

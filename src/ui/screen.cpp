@@ -3,7 +3,7 @@
 #include "common/failure.h"
 #include "common/message_box.h"
 #include "common/progress.h"
-#include "platform/forms.h"
+#include "forms/forms.h"
 #include "ui/window_progress.h"
 
 namespace tav {

@@ -2,8 +2,8 @@
 
 #include "common/guard.h"
 #include "db/holdings.h"
-#include "db/known_files.h"
 #include "db/literals.h"
+#include "load/known_files.h"
 #include "platform/files.h"
 #include "reports/page_names.h"
 #include "settings/session.h"

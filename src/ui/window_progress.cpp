@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "db/run_import.h"
-#include "platform/forms.h"
+#include "forms/forms.h"
+#include "load/run_import.h"
 #include "settings/session.h"
 #include "ui/frmShortImport.h"
 #include "ui/frmmain.h"

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "common/failure.h"
-#include "jet/checker.h"
+#include "jet/check/checker.h"
 #include "platform/files.h"
 #include "support/support.h"
 

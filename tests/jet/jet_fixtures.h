@@ -8,8 +8,8 @@
 
 #include "common/failure.h"
 #include "common/value.h"
-#include "jet/checker.h"
-#include "jet/create.h"
+#include "jet/check/checker.h"
+#include "jet/create/create.h"
 #include "platform/files.h"
 #include "support/support.h"
 

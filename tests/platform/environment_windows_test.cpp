@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
+#include "forms/shell.h"
 #include "platform/environment.h"
 #include "platform/error_of.h"
 #include "platform/files.h"
-#include "platform/shell.h"
 #include "platform/win32_windows.h"
 #include "support/support.h"
 

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <map>
 
-#include "platform/forms.h"
+#include "forms/forms.h"
 #include "platform/win32_windows.h"
 
 namespace tav::test {

@@ -1,0 +1,200 @@
+#include "forms/qt/widget_window.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLayout>
+#include <QPointer>
+#include <QPushButton>
+#include <QScreen>
+#include <QWindow>
+#include <algorithm>
+#include <set>
+#include <unordered_map>
+#include <utility>
+
+#include "forms/qt/form_layout.h"
+#include "forms/qt/text.h"
+#include "forms/reader_names.h"
+
+namespace tav {
+namespace {
+
+// The windows that are shown, and the loops that wait until none is.
+class ShownForms {
+ public:
+    void Enter(const FormWindowQt* window) { windows_.insert(window); }
+    void Leave(const FormWindowQt* window) {
+        windows_.erase(window);
+        if (!windows_.empty()) return;
+        for (QEventLoop* loop : loops_) loop->quit();
+    }
+    void Wait() {
+        if (windows_.empty()) return;
+        QEventLoop loop;
+        loops_.insert(&loop);
+        loop.exec();
+        loops_.erase(&loop);
+    }
+
+ private:
+    std::set<const FormWindowQt*> windows_;
+    std::set<QEventLoop*> loops_;
+};
+
+// Outlives every window, also those that end with the process.
+ShownForms& Shown() {
+    static ShownForms& shown = *new ShownForms;
+    return shown;
+}
+
+// A label's mnemonic leads to the next control that takes the keyboard.
+void JoinLabels(const std::vector<MadeControl>& controls) {
+    QWidget* next = nullptr;
+    for (auto control = controls.rbegin(); control != controls.rend(); ++control) {
+        QWidget* widget = (*control)->widget();
+        if (widget == nullptr) continue;
+        const ControlPlan& plan = (*control)->plan();
+        if (plan.kind == ControlKind::Label && plan.mnemonic != 0)
+            static_cast<QLabel*>(widget)->setBuddy(next);
+        if ((widget->focusPolicy() & Qt::TabFocus) != 0) next = widget;
+    }
+}
+
+}  // namespace
+
+FormWindowQt::FormWindowQt(const FormPlan& plan, FormEvents& events) : events_(&events) {
+    setObjectName(ToQt(plan.name));
+    setWindowTitle(ToQt(plan.caption));
+    setAttribute(Qt::WA_QuitOnClose, false);  // a host's windows decide when the host ends
+    MakeControls(plan);
+    JoinLabels(controls_);
+    const std::vector<TextView> names = NamesForReaders(plan.controls);
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        if (!names[i].empty()) controls_[i]->widget()->setAccessibleName(ToQt(names[i]));
+    }
+    LayOut(*this, plan.controls, controls_);
+    default_ = FindButton(plan.default_button);
+    cancel_ = FindButton(plan.cancel_button);
+    if (auto* button = dynamic_cast<QPushButton*>(default_); button != nullptr) button->setDefault(true);
+    resize(CharacterSize(*this, plan.width, plan.height)
+               .expandedTo(minimumSizeHint())
+               .boundedTo(screen()->availableSize()));
+}
+
+FormWindowQt::~FormWindowQt() {
+    // The widgets go before what listens to them.
+    qDeleteAll(findChildren<QWidget*>(Qt::FindDirectChildrenOnly));
+}
+
+void FormWindowQt::Discard() {
+    Hide();
+    events_ = nullptr;
+    if (handlers_ == 0) deleteLater();
+}
+
+// While a handler runs, a widget of this window stands below it on the stack, in whatever loop the handler
+// waits.
+void FormWindowQt::Tell(const std::function<void(FormEvents&)>& what) {
+    if (events_ == nullptr) return;
+    ++handlers_;
+    what(*events_);
+    if (--handlers_ == 0 && events_ == nullptr) deleteLater();
+}
+
+void FormWindowQt::MakeControls(const FormPlan& plan) {
+    std::unordered_map<TextView, QWidget*> frames = {{TextView(), this}};
+    for (std::size_t i = 0; i < plan.controls.size(); ++i) {
+        const ControlPlan& control = plan.controls[i];
+        const Raise raise = [this, i](Event event) {
+            Tell([&](FormEvents& events) { events.OnEvent(i, event); });
+        };
+        controls_.push_back(MakeControl(control, frames.at(control.place.parent), raise));
+        if (control.kind == ControlKind::Frame) frames[control.name] = controls_.back()->widget();
+    }
+}
+
+QAbstractButton* FormWindowQt::FindButton(TextView name) const {
+    return name.empty() ? nullptr : findChild<QAbstractButton*>(ToQt(name));
+}
+
+void FormWindowQt::Appear() {
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
+    if (focusWidget() == nullptr) focusNextChild();
+    Shown().Enter(this);
+}
+
+void FormWindowQt::Show() {
+    if (!isVisible()) {
+        setWindowModality(Qt::NonModal);
+        setWindowFlags(Qt::Window);
+    }
+    Appear();
+}
+
+void FormWindowQt::ShowModal(FormWindow* owner) {
+    Hide();  // whether a window is modal is settled when it appears
+    setWindowModality(Qt::ApplicationModal);
+    setWindowFlags(Qt::Dialog);
+    winId();  // makes the window handle
+    if (const auto* window = static_cast<FormWindowQt*>(owner); window != nullptr) {
+        windowHandle()->setTransientParent(window->windowHandle());
+        move(window->frameGeometry().center() - rect().center());
+    }
+    QEventLoop loop;
+    modal_loop_ = &loop;
+    Appear();
+    const QPointer<QWidget> alive(this);
+    loop.exec();
+    // The loop may also have ended with the application's, and the window may be no more.
+    if (!alive.isNull() && modal_loop_ == &loop) Hide();
+}
+
+void FormWindowQt::Hide() {
+    hide();
+    if (QEventLoop* loop = std::exchange(modal_loop_, nullptr); loop != nullptr) loop->quit();
+    Shown().Leave(this);
+}
+
+// The form decides. Whoever asked learns whether the window has gone: a host that ends closes all windows
+// first.
+void FormWindowQt::closeEvent(QCloseEvent* event) {
+    Tell([](FormEvents& events) { events.OnCloseRequest(); });
+    event->setAccepted(!isVisible());
+}
+
+// Labels that break their lines need the more height the narrower the window is.
+bool FormWindowQt::event(QEvent* event) {
+    const bool handled = QWidget::event(event);
+    if (event->type() == QEvent::LayoutRequest || event->type() == QEvent::Resize) {
+        const int height = layout()->totalMinimumHeightForWidth(width());
+        if (height > 0) setMinimumHeight(std::min(height, screen()->availableSize().height()));
+    }
+    return handled;
+}
+
+// Keys that the focused control has left over.
+void FormWindowQt::keyPressEvent(QKeyEvent* event) {
+    QAbstractButton* button = nullptr;
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) button = default_;
+    if (event->key() == Qt::Key_Escape) button = cancel_;
+    if (button != nullptr) {
+        button->click();
+    } else {
+        QWidget::keyPressEvent(event);
+    }
+}
+
+void RunUntilNoFormIsShown() {
+    Shown().Wait();
+}
+
+FormWindowQt* ActiveForm() {
+    return dynamic_cast<FormWindowQt*>(QApplication::activeWindow());
+}
+
+}  // namespace tav

@@ -1,0 +1,87 @@
+#include "forms/win32/shown_forms.h"
+
+#include <set>
+
+#include "forms/win32/form_window.h"
+#include "forms/win32/message_loop.h"
+
+namespace tav {
+namespace {
+
+struct Forms {
+    std::set<FormWindowWin*> made;
+    std::set<FormWindowWin*> shown;
+    HHOOK hook = nullptr;
+};
+
+// Outlives every window, also those that end with the process.
+Forms& All() {
+    static Forms& forms = *new Forms;
+    return forms;
+}
+
+// A key that a form has used up reaches the host's loop as a message that means nothing.
+LRESULT CALLBACK OnMessageTaken(int code, WPARAM removed, LPARAM taken) {
+    auto& message = *reinterpret_cast<MSG*>(taken);
+    if (code == HC_ACTION && (removed & PM_REMOVE) != 0 && message.message >= WM_KEYFIRST &&
+        message.message <= WM_KEYLAST) {
+        FormWindowWin* form = FormOf(::GetAncestor(message.hwnd, GA_ROOT));
+        if (form != nullptr && form->TakeKey(message)) message = MSG{};
+    }
+    return ::CallNextHookEx(nullptr, code, removed, taken);
+}
+
+bool IsOurs(HWND window) {
+    return win32::ClassOf(window) == kFormClass &&
+           ::GetWindowLongPtrW(window, GWLP_HINSTANCE) == reinterpret_cast<LONG_PTR>(win32::ThisModule());
+}
+
+}  // namespace
+
+int OpenForms() {
+    return static_cast<int>(
+        std::ranges::count_if(All().made, [](const FormWindowWin* form) { return form->Exists(); }));
+}
+
+bool HasForms(DWORD thread) {
+    return std::ranges::any_of(win32::ThreadWindows(thread), IsOurs);
+}
+
+void FormMade(FormWindowWin* form) {
+    for (FormWindowWin* other : All().made) other->ForgetIfLost();
+    All().made.insert(form);
+}
+
+void FormGone(FormWindowWin* form) {
+    FormHidden(form);
+    All().made.erase(form);
+}
+
+FormWindowWin* FormOf(HWND window) {
+    for (FormWindowWin* form : All().made) {
+        if (window != nullptr && form->hwnd() == window) return form;
+    }
+    return nullptr;
+}
+
+FormWindowWin* ActiveForm() {
+    return FormOf(::GetActiveWindow());
+}
+
+void FormShown(FormWindowWin* form) {
+    All().shown.insert(form);
+    if (All().hook != nullptr) return;
+    All().hook = ::SetWindowsHookExW(WH_GETMESSAGE, OnMessageTaken, nullptr, ::GetCurrentThreadId());
+}
+
+void FormHidden(FormWindowWin* form) {
+    if (All().shown.erase(form) == 0 || !All().shown.empty()) return;
+    if (HHOOK hook = std::exchange(All().hook, nullptr); hook != nullptr) ::UnhookWindowsHookEx(hook);
+    WakeLoop();
+}
+
+void RunUntilNoFormIsShown() {
+    RunLoopUntil([] { return All().shown.empty(); });
+}
+
+}  // namespace tav

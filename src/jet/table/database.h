@@ -1,0 +1,42 @@
+// One open database file: its tables by name.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <vector>
+
+#include "common/text.h"
+#include "jet/file/page_file.h"
+#include "jet/table/table.h"
+
+namespace tav::jet {
+
+// A user table in the catalogue (MSysObjects).
+struct TableEntry {
+    Text name;
+    PageNumber page = 0;
+};
+
+class Database {
+ public:
+    using Access = PageFile::Access;
+
+    // Opens and locks the file; a missing, foreign, damaged, protected or busy file is a Failure that names
+    // it and says why.
+    Database(TextView path, Access access);
+
+    PageFile& file() { return file_; }
+    // The local user tables in the order of the catalogue.
+    const std::vector<TableEntry>& Tables() const { return tables_; }
+    // nullptr when there is no table of that name (letter case ignored); a Failure when it is only linked
+    // here. The table lives as long as the database.
+    Table* FindTable(TextView name);
+
+ private:
+    PageFile file_;
+    std::vector<TableEntry> tables_;
+    std::vector<Text> linked_;
+    std::map<PageNumber, std::unique_ptr<Table>> open_;
+};
+
+}  // namespace tav::jet

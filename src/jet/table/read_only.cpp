@@ -1,0 +1,24 @@
+#include "jet/table/read_only.h"
+
+#include "jet/index/index_key.h"
+
+namespace tav::jet {
+
+Text WhyReadOnly(const TableDefinition& table) {
+    for (const LogicalIndex& index : table.logical_indexes) {
+        if (index.type == 2 || index.relationship != 0) {
+            return Text(u"Cannot update table '")
+                .append(table.name)
+                .append(u"': it takes part in the relationship '")
+                .append(index.name)
+                .append(u"', which is not enforced here.");
+        }
+    }
+    for (const RealIndex& index : table.indexes) {
+        const Text why = WhyNoKeys(table, index);
+        if (!why.empty()) return Text(u"Cannot update table '").append(table.name).append(u"': ").append(why);
+    }
+    return {};
+}
+
+}  // namespace tav::jet

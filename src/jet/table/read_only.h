@@ -1,0 +1,12 @@
+// Why a table may be read but not changed.
+#pragma once
+
+#include "jet/schema/table_definition.h"
+
+namespace tav::jet {
+
+// The reason for which rows of this table cannot be changed safely (a relationship, a text index in an unknown sort order,
+// ...), or empty.
+Text WhyReadOnly(const TableDefinition& table);
+
+}  // namespace tav::jet

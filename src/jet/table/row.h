@@ -1,0 +1,72 @@
+// Rows as bytes.
+//
+//     u16 column count c       the table's highest column number + 1 when the row was written
+//     fixed area               values of the fixed columns at their offsets
+//     variable values          in the order of their variable indexes, without gaps
+//     (padding)                left where an update made the row shorter
+//     u16 end of data          offset behind the variable values
+//     u16 x v                  their start offsets, the last one first
+//     u16 v                    number of variable values
+//     (c + 7) / 8 bytes        null mask: bit n set = column number n is present; a boolean's value
+//
+// A table without variable columns has no variable part. Rows older than a column lack it: it is Null there.
+// A row is read from its end. It has at most 4060 bytes.
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "common/value.h"
+#include "jet/schema/table_definition.h"
+
+namespace tav::jet {
+
+class PageFile;
+
+// One row's bytes. Values are decoded one by one, when asked for; bytes that contradict the definition are a
+// Failure that names file, page and slot. Valid until the file's next Trim or change.
+class Row {
+ public:
+    Row() = default;
+    Row(PageFile& file, const TableDefinition& definition, RowId id, std::span<const std::uint8_t> bytes);
+
+    RowId id() const { return id_; }
+    // By position in definition().columns. GUID and binary columns give the bytes as they are stored, a
+    // numeric column the nearest double, an OLE column its bytes.
+    Value Get(std::size_t column) const;
+    std::vector<Value> All() const;
+    // Whether a memo or OLE value lies outside the row.
+    bool HasDistantValues() const;
+
+ private:
+    PageFile* file_ = nullptr;
+    const TableDefinition* definition_ = nullptr;
+    RowId id_;
+    std::span<const std::uint8_t> bytes_;
+    std::size_t column_count_ = 0;
+    std::size_t variable_count_ = 0;
+    std::size_t mask_ = 0;  // offset of the null mask
+    bool has_variable_part_ = false;
+
+    bool IsPresent(const Column& column) const;
+    bool HasVariable(const Column& column) const;
+    std::span<const std::uint8_t> Stored(const Column& column) const;
+    Value Decode(const Column& column, std::span<const std::uint8_t> stored) const;
+    [[noreturn]] void Damaged(const Column& column, TextView reason) const;
+};
+
+inline constexpr TextView kFieldTooSmall =
+    u"The field is too small to accept the amount of data you attempted to add. Try inserting or pasting "
+    u"less "
+    u"data.";
+
+// Whether the date is of the years 100 to 9999.
+bool IsDatabaseDate(Date date);
+
+// The bytes of a row with these values (in the order of definition.columns), put into `out`. What a column
+// cannot hold is a Failure with the database engine's usual words: texts that are too long, numbers out of
+// range, kinds that were not converted, records that are too long.
+void EncodeRow(const TableDefinition& definition, std::span<const Value> values, std::string& out);
+
+}  // namespace tav::jet

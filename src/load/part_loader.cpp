@@ -1,0 +1,200 @@
+#include "load/part_loader.h"
+
+#include <algorithm>
+#include <array>
+
+#include "common/failure.h"
+#include "db/literals.h"
+#include "settings/settings.h"
+
+namespace tav {
+namespace {
+
+constexpr TextView kZero = u"0.00";
+constexpr std::array<TextView, 5> kAmountDigits = {u"10", u"11", u"12", u"13", u"14"};
+constexpr TextView kRecordDateDigits = u"01";
+constexpr std::array<TextView, 5> kSeriesElements = {u"h01", u"h02", u"h06", u"h07", u"h10"};
+constexpr std::size_t kCurrencyCharacters = 16;
+constexpr std::size_t kYearCharacters = 4;
+
+template <std::size_t N>
+bool OneOf(TextView text, const std::array<TextView, N>& known) {
+    return std::ranges::find(known, text) != known.end();
+}
+
+// One insert statement, its column list and its value list growing side by side.
+class Insert {
+ public:
+    Insert(TextView beginning, std::int16_t part) : columns_(beginning), values_(u") values (") {
+        columns_.reserve(beginning.size() + 100);
+        values_.Number(part);
+    }
+
+    void Column(TextView name) { columns_.append(u",").append(name); }
+    void Value(TextView text) { values_.Fixed(u",'").Value(text).Fixed(u"'"); }
+    void Add(TextView column, TextView text) {
+        Column(column);
+        Value(text);
+    }
+    void Literal(const SqlText& literal) { values_.Append(literal); }
+
+    void Execute(Connection& connection) {
+        SqlText statement(columns_);
+        connection.Execute(statement.Append(values_).Fixed(u")"));
+    }
+
+ private:
+    Text columns_;
+    SqlText values_;
+};
+
+Insert HeaderInsert(std::int16_t part, TextView file_name) {
+    Insert header(u"insert into tav_operations_header (id,filename", part);
+    header.Value(file_name);
+    return header;
+}
+
+void Collect(Node parent, ColumnValues& values) {
+    values.Clear();
+    if (!parent) return;
+    for (const Node& child : parent.Children()) values.Add(child.Name(), child.Content());
+}
+
+// Without its zeros, an amount's element names the section in its second place: p0211 is p211.
+bool InSection2(TextView element) {
+    const Text name = ReplaceAll(element, u"0", u"");
+    return name.size() >= 2 && name[1] == u'2';
+}
+
+// " and perb= #01/01/2011#". The year stands bare in the statement, so it must be one.
+Text FirstOfJanuary(TextView year) {
+    const bool digits = std::ranges::all_of(year, [](char16_t c) { return c >= u'0' && c <= u'9'; });
+    const Text condition = Text(u" and perb= #01/01/").append(year).append(u"#");
+    if (year.size() == kYearCharacters && digits) return condition;
+    throw Failure(Text(u"Syntax error in date in query expression '").append(condition).append(u"'."));
+}
+
+}  // namespace
+
+LoadSwitches ReadLoadSwitches() {
+    return {SettingSwitch(u"SpVupis"), SettingSwitch(u"SpAct"), SettingSwitch(u"SpVupisOb"),
+            SettingSwitch(u"SpActOb")};
+}
+
+PartLoader::PartLoader(Connection& connection, const LoadSwitches& switches, const Value& highest_part,
+                       const Value& highest_series, LoadResult& result)
+    : connection_(connection),
+      switches_(switches),
+      result_(result),
+      part_(highest_part),
+      series_(highest_series) {
+    part_.Next();
+    series_.Next();
+}
+
+void PartLoader::LoadAct(Node part, TextView file_name) {
+    Collect(part.SelectSingleNode(u"body"), amounts_);
+    Insert amounts(u"insert into tav_acts (id", part_.value());
+    bool nonzero = false;
+    for (const auto& [column, text] : amounts_.items()) {
+        amounts.Add(column->column, ToLocalNumber(text));
+        if ((switches_.section_2_only == 0 || InSection2(column->element)) && text != kZero) nonzero = true;
+    }
+    const bool stored = switches_.zero_acts != 0 || nonzero;
+    if (stored) amounts.Execute(connection_);
+
+    Collect(part.SelectSingleNode(u"head"), head_);
+    Insert header = HeaderInsert(part_.value(), file_name);
+    for (const auto& [column, text] : head_.items()) header.Add(column->column, text);
+    if (stored) header.Execute(connection_);
+    ++(stored ? result_.documents : result_.empty);
+    part_.Next();
+}
+
+void PartLoader::LoadStatement(Node part, TextView file_name) {
+    // Once an amount has counted, every later line is stored, zero or not.
+    bool nonzero = false;
+    for (const Node& row : part.SelectNodes(u"body/row")) nonzero = LoadRow(row, nonzero);
+    const bool stored = switches_.zero_statements != 0 || nonzero;
+    LoadStatementHeader(part.SelectSingleNode(u"head"), file_name, stored);
+    ++(stored ? result_.documents : result_.empty);
+    part_.Next();
+}
+
+// `nonzero` is whether an amount has counted so far; returned with this row's.
+bool PartLoader::LoadRow(Node row, bool nonzero) {
+    Collect(row, row_);
+    Insert insert(u"insert into tav_operations (id", part_.value());
+    bool ignored = switches_.dated_lines_only != 0;
+    for (const auto& [column, text] : row_.items()) {
+        const TextView digits = column->digits();
+        if (OneOf(digits, kAmountDigits)) {
+            insert.Add(column->column, ToLocalNumber(text));
+            if (!ignored && text != kZero) nonzero = true;
+            continue;
+        }
+        insert.Add(column->column, text);
+        if (digits == kRecordDateDigits) ignored = false;
+    }
+    if (switches_.zero_statements != 0 || nonzero) {
+        insert.Execute(connection_);
+        ++result_.rows;
+    }
+    return nonzero;
+}
+
+void PartLoader::LoadStatementHeader(Node head, TextView file_name, bool stored) {
+    Collect(head, head_);
+    Insert header = HeaderInsert(part_.value(), file_name);
+    SqlText current(u"select vid, pere, h12 from tav_operations_header where not(isnull(vid))");
+    Text period_end;
+    for (const auto& [column, text] : head_.items()) {
+        const TextView element = column->element;
+        header.Add(column->column, element == u"h11" ? TextView(text).substr(0, kCurrencyCharacters) : text);
+        if (OneOf(element, kSeriesElements)) {
+            current.Fixed(u" and ").Fixed(column->column).Fixed(u"='").Value(text).Fixed(u"'");
+        } else if (element == u"h12") {
+            period_end = text;
+        } else if (element == u"h13") {
+            header.Add(u"perb", text);
+            // A statement that runs over the end of a year is cut there.
+            if (Right(period_end, kYearCharacters) != Right(text, kYearCharacters)) {
+                period_end = Text(u"31.12.").append(Right(text, kYearCharacters));
+            }
+        }
+    }
+    header.Add(u"pere", period_end);
+    header.Column(u"vid");
+    current.Fixed(FirstOfJanuary(Right(period_end, kYearCharacters)));
+    header.Literal(VersionLiteral(current, period_end));
+    if (stored) header.Execute(connection_);
+}
+
+// The value of `vid`: the series number the statement takes over, a new one, or Null when the current
+// statement of its series stays the current one.
+SqlText PartLoader::VersionLiteral(const SqlText& current, TextView period_end) {
+    const auto quoted = [](std::int16_t number) {
+        SqlText literal(u",'");
+        return literal.Value(Digits(number)).Fixed(u"'");
+    };
+    const Recordset found = connection_.Execute(current);
+    if (found.Eof()) {
+        const std::int16_t series = series_.value();
+        series_.Next();
+        return quoted(series);
+    }
+    Text old_period_end = isns(found.Field(u"pere"));
+    Text old_statement_end = isns(found.Field(u"h12"));
+    // Both comparisons are always made, in this order: the first tests against the range that the previous
+    // statement's second one recorded.
+    const bool in_last_range = datebetween(old_statement_end, u"");
+    const bool later = datebetween(old_period_end, period_end);
+    ++result_.superseded;
+    if (!in_last_range && !later) return SqlText(u",Null");
+    const std::int16_t series = Counter(found.Field(u"vid")).value();
+    SqlText supersede(u"update tav_operations_header set vid=Null where vid=");
+    connection_.Execute(supersede.Number(series));
+    return quoted(series);
+}
+
+}  // namespace tav

@@ -1,0 +1,58 @@
+#include "load/run_import.h"
+
+#include "common/failure.h"
+#include "convert/check_xml.h"
+#include "load/constr_tab_type_oper.h"
+#include "platform/environment.h"
+#include "settings/session.h"
+#include "settings/settings.h"
+
+namespace tav {
+namespace {
+
+bool running = false;
+
+class RunningImport {
+ public:
+    RunningImport() { running = true; }
+    ~RunningImport() { running = false; }
+    RunningImport(const RunningImport&) = delete;
+    RunningImport& operator=(const RunningImport&) = delete;
+};
+
+}  // namespace
+
+ImportFolders ChooseFolders(TextView import_folder, TextView move_folder) {
+    ImportFolders folders{Text(import_folder), Text(move_folder)};
+    if (folders.import.empty()) folders.import = SettingText(u"ImportPath");
+    if (folders.import.empty() || !folders.move_to.empty() || !SettingTruth(u"ChkOut")) return folders;
+    folders.move_to = SettingText(u"OutPath");
+    if (folders.move_to.empty()) folders.move_to = TempVariable();
+    if (folders.move_to.empty()) throw Failure(RunTimeError::PathNotFound, u"OutPath, TEMP");
+    return folders;
+}
+
+bool ImportRunning() {
+    return running;
+}
+
+void RefuseDuringImport() {
+    if (running) throw Failure(Text(u"Could not use '").append(getbase()).append(u"'; file already in use."));
+}
+
+ImportResult RunImport(const ImportFolders& folders, TextView inn, TextView kpp) {
+    ImportResult result;
+    if (running || folders.import.empty() || !PassCancelGuard()) return result;
+    const RunningImport this_one;
+    const Text catalogue = CheckXml(folders.import);
+    if (catalogue.empty()) {
+        result.outcome = CancelStamp() != 0 ? ImportOutcome::Cancelled : ImportOutcome::NoCatalogue;
+        return result;
+    }
+    result.load = LoadFromXml(catalogue, getbase(), inn, kpp, folders.move_to);
+    ConstrTabTypeOper(getbase());
+    result.outcome = ImportOutcome::Done;
+    return result;
+}
+
+}  // namespace tav

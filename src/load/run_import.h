@@ -1,0 +1,41 @@
+// One unattended import, from a folder of documents to the database.
+#pragma once
+
+#include "common/text.h"
+#include "load/load_from_xml.h"
+
+namespace tav {
+
+struct ImportFolders {
+    Text import;   // scanned; empty: there is nothing to import
+    Text move_to;  // loaded documents are moved there; empty: they stay
+};
+
+// The folders as the settings have them: ImportPath, and OutPath when ChkOut is true (TEMP when OutPath is
+// empty; without either, a Failure: documents are never moved to a place nobody named).
+ImportFolders ChooseFolders(TextView import_folder, TextView move_folder);
+
+enum class ImportOutcome {
+    Nothing,  // no folder, a second import while one runs, or one asked for in the very second of the last
+              // cancel
+    NoCatalogue,  // no document in the folder, or a failure that was shown
+    Cancelled,
+    Done
+};
+
+struct ImportResult {
+    ImportOutcome outcome = ImportOutcome::Nothing;
+    LoadResult load;
+};
+
+// Events are processed while an import runs, so anything can be asked for meanwhile.
+bool ImportRunning();
+// Whatever changes or reads the database is refused meanwhile: throws "Could not use '...'; file already in
+// use." when an import runs.
+void RefuseDuringImport();
+
+// Scans the folder, loads the catalogue for the taxpayer, numbers the new operation types. What fails is
+// shown by the procedures themselves.
+ImportResult RunImport(const ImportFolders& folders, TextView inn, TextView kpp);
+
+}  // namespace tav

@@ -1,0 +1,197 @@
+#include "sql/executor.h"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+#include "sql/sql_value.h"
+#include "sql/statement_cache.h"
+#include "sql/virtual_table.h"
+
+namespace tav::jet {
+namespace {
+
+// Brings a statement back to its beginning, whatever ended it.
+class Reset {
+ public:
+    explicit Reset(sqlite3_stmt* statement) : statement_(statement) {}
+    ~Reset() { sqlite3_reset(statement_); }
+    Reset(const Reset&) = delete;
+    Reset& operator=(const Reset&) = delete;
+
+ private:
+    sqlite3_stmt* statement_;
+};
+
+// A result column's name: its alias or column; the place of one that has neither.
+Text ResultName(sqlite3_stmt* statement, int column) {
+    Text name = FromUtf8(sqlite3_column_name(statement, column));
+    const bool expression = name.find_first_of(u"( ?") != name.npos;
+    return expression ? Text(u"Expr").append(Digits(1000 + column)) : name;
+}
+
+void CheckValues(const SqlText& sql) {
+    for (const SqlText::Span& value : sql.values()) {
+        if (value.quoted) CheckQuotedValue(TextView(sql.text()).substr(value.begin, value.length));
+    }
+}
+
+}  // namespace
+
+struct Executor::State {
+    State(TextView path, Database::Access access) : database(path, access), sqlite(OpenSqlite(callbacks)) {}
+
+    const TableDefinition* FindTable(TextView name);
+    StatementHandle PrepareOne(const Rewritten& rewritten, const std::string& sql);
+    Prepared& Prepare(const SqlText& sql);
+    void Bind(Prepared& prepared, const SqlText& sql);
+    ResultTable Run(Prepared& prepared);
+    Recordset Execute(const SqlText& sql);
+    void DropHashes();
+
+    Database database;
+    Callbacks callbacks;
+    std::map<Table*, std::unique_ptr<VirtualTable>> tables;
+    SqliteHandle sqlite;
+    StatementCache cache;
+};
+
+// The table's definition; SQLite knows the table from now on.
+const TableDefinition* Executor::State::FindTable(TextView name) {
+    Table* table = database.FindTable(name);
+    if (table == nullptr) return nullptr;
+    std::unique_ptr<VirtualTable>& known = tables[table];
+    if (known == nullptr) {
+        known = std::make_unique<VirtualTable>(*table, callbacks);
+        known->Register(sqlite.get());
+    }
+    return &table->definition();
+}
+
+StatementHandle Executor::State::PrepareOne(const Rewritten& rewritten, const std::string& sql) {
+    sqlite3_stmt* statement = nullptr;
+    const char* tail = nullptr;
+    const int result = sqlite3_prepare_v3(sqlite.get(), sql.data(), static_cast<int>(sql.size()),
+                                          SQLITE_PREPARE_PERSISTENT, &statement, &tail);
+    StatementHandle handle(statement);
+    callbacks.Rethrow();
+    if (result != SQLITE_OK) throw SqliteFailure(sqlite.get(), rewritten.kind);
+    if (handle == nullptr || tail != sql.data() + sql.size()) {
+        throw Failure(u"Characters found after end of SQL statement.");
+    }
+    return handle;
+}
+
+Prepared& Executor::State::Prepare(const SqlText& sql) {
+    Rewritten rewritten = Rewrite(sql, [this](TextView name) { return FindTable(name); });
+    StatementHandle statement = PrepareOne(rewritten, rewritten.sql);
+    const int columns = sqlite3_column_count(statement.get());
+    if (rewritten.sorts_by_columns) {
+        std::string sorted = rewritten.sql + "order by ";
+        for (int i = 1; i <= columns; ++i) sorted.append(i > 1 ? "," : "").append(std::to_string(i));
+        statement = PrepareOne(rewritten, sorted);
+    }
+    std::vector<Text> names;
+    names.reserve(static_cast<std::size_t>(columns));
+    for (int i = 0; i < columns; ++i) names.push_back(ResultName(statement.get(), i));
+    for (std::size_t i = 0; i < rewritten.parameters.size(); ++i) {
+        const Parameter& parameter = rewritten.parameters[i];
+        if (parameter.IsConstant()) jet::Bind(statement.get(), static_cast<int>(i) + 1, parameter.constant);
+    }
+    return cache.Add(sql, {Shape(sql), std::move(rewritten), std::move(statement), std::move(names), {}});
+}
+
+void Executor::State::Bind(Prepared& prepared, const SqlText& sql) {
+    sqlite3_stmt* statement = prepared.statement.get();
+    prepared.written.resize(prepared.rewritten.parameters.size());
+    for (std::size_t i = 0; i < prepared.rewritten.parameters.size(); ++i) {
+        const Parameter& parameter = prepared.rewritten.parameters[i];
+        if (parameter.IsConstant()) continue;
+        const int number = static_cast<int>(i) + 1;
+        if (parameter.kind == TokenKind::String &&
+            (parameter.column == nullptr || parameter.column->IsText())) {
+            const TextView token = parameter.Where(sql);
+            const TextView inside = token.substr(1, token.size() - 2);
+            if (inside.find(u'\'') == inside.npos) {
+                const int bytes = static_cast<int>(inside.size() * sizeof(char16_t));
+                if (sqlite3_bind_text16(statement, number, inside.data(), bytes, SQLITE_STATIC) !=
+                    SQLITE_OK) {
+                    throw Failure(RunTimeError::OutOfMemory);
+                }
+                continue;
+            }
+        }
+        prepared.written[i] = parameter.Read(sql);
+        jet::Bind(statement, number, prepared.written[i]);
+    }
+}
+
+ResultTable Executor::State::Run(Prepared& prepared) {
+    sqlite3_stmt* statement = prepared.statement.get();
+    const Reset reset(statement);
+    ResultTable table;
+    table.names = prepared.names;
+    int result = SQLITE_ROW;
+    while ((result = sqlite3_step(statement)) == SQLITE_ROW) {
+        std::vector<Value>& row = table.rows.emplace_back();
+        row.reserve(table.names.size());
+        // The connection belongs to this thread alone, so a column's value may be read where it lies.
+        for (std::size_t i = 0; i < table.names.size(); ++i) {
+            row.push_back(FromSqlite(sqlite3_column_value(statement, static_cast<int>(i))));
+        }
+    }
+    callbacks.Rethrow();
+    if (result != SQLITE_DONE) throw SqliteFailure(sqlite.get(), prepared.rewritten.kind);
+    return table;
+}
+
+// What the tables hold is not what the hashes were told: a statement or unit was taken back.
+void Executor::State::DropHashes() {
+    for (auto& [table, virtual_table] : tables) virtual_table->search().DropHashes();
+}
+
+Recordset Executor::State::Execute(const SqlText& sql) {
+    CheckValues(sql);
+    Prepared* known = cache.Find(sql);
+    Prepared& prepared = known != nullptr ? *known : Prepare(sql);
+    database.file().Trim();
+    Bind(prepared, sql);
+    if (prepared.rewritten.changed == nullptr) return Recordset(Run(prepared));
+    if (!database.file().writable()) {
+        throw Failure(u"Operation must use an updateable query.").In(database.file().path());
+    }
+    database.file().BeginStatement();
+    try {
+        Run(prepared);
+    } catch (...) {
+        database.file().RollBackStatement();
+        DropHashes();
+        throw;
+    }
+    database.file().KeepStatement();
+    return Recordset();
+}
+
+Executor::Executor(TextView path, Database::Access access) : state_(std::make_unique<State>(path, access)) {}
+
+Executor::~Executor() = default;
+
+Recordset Executor::Execute(const SqlText& sql) {
+    if (!sql.values().empty()) return state_->Execute(sql);
+    return state_->Execute(WithValues(sql));
+}
+
+void Executor::Commit() {
+    try {
+        state_->database.file().Commit();
+    } catch (...) {
+        state_->DropHashes();
+        throw;
+    }
+}
+
+Database& Executor::database() {
+    return state_->database;
+}
+
+}  // namespace tav::jet

@@ -1,0 +1,36 @@
+// Executes Jet SQL on a database file: an in-memory SQLite over virtual tables that are the file's own
+// tables.
+#pragma once
+
+#include <memory>
+
+#include "common/text.h"
+#include "jet/table/database.h"
+#include "sql/recordset.h"
+#include "sql/sql_text.h"
+
+namespace tav::jet {
+
+class Executor {
+ public:
+    // The file is opened and locked until the executor goes.
+    Executor(TextView path, Database::Access access);
+    ~Executor();
+    Executor(const Executor&) = delete;
+    Executor& operator=(const Executor&) = delete;
+
+    // Exactly one statement: select, insert, update or delete on the tables there are. A statement that fails
+    // leaves the file as it was. Changes become part of the present unit of work.
+    Recordset Execute(const SqlText& sql);
+
+    // What was executed since the last time reaches the disk, as a whole.
+    void Commit();
+
+    Database& database();
+
+ private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+}  // namespace tav::jet

@@ -1,0 +1,35 @@
+#include "sql/recordset.h"
+
+#include "common/failure.h"
+
+namespace tav {
+namespace {
+
+const Value& FieldOf(const ResultTable* table, std::size_t row, std::size_t ordinal) {
+    if (table == nullptr || ordinal >= table->names.size()) {
+        throw Failure(
+            u"Item cannot be found in the collection corresponding to the requested name or ordinal.");
+    }
+    if (row >= table->rows.size()) {
+        throw Failure(
+            u"Either BOF or EOF is True, or the current record has been deleted. Requested operation "
+            u"requires "
+            u"a current record.");
+    }
+    return table->rows[row][ordinal];
+}
+
+}  // namespace
+
+const Value& Recordset::Field(std::size_t ordinal) const {
+    return FieldOf(table_.get(), row_, ordinal);
+}
+
+const Value& Recordset::Field(TextView name) const {
+    const std::size_t columns = table_ == nullptr ? 0 : table_->names.size();
+    std::size_t ordinal = 0;
+    while (ordinal < columns && !EqualNoCase(table_->names[ordinal], name)) ++ordinal;
+    return FieldOf(table_.get(), row_, ordinal);
+}
+
+}  // namespace tav

@@ -1,0 +1,63 @@
+// Finds the rows that a statement's conditions allow: by an index of the file, by a hash, or by a scan.
+#pragma once
+
+#include <sqlite3.h>
+
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "common/value.h"
+#include "jet/table/table.h"
+#include "sql/hash_index.h"
+
+namespace tav::jet {
+
+class TableSearch {
+ public:
+    explicit TableSearch(Table& table);
+
+    // SQLite asks how the conditions it has could be used; the answer's idxNum is given to Find.
+    void Plan(sqlite3_index_info& question);
+
+    // The candidates among which SQLite tests the conditions again; no value when all rows are. `arguments`
+    // are those the plan asked for.
+    std::optional<std::vector<RowId>> Find(int plan, std::span<const Value> arguments);
+
+    // What happened to the rows, so that the hashes stay current.
+    void Inserted(std::span<const Value> row, RowId id);
+    void Updated(std::span<const Value> before, std::span<const Value> after, RowId id);
+    void Deleted(std::span<const Value> row, RowId id);
+    bool HasHashes() const { return !hashes_.empty(); }
+    void DropHashes() { hashes_.clear(); }
+
+ private:
+    // First the columns that equal something, in table order, then the two bounds of a range.
+    struct SearchPlan {
+        std::vector<std::size_t> equal;
+        bool low = false;
+        bool high = false;
+        std::optional<std::size_t> index;  // of the file
+        std::size_t leading = 0;           // how many of its columns are in `equal`
+
+        bool operator==(const SearchPlan&) const = default;
+    };
+    struct Conditions;
+
+    void ChooseIndex(SearchPlan& plan) const;
+    bool ChooseRange(SearchPlan& plan, const Conditions& conditions) const;
+    int Remember(const SearchPlan& plan);
+    bool IsUniqueKey(const SearchPlan& plan) const;
+    std::optional<std::vector<RowId>> ByIndex(const SearchPlan& plan, std::span<const Value> arguments);
+    std::optional<std::vector<RowId>> ByRange(const SearchPlan& plan, std::span<const Value> arguments);
+    std::vector<RowId> ByHash(const SearchPlan& plan, std::span<const Value> arguments);
+
+    Table* table_;
+    std::vector<bool> has_keys_;  // by index of the file
+    std::vector<SearchPlan> plans_;
+    std::vector<bool> wide_;  // plans whose index alone finds too many rows
+    std::vector<std::unique_ptr<HashIndex>> hashes_;
+};
+
+}  // namespace tav::jet

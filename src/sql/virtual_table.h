@@ -1,0 +1,44 @@
+// A table of the file as SQLite sees it: a virtual table of the same name.
+#pragma once
+
+#include <sqlite3.h>
+
+#include <string>
+#include <vector>
+
+#include "jet/table/table.h"
+#include "sql/sqlite_handles.h"
+#include "sql/table_search.h"
+
+namespace tav::jet {
+
+class VirtualTable {
+ public:
+    // Everything given outlives the table, and the table outlives the SQLite connection.
+    VirtualTable(Table& table, Callbacks& callbacks);
+    VirtualTable(const VirtualTable&) = delete;
+    VirtualTable& operator=(const VirtualTable&) = delete;
+
+    void Register(sqlite3* database);
+
+    Table& table() { return table_; }
+    TableSearch& search() { return search_; }
+    Callbacks& callbacks() { return callbacks_; }
+    // "create table" as SQLite wants it declared.
+    std::string Declaration() const;
+
+    RowId Insert(sqlite3_value** values);
+    void Update(RowId id, sqlite3_value** values);
+    void Delete(RowId id);
+
+ private:
+    void Take(std::size_t column, sqlite3_value* value);
+
+    Table& table_;
+    Callbacks& callbacks_;
+    TableSearch search_;
+    std::vector<Value> row_;  // of the change being made; kept, so that its texts keep their memory
+    Value literal_;
+};
+
+}  // namespace tav::jet

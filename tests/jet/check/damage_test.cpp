@@ -1,0 +1,88 @@
+// Samples with bytes changed at random: whatever they say, only Failures may come out.
+#include <random>
+
+#include "jet/jet_fixtures.h"
+#include "jet/jet_samples.h"
+#include "jet/table/database.h"
+
+namespace tav::jet {
+namespace {
+
+using test::FailureOf;
+using test::SampleDatabases;
+using test::SamplePath;
+using test::TempFolder;
+using test::Values;
+
+std::string Damage(std::string bytes, std::mt19937& random) {
+    const unsigned changes = 1 + random() % 24;
+    const std::size_t pages = bytes.size() / kPageSize;
+    for (unsigned i = 0; i < changes; ++i) {
+        // Headers and slot tables first of all, and the bytes at a page's end, where rows and maps stand.
+        const std::size_t page = random() % pages;
+        const std::size_t in_page = random() % 3 == 0   ? random() % kPageSize
+                                    : random() % 2 == 0 ? random() % 128
+                                                        : kPageSize - 1 - random() % 256;
+        char& byte = bytes[page * kPageSize + in_page];
+        byte = static_cast<char>(random() % 2 == 0 ? byte ^ 1 << random() % 8 : random());
+    }
+    return bytes;
+}
+
+// Reads, inserts, updates and deletes. The number of failures met.
+int Use(Database& database, const TableEntry& entry) {
+    int failures = 0;
+    const auto attempt = [&](auto body) { failures += FailureOf(body).empty() ? 0 : 1; };
+    Table* table = nullptr;
+    attempt([&] { table = database.FindTable(entry.name); });
+    if (table == nullptr) return failures;
+    std::vector<RowId> ids;
+    Values row(table->definition().columns.size());
+    attempt([&] {
+        for (Table::Scan scan = table->Rows(); !scan.AtEnd() && ids.size() < 100000; scan.Next()) {
+            ids.push_back(scan.row().id());
+            attempt([&] { row = scan.row().All(); });
+        }
+    });
+    for (std::size_t i = 0; i < table->definition().indexes.size(); ++i) {
+        attempt([&] { table->Index(i).HasKey("\x7F\x80"); });
+    }
+    const auto statement = [&](auto body) {
+        database.file().BeginStatement();
+        if (const int before = failures; attempt(body), failures > before)
+            database.file().RollBackStatement();
+        database.file().KeepStatement();
+    };
+    for (int i = 0; i < 20; ++i) statement([&] { table->Insert(row); });
+    for (std::size_t i = 0; i < ids.size() && i < 30; ++i) {
+        statement([&] { table->Update(ids[i], row); });
+        statement([&] { table->Delete(ids[ids.size() - 1 - i]); });
+    }
+    return failures;
+}
+
+TEST(Damage, OnlyFailuresComeOut) {
+    TAV_NEEDS_SAMPLES();
+    TempFolder folder;
+    std::mt19937 random(4096);
+    int refused = 0;
+    int failures = 0;
+    for (const Text& name : SampleDatabases()) {
+        const std::string good = ReadFile(SamplePath(ToUtf8(name)));
+        const int rounds = good.size() > (1 << 20) ? 20 : 60;
+        for (int round = 0; round < rounds; ++round) {
+            const Text path = folder.Write(u"damaged.mdb", Damage(good, random));
+            const std::string refusal = FailureOf([&] {
+                Database database(path, Database::Access::Write);
+                for (const TableEntry& table : database.Tables()) failures += Use(database, table);
+                database.file().Commit();
+            });
+            refused += refusal.empty() ? 0 : 1;
+        }
+    }
+    EXPECT_GT(refused, 10);
+    EXPECT_GT(failures, 100);
+}
+
+}  // namespace
+}  // namespace tav::jet

@@ -1,0 +1,97 @@
+// A database with rows of every kind, and the places in it that a test damages.
+#pragma once
+
+#include <string>
+
+#include "jet/create/create.h"
+#include "jet/table/database.h"
+#include "support/support.h"
+
+namespace tav::jet::test {
+
+// The bytes of a database file under a test's hands.
+class FileBytes {
+ public:
+    explicit FileBytes(std::string bytes) : bytes_(std::move(bytes)) {}
+
+    std::uint8_t* At(PageNumber page, std::size_t offset) {
+        return reinterpret_cast<std::uint8_t*>(&bytes_.at(page * kPageSize + offset));
+    }
+    std::uint8_t& Byte(PageNumber page, std::size_t offset) { return *At(page, offset); }
+    std::size_t SlotStart(Pointer slot) { return U16(At(slot.page, 14 + 2u * slot.slot)) & 0x1FFF; }
+    std::uint8_t* Record(Pointer slot) { return At(slot.page, SlotStart(slot)); }
+    void SetSlotFlags(Pointer slot, std::uint16_t flags) {
+        std::uint8_t* at = this->At(slot.page, 14 + 2u * slot.slot);
+        PutU16(at, static_cast<std::uint16_t>((U16(at) & 0x1FFF) | flags));
+    }
+    // An inline map's bit.
+    void SetBit(Pointer map, PageNumber page, bool set) {
+        std::uint8_t& byte = Record(map)[5 + page / 8];
+        const auto bit = static_cast<std::uint8_t>(1 << page % 8);
+        byte = static_cast<std::uint8_t>(set ? byte | bit : byte & ~bit);
+    }
+    // A page of zeros at the end, in use by nobody.
+    PageNumber AppendPage() {
+        bytes_.append(kPageSize, '\0');
+        const PageNumber page = PageCount() - 1;
+        SetBit({1, 0}, page, false);
+        return page;
+    }
+    PageNumber PageCount() const { return static_cast<PageNumber>(bytes_.size() / kPageSize); }
+    std::string& bytes() { return bytes_; }
+
+ private:
+    std::string bytes_;
+};
+
+// Table "things" (id Long, key; name Text 100, indexed; day Date; amount Double; note Memo; done Boolean)
+// with 1500 rows, so that its indexes have nodes; among them a Null name, names that occur twice, Cyrillic
+// ones, a moved row, a deleted one. Table "empty" has one column and no rows.
+struct Things {
+    Things();
+
+    FileBytes file{{}};
+    TableDefinition table;
+    TableDefinition empty;
+    std::vector<RowId> rows;
+    RowId moved;
+    RowId deleted;
+};
+
+inline std::vector<Value> Thing(std::int64_t id, Value name) {
+    return {id,       std::move(name), Date{40000.0 + static_cast<double>(id)},
+            id / 4.0, Text(u"note"),   id % 2 == 0};
+}
+
+inline Things::Things() {
+    const std::vector<TablePlan> plans = {{u"things",
+                                           {{u"id", ColumnType::Long},
+                                            {u"name", ColumnType::Text, 100},
+                                            {u"day", ColumnType::Date},
+                                            {u"amount", ColumnType::Double},
+                                            {u"note", ColumnType::Memo},
+                                            {u"done", ColumnType::Boolean}},
+                                           {{u"PrimaryKey", {u"id"}, true}, {u"byname", {u"name"}}}},
+                                          {u"empty", {{u"id", ColumnType::Long}}, {}}};
+    const tav::test::TempFolder folder;
+    const Text path = folder.Write(u"things.mdb", EmptyDatabase(plans));
+    {
+        Database database(path, Database::Access::Write);
+        Table& things = *database.FindTable(u"things");
+        for (std::int64_t id = 0; id < 700; ++id) {
+            const Text word = id % 3 == 0 ? u"Ромашка" : u"Thing";
+            const Value name = id == 7 ? Value(Null()) : Value(word + Digits(id / 2));
+            rows.push_back(things.Insert(Thing(id, name)));
+        }
+        moved = rows[20];
+        things.Update(moved, Thing(20, Text(100, u'Ж')));
+        deleted = rows[600];
+        things.Delete(deleted);
+        database.file().Commit();
+        table = things.definition();
+        empty = database.FindTable(u"empty")->definition();
+    }
+    file = FileBytes(ReadFile(path));
+}
+
+}  // namespace tav::jet::test

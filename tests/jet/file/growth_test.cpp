@@ -1,0 +1,133 @@
+// Files and usage maps that grow.
+#include <gmock/gmock.h>
+
+#include <numeric>
+#include <optional>
+
+#include "jet/file/usage_map.h"
+#include "jet/jet_fixtures.h"
+#include "jet/table/database.h"
+
+namespace tav::jet {
+namespace {
+
+using test::ExpectSound;
+using test::FailureOf;
+using test::NewDatabase;
+using test::PageOfText;
+using test::TempFolder;
+
+constexpr PageNumber kInlinePages = 512;
+
+bool IsInline(PageFile& file, Pointer map) {
+    const Page& page = ReadDataPage(file, map.page, 0);
+    return page[RecordAt(file, map.page, page, map.slot).begin] == 0;
+}
+
+class Growth : public testing::Test {
+ protected:
+    TempFolder folder_;
+    Text path_ = NewDatabase(folder_);
+    std::optional<Database> database_{std::in_place, path_, Database::Access::Write};
+    PageFile& file_ = database_->file();
+};
+
+TEST_F(Growth, InlineMapMovesItsWindowAndTurnsIntoReferences) {
+    while (file_.PageCount() < 1200) file_.Append();
+    const Pointer record = database_->FindTable(u"things")->definition().owned_map;
+    UsageMap map(file_, record);
+    EXPECT_EQ(map.Last(), 0u);
+    std::vector<PageNumber> expected;
+    const auto add = [&](PageNumber page) {
+        map.Add(page);
+        expected.push_back(page);
+        std::sort(expected.begin(), expected.end());
+        EXPECT_EQ(map.Pages(), expected);
+        EXPECT_EQ(map.Last(), expected.back());
+        EXPECT_TRUE(map.Contains(page));
+        EXPECT_FALSE(map.Contains(page + 1));
+    };
+    add(700);   // empty: the window starts there
+    add(1100);  // inside
+    add(597);   // moves down to 592; 1100 still fits
+    EXPECT_TRUE(IsInline(file_, record));
+    EXPECT_TRUE(map.BitmapPages().empty());
+    add(1150);  // 592 to 1150 does not fit any more
+    EXPECT_FALSE(IsInline(file_, record));
+    add(20);
+    ASSERT_EQ(map.BitmapPages().size(), 1u);
+    EXPECT_FALSE(IsFree(file_, map.BitmapPages().front()));
+    map.Remove(700);
+    map.Remove(701);  // not a member
+    expected.erase(std::find(expected.begin(), expected.end(), 700u));
+    EXPECT_EQ(map.Pages(), expected);
+}
+
+TEST_F(Growth, LargeTableKeepsItsRowsAndMaps) {
+    Table& table = *database_->FindTable(u"plain");
+    constexpr std::size_t kRows = 1500;
+    for (std::size_t i = 0; i < kRows; ++i) table.Insert(PageOfText());
+    file_.Commit();
+    const std::vector<PageNumber> pages = UsageMap(file_, table.definition().owned_map).Pages();
+    EXPECT_EQ(pages.size(), kRows);
+    EXPECT_FALSE(IsInline(file_, table.definition().owned_map));
+    std::size_t rows = 0;
+    for (Table::Scan scan = table.Rows(); !scan.AtEnd(); scan.Next()) ++rows;
+    EXPECT_EQ(rows, kRows);
+
+    // The global map covers the file in steps of 32 pages; what moved down with it is still a map of zeros.
+    const Page& global = ReadDataPage(file_, 1, 1);
+    const Record map = RecordAt(file_, 1, global, 0);
+    const Record second = RecordAt(file_, 1, global, 1);
+    EXPECT_EQ(map.size, 5 + 4 * ((file_.PageCount() + 31) / 32));
+    EXPECT_EQ(second.size, 69);
+    EXPECT_EQ(std::accumulate(global.begin() + second.begin, global.begin() + map.begin, 0), 0);
+    EXPECT_EQ(U16(global.data() + 2), second.begin - 14 - 4);
+    for (PageNumber page = 0; page < file_.PageCount(); ++page) EXPECT_FALSE(IsFree(file_, page)) << page;
+    database_.reset();
+    ExpectSound(path_);
+}
+
+TEST_F(Growth, FreedPagesAreTakenAgainButNotBelowTheLastOne) {
+    const PageNumber first = AllocatePage(file_);
+    const PageNumber second = AllocatePage(file_);
+    EXPECT_EQ(second, first + 1);
+    file_.Change(first).fill(7);
+    FreePage(file_, first);
+    EXPECT_TRUE(IsFree(file_, first));
+    EXPECT_EQ(CountFreePages(file_), 1u);
+    EXPECT_EQ(AllocatePage(file_, second), second + 1);
+    EXPECT_EQ(AllocatePage(file_), first);
+    EXPECT_EQ(file_.Read(first), Page{});
+    EXPECT_THAT(FailureOf([&] { FreePage(file_, 2); }), testing::HasSubstr("cannot be freed"));
+}
+
+TEST_F(Growth, PageInUseIsNotTakenThoughItIsCalledFree) {
+    UsageMap owned(file_, database_->FindTable(u"plain")->definition().owned_map);
+    const PageNumber page = owned.TakePage();
+    EXPECT_TRUE(owned.Contains(page));
+    file_.Change(page).fill(7);
+    FreePage(file_, page);
+    EXPECT_THAT(FailureOf([&] { owned.TakePage(); }), testing::HasSubstr("it is called free, but is in use"));
+    EXPECT_EQ(file_.Read(page)[0], 7);
+}
+
+TEST_F(Growth, FullFileRefusesToGrow) {
+    // The second record of page 1 takes the room that the global map would grow into.
+    ResizeRecord(file_.Change(1), 1, 3990);
+    const PageNumber limit = MaximumPages(file_);
+    EXPECT_EQ(limit, kInlinePages + 32 * ((4096 - 14 - 4 - 69 - 3990) / 4));
+    Table& table = *database_->FindTable(u"plain");
+    std::string failure;
+    int rows = 0;
+    for (; failure.empty(); ++rows) failure = FailureOf([&] { table.Insert(PageOfText()); });
+    EXPECT_THAT(failure, testing::HasSubstr("has reached its maximum size"));
+    EXPECT_EQ(file_.PageCount(), limit);
+    EXPECT_GT(rows, static_cast<int>(kInlinePages));
+    int found = 0;
+    for (Table::Scan scan = table.Rows(); !scan.AtEnd(); scan.Next()) ++found;
+    EXPECT_EQ(found, rows - 1);
+}
+
+}  // namespace
+}  // namespace tav::jet

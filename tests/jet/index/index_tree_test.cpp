@@ -1,0 +1,233 @@
+#include "jet/index/index_tree.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <random>
+#include <set>
+
+#include "common/failure.h"
+#include "jet/create/create.h"
+#include "jet/index/index_key.h"
+#include "jet/index/index_probe.h"
+#include "support/support.h"
+
+namespace tav::jet {
+namespace {
+
+using Entries = std::set<std::string>;
+
+// A table without rows, and one of its indexes: a tree does not care what its keys mean.
+class IndexTreeTest : public testing::Test {
+ protected:
+    static constexpr PageNumber kFirstTable = 16;  // behind the system's pages
+
+    IndexTreeTest() {
+        const ColumnPlan columns[] = {{u"id", ColumnType::Long}};
+        const IndexPlan indexes[] = {{u"byid", {u"id"}}};
+        const TablePlan plan{
+            u"t", {std::begin(columns), std::end(columns)}, {std::begin(indexes), std::end(indexes)}};
+        const Text path = folder_.Write(u"a.mdb", EmptyDatabase({&plan, 1}));
+        file_ = std::make_unique<PageFile>(path, PageFile::Access::Write);
+        table_ = ReadTableDefinition(*file_, kFirstTable, u"t");
+        tree_ = std::make_unique<IndexTree>(*file_, table_, table_.indexes.at(0));
+    }
+
+    static PageNumber PageIn(std::mt19937& random) { return static_cast<PageNumber>(random() % 300 + 20); }
+    static std::string Entry(const std::string& key, RowId row) { return key + BigEndian(row.Word()); }
+    void Add(const std::string& entry) { tree_->Add(KeyOf(entry), RowOf(entry)); }
+    void Remove(const std::string& entry) { tree_->Remove(KeyOf(entry), RowOf(entry)); }
+    static std::string_view KeyOf(const std::string& entry) {
+        return std::string_view(entry).substr(0, entry.size() - 4);
+    }
+    static RowId RowOf(const std::string& entry) {
+        return RowId::FromWord(
+            BigU32(reinterpret_cast<const std::uint8_t*>(entry.data()) + entry.size() - 4));
+    }
+    ProbedTree Probe() { return ProbeIndexTree(*file_, table_.page, table_.indexes[0]); }
+
+    std::vector<std::string> Walk(IndexTree::Cursor cursor) {
+        std::vector<std::string> entries;
+        for (; !cursor.AtEnd(); cursor.Next())
+            entries.push_back(Entry(std::string(cursor.key()), cursor.row()));
+        return entries;
+    }
+
+    // Grows and shrinks the tree by random entries, and empties it at the end. The most levels it had.
+    std::size_t Churn(std::uint32_t seed, int steps,
+                      const std::function<std::string(std::mt19937&)>& make_key) {
+        std::mt19937 random(seed);
+        Entries entries;
+        std::size_t levels = 0;
+        const auto verify = [&] {
+            const ProbedTree probed = Probe();
+            ASSERT_TRUE(
+                std::equal(probed.entries.begin(), probed.entries.end(), entries.begin(), entries.end()));
+            levels = std::max(levels, probed.levels);
+        };
+        const auto any = [&] {
+            const auto at = entries.lower_bound(Entry(make_key(random), {}));
+            return at == entries.end() ? entries.begin() : at;
+        };
+        for (int step = 0; step < steps; ++step) {
+            const bool grow = random() % 10 < (step / (steps / 4) % 2 == 0 ? 8 : 3);
+            if (grow || entries.empty()) {
+                const std::string entry =
+                    Entry(make_key(random), {PageIn(random), static_cast<std::uint8_t>(random())});
+                if (!entries.insert(entry).second) continue;
+                EXPECT_EQ(tree_->HasKey(KeyOf(entry)), [&] {
+                    const auto at = entries.lower_bound(Entry(std::string(KeyOf(entry)), {}));
+                    return *at != entry ||
+                           (std::next(at) != entries.end() && KeyOf(*std::next(at)) == KeyOf(entry));
+                }());
+                Add(entry);
+            } else {
+                const auto at = any();
+                Remove(*at);
+                entries.erase(at);
+            }
+            if (step % (steps / 20) == 0) verify();
+            if (HasFatalFailure()) return levels;
+        }
+        verify();
+        for (int i = 0; i < 50; ++i) {
+            const std::string key = make_key(random);
+            const auto cursor = tree_->Seek(key);
+            const auto at = entries.lower_bound(key);
+            EXPECT_EQ(cursor.AtEnd(), at == entries.end());
+            if (at != entries.end()) {
+                EXPECT_EQ(Entry(std::string(cursor.key()), cursor.row()), *at);
+            }
+        }
+        EXPECT_EQ(Walk(tree_->First()), std::vector<std::string>(entries.begin(), entries.end()));
+        while (!entries.empty()) {
+            const auto at = any();
+            Remove(*at);
+            entries.erase(at);
+            if (entries.size() % 997 == 0) verify();
+        }
+        const ProbedTree empty = Probe();
+        EXPECT_EQ(empty.pages, std::set<PageNumber>{table_.indexes[0].root});
+        return levels;
+    }
+
+    test::TempFolder folder_;
+    std::unique_ptr<PageFile> file_;
+    TableDefinition table_;
+    std::unique_ptr<IndexTree> tree_;
+};
+
+std::string LongKey(std::int64_t value, bool ascending = true) {
+    Column column;
+    column.type = ColumnType::Long;
+    return *EncodeKeyColumn(column, ascending, value);
+}
+
+std::string TextKey(const Text& text) {
+    Column column;
+    column.type = ColumnType::Text;
+    column.sort_order = 0x0409;
+    return *EncodeKeyColumn(column, true, text);
+}
+
+TEST_F(IndexTreeTest, KeepsNumbers) {
+    EXPECT_EQ(Churn(1, 30000, [](std::mt19937& random) { return LongKey(random() % 1000000); }), 2u);
+}
+
+TEST_F(IndexTreeTest, KeepsDescendingNumbersAmongNulls) {
+    Churn(2, 20000, [](std::mt19937& random) {
+        return random() % 20 == 0 ? std::string("\xFF") : LongKey(random() % 100000, false);
+    });
+}
+
+TEST_F(IndexTreeTest, KeepsManyRowsOfFewKeys) {
+    EXPECT_EQ(Churn(3, 40000, [](std::mt19937& random) { return LongKey(random() % 5 * 1000); }), 2u);
+}
+
+TEST_F(IndexTreeTest, KeepsTextsOfAllLengths) {
+    const int levels = Churn(4, 12000, [](std::mt19937& random) {
+        Text text;
+        for (auto i = random() % 255 + 1; i > 0; --i) text += static_cast<char16_t>(u'А' + random() % 20);
+        return TextKey(text);
+    });
+    EXPECT_GE(levels, 3u);
+}
+
+TEST_F(IndexTreeTest, KeepsTheLongestKeys) {
+    const int levels = Churn(5, 3000, [](std::mt19937& random) {
+        std::string key(random() % 3 == 0 ? kMaxKeySize - 5 : random() % kMaxKeySize / 2, 'k');
+        return key + LongKey(random() % 1000);
+    });
+    EXPECT_GE(levels, 3u);
+}
+
+TEST_F(IndexTreeTest, FillsPagesWhenKeysComeInOrder) {
+    const int kRows = 60000;
+    for (int i = 0; i < kRows; ++i) {
+        Add(Entry(LongKey(i), {static_cast<PageNumber>(100 + i / 50), static_cast<std::uint8_t>(i % 50)}));
+    }
+    const ProbedTree probed = Probe();
+    EXPECT_EQ(probed.entries.size(), static_cast<std::size_t>(kRows));
+    EXPECT_EQ(probed.levels, 2u);
+    EXPECT_LE(probed.leaves, kRows / 500u);
+}
+
+TEST_F(IndexTreeTest, RefusesWhatCannotBe) {
+    const std::string entry = Entry(LongKey(1), {30, 0});
+    Add(entry);
+    EXPECT_THROW(Add(entry), Failure);
+    EXPECT_THROW(Remove(Entry(LongKey(1), {30, 1})), Failure);
+    EXPECT_THROW(Remove(Entry(LongKey(2), {30, 0})), Failure);
+    EXPECT_THROW(Add(Entry(std::string(kMaxKeySize + 1, 'k'), {30, 1})), Failure);
+    EXPECT_EQ(Probe().entries, std::vector<std::string>{entry});
+}
+
+// Damaged trees: every operation ends, with a result or with a failure that names the file.
+TEST_F(IndexTreeTest, SurvivesFlippedBytes) {
+    std::mt19937 random(9);
+    const auto key = [&] { return std::string(random() % 900, 'k') + LongKey(random() % 1000); };
+    Entries entries;
+    while (entries.size() < 1500) {
+        const std::string entry = Entry(key(), {PageIn(random), 0});
+        if (entries.insert(entry).second) Add(entry);
+    }
+    const ProbedTree good = Probe();
+    ASSERT_GE(good.levels, 3u);
+    const std::vector<PageNumber> pages(good.pages.begin(), good.pages.end());
+
+    int failures = 0;
+    for (int round = 0; round < 400; ++round) {
+        file_->BeginStatement();
+        for (auto i = random() % 4 + 1; i > 0; --i) {
+            const PageNumber number =
+                random() % 3 == 0 ? table_.indexes[0].root : pages[random() % pages.size()];
+            Page& page = file_->Change(number);
+            const std::size_t at = random() % 2 == 0 ? random() % 30 : random() % kPageSize;
+            page[at] = random() % 2 == 0 ? static_cast<std::uint8_t>(random())
+                                         : static_cast<std::uint8_t>(page[at] ^ 1 << random() % 8);
+        }
+        const std::function<void()> operations[] = {
+            [&] { Walk(tree_->First()); }, [&] { Walk(tree_->Seek(key())); },
+            [&] {
+                Add(Entry(key(), {PageIn(random), 1}));
+            },
+            [&] {
+                Remove(*std::next(entries.begin(), static_cast<std::ptrdiff_t>(random() % entries.size())));
+            }};
+        for (int i = 0; i < 40; ++i) {
+            try {
+                operations[i < 2 ? i : 2 + random() % 2]();
+            } catch (const Failure& failure) {
+                EXPECT_NE(failure.description().find(u"a.mdb"), Text::npos) << ToUtf8(failure.description());
+                ++failures;
+            }
+        }
+        file_->RollBackStatement();
+    }
+    EXPECT_GT(failures, 400);
+    EXPECT_EQ(Probe().entries, good.entries);
+}
+
+}  // namespace
+}  // namespace tav::jet
