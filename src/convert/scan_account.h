@@ -1,0 +1,52 @@
+// What a scan of the import folder knows of every document in it, for those who tell it to a person.
+//
+// The scan that converts gives this (check_xml.h); so does a look at the folder that changes nothing
+// (folder_glance.h), where "converted" means that the next scan will do it.
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "common/text.h"
+
+namespace tav {
+
+struct ScannedFile {
+    enum class State {
+        New,         // converted; no scan had listed it before
+        Again,       // converted again: changed since, or its entry in the catalogue could not be read
+        Settled,     // not changed since it was converted, so it was not looked into
+        Unreadable,  // could not be opened or read: tried again by every scan
+    };
+    enum class Found {
+        Document,  // a statement or an act, or several
+        Nothing,   // neither
+        Broken,    // an entry that cannot be read: nothing of it is loaded, every scan converts it again
+    };
+
+    Text name;
+    State state = State::New;
+    Found found = Found::Document;
+    // For a person, in Russian: why nothing was found, what breaks the entry, why the file cannot be read.
+    // Empty for a document, and for Nothing that is settled: WhyNothing (folder_glance.h) looks it up.
+    Text reason = {};
+    // The text ends inside a group, as that of a file does which was not copied to its end: what is there is
+    // converted. Of settled documents it is known for those whose last part was left open.
+    bool cut_off = false;
+    // The pages, counted from 1, that hide visible text behind their last closing brace. Known of documents
+    // that this scan converted.
+    std::vector<std::size_t> dropped_pages = {};
+};
+
+struct ScanAccount {
+    // Full path of listfiles.xml; empty when the folder holds no document, after a cancel and after a failure
+    // that was shown.
+    Text catalogue;
+    std::vector<ScannedFile> files;  // in the order of the listing
+    // Files that cannot be listed: Windows-1251 has no letters for their names.
+    std::vector<Text> unnamable;
+    // XML files that look like acts while acts delivered as XML are not listed.
+    int unlisted_acts = 0;
+};
+
+}  // namespace tav
