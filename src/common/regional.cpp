@@ -44,13 +44,13 @@ std::string PlainNumber(TextView text) {
     return digits ? out : std::string();
 }
 
-// "-1 234,50" of "1234" and "50"; an amount of nothing has no sign.
+// "-1 234,50" of "1234" and "50"; no line breaks at the blank between groups. An amount of nothing has no sign.
 Text GroupedAmount(std::string_view whole, std::string_view decimals, bool negative) {
     const auto is_zero = [](std::string_view digits) { return digits.find_first_not_of('0') == digits.npos; };
     Text text;
     if (negative && !(is_zero(whole) && is_zero(decimals))) text += u'-';
     for (std::size_t i = 0; i < whole.size(); ++i) {
-        if (i > 0 && (whole.size() - i) % 3 == 0) text += u' ';
+        if (i > 0 && (whole.size() - i) % 3 == 0) text += u'\u00A0';
         text += static_cast<char16_t>(whole[i]);
     }
     text += CurrentRegionalForm().decimal;

@@ -26,7 +26,7 @@ std::optional<Date> ParseDate(TextView text);
 Text FormatDate(Date date);
 // The shortest decimal text that reads back as the number: "123,45", "-0,5", "7".
 Text FormatNumber(double number);
-// Two decimals, leading zero, groups of three: "1 234,50", "-0,30".
+// Two decimals, leading zero, groups of three with U+00A0 between them: "1 234,50", "-0,30".
 Text FormatAmount(double amount);
 // The same, exactly; halves of the last decimal go away from zero.
 Text FormatAmount(Money amount);

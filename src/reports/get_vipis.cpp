@@ -1,5 +1,6 @@
 #include "reports/get_vipis.h"
 
+#include "common/failure.h"
 #include "reports/page.h"
 #include "reports/statement_page.h"
 
@@ -12,7 +13,11 @@ Text StatementOf(TextView database, std::int32_t id) {
     connection.OpenForReading(ConnectionString(database));
     SqlText sql(u"select * from tav_operations_header where id=");
     Recordset headers = connection.Execute(sql.Number(id).Fixed(u" order by perb"));
-    return StatementPage(connection, headers);
+    // An act has a header too, without what only statements have.
+    if (headers.Eof() || (IsNull(headers.Field(u"h6")) && IsNull(headers.Field(u"vid")))) {
+        throw Failure(Text(u"Выписка с номером ").append(Digits(id)).append(u" в базе данных не найдена"));
+    }
+    return StatementPage(connection, headers, ChosenTaxpayer());
 }
 
 }  // namespace

@@ -13,7 +13,9 @@ namespace {
 constexpr TextView kNoAmount = u"-&nbsp;";
 constexpr std::int64_t kColumns = 9;
 
-using Columns = std::array<double, kColumns + 1>;  // by column number, 0 unused
+// By column number, 0 unused. Whole ten-thousandths: of these a double holds every sum below 900 billion
+// exactly, so that what cancels out is 0; above, amounts have no ten-thousandths in the database either.
+using Columns = std::array<double, kColumns + 1>;
 
 struct Accumulators {
     Columns turnover{};
@@ -27,11 +29,13 @@ Accumulators& Sums() {
     return sums;
 }
 
-double Amount(const Value& value) {
-    if (const double* number = std::get_if<double>(&value)) return *number;
+constexpr double kTenThousandths = 1e4;
+
+double TenThousandths(const Value& value) {
+    if (const double* number = std::get_if<double>(&value)) return std::nearbyint(*number * kTenThousandths);
     const auto number = ParseNumber(isns(value));
     if (!number) throw Failure(RunTimeError::TypeMismatch, isns(value));
-    return *number;
+    return std::nearbyint(*number * kTenThousandths);
 }
 
 std::size_t ColumnNumber(TextView digits) {
@@ -42,7 +46,7 @@ std::size_t ColumnNumber(TextView digits) {
 }
 
 Text AmountText(double amount) {
-    return Text(amount < 0 ? u"- " : u"").append(FormatAmount(std::fabs(amount)));
+    return Text(amount < 0 ? u"- " : u"").append(FormatAmount(std::fabs(amount) / kTenThousandths));
 }
 
 // The closing balances by kind (tax, penalty interest, fine), as a credit or as a debt, and their net.
@@ -71,7 +75,7 @@ Text FieldAmount(const Recordset& row, TextView field, int mode) {
     if (sums.totals_done) sums = {};
     const Value& value = row.Field(field);
     if (IsNull(value)) return Text(kNoAmount);
-    const double amount = Amount(value);
+    const double amount = TenThousandths(value);
     if (field.size() == 2) {
         const std::size_t column = ColumnNumber(field.substr(1));
         if (mode == kTurnover) {

@@ -35,9 +35,9 @@ TEST(Numbers, Formats) {
     EXPECT_EQ(FormatNumber(1234.5), u"1234,5");
     EXPECT_EQ(FormatNumber(-0.0), u"0");
     EXPECT_EQ(FormatNumber(1e21), u"1000000000000000000000");
-    EXPECT_EQ(FormatAmount(1234567.891), u"1 234 567,89");
+    EXPECT_EQ(FormatAmount(1234567.891), u"1\u00A0234\u00A0567,89");
     EXPECT_EQ(FormatAmount(0), u"0,00");
-    EXPECT_EQ(FormatAmount(-999.995), u"-1 000,00");
+    EXPECT_EQ(FormatAmount(-999.995), u"-1\u00A0000,00");
     EXPECT_EQ(FormatAmount(-0.001), u"0,00");
 }
 

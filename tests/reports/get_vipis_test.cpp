@@ -92,12 +92,18 @@ TEST_F(StatementReport, TakesAnotherNameBesideAnExistingOne) {
     EXPECT_THAT(ListFiles(folder_.path(), u".doc"), testing::ElementsAre(u"vipis.doc", u"vipis07.doc"));
 }
 
-TEST_F(StatementReport, FailsForAStatementThatIsNotThere) {
+TEST_F(StatementReport, RefusesANumberThatIsNoStatement) {
+    {
+        Connection connection;
+        connection.Open(ConnectionString(database_));
+        connection.Execute(u"insert into tav_operations_header (id,filename,h1) values (3,'act.rtf','1')");
+    }
     EXPECT_EQ(GetVipis(database_, 3, folder_.path()), u"");
-    EXPECT_THAT(shown_.messages, testing::ElementsAre(Message{
-                                     u"Ошибка в функции GetVipis",
-                                     u"Either BOF or EOF is True, or the current record has been deleted. "
-                                     u"Requested operation requires a current record.\r\n"}));
+    EXPECT_EQ(GetVipis(database_, 4, folder_.path()), u"");
+    const Text title = u"Ошибка в функции GetVipis";
+    EXPECT_THAT(shown_.messages,
+                testing::ElementsAre(Message{title, u"Выписка с номером 3 в базе данных не найдена\r\n"},
+                                     Message{title, u"Выписка с номером 4 в базе данных не найдена\r\n"}));
     EXPECT_TRUE(ListFiles(folder_.path(), u".doc").empty());
 }
 

@@ -44,12 +44,12 @@ TEST_F(Money9, FormatsFields) {
                                {u"sum", 7.0}});
     EXPECT_EQ(GetMoney(&row, u"m1", kTurnover), u"-&nbsp;");
     EXPECT_EQ(GetMoney(&row, u"m2", kTurnover), u"0,00");
-    EXPECT_EQ(GetMoney(&row, u"m3", kTurnover), u"- 1 234,50");
-    EXPECT_EQ(GetMoney(&row, u"m4", kTurnover), u"1 234 567,00");
+    EXPECT_EQ(GetMoney(&row, u"m3", kTurnover), u"- 1\u00A0234,50");
+    EXPECT_EQ(GetMoney(&row, u"m4", kTurnover), u"1\u00A0234\u00A0567,00");
     EXPECT_EQ(GetMoney(&row, u"m5", kTurnover), u"12,50");
     EXPECT_EQ(GetMoney(&row, u"m6", kTurnover), u"- 0,30");
     EXPECT_EQ(GetMoney(&row, u"sum", kTurnover), u"7,00") << "a longer name is not added anywhere";
-    EXPECT_EQ(Total(u"3", kTurnover), u"- 1 234,50");
+    EXPECT_EQ(Total(u"3", kTurnover), u"- 1\u00A0234,50");
     EXPECT_EQ(Total(u"7", kTurnover), u"-&nbsp;");
 }
 
@@ -82,6 +82,20 @@ TEST_F(Money9, ClosesTheBooks) {
     EXPECT_EQ(Total(u"6", kClosing), u"-&nbsp;");
     EXPECT_EQ(Total(u"3", kClosing), u"-&nbsp;");
     EXPECT_EQ(Total(u"9", kClosing), u"99,50");
+}
+
+TEST_F(Money9, SettlesWhatAddsUpToNothing) {
+    for (int times = 0; times < 3; ++times) Add(u"m1", 0.1, kTurnover);
+    Add(u"m5", 0.3, kTurnover);
+    Add(u"m2", 1e12 + 0.07, kTurnover);
+    Add(u"m6", 1e12 + 0.07, kTurnover);
+    const Recordset row = Row({{u"m9", 0.1 + 0.2 - 0.3}, {u"m3", 1e-9 - 0.00004}});
+    EXPECT_EQ(GetMoney(&row, u"m3", kTurnover), u"0,00");
+    EXPECT_EQ(GetMoney(&row, u"m9", kOpening), u"0,00");
+    for (const TextView column : {u"1", u"2", u"5", u"6", u"9"})
+        EXPECT_EQ(Total(column, kClosing), u"-&nbsp;");
+    EXPECT_EQ(Total(u"9", kOpening), u"-&nbsp;");
+    EXPECT_EQ(Total(u"3", kTurnover), u"-&nbsp;");
 }
 
 TEST_F(Money9, BeginsTheNextReportWithTheFirstFieldBehindTheTotals) {

@@ -284,6 +284,11 @@ TEST_F(Summaries, ShowTheChosenTaxpayer) {
         EXPECT_THAT(page, HasSubstr(">ИП &lt;Иванов&gt;</td>"));
         EXPECT_THAT(page, HasSubstr(">500100732259</td>"));
     }
+    // The page of a series is of the subdivision that it is about.
+    GetFiles(database_, kInn, kFirstCode, out_);
+    const Text page = FromWindows1251(ReadFile(LastSummary().documents.back().file));
+    EXPECT_THAT(ToUtf8(page), HasSubstr(">770201001</td>"));
+    EXPECT_EQ(page.find(u"500100732259"), page.npos);
 }
 
 TEST_F(Summaries, WithoutDocumentsWriteNothing) {
@@ -323,9 +328,9 @@ TEST(PageNames, AreValidEverywhereAndUnique) {
 }
 
 TEST(ActAmounts, RefuseWhatTheCurrencyCannotHold) {
-    EXPECT_EQ(ActAmountText(Money{10'000'000'049}), u"1 000 000,00&nbsp;");
-    EXPECT_EQ(ActAmountText(Money{-10'000'000'050}), u"(1 000 000,01)&nbsp;");
-    EXPECT_EQ(ActAmountText(Money{INT64_MAX}), u"922 337 203 685 477,58&nbsp;");
+    EXPECT_EQ(ActAmountText(Money{10'000'000'049}), u"1\u00A0000\u00A0000,00&nbsp;");
+    EXPECT_EQ(ActAmountText(Money{-10'000'000'050}), u"(1\u00A0000\u00A0000,01)&nbsp;");
+    EXPECT_EQ(ActAmountText(Money{INT64_MAX}), u"922\u00A0337\u00A0203\u00A0685\u00A0477,58&nbsp;");
     Recordset act(ResultTable{{u"p11", u"p112"}, {{9e14, 9e14}}});
     EXPECT_THROW(ReadActAmounts(act), Failure);
 }
