@@ -7,7 +7,7 @@
 namespace tav {
 namespace {
 
-constexpr std::array<std::pair<RunTimeError, TextView>, 12> kMessages = {{
+constexpr std::array<std::pair<RunTimeError, TextView>, 13> kMessages = {{
     {RunTimeError::Overflow, u"Overflow"},
     {RunTimeError::OutOfMemory, u"Out of memory"},
     {RunTimeError::SubscriptOutOfRange, u"Subscript out of range"},
@@ -19,6 +19,7 @@ constexpr std::array<std::pair<RunTimeError, TextView>, 12> kMessages = {{
     {RunTimeError::PathFileAccess, u"Path/File access error"},
     {RunTimeError::PathNotFound, u"Path not found"},
     {RunTimeError::DataTypeMismatch, u"Data type mismatch in criteria expression."},
+    {RunTimeError::FileInUse, u""},  // its detail is the whole sentence
     {RunTimeError::Other, u""},
 }};
 
@@ -45,6 +46,11 @@ Failure Failure::In(TextView document) const {
     named.description_.append(u" (").append(document).append(u")");
     named.what_ = ToUtf8(named.description_);
     return named;
+}
+
+Failure FileInUse(TextView path) {
+    return Failure(RunTimeError::FileInUse,
+                   Text(u"Could not use '").append(path).append(u"'; file already in use."));
 }
 
 Failure CurrentFailure() {

@@ -20,6 +20,7 @@ enum class RunTimeError {
     PathFileAccess,
     PathNotFound,
     DataTypeMismatch,  // a literal that does not read as its column's type
+    FileInUse,         // a database that somebody else holds; see the function of that name
     Other,             // the text alone tells
 };
 
@@ -49,6 +50,9 @@ class Failure : public std::exception {
     Text description_;
     std::string what_;
 };
+
+// "Could not use 'path'; file already in use." Trying again later may help.
+Failure FileInUse(TextView path);
 
 // The exception being handled, as a Failure: itself, or one made of what the standard library threw.
 Failure CurrentFailure();

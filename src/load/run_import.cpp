@@ -37,7 +37,7 @@ bool ImportRunning() {
 }
 
 void RefuseDuringImport() {
-    if (running) throw Failure(Text(u"Could not use '").append(getbase()).append(u"'; file already in use."));
+    if (running) throw FileInUse(getbase());
 }
 
 ImportResult RunImport(const ImportFolders& folders, TextView inn, TextView kpp) {

@@ -18,10 +18,6 @@ Text Quoted(TextView before, TextView path, TextView after) {
     return Text(before).append(u"'").append(path).append(u"'").append(after);
 }
 
-[[noreturn]] void InUse(TextView path) {
-    throw Failure(Quoted(u"Could not use ", path, u"; file already in use."));
-}
-
 // "Permission denied" stands for a lock and for a missing right. Who may read it and have it alone, but not
 // write it, lacks the right.
 [[noreturn]] void ExplainDenial(TextView path, PageFile::Access access) {
@@ -34,7 +30,7 @@ Text Quoted(TextView before, TextView path, TextView after) {
         }
     }
     if (alone) throw Failure(Quoted(u"Cannot update. Database or object is read-only: ", path, u"."));
-    InUse(path);
+    throw FileInUse(path);
 }
 
 LockedFile OpenLocked(TextView path, PageFile::Access access) {
@@ -61,11 +57,11 @@ void RefuseSharers(TextView path) {
     const bool has_extension = dot != TextView::npos && dot >= name;
     const Text users = Text(path.substr(0, has_extension ? dot : path.size())).append(u".ldb");
     if (!FileExists(users)) return;
-    if (IsHeld(users)) InUse(path);
+    if (IsHeld(users)) throw FileInUse(path);
     try {
         DeleteFile(users);
     } catch (const Failure&) {
-        InUse(path);
+        throw FileInUse(path);
     }
 }
 
@@ -220,7 +216,7 @@ PageFile::PageFile(TextView typed_path, Access access) : state_(std::make_unique
         state_->file.reset();
         RecoverAlone(path);
         state_->file = OpenLocked(path, access);
-        if (RollbackJournal::Exists(path)) InUse(path);
+        if (RollbackJournal::Exists(path)) throw FileInUse(path);
     }
     const std::uint64_t size = state_->file->Size();
     if (size % kPageSize != 0 || size < 3 * kPageSize || size / kPageSize > 0xFFFFFF) {
