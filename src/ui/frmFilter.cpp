@@ -1,6 +1,7 @@
 #include "ui/frmFilter.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "load/run_import.h"
 #include "platform/files.h"
@@ -58,6 +59,7 @@ frmFilter::frmFilter() : Form(kPlan, u"Ошибка в процедуре frmFil
 
 void frmFilter::Form_Load() {
     summary_ = LastSummary();
+    periods_.clear();
     ShowCodes();
     ShowPeriods();
     Check1.Check(SettingTruth(u"ChkFilter"));
@@ -81,14 +83,15 @@ Text frmFilter::ChosenCode() const {
 }
 
 void frmFilter::ShowPeriods() {
-    periods_ = PeriodTree(summary_, ChosenCode());
+    const std::vector<PeriodNode> before = std::exchange(periods_, PeriodTree(summary_, ChosenCode()));
+    const Text chosen = SamePeriod(before, TreeView1.SelectedKey(), periods_);
     std::vector<TreeNode> nodes;
     for (const PeriodNode& period : periods_) {
         const bool expanded = period.kind == PeriodKind::All || period.kind == PeriodKind::Year;
         nodes.push_back({period.key, period.parent, period.text, PictureOf(period.kind), expanded});
     }
     TreeView1.SetNodes(std::move(nodes));
-    TreeView1.Select(u"all");
+    TreeView1.Select(chosen);
 }
 
 void frmFilter::cmbKBK_Click() {

@@ -25,6 +25,7 @@ namespace {
 
 constexpr TextView kLoadTitle = u"Ошибка в функции Form_Load";
 constexpr int kRefreshMilliseconds = 100;
+constexpr int kBusyMilliseconds = 2000;  // until a database that somebody holds is asked again
 
 // The number behind `label` in the information text, up to the line break; 0 when it is not there.
 long long NumberAfter(TextView information, TextView label) {
@@ -86,7 +87,7 @@ void frmmain::Form_Load() {
     load([&] { txtOut.Set(SettingText(u"OutPath")); });
     load([&] { chkImportPath.Check(SettingTruth(u"ChkOut")); });
     chkImportPath_Click();
-    txtAbout.Set(Text(u"База данных: ").append(getbase()));
+    ShowAbout(false);
     for (const Failure& failure : failures) ShowFailure(kLoadTitle, failure);
     Form_Again();
     if (StartedFor().import) Timer2.SetInterval(kUnattendedMilliseconds);
@@ -119,9 +120,11 @@ Text frmmain::Kpp() const {
 
 // An import has the database to itself: the refresh behind it fills the list.
 void frmmain::FillBase() {
-    base_counts_.clear();
     if (ImportRunning()) return;
-    const Text information = SetFiles(lstBase, FilesOf::Database, getbase(), Taxpayer().inn, Kpp());
+    bool busy = false;
+    const Text information = SetFiles(lstBase, FilesOf::Database, getbase(), Taxpayer().inn, Kpp(), busy);
+    base_counts_.clear();
+    if (busy) return;
     TextView rest = information;
     GetNext(rest, u"*");
     base_counts_ = GetNext(rest, u"*");
@@ -175,10 +178,16 @@ void frmmain::Refresh() {
         changed = !Loaded() || txtImport.Get() != folder;
         return !changed;
     };
-    const Text information =
-        SetFiles(lstFile, FilesOf::Folder, folder.empty() ? Text(u" ") : UserPath(folder), inn, Kpp(), go_on);
+    bool busy = false;
+    const Text information = SetFiles(
+        lstFile, FilesOf::Folder, folder.empty() ? Text(u" ") : UserPath(folder), inn, Kpp(), busy, go_on);
     if (changed) return;  // the change has asked for the next refresh
     if (!Trim(folder).empty()) SaveFolders();
+    ShowAbout(busy);
+    if (busy) {
+        Timer1.SetInterval(kBusyMilliseconds);
+        return;
+    }
     ShowCounts(information);
     refreshed_ = true;
     if (StartedFor().summary && Command3.Enabled()) {
@@ -192,7 +201,7 @@ void frmmain::ShowCounts(const Text& information) {
     const bool acts = NumberAfter(information, u"Актов в базе данных: ") > 0;
     Command6.Enable(acts);
     Command3.Enable(statements);
-    Command2.Enable(statements);
+    Command2.Enable(statements || acts);
     Command1.Enable(NumberAfter(information, u"загрузке: ") > 0);
     TextView rest = information;
     if (const TextView name = GetNext(rest, u"*"); !name.empty()) lblInfoName.Set(name);
@@ -201,6 +210,13 @@ void frmmain::ShowCounts(const Text& information) {
     // The database was busy when its list was filled, or has changed behind the window's back.
     if (base_counts != base_counts_) FillBase();
     lblInfoFile.Set(GetNext(rest, u"*"));
+}
+
+// A busy database leaves the rows and counts as they are shown.
+void frmmain::ShowAbout(bool busy) {
+    Text about = Text(u"База данных: ").append(getbase());
+    if (busy) about.append(u"\r\nБаза данных занята: списки обновятся, когда она освободится.");
+    txtAbout.Set(about);
 }
 
 bool frmmain::SaveFolders() {

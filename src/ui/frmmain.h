@@ -46,6 +46,7 @@ class frmmain : public Form {
     void ScheduleRefresh();
     void Refresh();
     void ShowCounts(const Text& information);
+    void ShowAbout(bool busy);
     bool SaveFolders();
     Text Kpp() const;
     void Summarise(SummaryKind kind);

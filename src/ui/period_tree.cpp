@@ -1,5 +1,6 @@
 #include "ui/period_tree.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <set>
@@ -152,6 +153,20 @@ std::vector<PeriodNode> PeriodTree(const Summary& summary, TextView code) {
     TreeBuilder builder(nodes);
     for (const int year : years) builder.AddYear(root, year);
     return nodes;
+}
+
+Text SamePeriod(const std::vector<PeriodNode>& before, TextView key, const std::vector<PeriodNode>& now) {
+    const auto of_key = [&](TextView wanted) {
+        return std::find_if(before.begin(), before.end(),
+                            [&](const PeriodNode& node) { return node.key == wanted; });
+    };
+    for (auto node = of_key(key); node != before.end(); node = of_key(node->parent)) {
+        const auto same = std::find_if(now.begin(), now.end(), [&](const PeriodNode& other) {
+            return other.kind == node->kind && other.period == node->period;
+        });
+        if (same != now.end()) return same->key;
+    }
+    return Text(kRootKey);
 }
 
 }  // namespace tav

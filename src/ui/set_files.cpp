@@ -105,11 +105,12 @@ void ShowOnce(const Failure& failure, TextView database) {
 
 }  // namespace
 
-Text SetFiles(ListBox& list, FilesOf source, TextView path, TextView inn, TextView kpp,
+Text SetFiles(ListBox& list, FilesOf source, TextView path, TextView inn, TextView kpp, bool& busy,
               const std::function<bool()>& go_on) {
     Text name;
     Text base_counts;
     Text file_counts;
+    busy = false;
     const Text database = source == FilesOf::Database ? Text(path) : getbase();
     GuardedBy(
         [&] {
@@ -134,6 +135,8 @@ Text SetFiles(ListBox& list, FilesOf source, TextView path, TextView inn, TextVi
             shown_failure.clear();
         },
         [&](const Failure& failure) {
+            busy = failure.error() == RunTimeError::FileInUse;
+            if (busy) return;
             if (source == FilesOf::Database) list.SetRows({});
             ShowOnce(failure, database);
         });

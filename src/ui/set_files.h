@@ -22,11 +22,13 @@ enum class FilesOf {
 //   "Файлов в папке: " n CR LF "Подлежат загрузке: " n        (empty parts where nothing is known)
 // A KPP of 16 characters and more, or none, means every subdivision.
 //
-// `go_on` is called between the files of a folder; false ends the listing where it is. A failure is shown
-// (a file held by another program as "Запрет", else "Ошибка в функции SetFiles") and the text holds what was
-// found before it. The same failure is shown once, until a listing succeeds or ShowFailuresAgain.
+// `busy` says whether somebody else holds the database: its part of the text is empty then, and the list of the database
+// keeps its rows. `go_on` is called between the files of a folder; false ends the listing where it is.
+//
+// Any other failure is shown (a file held by another program as "Запрет", else "Ошибка в функции SetFiles") and the text
+// holds what was found before it. The same failure is shown once, until a listing succeeds or ShowFailuresAgain.
 Text SetFiles(
-    ListBox& list, FilesOf source, TextView path, TextView inn, TextView kpp,
+    ListBox& list, FilesOf source, TextView path, TextView inn, TextView kpp, bool& busy,
     const std::function<bool()>& go_on = [] { return true; });
 
 // The full path of the file in a row of the folder's list; empty for no such row.
