@@ -31,13 +31,6 @@ std::size_t KindOf(const Text& payment) {
     return payment == u"налог" ? 0 : payment == u"пеня" ? 1 : 2;
 }
 
-TEST(Samples, SameOptionsSameBytes) {
-    EXPECT_EQ(MakeStatement({}).bytes, MakeStatement({}).bytes);
-    EXPECT_NE(MakeStatement({}).bytes, MakeStatement({.seed = 2}).bytes);
-    EXPECT_EQ(MakeActRtf({}).bytes, MakeActRtf({}).bytes);
-    EXPECT_NE(MakeActXml({}).bytes, MakeActXml({.seed = 2}).bytes);
-}
-
 TEST(Samples, StatementAddsUp) {
     const Part part = MakeStatement({.rows = 200, .seed = 5}).parts.at(0);
     const Text begin = u"Сальдо на 01.01.2010";
@@ -74,38 +67,6 @@ TEST(Samples, PeriodOverTheYearEndHasItsBalances) {
     EXPECT_EQ(balances.count(u"Сальдо на 31.03.2011"), 3u);
 }
 
-TEST(Samples, AllZeroHasNoOtherAmount) {
-    std::size_t amounts = 0;
-    for (const Part& part :
-         {MakeStatement({.all_zero = true}).parts.at(0), MakeActRtf({.all_zero = true}).parts.at(0)}) {
-        for (const Fields& row : part.rows) {
-            for (const auto& [name, text] : row) {
-                if (part.type == u"выписка" && name < "p10") continue;
-                EXPECT_EQ(text, u"0.00") << name;
-                ++amounts;
-            }
-        }
-    }
-    EXPECT_GT(amounts, 150u);
-}
-
-TEST(Samples, ActsHaveTheSameLinesInTheirOwnOrder) {
-    Fields printed = MakeActRtf({.seed = 3}).parts.at(0).rows.at(0);
-    Fields exchanged = MakeActXml({.seed = 3}).parts.at(0).rows.at(0);
-    ASSERT_EQ(printed.size(), 101u);
-    const auto place = [](const Fields& fields, std::string_view name) {
-        return std::find_if(fields.begin(), fields.end(),
-                            [&](const auto& field) { return field.first == name; }) -
-               fields.begin();
-    };
-    EXPECT_LT(place(printed, "p0032"), place(printed, "p3142"));
-    EXPECT_LT(place(exchanged, "p3142"), place(exchanged, "p0032"));
-    for (auto& [name, text] : printed) text = ReplaceAll(text, u"\u00A0", u"");
-    std::sort(printed.begin(), printed.end());
-    std::sort(exchanged.begin(), exchanged.end());
-    EXPECT_EQ(printed, exchanged);
-}
-
 TEST(Samples, StandardSetIsFitForAFolder) {
     const std::vector<Document> documents = SampleSet();
     std::set<Text> names;
@@ -123,19 +84,6 @@ TEST(Samples, StandardSetIsFitForAFolder) {
                     EXPECT_EQ(text.find_first_of(u"&<'"), Text::npos) << name << ToUtf8(text);
         }
     }
-    EXPECT_TRUE(std::is_sorted(documents.begin(), documents.end(), [](const Document& a, const Document& b) {
-        return CompareNoCase(a.name, b.name) < 0;
-    }));
-}
-
-TEST(Samples, ManyFilesAreDistinct) {
-    const test::TempFolder folder;
-    ManyFiles(folder.path(), 30);
-    const std::vector<Text> names = ListFiles(folder.path(), u".rtf");
-    EXPECT_EQ(names.size(), 30u);
-    std::set<std::string> contents;
-    for (const Text& name : names) contents.insert(ReadFile(folder / name));
-    EXPECT_EQ(contents.size(), 30u);
 }
 
 TEST(Samples, BadOptionsAreRefused) {

@@ -2,9 +2,9 @@
 
 #include "forms/shell.h"
 #include "platform/environment.h"
-#include "platform/error_of.h"
 #include "platform/files.h"
 #include "platform/win32_windows.h"
+#include "support/failure_of.h"
 #include "support/support.h"
 
 namespace tav {

@@ -9,8 +9,8 @@
 
 #include <csignal>
 
-#include "platform/error_of.h"
 #include "platform/files.h"
+#include "support/failure_of.h"
 #include "support/support.h"
 
 namespace tav {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/error_of.h"
+#include "support/failure_of.h"
 #include "support/support.h"
 
 namespace tav {

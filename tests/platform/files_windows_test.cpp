@@ -1,9 +1,9 @@
 // What only Windows has: share modes, attributes, long paths, two separators.
 #include <gtest/gtest.h>
 
-#include "platform/error_of.h"
 #include "platform/files.h"
 #include "platform/win32_windows.h"
+#include "support/failure_of.h"
 #include "support/support.h"
 
 namespace tav {

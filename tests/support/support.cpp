@@ -9,6 +9,7 @@
 #include <iterator>
 #include <random>
 
+#include "common/get_next.h"
 #include "common/windows1251.h"
 #include "platform/files.h"
 
@@ -71,6 +72,60 @@ void ExpectGolden(std::string_view path, std::string_view actual) {
     ADD_FAILURE() << path << " differs from line " << line << " on; actual there: "
                   << std::string(differs.second, differs.second + std::min<std::ptrdiff_t>(
                                                                       120, actual.end() - differs.second));
+}
+
+void ExpectTranscript(std::string_view path, const std::function<Text(TextView input)>& answer) {
+    const Text file = FromUtf8(TestFile(path));
+    Text made;
+    Text input;
+    bool answered = false;
+    const auto end_block = [&] {
+        if (input.empty()) return;
+        const Text said = answer(TextView(input).substr(1));
+        made += said.empty() || said.ends_with(u'\n') ? said : said + u'\n';
+        input.clear();
+        answered = true;
+    };
+    for (TextView rest = file; !rest.empty();) {
+        const TextView line = GetNext(rest, u"\n");
+        if (line.starts_with(u'>')) {
+            answered = false;
+            input.append(u"\n").append(line.substr(std::min<std::size_t>(2, line.size())));
+        } else {
+            end_block();
+            answered = answered && !line.empty();
+            if (answered) continue;
+        }
+        made.append(line).append(u"\n");
+    }
+    end_block();
+    ExpectGolden(path, ToUtf8(made));
+}
+
+std::string Unpictured(TextView pictured) {
+    Text text;
+    for (std::size_t i = 0; i < pictured.size(); ++i) {
+        const char16_t c = pictured[i];
+        if (c >= u'\u2400' && c <= u'\u2420') {
+            text += static_cast<char16_t>(c - u'\u2400');
+        } else if (c == u'\u27E8') {
+            std::size_t count = 0;
+            for (++i; pictured[i] != u'\u27E9'; ++i) count = count * 10 + (pictured[i] - u'0');
+            text.append(count - 1, text.back());
+        } else {
+            text += c;
+        }
+    }
+    return Bytes(ReplaceAll(ReplaceAll(text, u"\u21B5", u"\r\n"), u"\u237D", u"\u00A0"));
+}
+
+Text Pictured(std::string_view bytes) {
+    Text text = ReplaceAll(FromWindows1251(bytes), u"\r\n", u"\u21B5");
+    for (char16_t& c : text) {
+        if (c < u' ') c = static_cast<char16_t>(c + u'\u2400');
+    }
+    if (text.ends_with(u' ')) text.back() = u'\u2420';
+    return ReplaceAll(text, u"\u00A0", u"\u237D");
 }
 
 std::string Bytes(TextView text) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -74,7 +75,18 @@ std::string TestFile(std::string_view path);
 // With TAV_UPDATE_GOLDEN set, the golden file is written instead.
 void ExpectGolden(std::string_view path, std::string_view actual);
 
-// The bytes of a Windows-1251 file for a text, and back.
+// A file of tests/ that says what goes in and what comes out, in blocks: lines "> IN", below them the answer,
+// up to the next such line or an empty line. The other lines are comments. `answer` gets the input of a
+// block, line by line separated by "\n"; all its answers are compared with the file as ExpectGolden does.
+void ExpectTranscript(std::string_view path, const std::function<Text(TextView input)>& answer);
+
+// Bytes and texts as such files show them: U+21B5 is CR LF, U+2400 and the following are control characters
+// and, at the end of a line, the space, U+237D is a no-break space; in what goes in, a number in U+27E8 and U+27E9 says how often the character
+// before it stands. Other characters are those of Windows-1251.
+std::string Unpictured(TextView pictured);
+Text Pictured(std::string_view bytes);
+
+// The bytes of a Windows-1251 file for a text.
 std::string Bytes(TextView text);
 
 }  // namespace tav::test
