@@ -8,7 +8,7 @@
 #include "convert/load_xml_file.h"
 #include "platform/environment.h"
 #include "platform/files.h"
-#include "terminal.h"
+#include "terminal_output.h"
 
 namespace tav::cli {
 namespace {

@@ -10,7 +10,7 @@
 #include "jet/check/checker.h"
 #include "jet/table/database.h"
 #include "settings/settings.h"
-#include "terminal.h"
+#include "terminal_output.h"
 
 namespace tav::cli {
 namespace {

@@ -11,7 +11,7 @@
 #include "platform/files.h"
 #include "settings/session.h"
 #include "settings/settings.h"
-#include "terminal.h"
+#include "terminal_output.h"
 
 namespace tav::cli {
 namespace {

@@ -8,7 +8,7 @@
 #include "common/regional.h"
 #include "db/holdings.h"
 #include "settings/settings.h"
-#include "terminal.h"
+#include "terminal_output.h"
 
 namespace tav::cli {
 namespace {

@@ -10,7 +10,7 @@
 #include "platform/files.h"
 #include "platform/terminal.h"
 #include "settings/settings.h"
-#include "terminal.h"
+#include "terminal_output.h"
 
 namespace tav::cli {
 

@@ -10,7 +10,7 @@
 #include "reports/get_vipis.h"
 #include "reports/summary_documents.h"
 #include "settings/settings.h"
-#include "terminal.h"
+#include "terminal_output.h"
 
 namespace tav::cli {
 namespace {

@@ -6,7 +6,7 @@
 #include "common/guard.h"
 #include "platform/files.h"
 #include "settings/settings.h"
-#include "terminal.h"
+#include "terminal_output.h"
 
 namespace tav::cli {
 namespace {

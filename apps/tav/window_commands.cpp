@@ -8,7 +8,7 @@
 #include "host/open_class.h"
 #include "reports/summary_documents.h"
 #include "settings/session.h"
-#include "terminal.h"
+#include "terminal_output.h"
 
 namespace tav::cli {
 namespace {

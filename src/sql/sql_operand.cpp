@@ -1,8 +1,7 @@
-// What names and expressions of a statement mean, and where the operands of its operators begin and end.
+#include "sql/sql_operand.h"
+
 #include <algorithm>
 #include <array>
-
-#include "sql/sql_scope.h"
 
 namespace tav::jet {
 namespace {
@@ -77,15 +76,16 @@ bool IsArithmetic(const Token& token) {
     return token.Is(u"+") || token.Is(u"-") || token.Is(u"*") || token.Is(u"/");
 }
 
-TextView Statement::NameOf(const ResultColumn& column) const {
+TextView Operands::NameOf(const ResultColumn& column) const {
     if (!column.alias.empty() || column.expression.begin == column.expression.end) return column.alias;
-    const Token& last = tokens_[column.expression.end - 1];
+    const Token& last = statement_.tokens()[column.expression.end - 1];
     const std::size_t length = column.expression.end - column.expression.begin;
-    const bool plain = length == 1 || (length == 3 && tokens_[column.expression.end - 2].Is(u"."));
+    const bool plain =
+        length == 1 || (length == 3 && statement_.tokens()[column.expression.end - 2].Is(u"."));
     return plain && IsName(last) ? last.text : TextView();
 }
 
-Statement::Meaning Statement::ResolveIn(const Source& source, TextView name) const {
+Operands::Meaning Operands::ResolveIn(const Source& source, TextView name) const {
     if (source.table != nullptr) {
         const auto column = source.table->FindColumn(name);
         return column ? Meaning{true, OperandOfColumn(source.table->columns[*column]), source.name}
@@ -93,7 +93,7 @@ Statement::Meaning Statement::ResolveIn(const Source& source, TextView name) con
     }
     for (const ResultColumn& column : source.select->columns) {
         if (column.expression.begin == column.expression.end) continue;
-        if (tokens_[column.expression.end - 1].Is(u"*")) {
+        if (statement_.tokens()[column.expression.end - 1].Is(u"*")) {
             for (const Source& inner : source.select->sources) {
                 const Meaning meaning = ResolveIn(inner, name);
                 if (meaning.found) return {true, meaning.operand, source.name};
@@ -106,7 +106,7 @@ Statement::Meaning Statement::ResolveIn(const Source& source, TextView name) con
     return {};
 }
 
-Statement::Meaning Statement::Resolve(const Scope& scope, TextView qualifier, TextView name) const {
+Operands::Meaning Operands::Resolve(const Scope& scope, TextView qualifier, TextView name) const {
     for (const Scope* at = &scope; at != nullptr; at = at->outer) {
         for (const Source& source : at->sources) {
             if (!qualifier.empty() && !EqualNoCase(source.name, qualifier)) continue;
@@ -118,16 +118,16 @@ Statement::Meaning Statement::Resolve(const Scope& scope, TextView qualifier, Te
 }
 
 // The token behind the ")" of a "(".
-std::size_t Statement::Closed(std::size_t open) const {
+std::size_t Operands::Closed(std::size_t open) const {
     std::size_t depth = 0;
-    for (std::size_t i = open; i < tokens_.size(); ++i) {
+    for (std::size_t i = open; i < statement_.tokens().size(); ++i) {
         if (At(i).Is(u"(")) ++depth;
         if (At(i).Is(u")") && --depth == 0) return i + 1;
     }
-    return tokens_.size();
+    return statement_.tokens().size();
 }
 
-TokenRange Statement::TermBefore(std::size_t end) const {
+TokenRange Operands::TermBefore(std::size_t end) const {
     std::size_t begin = end - 1;
     if (At(begin).Is(u")")) {
         for (std::size_t depth = 1; depth > 0 && begin > 0;) {
@@ -143,20 +143,21 @@ TokenRange Statement::TermBefore(std::size_t end) const {
     return {begin, end};
 }
 
-TokenRange Statement::TermBehind(std::size_t begin) const {
+TokenRange Operands::TermBehind(std::size_t begin) const {
     if (At(begin).Is(u"(")) return {begin, Closed(begin)};
     if (!IsTerm(At(begin))) return {begin, begin};
-    const std::size_t end = At(begin + 1).Is(u".") ? std::min(begin + 3, tokens_.size()) : begin + 1;
+    const std::size_t end =
+        At(begin + 1).Is(u".") ? std::min(begin + 3, statement_.tokens().size()) : begin + 1;
     return {begin, At(end).Is(u"(") ? Closed(end) : end};
 }
 
-TokenRange Statement::SumBefore(std::size_t end) const {
+TokenRange Operands::SumBefore(std::size_t end) const {
     std::size_t begin = TermBefore(end).begin;
     while (begin < end && IsArithmetic(At(begin - 1))) begin = TermBefore(begin - 1).begin;
     return {begin, end};
 }
 
-TokenRange Statement::SumBehind(std::size_t begin) const {
+TokenRange Operands::SumBehind(std::size_t begin) const {
     std::size_t end = begin;
     do {
         while (IsArithmetic(At(end))) ++end;
@@ -165,7 +166,7 @@ TokenRange Statement::SumBehind(std::size_t begin) const {
     return {begin, end};
 }
 
-Operand Statement::ResultOf(TokenRange call) const {
+Operand Operands::ResultOf(TokenRange call) const {
     const Token& name = At(call.begin);
     const auto known = std::find_if(kFunctions.begin(), kFunctions.end(),
                                     [&](const Function& function) { return name.Is(function.name); });
@@ -188,7 +189,7 @@ Operand Statement::ResultOf(TokenRange call) const {
     return known->result == Result::Amount ? Amount(argument) : argument;
 }
 
-Operand Statement::OperandOf(TokenRange expression) const {
+Operand Operands::OperandOf(TokenRange expression) const {
     auto& [begin, end] = expression;
     while (At(begin).Is(u"(") && Closed(begin) == end && begin + 1 < end) {
         ++begin;
@@ -196,12 +197,12 @@ Operand Statement::OperandOf(TokenRange expression) const {
     }
     if (At(begin).Is(u"distinct")) ++begin;
     if (begin >= end) return {Kind::Null, nullptr};
-    if (At(begin).Is(u"select")) return OperandOf(ScopeOf(begin).columns.front().expression);
+    if (At(begin).Is(u"select")) return OperandOf(statement_.ScopeOf(begin).columns.front().expression);
     if (end - begin > 1 && TermBehind(begin).end != end) return {Kind::Number, nullptr};  // of operators
     if (!IsName(At(begin))) return OperandOfWord(At(begin));
     if (At(begin + 1).Is(u"(") && end - begin > 2) return ResultOf(expression);
     const TextView qualifier = end - begin == 3 ? At(begin).text : TextView();
-    return Resolve(ScopeOf(begin), qualifier, At(end - 1).text).operand;
+    return Resolve(statement_.ScopeOf(begin), qualifier, At(end - 1).text).operand;
 }
 
 }  // namespace tav::jet

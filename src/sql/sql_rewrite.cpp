@@ -7,6 +7,7 @@
 
 #include "common/failure.h"
 #include "sql/sql_collation.h"
+#include "sql/sql_operand.h"
 #include "sql/sql_value.h"
 
 namespace tav::jet {
@@ -67,7 +68,7 @@ Value LiteralValue(TokenKind kind, TextView text) {
 class Rewriter {
  public:
     Rewriter(const SqlText& sql, const FindDefinition& find)
-        : sql_(sql), statement_(Tokenize(sql), find), tokens_(statement_.tokens()) {}
+        : sql_(sql), statement_(Tokenize(sql), find), operands_(statement_), tokens_(statement_.tokens()) {}
 
     Rewritten Do() {
         out_.kind = statement_.kind();
@@ -158,9 +159,9 @@ class Rewriter {
         if (known == kFunctions.end()) {
             throw Failure(Text(u"Undefined function '").append(token.text).append(u"' in expression."));
         }
-        const TokenRange call = statement_.TermBehind(i);
+        const TokenRange call = operands_.TermBehind(i);
         const bool reads_texts =
-            known->takes_amount && statement_.OperandOf({i + 2, call.end - 1}).kind != Kind::Number;
+            known->takes_amount && operands_.OperandOf({i + 2, call.end - 1}).kind != Kind::Number;
         out_.sql += ToUtf8(known->name) + (reads_texts ? "(number(" : "(");
         open_.push_back({i + 1, reads_texts          ? ")) "
                                 : known->may_be_text ? std::string(") collate ") + kCollation + ' '
@@ -188,10 +189,10 @@ class Rewriter {
 
     // SQLite would take a date's bytes and the beginning of a text for a number.
     void CheckArithmetic(std::size_t i) const {
-        const TokenRange before = statement_.TermBefore(i);
+        const TokenRange before = operands_.TermBefore(i);
         if (At(i).Is(u"*") && before.begin == before.end) return;  // all columns
-        for (const TokenRange& term : {before, statement_.TermBehind(i + 1)}) {
-            const Operand operand = statement_.OperandOf(term);
+        for (const TokenRange& term : {before, operands_.TermBehind(i + 1)}) {
+            const Operand operand = operands_.OperandOf(term);
             const bool refused =
                 operand.kind == Kind::Text || operand.kind == Kind::Date || operand.kind == Kind::Other;
             if (!refused) continue;
@@ -209,7 +210,7 @@ class Rewriter {
             std::any_of(scope.columns.begin(), scope.columns.end(),
                         [&](const ResultColumn& column) { return EqualNoCase(column.alias, token.text); });
         if (hidden) {
-            const Statement::Meaning meaning = statement_.Resolve(scope, {}, token.text);
+            const Operands::Meaning meaning = operands_.Resolve(scope, {}, token.text);
             if (meaning.found && !meaning.source.empty()) {
                 Name(meaning.source);
                 out_.sql += ". ";
@@ -261,10 +262,10 @@ class Rewriter {
         }
         const bool alone = !IsArithmetic(At(literal.begin - 1)) && !IsArithmetic(At(literal.end));
         if (!alone)
-            literal = {statement_.SumBefore(literal.end).begin, statement_.SumBehind(literal.begin).end};
+            literal = {operands_.SumBefore(literal.end).begin, operands_.SumBehind(literal.begin).end};
         const Comparison comparison = ComparisonOf(literal, parentheses);
         if (comparison.with.begin == comparison.with.end) return nullptr;
-        const Operand operand = statement_.OperandOf(comparison.with);
+        const Operand operand = operands_.OperandOf(comparison.with);
         if (At(i).kind != TokenKind::Number && operand.kind == Kind::Unknown) {
             std::size_t name = comparison.with.end - 1;
             while (At(name).Is(u")")) --name;
@@ -302,24 +303,24 @@ class Rewriter {
         if (At(operation).Is(u"not") && At(operation - 1).Is(u"is")) --operation;
         const Token& before = At(operation);
         if (IsComparison(before) && !IsAssignment(operation)) {
-            return {statement_.SumBefore(operation), IsOrder(before)};
+            return {operands_.SumBefore(operation), IsOrder(before)};
         }
-        if (before.Is(u"between")) return {statement_.SumBefore(StepOverNot(operation)), true};
+        if (before.Is(u"between")) return {operands_.SumBefore(StepOverNot(operation)), true};
         if (before.Is(u"and")) {
-            const std::size_t between = statement_.SumBefore(operation).begin - 1;
-            if (At(between).Is(u"between")) return {statement_.SumBefore(StepOverNot(between)), true};
+            const std::size_t between = operands_.SumBefore(operation).begin - 1;
+            if (At(between).Is(u"between")) return {operands_.SumBefore(StepOverNot(between)), true};
         }
         if ((before.Is(u"(") || before.Is(u",")) && open_.size() > parentheses) {
             const std::size_t in = (open_.rbegin() + static_cast<std::ptrdiff_t>(parentheses))->at - 1;
-            if (At(in).Is(u"in")) return {statement_.SumBefore(StepOverNot(in)), false};
+            if (At(in).Is(u"in")) return {operands_.SumBefore(StepOverNot(in)), false};
         }
         const std::size_t behind = At(literal.end).Is(u"not") ? literal.end + 1 : literal.end;
         if (IsComparison(At(behind)) || At(behind).Is(u"between")) {
-            return {statement_.SumBehind(behind + 1), !IsComparison(At(behind)) || IsOrder(At(behind))};
+            return {operands_.SumBehind(behind + 1), !IsComparison(At(behind)) || IsOrder(At(behind))};
         }
         if (At(behind).Is(u"in")) {
             const bool select = At(behind + 2).Is(u"select");
-            return {select ? statement_.TermBehind(behind + 1) : statement_.SumBehind(behind + 2), false};
+            return {select ? operands_.TermBehind(behind + 1) : operands_.SumBehind(behind + 2), false};
         }
         return {};
     }
@@ -327,7 +328,7 @@ class Rewriter {
     // column = ... behind "set"
     bool IsAssignment(std::size_t equals) const {
         if (out_.kind != StatementKind::Update || !open_.empty()) return false;
-        const Token& before = At(statement_.TermBefore(equals).begin - 1);
+        const Token& before = At(operands_.TermBefore(equals).begin - 1);
         return before.Is(u"set") || before.Is(u",");
     }
 
@@ -338,6 +339,7 @@ class Rewriter {
 
     const SqlText& sql_;
     Statement statement_;
+    Operands operands_;
     const std::vector<Token>& tokens_;
     std::vector<Open> open_;  // the parentheses
     Rewritten out_;

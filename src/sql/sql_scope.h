@@ -78,31 +78,8 @@ class Statement {
         return token < tokens_.size() ? tokens_[token] : kNone;
     }
 
-    struct Meaning {
-        bool found = false;
-        Operand operand;
-        TextView source;  // the name of the table or select it belongs to
-    };
-    // `qualifier` may be empty.
-    Meaning Resolve(const Scope& scope, TextView qualifier, TextView name) const;
-
-    // One name, literal, call or parenthesis that ends before, or begins at, a token; empty when there is
-    // none.
-    TokenRange TermBefore(std::size_t end) const;
-    TokenRange TermBehind(std::size_t begin) const;
-    // The same with the terms it is added to, multiplied with and so on.
-    TokenRange SumBefore(std::size_t end) const;
-    TokenRange SumBehind(std::size_t begin) const;
-
-    Operand OperandOf(TokenRange expression) const;
-
  private:
     friend class StatementReader;
-    Meaning ResolveIn(const Source& source, TextView name) const;
-    TextView NameOf(const ResultColumn& column) const;
-    Operand ResultOf(TokenRange call) const;
-    std::size_t Closed(std::size_t open) const;
-
     std::vector<Token> tokens_;
     StatementKind kind_ = StatementKind::Select;
     std::vector<std::unique_ptr<Scope>> scopes_;
@@ -114,7 +91,5 @@ class Statement {
 // A word of the dialect that is no name.
 bool IsKeyword(const Token& token);
 bool IsName(const Token& token);
-// + - * /
-bool IsArithmetic(const Token& token);
 
 }  // namespace tav::jet

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "common/failure.h"
+#include "jet/table/column_conversion.h"
 #include "sql/sql_collation.h"
 #include "sql/sql_value.h"
 

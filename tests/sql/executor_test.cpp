@@ -12,6 +12,7 @@
 #include "common/regional.h"
 #include "jet/create/create.h"
 #include "jet/jet_samples.h"
+#include "jet/table/column_conversion.h"
 #include "sql/sql_collation.h"
 #include "support/support.h"
 

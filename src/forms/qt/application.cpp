@@ -18,8 +18,8 @@
 #include <string>
 #include <vector>
 
+#include "forms/qt/qt_text.h"
 #include "forms/qt/russian.h"
-#include "forms/qt/text.h"
 
 namespace tav {
 namespace {

@@ -11,7 +11,7 @@
 #include <utility>
 
 #include "forms/qt/application.h"
-#include "forms/qt/text.h"
+#include "forms/qt/qt_text.h"
 #include "forms/qt/widget_window.h"
 
 namespace tav {

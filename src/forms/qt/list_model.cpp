@@ -4,7 +4,7 @@
 #include <limits>
 #include <utility>
 
-#include "forms/qt/text.h"
+#include "forms/qt/qt_text.h"
 
 namespace tav {
 

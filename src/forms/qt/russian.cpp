@@ -4,7 +4,7 @@
 #include <string_view>
 #include <utility>
 
-#include "forms/qt/text.h"
+#include "forms/qt/qt_text.h"
 
 namespace tav {
 namespace {

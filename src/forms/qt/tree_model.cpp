@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "forms/qt/icons.h"
-#include "forms/qt/text.h"
+#include "forms/qt/qt_text.h"
 
 namespace tav {
 

@@ -17,7 +17,7 @@
 #include <utility>
 
 #include "forms/qt/icons.h"
-#include "forms/qt/text.h"
+#include "forms/qt/qt_text.h"
 #include "forms/reader_names.h"
 
 namespace tav {

@@ -15,7 +15,7 @@
 #include <utility>
 
 #include "forms/qt/form_layout.h"
-#include "forms/qt/text.h"
+#include "forms/qt/qt_text.h"
 #include "forms/reader_names.h"
 
 namespace tav {

@@ -1,7 +1,6 @@
 #include "jet/check/check_definition.h"
 
 #include <algorithm>
-#include <map>
 #include <set>
 
 #include "jet/check/check_slots.h"
@@ -11,55 +10,6 @@ namespace tav::jet::check {
 namespace {
 
 using namespace layout;
-
-// No table has more; what a definition claims beyond is damage.
-constexpr std::size_t kMostPages = 256;
-constexpr std::size_t kMostColumns = 255;
-constexpr std::size_t kMostIndexes = 64;
-
-// The definition's bytes with its pages' headers taken out. A step beyond its end sets `failed` and gives
-// zeros.
-class Cursor {
- public:
-    explicit Cursor(Bytes bytes) : bytes_(bytes) {}
-
-    const std::uint8_t* Take(std::size_t size) {
-        static constexpr std::array<std::uint8_t, kHeader> kZeros{};
-        if (size > bytes_.size() - at_) {
-            failed_ = true;
-            at_ = bytes_.size();
-            return kZeros.data();
-        }
-        at_ += size;
-        return bytes_.data() + (at_ - size);
-    }
-    Text Name() {
-        const std::size_t size = U16(Take(2));
-        if (size > bytes_.size() - at_) {
-            failed_ = true;
-            return {};
-        }
-        const std::uint8_t* units = bytes_.data() + at_;
-        at_ += size;
-        Text name;
-        for (std::size_t i = 0; i + 1 < size; i += 2) name += static_cast<char16_t>(U16(units + i));
-        return name;
-    }
-    // Whether `count` blocks of that size can still follow.
-    bool Fits(std::size_t count, std::size_t size) const { return count <= (bytes_.size() - at_) / size; }
-    std::size_t position() const { return at_; }
-    bool failed() const { return failed_; }
-
- private:
-    Bytes bytes_;
-    std::size_t at_ = 0;
-    bool failed_ = false;
-};
-
-bool IsKnown(ColumnType type) {
-    const auto number = static_cast<unsigned>(type);
-    return (number >= 1 && number <= 12) || (number >= 15 && number <= 17);
-}
 
 class DefinitionCheck {
  public:
@@ -76,9 +26,7 @@ class DefinitionCheck {
     }
     bool ReadChain();
     bool ReadBlocks();
-    void ReadColumn(const std::uint8_t* block);
-    void ReadRealIndex(const std::uint8_t* block);
-    void ReadLogicalIndex(const std::uint8_t* block);
+    void CheckConstants();
     void CheckFreeField(std::size_t length);
     void CheckColumns();
     void CheckFixedPlaces();
@@ -89,7 +37,7 @@ class DefinitionCheck {
     PageNumber page_;
     CheckedTable table_;
     std::vector<std::uint8_t> bytes_;
-    std::vector<std::vector<std::uint16_t>> index_columns_;  // column numbers
+    DefinitionBlocks blocks_;
 };
 
 // Collects the bytes of all pages. False when not even the first one is there.
@@ -120,98 +68,44 @@ bool DefinitionCheck::ReadChain() {
     }
 }
 
-void DefinitionCheck::ReadColumn(const std::uint8_t* block) {
-    Column column;
-    column.type = static_cast<ColumnType>(block[0]);
-    column.number = U16(block + 5);
-    column.variable_index = U16(block + 7);
-    column.sort_order = U16(block + 11);
-    column.scale = block[12];
-    column.sort_version = block[14];
-    column.flags = block[15];
-    column.extended_flags = block[16];
-    column.fixed_offset = U16(block + 21);
-    column.length = U16(block + 23);
-    if (U32(block + 1) != kConstant) Error(10, u"column " + Digits(column.number) + u" lacks its constant");
-    table_.definition.columns.push_back(std::move(column));
-}
-
-void DefinitionCheck::ReadRealIndex(const std::uint8_t* block) {
-    const Text name = u"real index " + Digits(static_cast<long long>(index_columns_.size()));
-    if (U32(block) != kIndexConstant) Error(11, name + u" lacks its constant");
-    RealIndex index;
-    std::vector<std::uint16_t> numbers;
-    for (std::size_t i = 0; i < kIndexPlaces; ++i) {
-        const std::uint8_t* place = block + 4 + 3 * i;
-        if (U16(place) == kNoColumn) continue;
-        numbers.push_back(U16(place));
-        index.columns.push_back({0, place[2] != 0});
+void DefinitionCheck::CheckConstants() {
+    if (blocks_.header.constant != kConstant) Error(9, u"the definition lacks its constant");
+    for (const ColumnBlock& block : blocks_.columns) {
+        if (block.constant != kConstant) {
+            Error(10, u"column " + Digits(block.column.number) + u" lacks its constant");
+        }
     }
-    index.map = Pointer::FromWord(U32(block + 34));
-    index.root = U32(block + 38);
-    const std::uint8_t flags = block[46];
-    if ((flags & 0x80) == 0) Error(11, name + u" lacks the flag every index has");
-    index.unique = (flags & 0x01) != 0;
-    index.ignores_nulls = (flags & 0x02) != 0;
-    index.required = (flags & 0x08) != 0;
-    index_columns_.push_back(std::move(numbers));
-    table_.definition.indexes.push_back(std::move(index));
-}
-
-void DefinitionCheck::ReadLogicalIndex(const std::uint8_t* block) {
-    LogicalIndex index;
-    index.number = U32(block + 4);
-    index.real_index = U32(block + 8);
-    index.type = block[23];
-    index.partner_table = U32(block + 17);
-    if (U32(block) != kConstant) Error(12, u"logical index " + Digits(index.number) + u" lacks its constant");
-    table_.definition.logical_indexes.push_back(std::move(index));
+    for (std::size_t i = 0; i < blocks_.indexes.size(); ++i) {
+        const Text name = u"real index " + Digits(static_cast<long long>(i));
+        if (blocks_.indexes[i].constant != kIndexConstant) Error(11, name + u" lacks its constant");
+        if ((blocks_.indexes[i].flags & RealIndexBlock::kAlways) == 0) {
+            Error(11, name + u" lacks the flag every index has");
+        }
+    }
+    for (const LogicalIndexBlock& block : blocks_.logical_indexes) {
+        if (block.constant != kConstant) {
+            Error(12, u"logical index " + Digits(block.index.number) + u" lacks its constant");
+        }
+    }
 }
 
 // The parts of the definition in their order. False when they do not add up.
 bool DefinitionCheck::ReadBlocks() {
-    TableDefinition& definition = table_.definition;
-    Cursor cursor{Bytes(bytes_)};
-    const std::uint8_t* header = cursor.Take(kHeader);
-    const std::size_t length = U32(header + 8);
-    if (U32(header + 12) != kConstant) Error(9, u"the definition lacks its constant");
-    if (length > bytes_.size()) {
-        Error(9, u"the definition is longer than its pages");
+    if (const Text why = layout::ReadBlocks(bytes_, blocks_); !why.empty()) {
+        Error(9, why);
         return false;
     }
-    table_.rows = U32(header + 16);
-    table_.autonumber = static_cast<std::int32_t>(U32(header + 20));
-    definition.system = header[40] == 'S';
-    definition.column_capacity = U16(header + 41);
-    definition.variable_columns = U16(header + 43);
-    const std::size_t columns = U16(header + 45);
-    const std::size_t logical = U32(header + 47);
-    const std::size_t real = U32(header + 51);
-    definition.owned_map = Pointer::FromWord(U32(header + 55));
-    definition.free_map = Pointer::FromWord(U32(header + 59));
-    if (columns > kMostColumns || real > kMostIndexes || !cursor.Fits(logical, kLogicalIndex)) {
-        Error(9, u"the definition has too many columns or indexes");
-        return false;
-    }
-
-    for (std::size_t i = 0; i < real; ++i) table_.distinct_keys.push_back(U32(cursor.Take(kCounter) + 4));
-    for (std::size_t i = 0; i < columns; ++i) ReadColumn(cursor.Take(kColumn));
-    for (Column& column : definition.columns) column.name = cursor.Name();
-    for (std::size_t i = 0; i < real; ++i) ReadRealIndex(cursor.Take(kRealIndex));
-    for (std::size_t i = 0; i < logical; ++i) ReadLogicalIndex(cursor.Take(kLogicalIndex));
-    for (LogicalIndex& index : definition.logical_indexes) index.name = cursor.Name();
-    while (!cursor.failed()) {
-        const std::uint16_t number = U16(cursor.Take(2));
-        if (number == kNoColumn) break;
-        const std::uint8_t* entry = cursor.Take(kLongValue - 2);
-        definition.long_values.push_back(
-            {number, Pointer::FromWord(U32(entry)), Pointer::FromWord(U32(entry + 4))});
-    }
-    if (cursor.failed() || cursor.position() != length) {
+    if (blocks_.end != blocks_.header.length) {
         Error(9, u"the definition does not end where its length says");
         return false;
     }
-    CheckFreeField(length);
+    CheckConstants();
+    TakeBlocks(blocks_, table_.definition);
+    table_.rows = blocks_.header.rows;
+    table_.autonumber = static_cast<std::int32_t>(blocks_.header.autonumber);
+    for (const CounterBlock& counter : blocks_.counters)
+        table_.distinct_keys.push_back(counter.distinct_keys);
+    CheckFreeField(blocks_.end);
     return true;
 }
 
@@ -260,23 +154,17 @@ void DefinitionCheck::CheckFixedPlaces() {
 
 void DefinitionCheck::CheckRealIndexes() {
     TableDefinition& definition = table_.definition;
-    std::map<std::uint16_t, std::size_t> positions;
-    for (std::size_t i = 0; i < definition.columns.size(); ++i) {
-        positions.emplace(definition.columns[i].number, i);
-    }
     for (std::size_t i = 0; i < definition.indexes.size(); ++i) {
         const Text name = u"real index " + Digits(static_cast<long long>(i));
         std::vector<IndexColumn>& columns = definition.indexes[i].columns;
         if (columns.empty()) Error(11, name + u" has no columns");
-        for (std::size_t k = 0; k < columns.size(); ++k) {
-            const auto found = positions.find(index_columns_[i][k]);
-            if (found == positions.end()) {
+        for (const IndexColumn& part : columns) {
+            if (part.column == definition.columns.size()) {
                 Error(11, name + u" has a column that does not exist");
                 columns.clear();
                 break;
             }
-            columns[k].column = found->second;
-            if (!IsKnown(definition.columns[found->second].type)) {
+            if (!IsKnown(definition.columns[part.column].type)) {
                 Error(10, name + u" has a column of an unknown type");
             }
         }
@@ -284,10 +172,9 @@ void DefinitionCheck::CheckRealIndexes() {
 }
 
 void DefinitionCheck::CheckLogicalIndexes() {
-    TableDefinition& definition = table_.definition;
     int primary_keys = 0;
-    for (const LogicalIndex& logical : definition.logical_indexes) {
-        if (logical.real_index >= definition.indexes.size()) {
+    for (const LogicalIndex& logical : table_.definition.logical_indexes) {
+        if (logical.real_index >= table_.definition.indexes.size()) {
             Error(12, u"index " + logical.name + u" names a real index that does not exist");
             continue;
         }
@@ -295,12 +182,7 @@ void DefinitionCheck::CheckLogicalIndexes() {
             context_.Note(12, Place(table_.place, page_) + u"index " + logical.name +
                                   u" has a number other than its real index");
         }
-        RealIndex& real = definition.indexes[logical.real_index];
-        if (real.name.empty()) real.name = logical.name;
-        if (logical.type == 1) {
-            real.primary = true;
-            ++primary_keys;
-        }
+        if (logical.type == 1) ++primary_keys;
     }
     if (primary_keys > 1) Error(12, u"the table has more than one primary key");
 }

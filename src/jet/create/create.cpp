@@ -8,7 +8,7 @@
 #include "jet/index/index_key.h"
 #include "jet/index/index_page.h"
 #include "jet/schema/definition_writer.h"
-#include "jet/table/row.h"
+#include "jet/table/row_encoding.h"
 
 namespace tav::jet {
 namespace {

@@ -52,7 +52,7 @@ void AddIndexes(TableDefinition& table, const TablePlan& plan) {
         index.unique = index.required = planned.primary;
 
         const auto number = static_cast<std::uint32_t>(table.indexes.size());
-        LogicalIndex logical{index.name, number, number, static_cast<std::uint8_t>(planned.primary), 0};
+        LogicalIndex logical{index.name, number, number, static_cast<std::uint8_t>(planned.primary), 0, 0};
         table.logical_indexes.push_back(std::move(logical));
         table.indexes.push_back(std::move(index));
     }

@@ -1,4 +1,4 @@
-// The bytes of a table definition: what ReadTableDefinition reads.
+// Table definitions as pages: what ReadTableDefinition reads. The layout is in definition_layout.h.
 #pragma once
 
 #include <string>

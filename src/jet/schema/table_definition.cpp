@@ -1,76 +1,38 @@
 #include "jet/schema/table_definition.h"
 
 #include <algorithm>
-#include <string>
 
 #include "jet/file/page_file.h"
-#include "jet/file/usage_map.h"
+#include "jet/schema/definition_layout.h"
 
 namespace tav::jet {
 namespace {
 
-constexpr std::size_t kPageHeader = 8;  // of every definition page; part of the definition on the first only
-constexpr std::uint32_t kConstant = 1625;
-constexpr std::uint32_t kIndexConstant = 1923;
-constexpr std::uint32_t kLongestDefinition = 1 << 20;
-constexpr std::size_t kHeaderSize = 63;
-constexpr std::size_t kCounterSize = 12;
-constexpr std::size_t kColumnSize = 25;
-constexpr std::size_t kRealIndexSize = 52;
-constexpr std::size_t kLogicalIndexSize = 28;
-constexpr std::size_t kIndexPlaces = 10;
-constexpr std::uint16_t kUnusedPlace = 0xFFFF;
-constexpr unsigned kMaximumColumns = 255;
-constexpr unsigned kMaximumIndexes = 256;  // so all counters lie on the first page
+using namespace layout;
 
-bool IsKnown(ColumnType type) {
-    const auto number = static_cast<unsigned>(type);
-    return (number >= 1 && number <= 12) || (number >= 15 && number <= 17);
-}
-
-// Reads the bytes of a definition in order; whatever runs over their end is damage.
-class Reader {
+// What contradicts itself on the way.
+class Damage {
  public:
-    Reader(const PageFile& file, PageNumber page, std::string_view bytes)
-        : file_(file), page_(page), bytes_(bytes) {}
-
-    std::size_t position() const { return position_; }
-    const std::uint8_t* Take(std::size_t size) {
-        if (size > bytes_.size() - position_) Damaged(u"the table definition ends too early");
-        const char* at = bytes_.data() + position_;
-        position_ += size;
-        return reinterpret_cast<const std::uint8_t*>(at);
-    }
-    Text TakeName() {
-        const std::uint16_t size = U16(Take(2));
-        if (size % 2 != 0) Damaged(u"a name in the table definition has an odd length");
-        const std::uint8_t* units = Take(size);
-        Text name(size / 2, u'\0');
-        for (std::size_t i = 0; i < name.size(); ++i) name[i] = U16(units + 2 * i);
-        return name;
-    }
-    [[noreturn]] void Damaged(TextView reason) const { file_.Damaged(page_, reason); }
+    Damage(const PageFile& file, PageNumber page) : file_(file), page_(page) {}
+    [[noreturn]] void operator()(TextView reason) const { file_.Damaged(page_, reason); }
 
  private:
     const PageFile& file_;
     PageNumber page_;
-    std::string_view bytes_;
-    std::size_t position_ = 0;
 };
 
 // The definition's bytes from the chain of its pages, which goes into `pages`.
-std::string Gather(PageFile& file, PageNumber first, std::vector<PageNumber>& pages) {
-    std::string bytes;
-    std::size_t length = kHeaderSize;
+std::vector<std::uint8_t> Gather(PageFile& file, PageNumber first, std::vector<PageNumber>& pages) {
+    std::vector<std::uint8_t> bytes;
+    std::size_t length = kHeader;
     for (PageNumber page = first; page != 0 && bytes.size() < length;) {
         const Page& content = file.Read(page);
         if (content[0] != static_cast<std::uint8_t>(PageType::TableDefinition) || content[1] != 1) {
             file.Damaged(page, u"a table definition is expected here");
         }
-        const std::size_t skip = pages.empty() ? 0 : kPageHeader;
-        bytes.append(reinterpret_cast<const char*>(content.data()) + skip, kPageSize - skip);
-        if (pages.empty()) length = U32(content.data() + 8);
-        if (length < kHeaderSize || length > kLongestDefinition) {
+        bytes.insert(bytes.end(), content.begin() + (pages.empty() ? 0 : kPageHeader), content.end());
+        if (pages.empty()) length = U32(content.data() + kPageHeader);
+        if (length < kHeader || length > kMostBytes) {
             file.Damaged(page, u"the table definition has an impossible length");
         }
         pages.push_back(page);
@@ -81,39 +43,26 @@ std::string Gather(PageFile& file, PageNumber first, std::vector<PageNumber>& pa
     return bytes;
 }
 
-Column ReadColumn(Reader& reader, const TableDefinition& table) {
-    const std::uint8_t* block = reader.Take(kColumnSize);
-    Column column;
-    column.type = static_cast<ColumnType>(block[0]);
-    column.number = U16(block + 5);
-    column.variable_index = U16(block + 7);
-    column.sort_order = U16(block + 11);
-    column.sort_version = block[14];
-    column.scale = block[12];
-    column.flags = block[15];
-    column.extended_flags = block[16];
-    column.fixed_offset = U16(block + 21);
-    column.length = U16(block + 23);
-    if (!IsKnown(column.type)) reader.Damaged(u"a column has an unknown type");
-    if (column.number >= table.column_capacity) reader.Damaged(u"a column number is too high");
-    if (column.type == ColumnType::Boolean) return column;
-    if (column.IsFixed() && column.IsLongValue()) reader.Damaged(u"a long value is said to be fixed");
+void CheckColumn(const Damage& damaged, const TableDefinition& table, const Column& column) {
+    if (!IsKnown(column.type)) damaged(u"a column has an unknown type");
+    if (column.number >= table.column_capacity) damaged(u"a column number is too high");
+    if (column.type == ColumnType::Boolean) return;
+    if (column.IsFixed() && column.IsLongValue()) damaged(u"a long value is said to be fixed");
     if (!column.IsFixed() && column.variable_index >= table.variable_columns) {
-        reader.Damaged(u"a variable column has too high an index");
+        damaged(u"a variable column has too high an index");
     }
     if (column.IsFixed() && column.fixed_offset + ValueSize(column) > static_cast<int>(kPageSize)) {
-        reader.Damaged(u"a fixed column lies outside every row");
+        damaged(u"a fixed column lies outside every row");
     }
-    return column;
 }
 
 // Fixed columns must not overlap, variable ones not share a place, numbers not repeat.
-void CheckColumns(const Reader& reader, TableDefinition& table) {
+void PlaceColumns(const Damage& damaged, TableDefinition& table) {
     std::vector<bool> numbers(table.column_capacity);
     table.variable_order.assign(table.variable_columns, table.columns.size());
     std::vector<bool> bytes(kPageSize);
     const auto take = [&](std::vector<bool>& set, std::size_t at) {
-        if (set[at]) reader.Damaged(u"two columns share one place");
+        if (set[at]) damaged(u"two columns share one place");
         set[at] = true;
     };
     for (std::size_t position = 0; position < table.columns.size(); ++position) {
@@ -122,7 +71,7 @@ void CheckColumns(const Reader& reader, TableDefinition& table) {
         if (column.type == ColumnType::Boolean) continue;
         if (!column.IsFixed()) {
             std::size_t& place = table.variable_order[column.variable_index];
-            if (place != table.columns.size()) reader.Damaged(u"two columns share one place");
+            if (place != table.columns.size()) damaged(u"two columns share one place");
             place = position;
             continue;
         }
@@ -132,62 +81,19 @@ void CheckColumns(const Reader& reader, TableDefinition& table) {
     }
 }
 
-RealIndex ReadRealIndex(Reader& reader, const PageFile& file, const TableDefinition& table) {
-    const std::uint8_t* block = reader.Take(kRealIndexSize);
-    if (U32(block) != kIndexConstant) reader.Damaged(u"an index block does not look like one");
-    RealIndex index;
-    for (std::size_t place = 0; place < kIndexPlaces; ++place) {
-        const std::uint8_t* at = block + 4 + 3 * place;
-        if (U16(at) == kUnusedPlace) continue;
-        const auto found = std::find_if(table.columns.begin(), table.columns.end(),
-                                        [&](const Column& column) { return column.number == U16(at); });
-        if (found == table.columns.end()) reader.Damaged(u"an index names a column that is not there");
-        index.columns.push_back({static_cast<std::size_t>(found - table.columns.begin()), at[2] != 0});
+void CheckIndexes(const Damage& damaged, const DefinitionBlocks& blocks, const TableDefinition& table,
+                  PageNumber page_count) {
+    for (std::size_t i = 0; i < table.indexes.size(); ++i) {
+        const RealIndex& index = table.indexes[i];
+        if (blocks.indexes[i].constant != kIndexConstant) damaged(u"an index block does not look like one");
+        if (index.columns.empty()) damaged(u"an index has no columns");
+        for (const IndexColumn& part : index.columns) {
+            if (part.column == table.columns.size()) damaged(u"an index names a column that does not exist");
+        }
+        if (index.root == 0 || index.root >= page_count) damaged(u"an index's root lies outside the file");
     }
-    index.map = Pointer::FromWord(U32(block + 34));
-    index.root = U32(block + 38);
-    index.unique = (block[46] & 0x01) != 0;
-    index.ignores_nulls = (block[46] & 0x02) != 0;
-    index.required = (block[46] & 0x08) != 0;
-    if (index.columns.empty()) reader.Damaged(u"an index has no columns");
-    if (index.root == 0 || index.root >= file.PageCount()) {
-        reader.Damaged(u"an index's root lies outside the file");
-    }
-    return index;
-}
-
-LogicalIndex ReadLogicalIndex(Reader& reader, const TableDefinition& table) {
-    const std::uint8_t* block = reader.Take(kLogicalIndexSize);
-    LogicalIndex index;
-    index.number = U32(block + 4);
-    index.real_index = U32(block + 8);
-    index.partner_table = U32(block + 17);
-    index.type = block[23];
-    index.relationship = block[12];
-    if (index.real_index >= table.indexes.size()) reader.Damaged(u"an index name belongs to no index");
-    return index;
-}
-
-void ReadIndexes(Reader& reader, const PageFile& file, TableDefinition& table, std::size_t real,
-                 std::size_t logical) {
-    for (std::size_t i = 0; i < real; ++i) {
-        table.indexes.push_back(ReadRealIndex(reader, file, table));
-        table.indexes.back().counter_at = kHeaderSize + kCounterSize * i;
-    }
-    for (std::size_t i = 0; i < logical; ++i)
-        table.logical_indexes.push_back(ReadLogicalIndex(reader, table));
-    for (LogicalIndex& index : table.logical_indexes) {
-        index.name = reader.TakeName();
-        RealIndex& backing = table.indexes[index.real_index];
-        if (backing.name.empty()) backing.name = index.name;
-        if (index.type == 1) backing.primary = true;
-    }
-}
-
-void ReadLongValueMaps(Reader& reader, TableDefinition& table) {
-    for (std::uint16_t number = U16(reader.Take(2)); number != kUnusedPlace; number = U16(reader.Take(2))) {
-        const std::uint8_t* maps = reader.Take(8);
-        table.long_values.push_back({number, Pointer::FromWord(U32(maps)), Pointer::FromWord(U32(maps + 4))});
+    for (const LogicalIndex& index : table.logical_indexes) {
+        if (index.real_index >= table.indexes.size()) damaged(u"an index name belongs to no index");
     }
 }
 
@@ -217,35 +123,27 @@ std::uint16_t ValueSize(const Column& column) {
     }
 }
 
+bool IsKnown(ColumnType type) {
+    const auto number = static_cast<unsigned>(type);
+    return (number >= 1 && number <= 12) || (number >= 15 && number <= 17);
+}
+
 TableDefinition ReadTableDefinition(PageFile& file, PageNumber page, TextView name) {
+    const Damage damaged(file, page);
     TableDefinition table;
     table.name = name;
     table.page = page;
-    const std::string bytes = Gather(file, page, table.pages);
-    Reader reader(file, page, bytes);
-    const std::uint8_t* header = reader.Take(kHeaderSize);
-    const unsigned columns = U16(header + 45);
-    const std::uint32_t logical = U32(header + 47);
-    const std::uint32_t real = U32(header + 51);
-    table.system = header[40] == 0x53;
-    table.column_capacity = U16(header + 41);
-    table.variable_columns = U16(header + 43);
-    table.owned_map = Pointer::FromWord(U32(header + 55));
-    table.free_map = Pointer::FromWord(U32(header + 59));
-    if (U32(header + 12) != kConstant) reader.Damaged(u"the table definition does not look like one");
-    if (columns > kMaximumColumns || table.column_capacity > kPageSize ||
-        table.variable_columns > table.column_capacity || columns > table.column_capacity) {
-        reader.Damaged(u"the table definition has impossible numbers of columns");
+    DefinitionBlocks blocks;
+    if (const Text why = ReadBlocks(Gather(file, page, table.pages), blocks); !why.empty()) damaged(why);
+    TakeBlocks(blocks, table);
+    if (blocks.header.constant != kConstant) damaged(u"the table definition does not look like one");
+    if (table.column_capacity > kPageSize || table.variable_columns > table.column_capacity ||
+        table.columns.size() > table.column_capacity) {
+        damaged(u"the table definition has impossible numbers of columns");
     }
-    if (real > kMaximumIndexes || logical > kMaximumIndexes) {
-        reader.Damaged(u"the table definition has impossible numbers of indexes");
-    }
-    reader.Take(kCounterSize * real);
-    for (unsigned i = 0; i < columns; ++i) table.columns.push_back(ReadColumn(reader, table));
-    for (Column& column : table.columns) column.name = reader.TakeName();
-    CheckColumns(reader, table);
-    ReadIndexes(reader, file, table, real, logical);
-    ReadLongValueMaps(reader, table);
+    for (const Column& column : table.columns) CheckColumn(damaged, table, column);
+    PlaceColumns(damaged, table);
+    CheckIndexes(damaged, blocks, table, file.PageCount());
     return table;
 }
 

@@ -36,12 +36,14 @@ struct Column {
     std::uint16_t variable_index = 0;  // of a variable column: its place in the row's variable table
     std::uint16_t fixed_offset = 0;    // of a fixed column: where its value stands in the fixed area
     std::uint16_t length = 0;          // bytes; a text column holds length / 2 characters
-    std::uint16_t sort_order = 0;      // of a text column: LCID
+    std::uint16_t sort_order = 0;      // of a text column: LCID; of a numeric one: precision and scale
     std::uint8_t sort_version = 0;
     std::uint8_t flags = 0;
     std::uint8_t extended_flags = 0;
-    std::uint8_t scale = 0;  // of a numeric column
 
+    // Of a numeric column: decimal digits at most, and how many of them are decimals.
+    int precision() const { return sort_order & 0xFF; }
+    int scale() const { return sort_order >> 8; }
     bool IsFixed() const { return (flags & 0x01) != 0; }
     bool IsAutonumber() const { return (flags & 0x04) != 0; }
     bool CompressesText() const { return (extended_flags & 0x01) != 0; }
@@ -71,7 +73,7 @@ struct RealIndex {
 struct LogicalIndex {
     Text name;
     std::uint32_t number = 0;
-    std::size_t real_index = 0;
+    std::uint32_t real_index = 0;   // position in TableDefinition::indexes
     std::uint8_t type = 0;          // 0 normal, 1 primary key, 2 foreign key
     std::uint8_t relationship = 0;  // 0 none, 1 this table is the referenced side, 2 the referencing side
     PageNumber partner_table = 0;
@@ -103,6 +105,9 @@ struct TableDefinition {
     // Position of the column of that name, letter case ignored.
     std::optional<std::size_t> FindColumn(TextView column_name) const;
 };
+
+// Whether columns of that type are known in this format.
+bool IsKnown(ColumnType type);
 
 // Bytes of a column's value in the fixed area, or in a variable place when its type fixes them. A boolean has
 // none: it is its bit in the null mask.

@@ -1,11 +1,12 @@
-// ConvertForColumn: values of statements become values of columns.
+#include "jet/table/column_conversion.h"
+
 #include <cmath>
 #include <limits>
 
 #include "common/failure.h"
 #include "common/regional.h"
 #include "jet/table/row.h"
-#include "jet/table/table.h"
+#include "jet/table/row_encoding.h"
 
 namespace tav::jet {
 namespace {

@@ -15,7 +15,7 @@ constexpr double kDateLimit = 2958466;  // the day after 31.12.9999
 double NumericValue(const Column& column, const std::uint8_t* bytes) {
     double value = 0;
     for (int word = 0; word < 4; ++word) value = value * 4294967296.0 + U32(bytes + 1 + 4 * word);
-    value /= std::pow(10.0, column.scale);
+    value /= std::pow(10.0, column.scale());
     return (bytes[0] & 0x80) != 0 ? -value : value;
 }
 

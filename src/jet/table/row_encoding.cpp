@@ -1,3 +1,5 @@
+#include "jet/table/row_encoding.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>

@@ -1,12 +1,25 @@
 #include "jet/table/table.h"
 
+#include <algorithm>
+
 #include "common/failure.h"
 #include "jet/file/page_file.h"
 #include "jet/file/usage_map.h"
+#include "jet/schema/definition_layout.h"
+#include "jet/table/key_changes.h"
+#include "jet/table/read_only.h"
+#include "jet/table/row_encoding.h"
 
 namespace tav::jet {
+namespace {
 
-Table::Table(PageFile& file, TableDefinition definition) : file_(&file), definition_(std::move(definition)) {
+constexpr TextView kNullAutonumber =
+    u"You tried to assign the Null value to a variable that is not a Variant data type.";
+
+}  // namespace
+
+Table::Table(PageFile& file, TableDefinition definition)
+    : file_(&file), definition_(std::move(definition)), space_(file, definition_) {
     for (std::size_t i = 0; i < definition_.columns.size(); ++i) {
         const Column& column = definition_.columns[i];
         if (column.IsAutonumber() && column.type == ColumnType::Long) autonumber_ = i;
@@ -17,22 +30,18 @@ IndexTree Table::Index(std::size_t real_index) {
     return IndexTree(*file_, definition_, definition_.indexes.at(real_index));
 }
 
-bool Table::Owns(PageNumber page) const {
-    return UsageMap(*file_, definition_.owned_map).Contains(page);
-}
-
-Table::Place Table::FindPlace(RowId id) const {
+RowPlace Table::FindPlace(RowId id) const {
     const auto record_at = [&](Pointer at) {
         return RecordAt(*file_, at.page, ReadDataPage(*file_, at.page, definition_.page), at.slot);
     };
-    Place place{id, id, record_at(id)};
+    RowPlace place{id, id, record_at(id)};
     if ((place.record.flags & kSlotBody) != 0) {
         throw Failure(Text(u"Record is deleted. (").append(definition_.name).append(u")"));
     }
     if (place.record.flags == 0) return place;
     if (place.record.size < 4) file_->Damaged(id.page, u"a moved row does not say where it is");
     place.body = Pointer::FromWord(U32(file_->Read(id.page).data() + place.record.begin));
-    if (!Owns(place.body.page)) file_->Damaged(id.page, u"a moved row lies outside its table");
+    if (!space_.Owns(place.body.page)) file_->Damaged(id.page, u"a moved row lies outside its table");
     place.record = record_at(place.body);
     if (place.record.flags != kSlotBody) {
         file_->Damaged(id.page, u"a moved row is not where its pointer says");
@@ -40,14 +49,14 @@ Table::Place Table::FindPlace(RowId id) const {
     return place;
 }
 
-Row Table::RowAt(const Place& place) const {
+Row Table::RowAt(const RowPlace& place) const {
     const Page& page = file_->Read(place.body.page);
     return Row(*file_, definition_, place.home,
                std::span<const std::uint8_t>(page).subspan(place.record.begin, place.record.size));
 }
 
-Table::Place Table::FindOwnPlace(RowId id) const {
-    if (!Owns(id.page)) {
+RowPlace Table::FindOwnPlace(RowId id) const {
+    if (!space_.Owns(id.page)) {
         file_->Damaged(id.page, Text(u"table '").append(definition_.name).append(u"' has no rows there"));
     }
     return FindPlace(id);
@@ -61,7 +70,7 @@ Table::Scan Table::Rows() {
     Scan scan;
     scan.table_ = this;
     scan.pages_ = UsageMap(*file_, definition_.owned_map).Pages();
-    scan.releases_ = releases_;
+    scan.releases_ = space_.releases();
     scan.Next();
     return scan;
 }
@@ -74,7 +83,7 @@ void Table::Scan::Next() {
     for (; page_ < pages_.size(); ++page_, slot_ = -1) {
         const PageNumber number = pages_[page_];
         // Emptied pages go back to the file and may be something else by now.
-        if (releases_ != table_->releases_ && !table_->Owns(number)) continue;
+        if (releases_ != table_->space_.releases() && !table_->space_.Owns(number)) continue;
         const Page& page = ReadDataPage(*table_->file_, number, table_->definition_.page);
         for (++slot_; slot_ < static_cast<int>(SlotCount(page)); ++slot_) {
             const Record record = RecordAt(*table_->file_, number, page, static_cast<unsigned>(slot_));
@@ -82,6 +91,86 @@ void Table::Scan::Next() {
         }
     }
     at_end_ = true;
+}
+
+void Table::RefuseReadOnly() {
+    if (!why_read_only_) why_read_only_ = jet::WhyReadOnly(definition_);
+    if (!why_read_only_->empty()) throw Failure(*why_read_only_);
+}
+
+Value Table::NextAutonumber() {
+    const std::uint32_t last = U32(file_->Read(definition_.page).data() + layout::kAutonumberAt);
+    return std::int64_t{static_cast<std::int32_t>(last + 1)};
+}
+
+void Table::NoteAutonumber(std::span<const Value> values) {
+    if (!autonumber_ || IsNull(values[*autonumber_])) return;
+    const std::int64_t given = std::get<std::int64_t>(values[*autonumber_]);
+    std::uint8_t* last = file_->Change(definition_.page).data() + layout::kAutonumberAt;
+    if (given > static_cast<std::int32_t>(U32(last))) PutU32(last, static_cast<std::uint32_t>(given));
+}
+
+void Table::CountRows(int difference) {
+    std::uint8_t* count = file_->Change(definition_.page).data() + layout::kRowCountAt;
+    const std::int64_t rows = std::int64_t{U32(count)} + difference;
+    PutU32(count, static_cast<std::uint32_t>(std::clamp<std::int64_t>(rows, 0, UINT32_MAX)));
+}
+
+RowId Table::Insert(std::span<const Value> given) {
+    RefuseReadOnly();
+    std::vector<Value> filled;
+    std::span<const Value> values = given;
+    if (autonumber_ && *autonumber_ < given.size() && IsNull(given[*autonumber_])) {
+        filled.assign(given.begin(), given.end());
+        filled[*autonumber_] = NextAutonumber();
+        values = filled;
+    }
+    EncodeRow(definition_, values, row_bytes_);
+    KeyChanges keys(definition_, {}, values);
+    keys.Check(*file_, values);
+
+    const RowId id = space_.Add(row_bytes_);
+    keys.Apply(*file_, id);
+    CountRows(1);
+    NoteAutonumber(values);
+    return id;
+}
+
+void Table::Update(RowId id, std::span<const Value> values) {
+    RefuseReadOnly();
+    const RowPlace place = FindOwnPlace(id);
+    const std::vector<Value> old_values = ChangeableRow(place);
+    if (autonumber_ && IsNull(values[*autonumber_]) && !IsNull(old_values[*autonumber_])) {
+        throw Failure(kNullAutonumber).In(definition_.columns[*autonumber_].name);
+    }
+    EncodeRow(definition_, values, row_bytes_);
+    KeyChanges keys(definition_, old_values, values);
+    keys.Check(*file_, values);
+
+    space_.Replace(place, row_bytes_);
+    keys.Apply(*file_, id);
+    NoteAutonumber(values);
+}
+
+void Table::Delete(RowId id) {
+    RefuseReadOnly();
+    const RowPlace place = FindOwnPlace(id);
+    const KeyChanges keys(definition_, ChangeableRow(place), {});
+
+    keys.Apply(*file_, id);
+    space_.Remove(place);
+    CountRows(-1);
+}
+
+// The values of a row that may be changed. Long values with records of their own would be left behind.
+std::vector<Value> Table::ChangeableRow(const RowPlace& place) {
+    const Row row = RowAt(place);
+    if (row.HasDistantValues()) {
+        throw Failure(Text(u"Cannot update table '")
+                          .append(definition_.name)
+                          .append(u"': the row has a long memo or OLE value, which is not supported."));
+    }
+    return row.All();
 }
 
 }  // namespace tav::jet

@@ -10,6 +10,7 @@
 #include "jet/jet_fixtures.h"
 #include "jet/jet_samples.h"
 #include "jet/table/database.h"
+#include "jet/table/row_encoding.h"
 
 namespace tav::jet {
 namespace {

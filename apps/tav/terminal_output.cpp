@@ -1,4 +1,4 @@
-#include "terminal.h"
+#include "terminal_output.h"
 
 #include <algorithm>
 #include <cstdio>

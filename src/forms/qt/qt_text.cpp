@@ -1,4 +1,4 @@
-#include "forms/qt/text.h"
+#include "forms/qt/qt_text.h"
 
 #include <QTextDocument>
 

@@ -1,0 +1,44 @@
+// What a change of one row does to the indexes of its table.
+//
+// Keys are made and the rules of all indexes are checked before anything is written: required and primary
+// indexes take no Null, unique ones no second row with the same key (an all-Null key may repeat).
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "common/value.h"
+#include "jet/schema/table_definition.h"
+
+namespace tav::jet {
+
+class PageFile;
+
+class KeyChanges {
+ public:
+    // Row values in the order of the table's columns; `before` is empty for a row that is inserted, `after` for
+    // one that is deleted. A value that has no key is a Failure that names column and index.
+    KeyChanges(const TableDefinition& table, std::span<const Value> before, std::span<const Value> after);
+
+    // What breaks a rule is a Failure with the database engine's usual message.
+    void Check(PageFile& file, std::span<const Value> after);
+    // Removes and adds the entries of that row; counts keys that no row had.
+    void Apply(PageFile& file, RowId id) const;
+
+ private:
+    struct Change {
+        std::string old_key;
+        std::string new_key;
+        bool had_entry = false;
+        bool has_entry = false;
+        bool is_new = false;  // no row had the new key yet
+
+        bool IsSame() const { return had_entry && has_entry && old_key == new_key; }
+    };
+
+    const TableDefinition& table_;
+    std::vector<Change> changes_;  // of each real index
+};
+
+}  // namespace tav::jet
