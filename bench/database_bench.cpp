@@ -10,6 +10,7 @@
 #include "db/connection.h"
 #include "fixture.h"
 #include "platform/files.h"
+#include "platform/locked_file.h"
 
 namespace tav {
 namespace {

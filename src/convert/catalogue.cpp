@@ -7,6 +7,7 @@
 #include "common/windows1251.h"
 #include "convert/markup_scan.h"
 #include "platform/files.h"
+#include "platform/locked_file.h"
 #include "xml/encoding.h"
 #include "xml/events.h"
 

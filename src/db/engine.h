@@ -32,10 +32,6 @@ struct OpenRequest {
     bool for_reading = false;
 };
 
-// The native engine, exclusive while it writes. Any other provider than that of the connection string is
-// "Provider cannot be found.".
-std::unique_ptr<Engine> OpenNativeEngine(const OpenRequest& request);
-
 // The best engine there is.
 std::unique_ptr<Engine> OpenEngine(const OpenRequest& request);
 

@@ -1,4 +1,5 @@
 #include "db/engine.h"
+#include "db/native_engine.h"
 
 namespace tav {
 

@@ -1,5 +1,7 @@
 #include "common/failure.h"
 #include "db/ado_engine_windows.h"
+#include "db/engine.h"
+#include "db/native_engine.h"
 #include "platform/win32_windows.h"
 
 namespace tav {

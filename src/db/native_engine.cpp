@@ -1,7 +1,8 @@
+#include "db/native_engine.h"
+
 #include <algorithm>
 
 #include "common/failure.h"
-#include "db/engine.h"
 #include "jet/file/usage_map.h"
 #include "sql/executor.h"
 

@@ -7,7 +7,6 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -75,32 +74,5 @@ bool IsHeld(TextView path);
 // Moves a file over `target`, replacing it by one rename. Onto another file system: a copy under a temporary
 // name there, synced and renamed, then the source is deleted. At no moment is there no whole copy.
 void MoveFileOver(TextView source, TextView target);
-
-// An open file read and written by position. The lock is taken when it is opened and held until it is closed:
-// readers share it, a writer has it alone; a file that somebody else holds is "Permission denied" at once.
-class LockedFile {
- public:
-    enum class Access { Read, Write };
-
-    LockedFile(TextView path, Access access);
-    ~LockedFile();
-    LockedFile(LockedFile&&) noexcept;
-    LockedFile& operator=(LockedFile&&) noexcept;
-
-    std::uint64_t Size() const;
-    // Reads exactly `size` bytes; a file that ends before is "Path/File access error".
-    void ReadAt(std::uint64_t offset, void* buffer, std::size_t size) const;
-    void WriteAt(std::uint64_t offset, const void* buffer, std::size_t size);
-    void Truncate(std::uint64_t size);
-    // What was written is on the disk when this returns.
-    void Sync();
-    // A reader becomes the only holder for a while (to roll back what a killed writer left); false when
-    // others read.
-    bool TryExclusive();
-
- private:
-    struct State;
-    std::unique_ptr<State> state_;
-};
 
 }  // namespace tav

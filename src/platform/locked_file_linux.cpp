@@ -2,7 +2,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 
-#include "platform/files.h"
+#include "platform/locked_file.h"
 #include "platform/posix_linux.h"
 
 namespace tav {

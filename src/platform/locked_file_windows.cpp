@@ -1,11 +1,9 @@
-// The lock of an open file is its share mode: the system refuses whoever asks for more, on network drives
-// too.
-
 #include <algorithm>
 
-#include "platform/files.h"
+#include "platform/locked_file.h"
 #include "platform/win32_windows.h"
 
+// The lock of an open file is its share mode: the system refuses whoever asks for more, on network drives too.
 namespace tav {
 
 using win32::Handle;

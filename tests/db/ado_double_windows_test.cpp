@@ -6,7 +6,7 @@
 
 #include "common/failure.h"
 #include "common/regional.h"
-#include "db/engine.h"
+#include "db/native_engine.h"
 #include "platform/automation_windows.h"
 
 // The system's interfaces have no virtual destructor: objects go by Release.

@@ -2,7 +2,7 @@
 
 #include "db/ado_double_windows.h"
 #include "db/database_fixture.h"
-#include "db/engine.h"
+#include "db/native_engine.h"
 #include "platform/win32_windows.h"
 
 namespace tav {

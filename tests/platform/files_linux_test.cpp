@@ -10,6 +10,7 @@
 #include <csignal>
 
 #include "platform/files.h"
+#include "platform/locked_file.h"
 #include "support/failure_of.h"
 #include "support/support.h"
 

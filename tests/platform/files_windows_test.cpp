@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/files.h"
+#include "platform/locked_file.h"
 #include "platform/win32_windows.h"
 #include "support/failure_of.h"
 #include "support/support.h"

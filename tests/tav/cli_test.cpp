@@ -3,6 +3,7 @@
 #include <chrono>
 #include <thread>
 
+#include "platform/locked_file.h"
 #include "tav/cli_fixture.h"
 
 namespace tav {

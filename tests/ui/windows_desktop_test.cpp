@@ -1,4 +1,5 @@
 #include "db/connection.h"
+#include "platform/locked_file.h"
 #include "samples/generator.h"
 #include "ui/desktop.h"
 

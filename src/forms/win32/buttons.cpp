@@ -1,6 +1,6 @@
-// Buttons, buttons with pictures, check boxes.
+#include "forms/win32/buttons.h"
+
 #include "forms/reader_names.h"
-#include "forms/win32/control.h"
 #include "forms/win32/pictures.h"
 
 namespace tav {

@@ -105,17 +105,6 @@ class ControlWin : public FormControl, public GridItem {
 
 using MadeControl = std::unique_ptr<ControlWin>;
 
-// By the plan's kind, with the plan's caption and tool-tip. `index` is the control's place in the plan.
-MadeControl MakeControl(const ControlPlan& plan, std::size_t index, FormHost& host);
-
-// The kinds that stand in files of their own.
-MadeControl MakeButton(const ControlPlan& plan, std::size_t index, FormHost& host);
-MadeControl MakePictureButton(const ControlPlan& plan, std::size_t index, FormHost& host);
-MadeControl MakeCheckBox(const ControlPlan& plan, std::size_t index, FormHost& host);
-MadeControl MakeListBox(const ControlPlan& plan, std::size_t index, FormHost& host);
-MadeControl MakeComboBox(const ControlPlan& plan, std::size_t index, FormHost& host);
-MadeControl MakeTreeView(const ControlPlan& plan, std::size_t index, FormHost& host);
-
 // The text as a window takes it that knows mnemonics. A letter that the text lacks stands behind it.
 Text WithMnemonic(TextView text, char16_t mnemonic);
 

@@ -1,9 +1,12 @@
-// The plain kinds of controls, and the table of all kinds.
+#include "forms/win32/controls.h"
+
 #include <array>
 #include <cmath>
 
-#include "forms/win32/control.h"
+#include "forms/win32/buttons.h"
+#include "forms/win32/list_boxes.h"
 #include "forms/win32/pictures.h"
+#include "forms/win32/tree_control.h"
 
 namespace tav {
 namespace {

@@ -3,6 +3,7 @@
 #include <map>
 
 #include "forms/reader_names.h"
+#include "forms/win32/controls.h"
 #include "forms/win32/message_loop.h"
 #include "forms/win32/shown_forms.h"
 #include "forms/win32/theme.h"

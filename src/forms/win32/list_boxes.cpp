@@ -1,8 +1,7 @@
-// The list box and the combo box.
+#include "forms/win32/list_boxes.h"
 
 #include <limits>
 
-#include "forms/win32/control.h"
 #include "forms/win32/tool_tips.h"
 
 namespace tav {

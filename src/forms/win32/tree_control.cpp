@@ -1,8 +1,7 @@
-// The tree.
+#include "forms/win32/tree_control.h"
 
 #include <unordered_map>
 
-#include "forms/win32/control.h"
 #include "forms/win32/pictures.h"
 
 namespace tav {

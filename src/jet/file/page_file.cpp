@@ -7,6 +7,7 @@
 #include "common/failure.h"
 #include "jet/file/header.h"
 #include "jet/file/rollback_journal.h"
+#include "platform/files.h"
 
 namespace tav::jet {
 namespace {

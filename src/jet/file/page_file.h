@@ -23,7 +23,7 @@
 
 #include "common/text.h"
 #include "jet/file/format.h"
-#include "platform/files.h"
+#include "platform/locked_file.h"
 
 namespace tav::jet {
 

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "common/failure.h"
+#include "platform/files.h"
 
 namespace tav::jet {
 namespace {

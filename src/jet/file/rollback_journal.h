@@ -27,7 +27,7 @@
 #include <string_view>
 
 #include "jet/file/header.h"
-#include "platform/files.h"
+#include "platform/locked_file.h"
 
 namespace tav::jet {
 

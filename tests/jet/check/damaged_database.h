@@ -5,6 +5,7 @@
 
 #include "jet/create/create.h"
 #include "jet/table/database.h"
+#include "platform/files.h"
 #include "support/support.h"
 
 namespace tav::jet::test {

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "jet/file/journal_fixture.h"
+#include "platform/locked_file.h"
 
 namespace tav::jet {
 namespace {

@@ -5,6 +5,7 @@
 #include "jet/jet_fixtures.h"
 #include "jet/table/database.h"
 #include "platform/files.h"
+#include "platform/locked_file.h"
 
 namespace tav::jet {
 namespace {
