@@ -29,8 +29,8 @@ std::string StatementOfSize(std::size_t bytes);
 // A new database with the four tables.
 void NewDatabase(TextView path);
 
-// Makes `count` small statements in `folder`/in, scans them and loads them into `folder`/base.mdb; the
-// catalogue's path.
+// Makes `count` small statements in `folder`/in, scans them
+// and loads them into `folder`/base.mdb; the catalogue's path.
 Text LoadManyFiles(const Folder& folder, int count);
 
 }  // namespace tav::bench

@@ -1,6 +1,6 @@
-// The act as a printed form. Its header is made of lines at one position, counted by the reader; a few of
-// them go on in a second line that has no position of its own, and there the reader counts characters from
-// the end: the dates end in " г.", and eight characters stand between the two dates of the period.
+// The act as a printed form. Its header is made of lines at one position, counted by the reader; a few
+// of them go on in a second line that has no position of its own, and there the reader counts characters
+// from the end: the dates end in " г.", and eight characters are between the two dates of the period.
 #include <algorithm>
 #include <utility>
 

@@ -107,7 +107,7 @@ Fields ExpectedHead(const ActOptions& options) {
             {"pere", DateText(options.period.end)}};
 }
 
-// Of each line the first amount in the file, in whichever section it stands.
+// Of each line the first amount in the file, in whichever section it is.
 Fields ExpectedAmounts(const std::vector<ActAmounts>& sections, bool sparse) {
     Fields fields;
     for (std::size_t i = 0; i < kActLines; ++i) {

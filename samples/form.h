@@ -1,5 +1,5 @@
-// A printed form as RTF: sheets of paper with frames at absolute positions, each frame one or more
-// paragraphs.
+// A printed form as RTF: sheets of paper with frames at
+// absolute positions, each frame one or more paragraphs.
 //
 // A frame is a group of its own, {\pard...\pvpg\phpg\posx..\posy..\absw..\absh.. {run}\par}: the control word
 // of the horizontal position follows another control word directly, and further control words follow it, so

@@ -24,7 +24,7 @@ constexpr Edges kLayout1{612,  1542, 2427, 3417,  4317,  5097,  6027, 6957,
 constexpr Edges kLayout2{597,  1557, 2427, 3417,  4302,  5082,  6027, 6957,
                          7902, 8697, 9942, 11157, 12327, 13707, 15087};
 
-// Column titles stand a little to the right of their columns, except for the four that begin the table.
+// Column titles are a little to the right of their columns, except for the four that begin the table.
 constexpr int kTitleShift = 30;
 struct Title {
     int column;

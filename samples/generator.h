@@ -7,10 +7,10 @@
 // The same options give the same bytes on every machine: the generator has random numbers of its own.
 // Organisations, their numbers and their amounts are invented.
 //
-// Texts are those of the catalogue: what Windows-1251 makes of them, the minus sign a "-", the blanks between
-// thousands U+00A0. Money is in kopecks. Dates must exist, a period must not end before it begins, counts
-// must not be negative: std::invalid_argument otherwise. A folder or file that cannot be written is a
-// std::filesystem::filesystem_error that names it.
+// Texts are those of the catalogue: what Windows-1251 makes of them, the minus sign a "-",
+// the spaces between thousands U+00A0. Money is in kopecks. Dates must exist, a period must
+// not end before it begins, counts must not be negative: std::invalid_argument otherwise. A
+// folder or file that cannot be written is a std::filesystem::filesystem_error that names it.
 #pragma once
 
 #include <array>
@@ -79,7 +79,7 @@ enum class Letters {
     Raw,         // the byte itself
 };
 
-// Where \page stands when a sheet is full.
+// Where \page is put when a sheet is full.
 enum class Cut {
     None,           // nowhere: one endless sheet
     BetweenGroups,  // outside every group

@@ -8,17 +8,17 @@
 
 namespace tav::samples {
 
-// A cell of the printed table: column 1 to 14 and its text (form.h tells the two characters that are printed
-// otherwise than they are read). The cells of a line stand in the order of the columns; a cell that a line
-// does not have is not printed at all, and a second line of column 4 comes last.
+// A cell of the printed table: column 1 to 14 and its text (form.h tells the two characters that
+// are printed otherwise than they are read). The cells of a line are in the order of the columns; a
+// cell that a line does not have is not printed at all, and a second line of column 4 comes last.
 struct Cell {
     int column = 0;
     Text text;
 };
 using Line = std::vector<Cell>;
 
-// The balance of every kind of payment at the begin of the period, at every new year in it and at its end,
-// and between them the operations, evenly spread over the period.
+// The balance of every kind of payment at the beginning of the period, at every new year
+// in it and at its end, and between them the operations, evenly spread over the period.
 class Ledger {
  public:
     // The options must live as long as the ledger.

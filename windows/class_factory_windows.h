@@ -5,8 +5,8 @@
 
 namespace tav {
 
-// The factory, of which there is one; it lives as long as the library, and a host's references keep the
-// library busy.
+// The factory, of which there is one; it lives as long as the
+// library, and a host's references keep the library busy.
 IClassFactory& ClassFactory();
 
 }  // namespace tav

@@ -78,8 +78,8 @@ HRESULT Converted(VARIANT& argument, VARTYPE type, LCID locale, Variant& value) 
     return DISP_E_TYPEMISMATCH;
 }
 
-// The places in `arguments` by parameters; -1 where there is none. Arguments stand in reverse order, the
-// named ones before the others.
+// The places in `arguments` by parameters; -1 where the argument is missing.
+// Arguments come in reverse order, the named ones before the others.
 struct Assignment {
     std::array<int, kMostParameters> places = {-1, -1, -1};
     HRESULT result = S_OK;

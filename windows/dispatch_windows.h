@@ -14,8 +14,8 @@ struct OpenClassInterface;
 
 namespace dispatch {
 
-// The numbers of a method and, behind it, of its parameters. A name that is unknown gets DISPID_UNKNOWN, and
-// the result is DISP_E_UNKNOWNNAME.
+// The numbers of a method and, after it, of its parameters. An unknown
+// name gets DISPID_UNKNOWN, and the result is DISP_E_UNKNOWNNAME.
 HRESULT IdsOfNames(LPOLESTR* names, UINT count, DISPID* ids);
 
 // Calls a method. DISP_E_MEMBERNOTFOUND: no such method, or it is used as a property; DISP_E_BADPARAMCOUNT:

@@ -1,8 +1,8 @@
 // The library as a whole: what keeps it in the memory of its host.
 //
-// Objects, the host's locks and open windows make it busy. Once used it stays loaded whatever COM decides:
-// the current taxpayer and the windows are states of the library, and a host may release its last object
-// between two operations.
+// Objects, the host's locks and open windows make it busy. Once used it stays
+// loaded whatever COM decides: the current taxpayer and the windows are states
+// of the library, and a host may release its last object between two operations.
 #pragma once
 
 #include "platform/win32_windows.h"

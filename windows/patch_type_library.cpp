@@ -1,19 +1,19 @@
-// A tool of the build: patch_type_library IN OUT. Puts into the type library that widl has made what widl
-// cannot write.
+// A tool of the build: patch_type_library IN OUT. Puts into
+// the type library that widl has made what widl cannot write.
 //
-// The format (it begins "MSFT", little-endian): a header of 0x54 bytes with the number of type descriptions
-// at 0x20, as many offsets, then the directory of 15 segments, an offset and a length each in 16 bytes.
-// Needed of these:
+// The format (it begins "MSFT", little-endian): a header of 0x54 bytes with
+// the number of type descriptions at 0x20, as many offsets, then the directory
+// of 15 segments, an offset and a length each in 16 bytes. Needed of these:
 //
 //   segment 7, names: each with a length byte, a flag byte and a hash that is the same in every letter case
 //   before it. segment 11, constants: each begins with its variant type in two bytes and is padded with 'W'
 //   to four. The first one
 //     here is widl's own signature, a counted text that ends with the time of the build.
 //
-// A method's record has a number for each default. For a date it has to be the offset of a constant of type 7
-// (VT_DATE); widl leaves -1 there and reserves nothing. The signature gives up its end for the constant, so
-// nothing has to move, and a build at another time gives the same bytes. The compiler's time stamp, the
-// constant behind the signature, becomes 0 for the same reason.
+// A method's record has a number for each default. For a date it has to be the offset of a constant
+// of type 7 (VT_DATE); widl leaves -1 there and reserves nothing. The signature gives up its end
+// for the constant, so nothing has to move, and a build at another time gives the same bytes. The
+// compiler's time stamp, the constant after the signature, becomes 0 for the same reason.
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -82,7 +82,7 @@ void MakeLetterSmall(Library& library) {
     library.Put<char>(at, 'i');
 }
 
-// Shortens the signature and writes the date behind it; its offset among the constants.
+// Shortens the signature and writes the date after it; its offset among the constants.
 std::uint32_t WriteDate(Library& library) {
     const std::size_t begin = library.SegmentBegin(kConstants);
     const auto length = library.Get<std::uint32_t>(begin + 2);
@@ -103,8 +103,8 @@ std::uint32_t WriteDate(Library& library) {
     return static_cast<std::uint32_t>(date - begin);
 }
 
-// `start` is the first method of the first type: its record has the defaults of its three arguments behind 24
-// bytes.
+// `start` is the first method of the first type: its record
+// has the defaults of its three arguments after 24 bytes.
 void UseDateAsDefault(Library& library, std::uint32_t date) {
     constexpr std::uint32_t kHasDefaults = 0x1000;
     const auto record = library.Get<std::uint32_t>(library.SegmentBegin(0) + 4) + 4;

@@ -36,7 +36,7 @@ class Key {
     HKEY key_ = nullptr;
 };
 
-// Below it in its hive stand all the rows.
+// All the rows are below it in its hive.
 constexpr wchar_t kClasses[] = L"Software\\Classes";
 
 HKEY HiveOf(Whose whose) {

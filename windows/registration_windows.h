@@ -11,7 +11,7 @@ enum class Whose { Machine, User };
 // Writes all rows; at the first failure takes back what there is and returns it.
 HRESULT Register(Whose whose);
 
-// Removes them all, whoever wrote them; succeeds when there are none. The type library and the programmatic
+// Removes them all, whoever wrote them; succeeds when none exist. The type library and the programmatic
 // identifier belong to both widths of the component and stay while the other one is registered.
 HRESULT Unregister(Whose whose);
 

@@ -30,8 +30,8 @@ TextView MessageText(RunTimeError error);
 // What procedures throw among themselves. No exception leaves a public procedure: see guard.h.
 class Failure : public std::exception {
  public:
-    // `detail` names what the failure is about (a file, a document, a column and its value); it is shown
-    // behind the classic text, or alone when there is none.
+    // `detail` names what the failure is about (a file, a document, a column and its
+    // value); it is shown after the classic text, or alone when the error has none.
     explicit Failure(RunTimeError error, TextView detail = {});
     explicit Failure(TextView text) : Failure(RunTimeError::Other, text) {}
 

@@ -6,9 +6,9 @@
 
 namespace tav {
 
-// Returns the text of `rest` before the first `separator` and leaves in `rest` what stands behind it. Without
-// a separator the whole is returned and `rest` becomes empty; an empty `rest` returns empty text. Letter case
-// counts.
+// Returns the text of `rest` before the first `separator` and leaves in `rest`
+// what comes after it. Without a separator the whole is returned and `rest`
+// becomes empty. An empty `rest` returns empty text. Letter case counts.
 //
 // `rest` is a view into the list, so that walking a list of any length costs its length once. One function
 // for both kinds of text: characters (u16string_view) and Windows-1251 bytes (string_view).

@@ -1,5 +1,5 @@
-// How the system speaks to a person: message boxes. A window shows them, or standard error, or a list in
-// tests.
+// How the system speaks to a person: message boxes. A
+// window shows them, or standard error, or a list in tests.
 #pragma once
 
 #include "common/text.h"

@@ -5,8 +5,8 @@
 
 namespace tav {
 
-// A window, a bar on a terminal; this class itself shows nothing. Cancelling is seen through the cancel stamp
-// (settings/session.h), which the cancel button sets while events are processed.
+// A window, a bar on a terminal; this class itself shows nothing. Cancelling is noticed through
+// the cancel stamp (settings/session.h), which the cancel button sets while events are processed.
 class Progress {
  public:
     virtual ~Progress() = default;
@@ -19,7 +19,7 @@ class Progress {
     virtual void SetFraction([[maybe_unused]] double fraction) {}
     virtual void Close() {}
 
-    // The scan is over; so many of the new files have been looked at by the loader.
+    // The scan has ended; so many of the new files have been looked at by the loader.
     virtual void SetLoaded([[maybe_unused]] int files, [[maybe_unused]] int of) {}
     // Lets the user press buttons and the windows draw themselves.
     virtual void ProcessEvents() {}

@@ -1,8 +1,8 @@
 // The regional forms of numbers and dates. Numbers are written as in the user's region (regional_form.h), a
 // decimal comma in the examples here; dates are dd.mm.yyyy everywhere, as the documents have them.
 //
-// Number text: an optional sign, digits with group blanks (U+0020, U+00A0) or the region's group separator
-// between them, at most one decimal separator; nothing else.
+// Number text: an optional sign, digits with group spaces (U+0020, U+00A0) or the
+// region's group separator between them, at most one decimal separator; nothing else.
 #pragma once
 
 #include <optional>

@@ -5,7 +5,7 @@ namespace tav {
 
 struct RegionalForm {
     char16_t decimal = u',';
-    char16_t group = u'\u00A0';  // besides blanks, which every region may have between digits
+    char16_t group = u'\u00A0';  // besides spaces, which every region may have between digits
 };
 
 // Asked of the system once.

@@ -31,7 +31,7 @@ bool EqualNoCase(TextView a, TextView b);
 int CompareNoCase(TextView a, TextView b);
 
 Text ReplaceAll(TextView text, TextView what, TextView with);
-// Without outer blanks (U+0020).
+// Without outer spaces (U+0020).
 TextView Trim(TextView text);
 // The last `count` characters, or all of them.
 TextView Right(TextView text, std::size_t count);

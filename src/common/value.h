@@ -29,9 +29,9 @@ struct Binary {
     bool operator==(const Binary&) const = default;
 };
 
-// The kinds a column of the database file may hold. Byte, integer and long columns are std::int64_t here,
-// single and double columns are double. A recordset never gives bool (SQL has -1 and 0) or Money (it gives
-// double).
+// The kinds a column of the database file may hold. Byte, integer and long
+// columns are std::int64_t here, single and double columns are double. A
+// recordset never gives bool (SQL has -1 and 0) or Money (it gives double).
 using Value = std::variant<Null, bool, std::int64_t, double, Money, Date, Text, Binary>;
 
 inline bool IsNull(const Value& value) {

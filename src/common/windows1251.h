@@ -13,7 +13,7 @@ char16_t FromWindows1251(unsigned char byte);
 Text FromWindows1251(std::string_view bytes);
 
 // The byte of a character. What the code page lacks becomes the best fit: hyphens and the minus sign
-// (U+2010, U+2011, U+2212) "-", the blanks of typography (U+2000 to U+200A, U+202F) a blank, others "?".
+// (U+2010, U+2011, U+2212) "-", the spaces of typography (U+2000 to U+200A, U+202F) a space, others "?".
 char ToWindows1251(char16_t c);
 std::string ToWindows1251(TextView text);
 

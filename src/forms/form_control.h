@@ -11,8 +11,8 @@
 
 namespace tav {
 
-// One control as its toolkit has it. The operations are those of FormWindow; what a kind does not have throws
-// std::logic_error.
+// One control as its toolkit has it. The operations are those of
+// FormWindow; what a kind does not have throws std::logic_error.
 class FormControl {
  public:
     explicit FormControl(const ControlPlan& plan) : plan_(plan) {}

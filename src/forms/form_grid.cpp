@@ -11,7 +11,7 @@ int Total(const std::vector<int>& lengths, int gap) {
     return std::accumulate(lengths.begin(), lengths.end(), gap * gaps);
 }
 
-// Lengthens lines by `over` pixels in all so that they are as equal as their lengths before allow.
+// Lengthens lines by `over` pixels in total, to lengths as equal as the lengths they had allow.
 void Spread(std::vector<int*> lines, int over) {
     if (lines.empty() || over <= 0) return;
     std::sort(lines.begin(), lines.end(), [](const int* a, const int* b) { return *a < *b; });
@@ -38,7 +38,7 @@ std::vector<int*> Growing(std::vector<int>& lengths, const std::vector<bool>& gr
     return lines;
 }
 
-// Where the line before which these lengths stand begins.
+// Where each line of these lengths begins.
 std::vector<int> Starts(const std::vector<int>& lengths, int from, int gap) {
     std::vector<int> starts;
     for (const int length : lengths) {

@@ -1,5 +1,5 @@
-// A grid of rows and columns for toolkits without layouts of their own: how wide and high what stands in it
-// is, and where each thing goes. Lengths are pixels.
+// A grid of rows and columns for toolkits without layouts of their own: how
+// wide and high its items are, and where each goes. Lengths are pixels.
 #pragma once
 
 #include <vector>
@@ -17,7 +17,7 @@ struct Box {
     bool operator==(const Box&) const = default;
 };
 
-// What stands in a grid: a control, or a frame with a grid in it.
+// What a grid holds: a control, or a frame with a grid in it.
 class GridItem {
  public:
     virtual ~GridItem() = default;
@@ -31,8 +31,8 @@ class GridItem {
     virtual void Put(const Box& box) = 0;
 };
 
-// What grows takes the room that is over. What does not keeps its size in a row or column that grows; a label
-// there may break its lines, and its text does not widen the grid.
+// What grows takes the spare room. What does not grow keeps its size in a row or column
+// that does. A label there may break its lines, and its text does not widen the grid.
 class Grid {
  public:
     void SetStretch(Stretch stretch) { stretch_ = std::move(stretch); }
@@ -43,7 +43,7 @@ class Grid {
 
     int MinWidth() const;
     int HeightFor(int width) const;
-    // Puts every item; a room that is too small is left over at its right and lower edge.
+    // Places every item. Where the room is too small, items reach beyond its right and lower edge.
     void Arrange(const Box& room);
 
  private:

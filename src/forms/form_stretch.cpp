@@ -64,8 +64,8 @@ Grids StretchOf(std::span<const ControlPlan> plans) {
             }
         }
     }
-    // Backwards, because what is in a frame stands behind it in the plan: a row that grows there makes the
-    // frame's row grow.
+    // Backwards, because what is in a frame comes after it in the
+    // plan: a row that grows there makes the frame's row grow.
     for (auto plan = plans.rbegin(); plan != plans.rend(); ++plan) {
         const bool grows =
             plan->kind == ControlKind::Frame ? Any(grids.at(plan->name).rows) : GrowthOf(*plan).height;

@@ -1,4 +1,4 @@
-// Which rows and columns of a form take the room that is over. Every toolkit lays forms out by these rules.
+// Which rows and columns of a form take the spare room. Every toolkit lays forms out by these rules.
 #pragma once
 
 #include <map>
@@ -9,15 +9,15 @@
 
 namespace tav {
 
-// Which room that is over a control takes. A frame grows in height when something in it does.
+// Which spare room a control takes. A frame grows in height when something in it does.
 struct Growth {
     bool width;
     bool height;
 };
 Growth GrowthOf(const ControlPlan& plan);
 
-// Of one grid: which of its rows and columns grow. A control over several columns widens the first of them,
-// unless another already grows.
+// Of one grid: which of its rows and columns grow. A control that spans
+// several columns widens the first of them, unless another already grows.
 struct Stretch {
     std::vector<bool> rows;
     std::vector<bool> columns;

@@ -1,9 +1,9 @@
 // Forms: windows described as data, and what a toolkit has to offer to show them.
 //
-// A form is a FormPlan: its controls by their names, captions and tool-tips, placed in the rows and columns
-// of the window or of a frame in it. The handlers of its events (ui/form.h) see the controls through
-// FormWindow and never learn which toolkit is behind it. On Linux the toolkit is a module of its own, loaded
-// when the first form is needed; a process that never shows a form never loads it.
+// A form is a FormPlan: its controls by their names, captions and tool-tips, placed in the rows and
+// columns of the window or of a frame in it. The handlers of its events (ui/form.h) see the controls
+// through FormWindow and never learn which toolkit it is. On Linux the toolkit is a module of its
+// own, loaded when the first form is needed; a process that never shows a form never loads it.
 //
 // Everything here belongs to one thread, the user interface's.
 #pragma once
@@ -35,8 +35,8 @@ enum class ControlKind {
 
 enum class Picture { None, Refresh, Erase, Warning, All, Year, Part, Quarter, Month };
 
-// A row and a column, counted from 0, of the window's grid or of the frame named `parent`. Lists and trees
-// take the room that is over in both directions; text boxes, memos, combo boxes, bars and labels without a
+// A row and a column, counted from 0, of the window's grid or of the frame named `parent`. Lists and
+// trees take the spare room in both directions; text boxes, memos, combo boxes, bars and labels without a
 // caption, which get their text later, in width: the first of their columns, unless another already does.
 struct Place {
     int row = 0;
@@ -55,7 +55,7 @@ struct ControlPlan {
     Picture picture = Picture::None;
 };
 
-// The tab key goes through the controls in the plan's order; a frame stands before what is placed in it.
+// The tab key goes through the controls in the plan's order; a frame comes before what is placed in it.
 struct FormPlan {
     TextView name;
     TextView caption;
@@ -97,9 +97,9 @@ struct TreeNode {
 // its kind does not have is an error of the program. Texts are plain: nothing in them is mark-up.
 class FormWindow {
  public:
-    // Removes the window from the screen, ends its modal loop and tells its form nothing any more. Allowed at
-    // any time, also while one of its events is handled; the object goes when that is over. A window that is
-    // left when main has ended is simply left.
+    // Removes the window from the screen, ends its modal loop and tells its form nothing
+    // any more. Allowed at any time, also while one of its events is handled; the object
+    // goes when that has ended. A window that is left when main has ended is simply left.
     virtual void Discard() = 0;
     // Whether it is still there: a host may destroy windows that are not its own, or end their thread.
     virtual bool Exists() const { return true; }
@@ -149,8 +149,8 @@ class Toolkit {
     virtual OwnedWindow Create(const FormPlan& plan, FormEvents& events) = 0;
     // Returns when the user has closed the box.
     virtual void ShowMessage(const Message& message) = 0;
-    // The system's dialog for choosing a folder, owned by the window and starting at `start`; empty text when
-    // the user cancelled.
+    // The system's dialog for choosing a folder, owned by the window
+    // and starting at `start`; empty text when the user cancelled.
     virtual Text BrowseFolder(TextView title, TextView start, FormWindow* owner) = 0;
     // Handles what is waiting: input, timers, drawing. False when the thread is asked to quit, which its
     // outer loop then learns, too; until that has come, nothing more is handled.

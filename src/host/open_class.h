@@ -1,5 +1,5 @@
-// The class that a host application calls. It holds no state of its own: what it sets is the component's
-// (settings/session.h).
+// The class that a host application calls. It holds no state of
+// its own: what it sets is the component's (settings/session.h).
 //
 // Every operation returns normally, whatever happened; a failure is shown under the operation's own title, in
 // a box where there is a screen, else on standard error. Windows stay open when an operation has returned,
@@ -24,8 +24,8 @@ class OpenClass {
     // Builds the report of one statement, by its key in the database, and opens it with the shell.
     void view_v_id(std::int16_t id);
 
-    // A complete unattended import from the import folder of the settings. The current taxpayer stays who it
-    // is.
+    // A complete unattended import from the import folder of
+    // the settings. The current taxpayer stays who it is.
     void import(TextView inn, TextView kpp);
 
     // Sums up the statements, or the acts, of the taxpayer, who becomes the current one, and shows the dialog

@@ -22,11 +22,11 @@ extern const char16_t kPathSeparator;
 
 // The folder with one separator at its end; empty text stays empty.
 Text WithSeparator(TextView folder);
-// What stands before and behind the last separator: "/a/b/" and "c.rtf".
+// What comes before and after the last separator: "/a/b/" and "c.rtf".
 Text FolderOf(TextView path);
 Text NameOf(TextView path);
-// A path as a person types it: both "/" and "\" are understood. A path that exists as it stands is left
-// alone.
+// A path as a person types it: both "/" and "\" are
+// understood. A path that exists as it is typed is left alone.
 Text UserPath(TextView typed);
 
 bool FileExists(TextView path);  // anything but a folder
@@ -35,7 +35,7 @@ bool FolderExists(TextView path);
 // empty text is the present folder.
 bool SameFolder(TextView a, TextView b);
 
-// What shows that a file has changed. No value when it is not there.
+// What shows that a file has changed. No value when the file does not exist.
 struct FileStamp {
     std::uint64_t size = 0;
     std::int64_t changed = 0;  // when, in nanoseconds of a clock of its own
@@ -44,27 +44,27 @@ struct FileStamp {
 };
 std::optional<FileStamp> StampOf(TextView path);
 
-// The file that a path leads to, through all links; the path itself when there is none.
+// The file that a path leads to, through all links; the path itself when the file does not exist.
 Text RealPath(TextView path);
 
-// Creates every missing folder on the way to the file, from the root down; the last piece, the file name, is
-// not created.
+// Creates every missing folder on the way to the file, from the
+// root down; the last piece, the file name, is not created.
 void MakeFolders(TextView file_path);
 
 // The bare names of the folder's plain files (and links to such) that end in `ending` without regard to
-// letter case, sorted by their upper-cased names, hidden files included. A folder that is not there is empty.
+// letter case, sorted by their upper-cased names, hidden files included. A missing folder counts as empty.
 std::vector<Text> ListFiles(TextView folder, TextView ending);
 
 std::string ReadFile(TextView path);
 // The file's first `most` bytes; a shorter file whole.
 std::string ReadFileHead(TextView path, std::size_t most);
 
-// Writes the file whole or not at all: a temporary file in the same folder, synced, then renamed over the
-// target. A failure leaves the old file as it was and no temporary file behind.
+// Writes the file whole or not at all: a temporary file in the same folder, synced, then
+// renamed over the target. A failure leaves the old file as it was and no temporary file.
 void WriteFileWhole(TextView path, std::string_view bytes);
-// Writes a new file under its own name, with the rights of the file `like`; it and its entry in the folder
-// are on the disk when this returns. What was there goes first. A failure leaves no file, a kill a part of
-// it.
+// Writes a new file under its own name, with the rights of the file `like`;
+// it and its entry in the folder are on the disk when this returns. A file of
+// that name is deleted first. A failure leaves no file, a kill part of one.
 void WriteFileLike(TextView like, TextView path, std::string_view bytes);
 void DeleteFile(TextView path);
 
@@ -72,7 +72,7 @@ void DeleteFile(TextView path);
 bool IsHeld(TextView path);
 
 // Moves a file over `target`, replacing it by one rename. Onto another file system: a copy under a temporary
-// name there, synced and renamed, then the source is deleted. At no moment is there no whole copy.
+// name there, synced and renamed, then the source is deleted. A whole copy exists at every moment.
 void MoveFileOver(TextView source, TextView target);
 
 }  // namespace tav

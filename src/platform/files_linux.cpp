@@ -119,7 +119,7 @@ class ReplacementFile {
         if (::fsync(file_.number()) != 0) Refuse(errno, target_);
         if (::rename(pattern_.c_str(), Native(target_).c_str()) != 0) Refuse(errno, target_);
         renamed_ = true;
-        SyncFolder(FolderOf(target_));  // the new file stands, whatever this says
+        SyncFolder(FolderOf(target_));  // the new file is in place, whatever this says
     }
 
  private:

@@ -123,13 +123,13 @@ void CopyOver(TextView source, TextView target) {
     ::SetFileAttributesW(NativePath(source).c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 
-// A file that exists and that somebody has open without letting others delete it is not replaced. The system
-// would refuse that too, but may leave a temporary file of its own behind.
+// A file that exists and that somebody has open without letting others delete it is not
+// replaced. The system would refuse that too, but may leave a temporary file of its own.
 void RefuseHeldFile(TextView path) {
     if (Attributes(path)) OpenFile(path, DELETE, kShareAll);
 }
 
-// Behind links and drives; empty when the system does not say.
+// With links and drives resolved; empty when the system does not say.
 std::wstring FinalPath(const Handle& file) {
     return win32::Filled([&](wchar_t* buffer, DWORD size) {
         return ::GetFinalPathNameByHandleW(file.get(), buffer, size, FILE_NAME_NORMALIZED);
@@ -197,7 +197,7 @@ bool SameFolder(TextView a, TextView b) {
         BY_HANDLE_FILE_INFORMATION found{};
         if (!folder || !::GetFileInformationByHandle(folder.get(), &found)) return std::nullopt;
         if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return std::nullopt;
-        // Some network file systems have no numbers, but the path behind drives and links.
+        // Some network file systems have no numbers, but do tell the path with drives and links resolved.
         const bool numbered = found.nFileIndexHigh != 0 || found.nFileIndexLow != 0;
         return Identity(found.dwVolumeSerialNumber, found.nFileIndexHigh, found.nFileIndexLow,
                         numbered ? std::wstring() : FinalPath(folder));
@@ -228,8 +228,8 @@ void MakeFolders(TextView file_path) {
     }
 }
 
-// Patterns of the system would also match short names ("x.rtfx" has one that ends in ".RTF"), so all names
-// are looked at.
+// Patterns of the system would also match short names ("x.rtfx"
+// has one that ends in ".RTF"), so all names are looked at.
 std::vector<Text> ListFiles(TextView folder, TextView ending) {
     WIN32_FIND_DATAW entry{};
     const std::wstring native = NativePath(folder);

@@ -27,8 +27,8 @@ class LockedFile {
     void Truncate(std::uint64_t size);
     // What was written is on the disk when this returns.
     void Sync();
-    // A reader becomes the only holder for a while (to roll back what a killed writer left); false when
-    // others read.
+    // A reader becomes the only holder for a while (to roll
+    // back what a killed writer left); false when others read.
     bool TryExclusive();
 
  private:

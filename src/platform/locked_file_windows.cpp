@@ -3,7 +3,8 @@
 #include "platform/locked_file.h"
 #include "platform/win32_windows.h"
 
-// The lock of an open file is its share mode: the system refuses whoever asks for more, on network drives too.
+// The lock of an open file is its share mode: the system
+// refuses whoever asks for more, on network drives too.
 namespace tav {
 
 using win32::Handle;
@@ -87,7 +88,7 @@ void LockedFile::Sync() {
     if (!::FlushFileBuffers(state_->file.get())) Refuse(::GetLastError(), state_->path);
 }
 
-// A share mode cannot be changed, so the file is opened anew; by its old mode again when others read.
+// A share mode cannot be changed, so the file is opened again; in its old mode when others read.
 bool LockedFile::TryExclusive() {
     state_->file.Close();
     try {

@@ -4,9 +4,9 @@
 // the 64-bit one, and written. Where TAV_SETTINGS names a key of the current user, both hives are looked for
 // below that key, so that tests and trial runs leave the user's settings alone.
 //
-// On Linux it is one readable text file: the one that TAV_SETTINGS names, else tav/settings under
-// XDG_CONFIG_HOME (else ~/.config). A section per key, a line per value; the file is replaced whole at every
-// write:
+// On Linux it is one readable text file: the one that TAV_SETTINGS names,
+// else tav/settings under XDG_CONFIG_HOME (else ~/.config). A section per
+// key, a line per value; the file is replaced whole at every write:
 //
 //     [HKEY_CURRENT_USER\SOFTWARE\VELSKAR\PLX\TAV_OperationImport]
 //     ImportPath = expand "/home/anna/import"

@@ -26,7 +26,7 @@ constexpr std::array<std::pair<RegistryType, TextView>, 5> kTypeNames = {{
     {RegistryType::MultiString, u"multi"},
 }};
 
-// Characters that a quoted text escapes with a backslash, and the letters that stand for them.
+// Characters that a quoted text escapes with a backslash, and the letters that represent them.
 constexpr std::array<std::pair<char16_t, char16_t>, 4> kEscapes = {
     {{u'"', u'"'}, {u'\\', u'\\'}, {u'\n', u'n'}, {u'\r', u'r'}}};
 
@@ -50,7 +50,7 @@ std::optional<Text> Unquoted(TextView text) {
         if (c == u'\\' && i + 1 < text.size()) {
             const auto* escape = std::find_if(kEscapes.begin(), kEscapes.end(),
                                               [&](const auto& e) { return e.second == text[i + 1]; });
-            // A backslash that a person wrote before any other character is meant as it stands.
+            // A backslash that a person wrote before any other character is meant literally.
             if (escape != kEscapes.end()) {
                 c = escape->first;
                 ++i;

@@ -118,7 +118,7 @@ bool ReadRegistry(Hive hive, TextView key, TextView name, RegistryValue& slot) {
     static_assert(kRegistryAbsent == ERROR_FILE_NOT_FOUND);
     for (const Place& place : PlacesOf(hive)) {
         if (Noted(Query(place, key, name, slot), key, name)) return true;
-        if (last_result != kRegistryAbsent) return false;  // it is there, and cannot be read
+        if (last_result != kRegistryAbsent) return false;  // it exists and cannot be read
     }
     return false;
 }

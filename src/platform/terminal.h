@@ -15,7 +15,7 @@ class Terminal {
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
 
-    // What stands behind the program's name, in UTF-8.
+    // What follows the program's name, in UTF-8.
     const std::vector<std::string>& arguments() const { return arguments_; }
 
     // Whether standard error is a screen that understands escape sequences.
@@ -23,7 +23,7 @@ class Terminal {
 
  private:
     std::vector<std::string> arguments_;
-    unsigned code_page_before_ = 0;  // of the console; 0 when there is none to restore
+    unsigned code_page_before_ = 0;  // of the console; 0 when there is nothing to restore
 };
 
 }  // namespace tav

@@ -87,7 +87,7 @@ std::wstring NativePath(TextView path) {
     } else if (!prefixed) {
         full.insert(0, L"\\\\?\\");
     }
-    // The separator behind a drive is part of its name.
+    // The separator after a drive is part of its name.
     while (full.ends_with(L'\\') && !full.ends_with(L":\\")) full.pop_back();
     return full;
 }

@@ -7,8 +7,8 @@
 
 namespace tav {
 
-// The taxpayer the host works with. A KPP of twenty zeros stands for all subdivisions of a consolidated
-// taxpayer.
+// The taxpayer the host works with. A KPP of twenty zeros
+// stands for all subdivisions of a consolidated taxpayer.
 struct CurrentTaxpayer {
     Text inn;
     Text kpp;

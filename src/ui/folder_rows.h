@@ -13,10 +13,10 @@ struct FolderRow {
     Text path;
 };
 
-// One row per "*.rtf" file of the folder, in the order of the scan: code, OKATO and period of a document that
-// is recognised, and the file's name. A file that cannot be read says why in its tool-tip. A folder that is
-// not there has no rows. `go_on` is called between the files; false ends the listing, and the rows are those
-// so far.
+// One row per "*.rtf" file of the folder, in the order of the scan: code, OKATO and
+// period of a document that is recognised, and the file's name. A file that cannot be
+// read says why in its tool-tip. A folder that is not there has no rows. `go_on` is
+// called between the files; false ends the listing, and the rows are those so far.
 std::vector<ListRow> ListFolder(TextView folder, const std::function<bool()>& go_on);
 
 // What the last listing listed.

@@ -1,10 +1,10 @@
 // A form: a window described by its plan, with its handlers under their names.
 //
-// A form derives from Form, names its controls as members and binds its handlers in one table. Every handler
-// is guarded: what fails in it is shown, and the window lives on. Handlers run one inside another when an
-// event loop runs in one of them (an import, a modal dialog, a message); a form unloaded meanwhile is hidden
-// at once and destroyed when the outermost of its handlers has returned, so a handler can rely on its
-// controls.
+// A form derives from Form, names its controls as members and binds its handlers in one
+// table. Every handler is guarded: what fails in it is shown, and the window lives on.
+// Handlers run one inside another when an event loop runs in one of them (an import, a
+// modal dialog, a message); a form unloaded meanwhile is hidden at once and destroyed
+// when the outermost of its handlers has returned, so a handler can rely on its controls.
 #pragma once
 
 #include <functional>
@@ -24,8 +24,8 @@ class Form : public FormEvents {
 
     // Whether there is a window that the user has not closed.
     bool Loaded() const { return window_ != nullptr && !unloaded_ && window_->Exists(); }
-    // Creates the window and runs Form_Load; a window that is there gets Form_Again. Without a toolkit: a
-    // Failure, and nothing has changed.
+    // Creates the window and runs Form_Load; a window that exists gets
+    // Form_Again. Without a toolkit: a Failure, and nothing has changed.
     void Load();
     // Loads it, and shows it modeless, without an owner.
     void Show();
@@ -93,8 +93,8 @@ F& Shared() {
     return form;
 }
 
-// The controls as handlers see them. A control of a form that is not loaded is "Invalid procedure call or
-// argument".
+// The controls as handlers see them. A control of a form that
+// is not loaded is "Invalid procedure call or argument".
 class Control {
  public:
     Control(Form& form, TextView name) : form_(form), index_(form.IndexOf(name)) {}

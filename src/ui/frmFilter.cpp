@@ -97,7 +97,7 @@ void frmFilter::ShowPeriods() {
 void frmFilter::cmbKBK_Click() {
     if (Consolidated()) {
         const Text code = cmbKBK.SelectedText();
-        SelectCode();  // of the periods shown, until there are others to show
+        SelectCode();  // of the periods shown, until others are shown
         RefuseDuringImport();
         (summary_.kind == SummaryKind::Statements ? ListStatements : ListActs)(getbase(), summary_.inn, code);
         if (LastSummary().failed) return;

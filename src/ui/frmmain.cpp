@@ -27,7 +27,7 @@ constexpr TextView kLoadTitle = u"Ошибка в функции Form_Load";
 constexpr int kRefreshMilliseconds = 100;
 constexpr int kBusyMilliseconds = 2000;  // until a database that somebody holds is asked again
 
-// The number behind `label` in the information text, up to the line break; 0 when it is not there.
+// The number after `label` in the information text, up to the line break; 0 when the label is missing.
 long long NumberAfter(TextView information, TextView label) {
     const std::size_t at = information.find(label);
     if (at == information.npos) return 0;
@@ -35,8 +35,8 @@ long long NumberAfter(TextView information, TextView label) {
     return ParseInteger(GetNext(rest, u"\r\n")).value_or(0);
 }
 
-// A setting that cannot be read is shown as an empty box, and stays until something is written or ticked
-// there.
+// A setting that cannot be read is shown as an empty box,
+// and stays until something is written or ticked there.
 bool IsStored(TextView name, TextView text) {
     try {
         return SettingText(name) == text;
@@ -118,7 +118,7 @@ Text frmmain::Kpp() const {
     return chkKons.Checked() ? Text(kAllSubdivisions) : Taxpayer().kpp;
 }
 
-// An import has the database to itself: the refresh behind it fills the list.
+// An import has the database to itself: the refresh after it fills the list.
 void frmmain::FillBase() {
     if (ImportRunning()) return;
     bool busy = false;
@@ -207,7 +207,7 @@ void frmmain::ShowCounts(const Text& information) {
     if (const TextView name = GetNext(rest, u"*"); !name.empty()) lblInfoName.Set(name);
     const TextView base_counts = GetNext(rest, u"*");
     lblInfoBase.Set(base_counts);
-    // The database was busy when its list was filled, or has changed behind the window's back.
+    // The database was busy when its list was filled, or has changed without the window's knowing.
     if (base_counts != base_counts_) FillBase();
     lblInfoFile.Set(GetNext(rest, u"*"));
 }
@@ -238,8 +238,8 @@ void frmmain::Command1_Click() {
     Refill();
 }
 
-// An import that finds nobody at the screen waits for the first refresh, which tells whether there is
-// something to import.
+// An import that finds nobody at the screen waits for the first
+// refresh, which tells whether there is something to import.
 void frmmain::Timer2_Timer() {
     if (!refreshed_ || refreshing_) return;
     Timer2.SetInterval(0);

@@ -14,8 +14,8 @@ class frmmain : public Form {
  public:
     frmmain();
 
-    // For the windows around this one; nothing when it is not loaded. The list of the database is filled
-    // anew, and everything is refreshed.
+    // For the windows around this one; nothing when it is not loaded. The
+    // list of the database is filled again, and everything is refreshed.
     void Refill();
     // The part of an import's new files that has been looked at by the loader, on the bar.
     void ShowLoaded(double part);

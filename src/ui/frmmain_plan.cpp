@@ -5,7 +5,7 @@ namespace {
 
 constexpr TextView kCaption =
     u"Групповой импорт актов сверки и выписок операций из файлов в формате rtf, полученных через ТАВ (v1.12)";
-// "КБК", 38 blanks, "ОКАТО", 12 blanks, "Период".
+// "КБК", 38 spaces, "ОКАТО", 12 spaces, "Период".
 constexpr TextView kColumns = u"КБК                                      ОКАТО            Период";
 
 constexpr ControlPlan kControls[] = {

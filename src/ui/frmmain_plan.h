@@ -1,4 +1,4 @@
-// What stands in the main window, and where.
+// What the main window holds, and where.
 #pragma once
 
 #include "forms/forms.h"

@@ -5,9 +5,9 @@
 // that no document has to do with is left out. Each node says how many documents lie wholly in its period and
 // how many overlap it ("2011 (1/2)", see is_date_in.h).
 //
-// A document without a begin or an end, or that ends before it begins, is in the root alone. One that covers
-// many years (a date mistyped) makes nodes for its first and its last year only, and counts in the years of
-// the others.
+// A document without a begin date or an end date, or that ends before it begins,
+// is in the root alone. One that covers many years (a date mistyped) makes nodes
+// for its first and its last year only, and counts in the years of the others.
 #pragma once
 
 #include <optional>

@@ -7,7 +7,8 @@ namespace tav {
 // Failure that says so, and everything stays as it was.
 void UseWindows();
 
-// The same where windows are welcome but not needed: false, and nothing is shown, when there are none.
+// The same where windows are welcome but not needed: false,
+// and nothing is shown, when windows cannot be shown.
 bool UseWindowsIfAny();
 
 }  // namespace tav

@@ -1,9 +1,9 @@
 // XML documents as a tree, over libxml2: Document, Node and the selection language XPath.
 //
-// Input: bytes of XML 1.0 in Windows-1251, UTF-8, UTF-16 or whatever encoding else the document declares and
-// the library knows. Nothing is fetched from the network, and no entity is substituted but the predefined
-// five: a document with a document type declaration is refused before anything in it is read. The library's
-// limits on depth and on the length of one text stand (no huge mode).
+// Input: bytes of XML 1.0 in Windows-1251, UTF-8, UTF-16 or whatever encoding else the document
+// declares and the library knows. Nothing is fetched from the network, and no entity is substituted
+// but the predefined five: a document with a document type declaration is refused before anything
+// in it is read. The library's limits on depth and on the length of one text apply (no huge mode).
 //
 // Texts are Text (UTF-16). As XML has it, line ends inside a document are single line feeds.
 //
@@ -60,12 +60,12 @@ class Node {
     Text Content() const;
     // The element's child elements, in document order.
     std::vector<Node> Children() const;
-    // The attribute that stands first, or nothing.
+    // The first attribute, or nothing.
     Node FirstAttribute() const;
 
-    // The nodes an XPath selects from here, in document order. A path that is no XPath is a Failure; so is,
-    // by a limit of the library, one that begins with a single "/" and a letter outside ASCII (say "//" or
-    // start without it).
+    // The nodes an XPath selects from here, in document order. A path that is no
+    // XPath is a Failure; so is, by a limit of the library, one that begins with
+    // a single "/" and a letter outside ASCII (say "//" or start without it).
     std::vector<Node> SelectNodes(TextView path) const;
     // The first of them, or nothing.
     Node SelectSingleNode(TextView path) const;

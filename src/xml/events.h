@@ -7,7 +7,7 @@
 
 namespace tav {
 
-// Names as they stand, with their prefix; names and texts are UTF-8 and valid during the call only.
+// Names as written, with their prefix; names and texts are UTF-8 and valid during the call only.
 class XmlEvents {
  public:
     virtual ~XmlEvents() = default;

@@ -1,5 +1,5 @@
-// The one way into libxml2: bytes are handed over in pieces, with the house's rules about what is accepted
-// (document.h). Inside this room only.
+// The one way into libxml2: bytes are handed over in pieces, with this
+// project's rules about what is accepted (document.h). Inside this room only.
 #pragma once
 
 #include <libxml/parser.h>

@@ -79,7 +79,7 @@ bool HasPlugin(const QString& platform) {
     return false;
 }
 
-// Why the platform of this name, which may have options behind a colon, cannot be used; empty when it can.
+// Why the platform of this name, which may have options after a colon, cannot be used; empty when it can.
 Text Obstacle(const QString& wish) {
     const QString name = wish.section(u':', 0, 0).toLower();
     for (const Platform& platform : kPlatforms) {

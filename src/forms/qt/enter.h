@@ -25,7 +25,7 @@ class OpenedByEnter : public View {
         raise_ = raise;
         QObject::connect(this, &QAbstractItemView::doubleClicked, [this] { raise_(Event::DblClick); });
     }
-    // It gets the room that is over, and asks for none.
+    // It gets the spare room, and asks for none.
     QSize sizeHint() const override { return this->minimumSize(); }
 
  protected:

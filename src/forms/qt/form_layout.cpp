@@ -13,7 +13,7 @@ QGridLayout& Grid(QWidget& container) {
     return static_cast<QGridLayout&>(*container.layout());
 }
 
-// Where nothing grows, the room that is over goes behind the last row or column, not between the controls.
+// Where nothing grows, the spare room goes after the last row or column, not between the controls.
 void LetGrow(QGridLayout& grid, const std::vector<bool>& lines, void (QGridLayout::*set)(int, int)) {
     bool any = false;
     const int count = static_cast<int>(lines.size());

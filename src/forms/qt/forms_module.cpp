@@ -69,8 +69,8 @@ class ToolkitQt : public Toolkit {
         return dialog.Accepted() ? FromQt(dialog->selectedFiles().value(0)) : Text();
     }
 
-    // Outside a loop Qt leaves objects that are to be deleted for the next one, which a host without a loop
-    // never starts.
+    // Outside a loop Qt leaves objects that are to be deleted for
+    // the next one, which a host without a loop never starts.
     bool ProcessEvents() override {
         QCoreApplication::processEvents();
         if (QThread::currentThread()->loopLevel() == 0) {

@@ -1,5 +1,5 @@
-// The pictures of buttons, nodes and picture boxes: icons of the style, and drawn ones in the palette's
-// colours.
+// The pictures of buttons, nodes and picture boxes: icons
+// of the style, and drawn ones in the palette's colours.
 #pragma once
 
 #include <QIcon>

@@ -40,7 +40,7 @@ class TreeModelQt : public QAbstractItemModel {
 
     const QWidget& view_;
     std::vector<TreeNode> nodes_;
-    std::vector<Link> links_;                           // of the nodes, and of the root behind them
+    std::vector<Link> links_;                           // of the nodes, and after them of the root
     std::unordered_map<TextView, std::size_t> by_key_;  // the keys are those of nodes_
 };
 

@@ -81,8 +81,8 @@ class PressedByEnter : public QPushButton {
     explicit PressedByEnter(QWidget* parent) : QPushButton(parent) { setAutoDefault(true); }
 };
 
-// A letter that the caption lacks presses the control all the same; a caption's own letter is taken anew with
-// each caption.
+// A letter that the caption lacks presses the control all the
+// same. A caption's own letter is taken again with each caption.
 template <class Widget>
 class Pressed : public Captioned<Widget> {
  public:

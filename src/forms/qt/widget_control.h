@@ -1,7 +1,7 @@
 // One control of a form in Qt: a widget and what can be asked of its kind.
 //
-// Widgets belong to their parent widget, controls to the form's window (widget_window.h), which deletes the
-// widgets first.
+// Widgets belong to their parent widget, controls to the form's
+// window (widget_window.h), which deletes the widgets first.
 #pragma once
 
 #include <QWidget>

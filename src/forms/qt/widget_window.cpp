@@ -94,8 +94,7 @@ void FormWindowQt::Discard() {
     if (handlers_ == 0) deleteLater();
 }
 
-// While a handler runs, a widget of this window stands below it on the stack, in whatever loop the handler
-// waits.
+// While a handler runs, a widget of this window is below it on the stack, in whatever loop the handler waits.
 void FormWindowQt::Tell(const std::function<void(FormEvents&)>& what) {
     if (events_ == nullptr) return;
     ++handlers_;
@@ -160,8 +159,8 @@ void FormWindowQt::Hide() {
     Shown().Leave(this);
 }
 
-// The form decides. Whoever asked learns whether the window has gone: a host that ends closes all windows
-// first.
+// The form decides. Whoever asked learns whether the window
+// has gone: a host that ends closes all windows first.
 void FormWindowQt::closeEvent(QCloseEvent* event) {
     Tell([](FormEvents& events) { events.OnCloseRequest(); });
     event->setAccepted(!isVisible());
@@ -177,7 +176,7 @@ bool FormWindowQt::event(QEvent* event) {
     return handled;
 }
 
-// Keys that the focused control has left over.
+// Keys that the focused control has not used.
 void FormWindowQt::keyPressEvent(QKeyEvent* event) {
     QAbstractButton* button = nullptr;
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) button = default_;

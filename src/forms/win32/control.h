@@ -21,7 +21,7 @@ class FormHost {
     virtual HWND tool_tips() const = 0;
     virtual const Metrics& metrics() const = 0;
     virtual void Raise(std::size_t control, Event event) = 0;
-    // A control needs another room than it has.
+    // A control needs more or less room than it has.
     virtual void Arrange() = 0;
 
  protected:
@@ -105,7 +105,7 @@ class ControlWin : public FormControl, public GridItem {
 
 using MadeControl = std::unique_ptr<ControlWin>;
 
-// The text as a window takes it that knows mnemonics. A letter that the text lacks stands behind it.
+// The text as a window takes it that knows mnemonics. A letter that the text lacks is added after it.
 Text WithMnemonic(TextView text, char16_t mnemonic);
 
 // Numbers of child windows, by which messages name them.

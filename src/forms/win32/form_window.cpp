@@ -229,7 +229,7 @@ void FormWindowWin::ForgetIfLost() {
     Gone();
 }
 
-// The window is no more, whoever destroyed it; the form may still ask.
+// The window is gone, whoever destroyed it; the form may still ask.
 void FormWindowWin::Gone() {
     Hide();
     hwnd_ = nullptr;
@@ -299,7 +299,7 @@ void FormWindowWin::Arrange() {
     ::GetClientRect(hwnd_, &client);
     grid_.Arrange({Margin(), Margin(), static_cast<int>(client.right) - 2 * Margin(),
                    static_cast<int>(client.bottom) - 2 * Margin()});
-    // Frames and what stands in them are brothers, and overlap.
+    // Frames and the controls in them are siblings, and overlap.
     ::RedrawWindow(hwnd_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 

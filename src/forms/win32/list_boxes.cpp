@@ -49,7 +49,7 @@ void Fill(HWND window, const std::vector<ListRow>& rows, UINT clear, UINT reserv
     ::InvalidateRect(window, nullptr, TRUE);
 }
 
-// -1 for a row that is not there.
+// -1 for a row that does not exist.
 int RowInside(int row, LRESULT count) {
     return row >= 0 && row < count ? row : -1;
 }

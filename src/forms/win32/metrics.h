@@ -5,8 +5,8 @@
 
 namespace tav {
 
-// Dots per inch at which the window is drawn: those of its screen where the host sees screens apart, else the
-// system's.
+// Dots per inch at which the window is drawn: those of its
+// screen where the host sees screens apart, else the system's.
 int DpiOf(HWND window);
 
 // The font of the user's message boxes at a resolution, and the lengths that follow from it.

@@ -112,8 +112,8 @@ HICON Draw(Shape shape, int size) {
     ICONINFO icon{};
     icon.fIcon = TRUE;
     icon.hbmColor = ::CreateDIBSection(nullptr, &format, DIB_RGB_COLORS, &bits, nullptr, 0);
-    // The mask, a bit a pixel in rows of whole words, is for drawing without transparency: that of disabled
-    // buttons.
+    // The mask, a bit a pixel in rows of whole words, is for
+    // drawing without transparency: that of disabled buttons.
     const int row_bytes = (size + 15) / 16 * 2;
     std::vector<std::uint8_t> mask(static_cast<std::size_t>(row_bytes * size));
     auto* pixel = static_cast<std::uint32_t*>(bits);

@@ -1,4 +1,4 @@
-// The forms of this module: which there are, which are shown, and their keys in a foreign message loop.
+// The forms of this module: which exist, which are shown, and their keys in a foreign message loop.
 #pragma once
 
 #include "platform/win32_windows.h"
@@ -7,7 +7,7 @@ namespace tav {
 
 class FormWindowWin;
 
-// Forms whose windows are made and not yet gone; the module stays loaded while there are any.
+// Forms whose windows are made and not yet gone; the module stays loaded while any exist.
 int OpenForms();
 
 // The class of their windows.

@@ -5,8 +5,8 @@ namespace {
 
 constexpr int kManifest = 2;
 
-// INVALID_HANDLE_VALUE when the module has no manifest. Kept for the life of the process: windows refer to
-// it.
+// INVALID_HANDLE_VALUE when the module has no manifest.
+// Kept for the life of the process: windows refer to it.
 HANDLE MakeContext() {
     const std::wstring module = win32::ModulePath();
     ACTCTXW context{};

@@ -78,7 +78,7 @@ class TreeView : public ControlWin {
         ::ImageList_Destroy(std::exchange(pictures_, pictures));
     }
 
-    // Each node behind its elder brother, which the tree need not look for.
+    // Each node is inserted after its elder brother, which the tree need not look for.
     void Insert() {
         std::unordered_map<HTREEITEM, HTREEITEM> last_of;
         by_key_.clear();
