@@ -11,7 +11,7 @@ target_compile_options(
             -Wnon-virtual-dtor
             -Woverloaded-virtual
             -Wcast-qual
-            -Werror)
+            $<$<BOOL:${TAV_WERROR}>:-Werror>)
 if(WIN32)
   target_compile_definitions(tav_flags INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0601)
 endif()
