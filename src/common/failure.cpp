@@ -4,6 +4,8 @@
 #include <new>
 #include <utility>
 
+#include "common/concat.h"
+
 namespace tav {
 namespace {
 
@@ -24,9 +26,9 @@ constexpr std::array<std::pair<RunTimeError, TextView>, 13> kMessages = {{
 }};
 
 Text Describe(RunTimeError error, TextView detail) {
-    Text text(MessageText(error));
-    if (!text.empty() && !detail.empty()) text += text.back() == u'.' ? u" " : u": ";
-    return text.append(detail);
+    const TextView text = MessageText(error);
+    if (text.empty() || detail.empty()) return Concat(text, detail);
+    return Concat(text, text.back() == u'.' ? u" " : u": ", detail);
 }
 
 }  // namespace
@@ -43,7 +45,7 @@ Failure::Failure(RunTimeError error, TextView detail)
 
 Failure Failure::In(TextView document) const {
     Failure named = *this;
-    named.description_.append(u" (").append(document).append(u")");
+    named.description_ += Concat(u" (", document, u")");
     named.what_ = ToUtf8(named.description_);
     return named;
 }

@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "common/concat.h"
 #include "common/failure.h"
 #include "common/message_box.h"
 
@@ -10,12 +11,12 @@ namespace tav {
 
 // The standard message of a failure: the procedure's title, the failure's description and a line break.
 inline void ShowFailure(TextView title, const Failure& failure) {
-    ShowMessage(title, Text(failure.description()).append(u"\r\n"));
+    ShowMessage(title, Concat(failure.description(), u"\r\n"));
 }
 
 // A file that another program holds: "Запрет".
 inline void ShowFileInUse(TextView path) {
-    ShowMessage(u"Запрет", Text(u"Закройте файл ").append(path).append(u" и повторите попытку"));
+    ShowMessage(u"Запрет", Concat(u"Закройте файл ", path, u" и повторите попытку"));
 }
 
 // Runs `body`; a failure inside is given to `on_failure(const Failure&)`. The procedure keeps what it has to

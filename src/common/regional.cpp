@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 
+#include "common/concat.h"
 #include "common/regional_form.h"
 
 namespace tav {
@@ -128,12 +129,11 @@ std::optional<Date> ParseDate(TextView text) {
 
 Text FormatDate(Date date) {
     const CivilDate day = CivilFromDate(date);
-    Text text =
-        Digits(day.day, 2).append(u".").append(Digits(day.month, 2)).append(u".").append(Digits(day.year, 4));
+    Text text = Concat(Digits(day.day, 2), u".", Digits(day.month, 2), u".", Digits(day.year, 4));
     if (date.serial != std::trunc(date.serial)) {
         const ClockTime time = TimeFromDate(date);
-        text.append(u" ").append(Digits(time.hour, 2)).append(u":").append(Digits(time.minute, 2));
-        text.append(u":").append(Digits(time.second, 2));
+        text +=
+            Concat(u" ", Digits(time.hour, 2), u":", Digits(time.minute, 2), u":", Digits(time.second, 2));
     }
     return text;
 }

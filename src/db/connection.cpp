@@ -1,5 +1,6 @@
 #include "db/connection.h"
 
+#include "common/concat.h"
 #include "common/guard.h"
 #include "db/engine.h"
 
@@ -49,7 +50,7 @@ void Connection::Close() {
 }
 
 Text ConnectionString(TextView database_path) {
-    return Text(kConnectionOpening).append(database_path);
+    return Concat(kConnectionOpening, database_path);
 }
 
 }  // namespace tav

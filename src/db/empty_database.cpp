@@ -1,5 +1,6 @@
 #include "db/empty_database.h"
 
+#include "common/concat.h"
 #include "common/failure.h"
 #include "jet/create/create.h"
 #include "jet/file/rollback_journal.h"
@@ -94,11 +95,11 @@ std::string NewOperationsDatabase() {
 }
 
 void CreateDatabase(TextView path) {
-    if (FileExists(path)) throw Failure(Text(u"Файл уже существует: ").append(path));
+    if (FileExists(path)) throw Failure(Concat(u"Файл уже существует: ", path));
     const Text journal = jet::RollbackJournal::PathFor(RealPath(path));
     if (FileExists(journal)) {
         throw Failure(
-            Text(u"Рядом лежит журнал отката прежней базы данных, сначала уберите его: ").append(journal));
+            Concat(u"Рядом лежит журнал отката прежней базы данных, сначала уберите его: ", journal));
     }
     WriteFileWhole(path, NewOperationsDatabase());
 }

@@ -1,5 +1,6 @@
 #include "db/literals.h"
 
+#include "common/concat.h"
 #include "common/guard.h"
 #include "common/regional.h"
 
@@ -83,7 +84,7 @@ Text isns(const Value& value) {
 Text sns(TextView text) {
     Text result;
     Guarded(u"Ошибка в функции sns",
-            [&] { result = text.empty() ? Text(u"Null") : Text(u"'").append(text).append(u"'"); });
+            [&] { result = text.empty() ? Text(u"Null") : Concat(u"'", text, u"'"); });
     return result;
 }
 

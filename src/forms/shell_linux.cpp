@@ -4,6 +4,7 @@
 
 #include <cerrno>
 
+#include "common/concat.h"
 #include "forms/shell.h"
 #include "platform/files.h"
 #include "platform/posix_linux.h"
@@ -34,7 +35,7 @@ void OpenDocument(TextView path, FormWindow*) {
     }
     int error = 0;
     const bool opened = ::read(reader.number(), &error, sizeof error) == 0;
-    if (!opened) throw Failure(RunTimeError::PathFileAccess, Text(path).append(u" (xdg-open)"));
+    if (!opened) throw Failure(RunTimeError::PathFileAccess, Concat(path, u" (xdg-open)"));
 }
 
 }  // namespace tav

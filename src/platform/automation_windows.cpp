@@ -2,6 +2,8 @@
 
 #include <vector>
 
+#include "common/concat.h"
+
 namespace tav::win32 {
 namespace {
 
@@ -22,7 +24,7 @@ Text TakeText(BSTR& text) {
         }
         if (FAILED(exception.scode)) result = exception.scode;
     }
-    throw Failure(ErrorWords(static_cast<DWORD>(result)).append(u" (").append(FromWide(name)).append(u")"));
+    throw Failure(Concat(ErrorWords(static_cast<DWORD>(result)), u" (", FromWide(name), u")"));
 }
 
 }  // namespace
@@ -78,9 +80,8 @@ Object::Object(const wchar_t* program_id) {
                                     reinterpret_cast<void**>(&object_));
     }
     if (FAILED(result)) {
-        Text words = u"ActiveX component can't create object: ";
-        words.append(FromWide(program_id)).append(u": ").append(ErrorWords(static_cast<DWORD>(result)));
-        throw Failure(words);
+        throw Failure(Concat(u"ActiveX component can't create object: ", FromWide(program_id), u": ",
+                             ErrorWords(static_cast<DWORD>(result))));
     }
 }
 

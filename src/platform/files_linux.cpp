@@ -7,6 +7,7 @@
 #include <cstring>
 #include <memory>
 
+#include "common/concat.h"
 #include "common/get_next.h"
 #include "platform/files.h"
 #include "platform/listing.h"
@@ -43,7 +44,7 @@ void Refuse(int error, TextView path) {
             throw Failure(RunTimeError::DiskFull, path);
         default:
             throw Failure(RunTimeError::PathFileAccess,
-                          Text(path).append(u" (").append(FromUtf8(std::strerror(error))).append(u")"));
+                          Concat(path, u" (", FromUtf8(std::strerror(error)), u")"));
     }
 }
 

@@ -4,6 +4,7 @@
 #include <optional>
 #include <tuple>
 
+#include "common/concat.h"
 #include "platform/files.h"
 #include "platform/listing.h"
 #include "platform/win32_windows.h"
@@ -61,9 +62,9 @@ void Sync(const Handle& file, TextView path) {
 Text TemporaryName(TextView target) {
     static unsigned counter = 0;
     for (;;) {
-        Text name = FolderOf(target).append(u".tav-").append(Digits(::GetCurrentProcessId()));
-        name.append(u"-").append(Digits(static_cast<long long>(::GetTickCount64()))).append(u"-");
-        name.append(Digits(++counter));
+        const auto ticks = static_cast<long long>(::GetTickCount64());
+        Text name = Concat(FolderOf(target), u".tav-", Digits(::GetCurrentProcessId()), u"-", Digits(ticks),
+                           u"-", Digits(++counter));
         if (!Attributes(name)) return name;
     }
 }

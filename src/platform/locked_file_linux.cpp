@@ -2,6 +2,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 
+#include "common/concat.h"
 #include "platform/locked_file.h"
 #include "platform/posix_linux.h"
 
@@ -45,8 +46,7 @@ void LockedFile::ReadAt(std::uint64_t offset, void* buffer, std::size_t size) co
         if (got < 0 && errno == EINTR) continue;
         if (got < 0) Refuse(errno, state_->path);
         if (got == 0)
-            throw Failure(RunTimeError::PathFileAccess,
-                          Text(state_->path).append(u" (unexpected end of file)"));
+            throw Failure(RunTimeError::PathFileAccess, Concat(state_->path, u" (unexpected end of file)"));
         to += got;
         offset += static_cast<std::uint64_t>(got);
         size -= static_cast<std::size_t>(got);

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "common/concat.h"
 #include "platform/locked_file.h"
 #include "platform/win32_windows.h"
 
@@ -56,8 +57,7 @@ void LockedFile::ReadAt(std::uint64_t offset, void* buffer, std::size_t size) co
             ::ReadFile(state_->file.get(), to, static_cast<DWORD>(std::min(size, kPiece)), &got, &place);
         if (!read && ::GetLastError() != ERROR_HANDLE_EOF) Refuse(::GetLastError(), state_->path);
         if (got == 0)
-            throw Failure(RunTimeError::PathFileAccess,
-                          Text(state_->path).append(u" (unexpected end of file)"));
+            throw Failure(RunTimeError::PathFileAccess, Concat(state_->path, u" (unexpected end of file)"));
         to += got;
         offset += got;
         size -= got;

@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+#include "common/concat.h"
 #include "common/get_next.h"
 #include "platform/files.h"
 #include "platform/posix_linux.h"
@@ -125,8 +126,7 @@ std::optional<RegistryValue> ParseValue(TextView line) {
 
 Text SectionLine(Hive hive, TextView key) {
     while (key.ends_with(u'\\')) key.remove_suffix(1);
-    Text line = hive == Hive::CurrentUser ? u"[HKEY_CURRENT_USER\\" : u"[HKEY_LOCAL_MACHINE\\";
-    return line.append(key).append(u"]");
+    return Concat(hive == Hive::CurrentUser ? u"[HKEY_CURRENT_USER\\" : u"[HKEY_LOCAL_MACHINE\\", key, u"]");
 }
 
 Text StorePath() {
@@ -156,13 +156,13 @@ class Store {
         if (!place.found) return Null();
         const TextView line = lines_[place.line];
         if (auto value = ParseValue(Trim(line.substr(line.find(u'=') + 1)))) return *value;
-        throw Failure(RunTimeError::TypeMismatch, Text(name).append(u" (").append(path_) += u')');
+        throw Failure(RunTimeError::TypeMismatch, Concat(name, u" (", path_, u")"));
     }
 
     void Put(Hive hive, TextView key, TextView name, TextView value) {
         const Text section = SectionLine(hive, key);
         const Place place = Locate(section, name);
-        const Text line = Text(name).append(u" = ").append(value);
+        const Text line = Concat(name, u" = ", value);
         if (place.found) {
             lines_[place.line] = line;
             return;
@@ -174,7 +174,7 @@ class Store {
 
     void Save() const {
         Text content;
-        for (const Text& line : lines_) content.append(line) += u'\n';
+        for (const Text& line : lines_) content += line + u'\n';
         WriteFileWhole(path_, ToUtf8(content));
     }
 

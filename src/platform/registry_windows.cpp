@@ -3,6 +3,7 @@
 #include <span>
 #include <vector>
 
+#include "common/concat.h"
 #include "platform/registry.h"
 #include "platform/win32_windows.h"
 
@@ -42,8 +43,7 @@ using Key = std::unique_ptr<HKEY__, CloseKey>;
 bool Noted(LSTATUS result, TextView key, TextView name) {
     last_result = result;
     if (result != ERROR_SUCCESS) {
-        last_failure = Text(key).append(u" ").append(name).append(u": ");
-        last_failure.append(win32::ErrorWords(static_cast<DWORD>(result)));
+        last_failure = Concat(key, u" ", name, u": ", win32::ErrorWords(static_cast<DWORD>(result)));
     }
     return result == ERROR_SUCCESS;
 }

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "common/concat.h"
 #include "platform/files.h"
 
 namespace tav::win32 {
@@ -110,8 +111,7 @@ void Refuse(DWORD error, TextView path) {
     for (const auto& [known, meaning] : kMeanings) {
         if (known == error) throw Failure(meaning, path);
     }
-    throw Failure(RunTimeError::PathFileAccess,
-                  Text(path).append(u" (").append(ErrorWords(error)).append(u")"));
+    throw Failure(RunTimeError::PathFileAccess, Concat(path, u" (", ErrorWords(error), u")"));
 }
 
 Handle OpenFile(TextView path, DWORD access, DWORD share) {

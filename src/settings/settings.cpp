@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "common/concat.h"
 #include "common/get_next.h"
 #include "common/guard.h"
 #include "common/regional.h"
@@ -78,7 +79,7 @@ std::int16_t SettingSwitch(TextView name) {
     const Text text = SettingText(name);
     if (text.empty()) return 0;
     const auto number = ParseInteger(text);
-    if (!number) throw Failure(RunTimeError::TypeMismatch, Text(name).append(u" = ").append(text));
+    if (!number) throw Failure(RunTimeError::TypeMismatch, Concat(name, u" = ", text));
     if (*number < INT16_MIN || *number > INT16_MAX) throw Failure(RunTimeError::Overflow, name);
     return static_cast<std::int16_t>(*number);
 }
@@ -88,7 +89,7 @@ bool SettingTruth(TextView name) {
     if (text.empty() || EqualNoCase(text, u"False") || EqualNoCase(text, u"Ложь")) return false;
     if (EqualNoCase(text, u"True") || EqualNoCase(text, u"Истина")) return true;
     const auto number = ParseNumber(text);
-    if (!number) throw Failure(RunTimeError::TypeMismatch, Text(name).append(u" = ").append(text));
+    if (!number) throw Failure(RunTimeError::TypeMismatch, Concat(name, u" = ", text));
     return *number != 0;
 }
 

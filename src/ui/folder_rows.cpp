@@ -3,6 +3,7 @@
 #include <optional>
 #include <unordered_map>
 
+#include "common/concat.h"
 #include "convert/document_glance.h"
 #include "platform/files.h"
 
@@ -36,19 +37,12 @@ Seen Look(const Text& path, const SeenFiles& before) {
 
 ListRow RowOf(const FolderRow& file, const DocumentGlance& glance) {
     if (glance.kind == DocumentKind::Unknown) {
-        return {file.name, Text(file.path).append(u"\n").append(glance.reason)};
+        return {file.name, Concat(file.path, u"\n", glance.reason)};
     }
-    const Text row = Text(glance.code)
-                         .append(kGap)
-                         .append(glance.okato)
-                         .append(kGap)
-                         .append(glance.period_begin)
-                         .append(u" - ")
-                         .append(glance.period_end)
-                         .append(kGap)
-                         .append(file.name);
+    const Text row = Concat(glance.code, kGap, glance.okato, kGap, glance.period_begin, u" - ",
+                            glance.period_end, kGap, file.name);
     const TextView kind = glance.kind == DocumentKind::Act ? u"Акт: " : u"Выписка: ";
-    return {row, Text(row).append(u"\n").append(kind).append(glance.tax).append(u"\n").append(file.path)};
+    return {row, Concat(row, u"\n", kind, glance.tax, u"\n", file.path)};
 }
 
 }  // namespace
@@ -58,7 +52,7 @@ std::vector<ListRow> ListFolder(TextView folder, const std::function<bool()>& go
     std::vector<ListRow> rows;
     for (const Text& name : ListFiles(folder, u".rtf")) {
         if (!go_on()) break;
-        FolderRow file{name, WithSeparator(folder).append(name)};
+        FolderRow file{name, Concat(WithSeparator(folder), name)};
         Seen seen = Look(file.path, Last().seen);
         rows.push_back(RowOf(file, seen.glance));
         listing.seen.emplace(file.path, std::move(seen));

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "common/concat.h"
 #include "common/guard.h"
 #include "forms/shell.h"
 
@@ -64,7 +65,7 @@ void Form::Unload() {
 void Form::Bind(TextView control, Event event, TextView title, std::function<void()> run) {
     Text shown(title);
     if (shown.empty()) {
-        shown = Text(u"Ошибка в функции ").append(control).append(u"_").append(EventName(event));
+        shown = Concat(u"Ошибка в функции ", control, u"_", EventName(event));
     }
     procedures_[{IndexOf(control), event}] = {std::move(shown), std::move(run)};
 }

@@ -1,5 +1,6 @@
 #include "ui/frmShortImport.h"
 
+#include "common/concat.h"
 #include "settings/session.h"
 #include "settings/settings.h"
 
@@ -29,7 +30,7 @@ frmShortImport::frmShortImport() : Form(kPlan) {
 void frmShortImport::Form_Load() {
     Form_Again();
     const Text name = TaxpayerSetting().name;
-    Label2.Set(Text(kOfTaxpayer).append(name.empty() ? Taxpayer().inn : name));
+    Label2.Set(Concat(kOfTaxpayer, name.empty() ? Taxpayer().inn : name));
 }
 
 void frmShortImport::Form_Again() {
@@ -46,7 +47,7 @@ void frmShortImport::Form_Unload() {
 
 void frmShortImport::ShowProgress(TextView file, double part) {
     if (!Loaded()) return;
-    Label1.Set(Text(kReading).append(file));
+    Label1.Set(Concat(kReading, file));
     PBar.Set(part);
 }
 

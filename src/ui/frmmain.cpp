@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "common/concat.h"
 #include "common/get_next.h"
 #include "common/guard.h"
 #include "common/progress.h"
@@ -46,8 +47,8 @@ bool IsStored(TextView name, TextView text) {
 }
 
 Text TaxpayerLine(TextView inn, TextView kpp) {
-    Text line = Text(u"ИНН: ").append(inn);
-    if (kpp != kAllSubdivisions) line.append(u"     КПП: ").append(kpp);
+    Text line = Concat(u"ИНН: ", inn);
+    if (kpp != kAllSubdivisions) line += Concat(u"     КПП: ", kpp);
     return line;
 }
 
@@ -102,7 +103,7 @@ void frmmain::Form_Again() {
 }
 
 void frmmain::Form_Unload() {
-    if (!SaveFolders()) throw Failure(Text(u"Папки не сохранены. ").append(LastRegistryFailure()));
+    if (!SaveFolders()) throw Failure(Concat(u"Папки не сохранены. ", LastRegistryFailure()));
 }
 
 void frmmain::ShowTaxpayer() {
@@ -285,8 +286,8 @@ void frmmain::lstBase_DblClick() {
     TextView rest = row;
     const TextView word = GetNext(rest, u" ");
     if (word.empty()) return;
-    const std::vector<Text> found = ListFiles(UserPath(txtImport.Get()), Text(word).append(u".doc"));
-    if (!found.empty()) OpenDocument(WithSeparator(UserPath(txtExport.Get())).append(found.front()));
+    const std::vector<Text> found = ListFiles(UserPath(txtImport.Get()), Concat(word, u".doc"));
+    if (!found.empty()) OpenDocument(Concat(WithSeparator(UserPath(txtExport.Get())), found.front()));
 }
 
 void frmmain::lstFile_DblClick() {

@@ -1,5 +1,6 @@
 #include "ui/is_date_in.h"
 
+#include "common/concat.h"
 #include "common/guard.h"
 #include "reports/summary_choice.h"
 
@@ -12,7 +13,8 @@ struct Counted {
 
     void Add(std::size_t number) {
         ++count;
-        list.append(Digits(static_cast<long long>(number))).append(u",");
+        list += Digits(static_cast<long long>(number));
+        list += u',';
     }
 };
 
@@ -32,14 +34,8 @@ void IsDateIn(std::int32_t period_begin, std::int32_t period_end, std::span<cons
             if (Overlap(document, period)) overlapping.Add(i + 1);
         }
         if (whole.count == 0 && overlapping.count == 0) return;
-        result.append(u"(")
-            .append(Digits(whole.count))
-            .append(u"/")
-            .append(Digits(overlapping.count))
-            .append(u")|")
-            .append(whole.list)
-            .append(u"|")
-            .append(overlapping.list);
+        result += Concat(u"(", Digits(whole.count), u"/", Digits(overlapping.count), u")|", whole.list, u"|",
+                         overlapping.list);
     });
 }
 

@@ -6,6 +6,7 @@
 #include <set>
 #include <utility>
 
+#include "common/concat.h"
 #include "common/get_next.h"
 #include "ui/is_date_in.h"
 
@@ -53,7 +54,7 @@ class TreeBuilder {
  private:
     void AddHalf(const Branch& parent, int year, int number) {
         const int last = number * kMonthsOfHalf;
-        const Branch half = Add(parent, PeriodKind::HalfYear, Digits(number).append(u" полугодие"),
+        const Branch half = Add(parent, PeriodKind::HalfYear, Concat(Digits(number), u" полугодие"),
                                 Months(year, last - kMonthsOfHalf + 1, last));
         AddQuarter(half, year, 2 * number - 1);
         AddQuarter(half, year, 2 * number);
@@ -63,7 +64,7 @@ class TreeBuilder {
         const int last = number * kMonthsOfQuarter;
         const int first = last - kMonthsOfQuarter + 1;
         const Branch quarter = Add(parent, PeriodKind::Quarter,
-                                   Text(kQuarters[static_cast<std::size_t>(number - 1)]).append(u" квартал"),
+                                   Concat(kQuarters[static_cast<std::size_t>(number - 1)], u" квартал"),
                                    Months(year, first, last));
         for (int month = first; month <= last; ++month) {
             Add(quarter, PeriodKind::Month, Text(kMonths[static_cast<std::size_t>(month - 1)]),
@@ -80,7 +81,7 @@ class TreeBuilder {
         TextView overlapping = answer;
         const TextView counts = GetNext(overlapping, u"|");
         GetNext(overlapping, u"|");
-        Branch branch = {Text(u"k").append(Digits(++last_key_)), {}, {}};
+        Branch branch = {Concat(u"k", Digits(++last_key_)), {}, {}};
         while (!overlapping.empty()) {
             std::size_t number = 0;
             for (const char16_t digit : GetNext(overlapping, u",")) {
@@ -89,7 +90,7 @@ class TreeBuilder {
             branch.begins.push_back(parent.begins[number - 1]);
             branch.ends.push_back(parent.ends[number - 1]);
         }
-        nodes_.push_back({branch.key, parent.key, Text(name).append(u" ").append(counts), kind, period});
+        nodes_.push_back({branch.key, parent.key, Concat(name, u" ", counts), kind, period});
         return branch;
     }
 
@@ -107,12 +108,9 @@ void AddYearsOf(const DayRange& document, std::set<int>& years) {
 }
 
 Text RootText(SummaryKind kind, long long documents) {
-    return Text(u"Все периоды ")
-        .append(kind == SummaryKind::Statements ? u"(выписок: " : u"(актов: ")
-        .append(Digits(documents))
-        .append(u" - целиком включающихся в выбранный период / ")
-        .append(Digits(documents))
-        .append(u" - частично содержащих выбранный период)");
+    return Concat(u"Все периоды ", kind == SummaryKind::Statements ? u"(выписок: " : u"(актов: ",
+                  Digits(documents), u" - целиком включающихся в выбранный период / ", Digits(documents),
+                  u" - частично содержащих выбранный период)");
 }
 
 }  // namespace

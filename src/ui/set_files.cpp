@@ -1,5 +1,6 @@
 #include "ui/set_files.h"
 
+#include "common/concat.h"
 #include "common/guard.h"
 #include "db/holdings.h"
 #include "db/literals.h"
@@ -40,8 +41,7 @@ Text RowOf(const HeldDocument& document) {
 
 ListRow ListRowOf(const HeldDocument& document) {
     const Text row = RowOf(document);
-    return {row,
-            Text(row).append(u"\nКПП: ").append(document.kpp).append(u"\nФайл: ").append(document.file_name)};
+    return {row, Concat(row, u"\nКПП: ", document.kpp, u"\nФайл: ", document.file_name)};
 }
 
 std::vector<HeldDocument> DocumentsOf(Connection& connection, TextView inn, TextView kpp) {
@@ -73,24 +73,20 @@ Text TaxpayerName(const std::vector<HeldDocument>& documents) {
 
 Text CountsOf(const std::vector<HeldDocument>& documents) {
     const HoldingCounts counts = CountHoldings(documents);
-    return Text(u"Выписок в базе данных: ")
-        .append(Digits(counts.statements))
-        .append(u"\r\nАктов в базе данных: ")
-        .append(Digits(counts.acts))
-        .append(u"\r\nНе перекрываются интервалами: ")
-        .append(Digits(counts.alone));
+    return Concat(u"Выписок в базе данных: ", Digits(counts.statements), u"\r\nАктов в базе данных: ",
+                  Digits(counts.acts), u"\r\nНе перекрываются интервалами: ", Digits(counts.alone));
 }
 
 Text FolderCounts(TextView folder, std::size_t files) {
-    Text counts = Text(u"Файлов в папке: ").append(Digits(static_cast<long long>(files)));
+    Text counts = Concat(u"Файлов в папке: ", Digits(static_cast<long long>(files)));
     const bool missing = !Trim(folder).empty() && !FolderExists(folder);
-    return missing ? counts.append(u" (папка не найдена)") : counts;
+    return missing ? Concat(counts, u" (папка не найдена)") : counts;
 }
 
 Text LeftToLoad(const KnownFiles& known) {
     long long to_load = 0;
     for (const FolderRow& row : FolderRows()) to_load += known.contains(UpperCase(row.name)) ? 0 : 1;
-    return Text(u"\r\nПодлежат загрузке: ").append(Digits(to_load));
+    return Concat(u"\r\nПодлежат загрузке: ", Digits(to_load));
 }
 
 void ShowOnce(const Failure& failure, TextView database) {
@@ -140,7 +136,7 @@ Text SetFiles(ListBox& list, FilesOf source, TextView path, TextView inn, TextVi
             if (source == FilesOf::Database) list.SetRows({});
             ShowOnce(failure, database);
         });
-    return name.append(u"*").append(base_counts).append(u"*").append(file_counts);
+    return Concat(name, u"*", base_counts, u"*", file_counts);
 }
 
 Text FileOfRow(int row) {

@@ -6,6 +6,7 @@
 
 #include <new>
 
+#include "common/concat.h"
 #include "xml/encoding.h"
 #include "xml/handles.h"
 #include "xml/push_parser.h"
@@ -63,7 +64,7 @@ std::vector<Node> Node::SelectNodes(TextView path) const {
     const Owned<xmlXPathObject, xmlXPathFreeObject> result(
         xmlXPathEvalExpression(Chars(utf8), context.get()));
     if (!result || result->type != XPATH_NODESET) {
-        throw Failure(RunTimeError::InvalidProcedureCall, Text(u"XPath ").append(path));
+        throw Failure(RunTimeError::InvalidProcedureCall, Concat(u"XPath ", path));
     }
     std::vector<Node> nodes;
     if (result->nodesetval == nullptr) return nodes;

@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "common/concat.h"
+
 namespace tav {
 
 void ControlWin::MakeWindow(const wchar_t* window_class, DWORD style, DWORD ex_style) {
@@ -94,7 +96,7 @@ Text WithMnemonic(TextView text, char16_t mnemonic) {
         if (c == at || *c == u'&') out += u'&';
         out += *c;
     }
-    if (mnemonic != 0 && at == text.end()) out.append(u" (&").append(1, mnemonic).append(u")");
+    if (mnemonic != 0 && at == text.end()) out += Concat(u" (&", TextView(&mnemonic, 1), u")");
     return out;
 }
 

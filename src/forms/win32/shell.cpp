@@ -1,5 +1,6 @@
 #include "forms/shell.h"
 
+#include "common/concat.h"
 #include "forms/win32/form_window.h"
 #include "platform/automation_windows.h"
 #include "platform/files.h"
@@ -16,8 +17,7 @@ void OpenDocument(TextView path, FormWindow* owner) {
         ::ShellExecuteW(WindowOf(owner), L"open", full.c_str(), L"0", L"0", SW_SHOWNORMAL);
     const auto code = reinterpret_cast<INT_PTR>(result);
     if (code > 32) return;
-    throw Failure(RunTimeError::PathFileAccess,
-                  Text(path).append(u" (ShellExecute ").append(Digits(code)) += u')');
+    throw Failure(RunTimeError::PathFileAccess, Concat(path, u" (ShellExecute ", Digits(code), u")"));
 }
 
 }  // namespace tav
