@@ -2,47 +2,49 @@
 // is unusual, but met in files that the database engine made and left.
 //
 //      1 E  The size is a whole number of pages, three at least; the file is a Jet 4 database, neither
-//      encrypted
-//           nor protected by a password.
+//           encrypted nor protected by a password.
 //      2 E  The header points to the global map and the system tables; it has a creation date and a password
 //           field that holds text.
 //      3 E  Page 1 holds two records; the first is an inline map from page 0 on that covers the whole file.
 //      4 E  A pointer to a map leads to a living record of a map page; the map is of a known kind, begins at
-//      a
-//           multiple of 8, and its bitmap pages are of their type.
+//           a multiple of 8, and its bitmap pages are of their type.
 //      5 E  No page has two owners, no map record serves twice.
-//      6 E  No page in use is free in the global map.   N  Pages neither owned nor free; bits beyond the end.
+//      6 E  No page in use is free in the global map.
+//        N  Pages neither owned nor free; bits beyond the end.
 //      7 E  No page beyond the end of the file is owned.
 //      8 E  The catalogue can be read; it names the system tables; each table in it has a definition of its
-//      own
-//           and a name of its own, letter case ignored.
-//      9 E  A definition has its constant, pages of its type that end, and the length it says.   N  Free
-//      field.
+//           own and a name of its own, letter case ignored.
+//      9 E  A definition has its constant, pages of its type that end, and the length it says.
+//        N  Free field.
 //     10 E  Columns: numbers and variable places within the table's and unique, fixed places apart from each
 //           other, types known where indexes need them.
-//     11 E  Real indexes: constant, flag, one to ten columns there are, a root of an index's type in its map.
-//     12 E  Logical indexes name a real index; one primary key at most.   N  Number other than the real
-//     index's. 13 E  The map of pages with room is a part of the owned ones.   N  Pages with room that it
-//     lacks. 14 E  Data pages: type, owner, slots one below the other and not over 255, exact free field. 15
-//     E  A moved row points to a body on a page of its table; every body is pointed at once. 16 E  Rows:
-//     column counts, length, variable values in order and inside, no bytes for a Null, fixed values
-//           inside.
-//     17 E  Values: text whole and within its column, long values as long as their records, dates there are.
-//     18 E  The row count is exact, in a file that only this program wrote.   N  The same in other files.
+//     11 E  Real indexes: constant, flag, one to ten existing columns, a root of an index's type in its map.
+//     12 E  Logical indexes name a real index; one primary key at most.
+//        N  Number other than the real index's.
+//     13 E  The map of pages with room is a part of the owned ones.
+//        N  Pages with room that it lacks.
+//     14 E  Data pages: type, owner, slots one below the other and not over 255, exact free field.
+//     15 E  A moved row points to a body on a page of its table; every body is pointed at once.
+//     16 E  Rows: column counts, length, variable values in order and inside, no bytes for a Null, fixed
+//           values inside.
+//     17 E  Values: text whole and within its column, long values as long as their records, possible dates.
+//     18 E  The row count is exact, in a file that only this program wrote.
+//        N  The same in other files.
 //     19 E  Index pages: type, owner, exact free field, entries inside and long enough, a prefix inside the
-//     first. 20 E  Entries ascend within a page and along the leaves. 21 E  An entry of a node is the last
-//     entry of its child; there is a last child; the tree's pages are in
-//           its map, none twice, all leaves at one depth.
+//           first.
+//     20 E  Entries ascend within a page and along the leaves.
+//     21 E  An entry of a node is the last entry of its child; there is a last child; the tree's pages are
+//           in its map, none twice, all leaves at one depth.
 //     22 E  Leaves are linked in the order of the tree.
 //     23 E  The map of an index holds the pages of its tree only.
 //     24 E  An entry leads to a living row, no two entries to one.
 //     25 E  Every row has an entry, but for rows that are all Null in an index that ignores Nulls.
-//     26 E  An entry's key is that of its row.   N  Keys of a kind that cannot be made here.
+//     26 E  An entry's key is that of its row.
+//        N  Keys of a kind that cannot be made here.
 //     27 E  No key occurs twice in a unique index, but for all Null; no Null where one is not allowed.
 //     28 N  The counter of distinct keys is at least their number.
-//     29 E  The last autonumber is at least the highest there is, in a file this program made.   N  The same
-//     in
-//           other files.
+//     29 E  The last autonumber is at least the highest in use, in a file that only this program wrote.
+//        N  The same in other files.
 //     30 E  The indexes of the catalogue and of its access rights agree with their rows (24 to 26).
 //     31 E  Byte 1 of a page is 1, bytes 8 to 11 of data and index pages are 0.
 
