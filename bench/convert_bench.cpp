@@ -1,4 +1,5 @@
-// Reading one large statement: the page converter beside a plain read of the file, and the whole reader.
+// Reading one large statement: the page converter compared
+// with a plain read of the file, and the whole reader.
 
 #include <benchmark/benchmark.h>
 

@@ -1,5 +1,5 @@
-// Rows into the database file beside an SQLite fed the same SQL text in one transaction; one indexed question
-// to a large file.
+// Rows into the database file, compared with an SQLite fed the same
+// SQL text in one transaction; one indexed query of a large file.
 
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>

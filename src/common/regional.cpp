@@ -45,7 +45,8 @@ std::string PlainNumber(TextView text) {
     return digits ? out : std::string();
 }
 
-// "-1 234,50" of "1234" and "50"; no line breaks at the blank between groups. An amount of nothing has no sign.
+// "-1 234,50" of "1234" and "50"; no line breaks at the
+// space between groups. An amount of nothing has no sign.
 Text GroupedAmount(std::string_view whole, std::string_view decimals, bool negative) {
     const auto is_zero = [](std::string_view digits) { return digits.find_first_not_of('0') == digits.npos; };
     Text text;

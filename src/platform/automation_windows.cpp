@@ -130,7 +130,7 @@ DISPID Object::NumberOf(const wchar_t* name) {
     return numbers_[name] = number;
 }
 
-// The system wants the arguments backwards, and does not change those given by value.
+// The system expects the arguments in reverse, and does not change those given by value.
 Variant Object::Invoke(WORD kind, const wchar_t* name, std::initializer_list<const VARIANT*> arguments) {
     if (object_ == nullptr) throw Failure(RunTimeError::InvalidProcedureCall, FromWide(name));
     std::vector<VARIANT> backwards;

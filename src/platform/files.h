@@ -1,5 +1,5 @@
-// Files and folders. Paths are Text. On Linux any bytes of a name survive (common/text.h); on Windows a path
-// may be as long as the file system takes it, and a file that another program has open is not replaced.
+// Files and folders. Paths are Text. On Linux any bytes of a name survive (common/text.h); on Windows a
+// path may be as long as the file system allows, and a file that another program has open is not replaced.
 //
 // What the operating system refuses is a Failure that names the path: "File not found" and "Path not found"
 // (no such file, no such folder), "Permission denied" (no right, a file held by somebody else), "Disk full",

@@ -139,7 +139,7 @@ mode_t ModeFor(TextView target) {
     return 0666 & ~mask;
 }
 
-// What is left of the file, up to the buffer's size.
+// The rest of the file, up to the buffer's size.
 std::size_t ReadInto(const Descriptor& file, TextView path, char* buffer, std::size_t size) {
     std::size_t filled = 0;
     while (filled < size) {

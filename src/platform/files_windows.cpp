@@ -41,7 +41,7 @@ void WriteAll(const Handle& file, std::string_view bytes, TextView path) {
     }
 }
 
-// What is left of the file, up to the buffer's size.
+// The rest of the file, up to the buffer's size.
 std::size_t ReadInto(const Handle& file, TextView path, char* buffer, std::size_t size) {
     std::size_t filled = 0;
     while (filled < size) {

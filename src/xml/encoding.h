@@ -1,5 +1,5 @@
-// Windows-1251 at the border of libxml2, by the house's own table: the library would ask the system's
-// converters, which not every system has and which refuse byte 0x98.
+// Windows-1251 at the border of libxml2, by a table of this project: the library would
+// ask the system's converters, which not every system has and which refuse byte 0x98.
 #pragma once
 
 #include <string>
