@@ -34,14 +34,19 @@ void WithProgress(Context& context, Action action) {
     if (context.cancelled) ShowMessage(u"Импорт", u"Прервано пользователем.", MessageIcon::Information);
 }
 
-void PrintLoad(const LoadResult& load) {
-    if (load.documents > 0) {
-        PrintLine(u"Загружено документов: " + Digits(load.documents) + u", файлов: " + Digits(load.files));
-    } else if (load.complete) {
-        PrintLine(u"Новых документов нет.");
+void PrintAccount(const ImportAccount& account) {
+    for (const FindingText& text : FindingTexts()) {
+        const int count = account.Count(text.finding);
+        if (count > 0) PrintLine(Text(text.counted).append(u": ").append(Digits(count)));
+        for (const FileAccount& file : account.files) {
+            const Remark* remark = text.named ? file.Find(text.finding) : nullptr;
+            if (remark == nullptr) continue;
+            const TextView before = remark->reason.empty() ? u"" : u": ";
+            PrintLine(Text(u"  ").append(file.name).append(before).append(remark->reason));
+        }
     }
-    if (load.empty > 0) PrintLine(u"Не загружено, так как все суммы нулевые: " + Digits(load.empty));
-    if (load.moved > 0) PrintLine(u"Перенесено файлов: " + Digits(load.moved));
+    if (account.moved > 0) PrintLine(u"Перенесено файлов: " + Digits(account.moved));
+    if (account.complete) PrintLine(ClosingSentence(account));
 }
 
 // A folder that has to be there: named in the message when it is not.
@@ -62,7 +67,7 @@ void Import(Context& context, const ImportOptions& options) {
         ExistingFolder(folders.import);
         WithProgress(context, [&] {
             const ImportResult result = RunImport(folders, FromUtf8(options.inn), FromUtf8(options.kpp));
-            if (result.outcome == ImportOutcome::Done) PrintLoad(result.load);
+            if (result.outcome == ImportOutcome::Done) PrintAccount(result.account);
             return result.outcome == ImportOutcome::Cancelled;
         });
     });
@@ -82,8 +87,8 @@ void Scan(Context& context, const std::string& folder) {
 void Load(Context& context, const std::string& catalogue, const ImportOptions& options) {
     WithProgress(context, [&] {
         const Text move_to = options.move_to.empty() ? Text() : PathArgument(options.move_to);
-        PrintLoad(LoadFromXml(PathArgument(catalogue), getbase(), FromUtf8(options.inn),
-                              FromUtf8(options.kpp), move_to));
+        PrintAccount(LoadFromXml(PathArgument(catalogue), getbase(), FromUtf8(options.inn),
+                                 FromUtf8(options.kpp), move_to));
         ConstrTabTypeOper(getbase());
         return false;
     });

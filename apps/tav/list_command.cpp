@@ -25,6 +25,7 @@ Json JsonOf(const HeldDocument& document) {
     return {{"id", document.id},
             {"kind", document.act ? "act" : "statement"},
             {"current", document.current},
+            {"superseded", document.Superseded()},
             {"filename", ToUtf8(document.file_name)},
             {"inn", ToUtf8(document.inn)},
             {"kpp", ToUtf8(document.kpp)},
@@ -50,7 +51,8 @@ void PrintText(const std::vector<HeldDocument>& documents, const HoldingCounts& 
     for (const HeldDocument& document : documents) {
         const Text period = ValueText(document.begin) + u" - " + ValueText(document.end);
         PrintLine(Digits(document.id) + u"   " + document.code + u"   " + document.okato + u"   " + period +
-                  u"   " + document.tax + (document.act ? u"   Акт" : u"   Выписка"));
+                  u"   " + document.tax + (document.Superseded() ? u" (заменена)" : u"") +
+                  (document.act ? u"   Акт" : u"   Выписка"));
     }
     PrintLine(u"Выписок в базе данных: " + Digits(counts.statements));
     PrintLine(u"Актов в базе данных: " + Digits(counts.acts));

@@ -93,6 +93,7 @@ HoldingCounts CountHoldings(const std::vector<HeldDocument>& documents) {
     HoldingCounts counts;
     std::map<std::tuple<bool, TextView, TextView, TextView, TextView>, std::vector<Period>> series;
     for (const HeldDocument& document : documents) {
+        if (document.Superseded()) continue;
         ++(document.act ? counts.acts : counts.statements);
         constexpr double kEver = std::numeric_limits<double>::infinity();
         series[{document.act, document.inn, document.kpp, document.code, document.okato}].push_back(

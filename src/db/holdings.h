@@ -21,7 +21,10 @@ struct HeldDocument {
     Value begin;  // Date or Null
     Value end;
     bool act = false;      // else a statement
-    bool current = false;  // a statement that no later one has superseded
+    bool current = false;  // a statement that no other one has superseded
+
+    // A statement that is known only as long as its file lies in the folder.
+    bool Superseded() const { return !act && !current; }
 };
 
 // The current row of a select over headers that has the columns filename, vid, perb, pere, h2, h3, h6, h7, h8
@@ -33,6 +36,7 @@ HeldDocument HeldDocumentOf(const Recordset& row);
 // Failures are thrown.
 std::vector<HeldDocument> HeldDocuments(TextView database, TextView inn, TextView kpp);
 
+// Superseded statements do not count.
 struct HoldingCounts {
     int statements = 0;
     int acts = 0;

@@ -11,4 +11,15 @@ KnownFiles ReadKnownFiles(Connection& connection) {
     return known;
 }
 
+HeldFiles ReadHeldFiles(Connection& connection) {
+    HeldFiles held;
+    Recordset headers = connection.Execute(u"select filename, h6, vid from tav_operations_header");
+    for (; !headers.Eof(); headers.MoveNext()) {
+        HeldOfFile& file = held[UpperCase(isns(headers.Field(0)))];
+        const bool act = IsNull(headers.Field(1));
+        (act || !IsNull(headers.Field(2)) ? file.current : file.superseded) = true;
+    }
+    return held;
+}
+
 }  // namespace tav

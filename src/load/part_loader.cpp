@@ -82,17 +82,17 @@ LoadSwitches ReadLoadSwitches() {
 }
 
 PartLoader::PartLoader(Connection& connection, const LoadSwitches& switches, const Value& highest_part,
-                       const Value& highest_series, LoadResult& result)
+                       const Value& highest_series, ImportAccount& account)
     : connection_(connection),
       switches_(switches),
-      result_(result),
+      account_(account),
       part_(highest_part),
       series_(highest_series) {
     part_.Next();
     series_.Next();
 }
 
-void PartLoader::LoadAct(Node part, TextView file_name) {
+bool PartLoader::LoadAct(Node part, TextView file_name) {
     Collect(part.SelectSingleNode(u"body"), amounts_);
     Insert amounts(u"insert into tav_acts (id", part_.value());
     bool nonzero = false;
@@ -107,18 +107,20 @@ void PartLoader::LoadAct(Node part, TextView file_name) {
     Insert header = HeaderInsert(part_.value(), file_name);
     for (const auto& [column, text] : head_.items()) header.Add(column->column, text);
     if (stored) header.Execute(connection_);
-    ++(stored ? result_.documents : result_.empty);
+    if (stored) ++account_.documents;
     part_.Next();
+    return stored;
 }
 
-void PartLoader::LoadStatement(Node part, TextView file_name) {
+bool PartLoader::LoadStatement(Node part, TextView file_name) {
     // Once an amount has counted, every later line is stored, zero or not.
     bool nonzero = false;
     for (const Node& row : part.SelectNodes(u"body/row")) nonzero = LoadRow(row, nonzero);
     const bool stored = switches_.zero_statements != 0 || nonzero;
     LoadStatementHeader(part.SelectSingleNode(u"head"), file_name, stored);
-    ++(stored ? result_.documents : result_.empty);
+    if (stored) ++account_.documents;
     part_.Next();
+    return stored;
 }
 
 // `nonzero` is whether an amount has counted so far; returned with this row's.
@@ -138,7 +140,7 @@ bool PartLoader::LoadRow(Node row, bool nonzero) {
     }
     if (switches_.zero_statements != 0 || nonzero) {
         insert.Execute(connection_);
-        ++result_.rows;
+        ++account_.rows;
     }
     return nonzero;
 }
@@ -189,7 +191,6 @@ SqlText PartLoader::VersionLiteral(const SqlText& current, TextView period_end) 
     // statement's second one recorded.
     const bool in_last_range = datebetween(old_statement_end, u"");
     const bool later = datebetween(old_period_end, period_end);
-    ++result_.superseded;
     if (!in_last_range && !later) return SqlText(u",Null");
     const std::int16_t series = Counter(found.Field(u"vid")).value();
     SqlText supersede(u"update tav_operations_header set vid=Null where vid=");

@@ -10,9 +10,9 @@
 
 #include "common/text.h"
 #include "db/connection.h"
+#include "load/account.h"
 #include "load/column_values.h"
 #include "load/counter.h"
-#include "load/load_from_xml.h"
 #include "xml/document.h"
 
 namespace tav {
@@ -28,12 +28,13 @@ LoadSwitches ReadLoadSwitches();
 
 class PartLoader {
  public:
-    // Numbers go on from the highest ones, as the database returned them. Counts go into `result`.
+    // Numbers go on from the highest ones, as the database returned them. What is stored is counted in `account`.
     PartLoader(Connection& connection, const LoadSwitches& switches, const Value& highest_part,
-               const Value& highest_series, LoadResult& result);
+               const Value& highest_series, ImportAccount& account);
 
-    void LoadAct(Node part, TextView file_name);
-    void LoadStatement(Node part, TextView file_name);
+    // Whether the document was stored; if not, every amount that counts is 0.00.
+    bool LoadAct(Node part, TextView file_name);
+    bool LoadStatement(Node part, TextView file_name);
 
  private:
     bool LoadRow(Node row, bool nonzero);
@@ -42,7 +43,7 @@ class PartLoader {
 
     Connection& connection_;
     LoadSwitches switches_;
-    LoadResult& result_;
+    ImportAccount& account_;
     Counter part_;
     Counter series_;
     ColumnValues head_{CatalogueTable::Header};

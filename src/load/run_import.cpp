@@ -49,7 +49,7 @@ ImportResult RunImport(const ImportFolders& folders, TextView inn, TextView kpp)
         result.outcome = CancelStamp() != 0 ? ImportOutcome::Cancelled : ImportOutcome::NoCatalogue;
         return result;
     }
-    result.load = LoadFromXml(catalogue, getbase(), inn, kpp, folders.move_to);
+    result.account = LoadFromXml(catalogue, getbase(), inn, kpp, folders.move_to);
     ConstrTabTypeOper(getbase());
     result.outcome = ImportOutcome::Done;
     return result;

@@ -25,7 +25,7 @@ enum class ImportOutcome {
 
 struct ImportResult {
     ImportOutcome outcome = ImportOutcome::Nothing;
-    LoadResult load;
+    ImportAccount account;
 };
 
 // Events are processed while an import runs, so anything can be asked for meanwhile.

@@ -36,6 +36,7 @@ Text RowOf(const HeldDocument& document) {
         .append(isns(document.end))
         .append(u") ")
         .append(document.tax)
+        .append(document.Superseded() ? u" (заменена)" : u"")
         .append(document.act ? u" Акт" : u" Выписка");
 }
 

@@ -77,10 +77,11 @@ class OperationsDatabase : public testing::Test {
         folder_.Write(u"in/listfiles.xml", Bytes(text + u"</all>\r\n"));
     }
 
-    LoadResult Load(TextView inn = u"7701234567", TextView kpp = u"770101001", TextView move_to = {}) const {
+    ImportAccount Load(TextView inn = u"7701234567", TextView kpp = u"770101001",
+                       TextView move_to = {}) const {
         return LoadFromXml(catalogue_, database_, inn, kpp, move_to);
     }
-    LoadResult Load(const std::vector<std::pair<Text, Text>>& files) const {
+    ImportAccount Load(const std::vector<std::pair<Text, Text>>& files) const {
         Write(files);
         return Load();
     }

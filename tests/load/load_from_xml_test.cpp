@@ -25,7 +25,7 @@ constexpr TextView kRows = u"select id, p1, p3, p9, p10, p13 from tav_operations
 const Text kPaid = StatementPart({}, {u"p01=01.02.2011|p03=Уплата|p09=налог|p10=5.00"});
 
 TEST_F(Loader, StoresStatementsWithTheirRows) {
-    const LoadResult result = Load(
+    const ImportAccount result = Load(
         {{u"a.rtf", StatementPart({}, {u"p03=Сальдо на 01.01.2011|p09=налог|p10=0.00|p13=0.00",
                                        u"p01=01.02.2011|p02=03.02.2011|p03=Уплата|p04=Плат|p04=поручение|"
                                        u"p09=налог|p10=1\u00A0234.50|p13=-10.25",
@@ -33,7 +33,7 @@ TEST_F(Loader, StoresStatementsWithTheirRows) {
     EXPECT_THAT(Shown(), IsEmpty());
     EXPECT_EQ(result.documents, 1);
     EXPECT_EQ(result.rows, 2);
-    EXPECT_EQ(result.files, 1);
+    EXPECT_EQ(result.CountNow(), 1);
     EXPECT_THAT(Rows(u"select id, filename, h1, h2, h3, h6, h7, h10, h11, h12, h13, perb, pere, vid from "
                      u"tav_operations_header"),
                 ElementsAre("1|a.rtf|7701234567|770101001|ООО Ромашка|НДС|18210101011011000110|45286552000|"
@@ -54,9 +54,9 @@ TEST_F(Loader, StoresActsWithoutAVersion) {
 
 TEST_F(Loader, PassesOverFilesThatAreThereAlready) {
     Load({{u"Выписка.RTF", kPaid}});
-    const LoadResult again = Load({{u"выписка.rtf", ActPart({}, u"p0011=5.00")}});
+    const ImportAccount again = Load({{u"выписка.rtf", ActPart({}, u"p0011=5.00")}});
     EXPECT_EQ(again.documents, 0);
-    EXPECT_EQ(again.known, 1);
+    EXPECT_EQ(again.Count(Finding::Loaded), 1);
     EXPECT_THAT(Rows(kHeaders), ElementsAre("1|Выписка.RTF|01.01.2011|31.03.2011|1"));
     EXPECT_THAT(Shown(), IsEmpty());
 }
@@ -64,7 +64,7 @@ TEST_F(Loader, PassesOverFilesThatAreThereAlready) {
 TEST_F(Loader, ReadsOnlyTheHeadWhenNothingIsNew) {
     Load({{u"a.rtf", kPaid}});
     Write({{u"a.rtf", u"<part>broken"}});
-    EXPECT_EQ(Load().known, 1);
+    EXPECT_EQ(Load().Count(Finding::Loaded), 1);
     EXPECT_THAT(Shown(), IsEmpty());
 }
 
@@ -139,8 +139,8 @@ TEST_F(Loader, ObeysTheSwitches) {
         for (const TextView name : {u"SpVupis", u"SpAct", u"SpVupisOb", u"SpActOb"}) {
             WriteSetting(name, name == c.setting ? u"1" : u"0");
         }
-        const LoadResult result = Load({{u"x.rtf", c.part}, {u"y.rtf", kPaid}});
-        EXPECT_EQ(result.empty, c.stored ? 0 : 1);
+        const ImportAccount result = Load({{u"x.rtf", c.part}, {u"y.rtf", kPaid}});
+        EXPECT_EQ(result.Count(Finding::AllZero), c.stored ? 0 : 1);
         const std::vector<std::string> expected =
             c.stored ? std::vector<std::string>{"1", "2"} : std::vector<std::string>{"2"};
         EXPECT_EQ(Rows(u"select id from tav_operations_header order by id"), expected)
@@ -198,15 +198,17 @@ TEST_F(Loader, KeepsOneCurrentVersionOfASeries) {
     EXPECT_THAT(Shown(), IsEmpty());
 }
 
-TEST_F(Loader, RemovesSupersededHeadersAtTheNextLoad) {
+TEST_F(Loader, KeepsSupersededStatementsUntilTheirFileHasLeft) {
     Load({{u"a", StatementPart({}, {u"p10=1.00"})},
           {u"b", StatementPart({.end = u"30.06.2011"}, {u"p10=2.00"})},
           {u"act", ActPart({}, u"p0011=1.00")}});
-    EXPECT_THAT(Rows(u"select id from tav_operations_header order by id"), ElementsAre("1", "2", "3"));
+    const std::string before = ReadFile(database_);
+    EXPECT_EQ(Load().Count(Finding::Superseded), 1);
+    EXPECT_EQ(ReadFile(database_), before);
     Load({{u"b", u""}});
     EXPECT_THAT(Rows(u"select id from tav_operations_header order by id"), ElementsAre("2", "3"));
-    EXPECT_THAT(Rows(u"select id from tav_operations order by id"), ElementsAre("1", "2"));
-    EXPECT_EQ(Load({{u"c", StatementPart({.end = u"30.09.2011"}, {u"p10=3.00"})}}).superseded, 1);
+    EXPECT_THAT(Rows(u"select id from tav_operations order by id"), ElementsAre("2"));
+    Load({{u"c", StatementPart({.end = u"30.09.2011"}, {u"p10=3.00"})}});
     EXPECT_THAT(Rows(u"select id, vid from tav_operations_header order by id"),
                 ElementsAre("2|-", "3|-", "4|1"));
 }
@@ -281,7 +283,7 @@ class Moves : public Loader {
         Write({{u"a.rtf", kPaid}, {u"other.rtf", StatementPart({.inn = u"1"}, {u"p10=1.00"})}});
         folder_.Write(u"in/other.rtf", "other");
     }
-    LoadResult LoadAndMove(TextView folder) const { return Load(u"7701234567", u"770101001", folder); }
+    ImportAccount LoadAndMove(TextView folder) const { return Load(u"7701234567", u"770101001", folder); }
 };
 
 TEST_F(Moves, LoadedFilesReplaceOlderOnes) {
@@ -295,8 +297,8 @@ TEST_F(Moves, LoadedFilesReplaceOlderOnes) {
 
 TEST_F(Moves, MakeTheFolderAndDoNotMissASource) {
     DeleteFile(folder_ / u"in/a.rtf");
-    const LoadResult result = LoadAndMove(folder_ / u"deep/er");
-    EXPECT_EQ(result.files, 1);
+    const ImportAccount result = LoadAndMove(folder_ / u"deep/er");
+    EXPECT_EQ(result.CountNow(), 1);
     EXPECT_EQ(result.moved, 0);
     EXPECT_TRUE(FolderExists(folder_ / u"deep/er"));
     EXPECT_THAT(Shown(), IsEmpty());
@@ -305,7 +307,7 @@ TEST_F(Moves, MakeTheFolderAndDoNotMissASource) {
 TEST_F(Moves, StayWithinTheirFolders) {
     folder_.Write(u"outside.rtf", "x");
     Write({{u"../outside.rtf", kPaid}});
-    EXPECT_EQ(LoadAndMove(folder_ / u"done/").files, 1);
+    EXPECT_EQ(LoadAndMove(folder_ / u"done/").CountNow(), 1);
     EXPECT_TRUE(FileExists(folder_ / u"outside.rtf"));
 }
 

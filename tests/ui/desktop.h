@@ -53,7 +53,8 @@ class Desktop : public testing::Test {
         return shown;
     }
 
-    // Documents of the sample taxpayer: `files` statements of successive quarters from 2009 on.
+    // Documents of the sample taxpayer: `files` statements of successive quarters from 2009 on. The second quarter of a
+    // year supersedes the first.
     void WriteStatements(int files) const {
         for (int i = 0; i < files; ++i) {
             samples::StatementOptions options;

@@ -53,7 +53,7 @@ TEST_F(Session, FromAnEmptyDatabaseToASummaryAndBack) {
     ASSERT_EQ(std::system("setxkbmap ru"), 0);
     WaitFor(200);
     Send("key alt+Cyrillic_i");
-    ASSERT_TRUE(WaitText("lblInfoBase", "Выписок в базе данных: 7"));
+    ASSERT_TRUE(WaitText("lblInfoBase", "Выписок в базе данных: 6"));
     EXPECT_THAT(RowsOf({"frmmain", "lstBase"}), SizeIs(10));
 
     ClickAt({"frmmain", "Command3"});

@@ -1,0 +1,26 @@
+// Gathers what is found of a folder's files, one after the other, and makes the account of it.
+#pragma once
+
+#include <unordered_map>
+
+#include "load/account.h"
+#include "load/known_files.h"
+
+namespace tav {
+
+class AccountMaker {
+ public:
+    // A remark about a file, in the order in which they are to be told; the same one twice counts once.
+    void Add(const Text& file, Remark remark);
+    // Something of the file has been stored now.
+    void Stored(const Text& file) { found_[file].now = true; }
+
+    // The files that are listed, with what the database holds of them and what was found; a file of which
+    // nothing is known is new.
+    std::vector<FileAccount> FilesOf(const std::vector<Text>& listed, const HeldFiles& held) const;
+
+ private:
+    std::unordered_map<Text, FileAccount> found_;  // by the name; without the state in the database
+};
+
+}  // namespace tav

@@ -1,0 +1,24 @@
+// Whose documents are loaded.
+#pragma once
+
+#include "common/text.h"
+
+namespace tav {
+
+class TaxpayerChoice {
+ public:
+    // `inn`: one INN, or several between "|", to which any KPP belongs. `kpp`: 16 characters or more stand for
+    // any. Outer blanks are no part of either.
+    TaxpayerChoice(TextView inn, TextView kpp);
+
+    bool Owns(TextView inn, TextView kpp) const { return HasInn(inn) && HasKpp(kpp); }
+
+ private:
+    bool HasInn(TextView inn) const;
+    bool HasKpp(TextView kpp) const;
+
+    Text inn_;  // several: upper-cased, with "|" at both ends
+    Text kpp_;
+};
+
+}  // namespace tav
