@@ -51,8 +51,7 @@ Failure Failure::In(TextView document) const {
 }
 
 Failure FileInUse(TextView path) {
-    return Failure(RunTimeError::FileInUse,
-                   Text(u"Could not use '").append(path).append(u"'; file already in use."));
+    return Failure(RunTimeError::FileInUse, Concat(u"Could not use '", path, u"'; file already in use."));
 }
 
 Failure CurrentFailure() {

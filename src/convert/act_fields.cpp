@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "common/concat.h"
+
 namespace tav {
 namespace {
 
@@ -132,7 +134,7 @@ std::span<const ActField> ActFields() {
 
 Text FullPath(const ActField& field) {
     if (field.path.starts_with(u"//")) return Text(field.path);
-    return Text(kSection2).append(field.path);
+    return Concat(kSection2, field.path);
 }
 
 std::string ElementName(const ActField& field) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "common/concat.h"
 #include "common/regional.h"
 #include "db/literals.h"
 
@@ -51,7 +52,7 @@ Text ColumnName(TextView element) {
         !digits.empty() && std::ranges::all_of(digits, [](char16_t c) { return c >= u'0' && c <= u'9'; });
     if (!number) return Text(element);
     const std::size_t first = std::min(digits.find_first_not_of(u'0'), digits.size() - 1);
-    return Text(element.substr(0, 1)).append(digits.substr(first));
+    return Concat(element.substr(0, 1), digits.substr(first));
 }
 
 void ColumnValues::Clear() {

@@ -3,6 +3,7 @@
 #include <array>
 #include <utility>
 
+#include "common/concat.h"
 #include "common/guard.h"
 #include "common/progress.h"
 #include "common/regional.h"
@@ -28,7 +29,7 @@ constexpr std::array<std::pair<TextView, std::int16_t>, 6> kBalanceTypes = {{
 
 // 0 when the row is no balance line.
 std::int16_t BalanceType(TextView operation, TextView payment) {
-    const Text key = Text(operation.substr(0, kKeyCharacters)).append(payment);
+    const Text key = Concat(operation.substr(0, kKeyCharacters), payment);
     for (const auto& [balance, type] : kBalanceTypes) {
         if (key == balance) return type;
     }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "common/concat.h"
 #include "common/message_box.h"
 #include "db/literals.h"
 #include "reports/summary_heading.h"
@@ -20,16 +21,8 @@ std::vector<Text> OmittedActs(Connection& connection, const Summary& summary, co
     for (Recordset acts = connection.Execute(sql); !acts.Eof(); acts.MoveNext()) {
         const auto text = [&](TextView field) { return isns(acts.Field(field)); };
         if (!IsChosen(choice, {acts.Field(u"perb"), acts.Field(u"pere"), text(u"h7"), {}})) continue;
-        lines.push_back(Text(u"КПП ")
-                            .append(text(u"h2"))
-                            .append(u", КБК ")
-                            .append(text(u"h7"))
-                            .append(u", ОКАТО ")
-                            .append(text(u"h10"))
-                            .append(u", период ")
-                            .append(text(u"perb"))
-                            .append(u"-")
-                            .append(text(u"pere")));
+        lines.push_back(Concat(u"КПП ", text(u"h2"), u", КБК ", text(u"h7"), u", ОКАТО ", text(u"h10"),
+                               u", период ", text(u"perb"), u"-", text(u"pere")));
     }
     return lines;
 }
@@ -43,7 +36,7 @@ void ShowOmittedActs(const std::vector<Text>& lines) {
     const std::size_t shown = std::min(lines.size(), kShown);
     for (std::size_t i = 0; i < shown; ++i) text.append(u"\r\n").append(lines[i]);
     if (lines.size() > shown) {
-        text.append(u"\r\nи ещё ").append(Digits(static_cast<long long>(lines.size() - shown)));
+        text += Concat(u"\r\nи ещё ", Digits(static_cast<long long>(lines.size() - shown)));
     }
     ShowMessage(u"Сводная справка", text, MessageIcon::Information);
 }

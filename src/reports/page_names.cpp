@@ -1,5 +1,6 @@
 #include "reports/page_names.h"
 
+#include "common/concat.h"
 #include "common/windows1251.h"
 
 namespace tav {
@@ -52,7 +53,7 @@ Text PageNames::Take(std::initializer_list<TextView> fields) {
     Text name = stem;
     std::size_t& uses = uses_[UpperCase(stem)];
     while (++uses > 1) {
-        name = Text(stem).append(u"_").append(Digits(static_cast<long long>(uses)));
+        name = Concat(stem, u"_", Digits(static_cast<long long>(uses)));
         if (uses_.try_emplace(UpperCase(name), 1).second) break;
     }
     return name.append(u".doc");

@@ -1,5 +1,7 @@
 #include "reports/statement_columns.h"
 
+#include "common/concat.h"
+
 namespace tav {
 namespace {
 
@@ -98,7 +100,7 @@ SqlText OpeningSelect(TextView begin, std::int64_t id) {
                       u" from (select p9, p13, iif(p13<0,abs(p13),Null) as m4, iif(p13>0,p13,Null) as m8 "
                       u"from tav_operations where isnull(p1) and p3='"));
     SqlText sql(select);
-    return sql.Value(Text(u"Сальдо на ").append(begin)).Fixed(u"' and id=").Number(id).Fixed(u"))");
+    return sql.Value(Concat(u"Сальдо на ", begin)).Fixed(u"' and id=").Number(id).Fixed(u"))");
 }
 
 }  // namespace tav

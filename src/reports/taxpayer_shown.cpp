@@ -1,5 +1,6 @@
 #include "reports/taxpayer_shown.h"
 
+#include "common/concat.h"
 #include "common/get_next.h"
 #include "settings/settings.h"
 
@@ -11,7 +12,7 @@ std::optional<ShownTaxpayer> ChosenTaxpayer() {
     // The first element goes to the end of the list; what remains behind INN and KPP is the name.
     TextView list = setting;
     const TextView first = GetNext(list, u"|");
-    const Text turned = Text(list).append(u"|").append(first);
+    const Text turned = Concat(list, u"|", first);
     TextView rest = turned;
     ShownTaxpayer taxpayer;
     taxpayer.inn = GetNext(rest, u"|");

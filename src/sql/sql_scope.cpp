@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "common/concat.h"
 #include "common/failure.h"
 
 namespace tav::jet {
@@ -57,7 +58,7 @@ class StatementReader {
             const TextView kind = statement_.kind_ == StatementKind::Insert && scopes_read_ == 1
                                       ? u"Could not find output table '"
                                       : u"Could not find input table '";
-            throw Failure(Text(kind).append(At(token).text).append(u"'."));
+            throw Failure(Concat(kind, At(token).text, u"'."));
         }
         statement_.table_at_[token] = table;
         return table;

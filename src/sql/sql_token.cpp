@@ -4,6 +4,7 @@
 #include <array>
 #include <optional>
 
+#include "common/concat.h"
 #include "common/failure.h"
 #include "common/get_next.h"
 
@@ -28,7 +29,7 @@ bool IsBlank(char16_t c) {
 }
 
 [[noreturn]] void RefuseSign(TextView text, std::size_t at) {
-    throw Failure(Text(u"Syntax error in query expression '").append(text.substr(at, 40)).append(u"'."));
+    throw Failure(Concat(u"Syntax error in query expression '", text.substr(at, 40), u"'."));
 }
 
 class Tokenizer {
@@ -114,9 +115,8 @@ class Tokenizer {
                 ++at_;
             }
         }
-        throw Failure(Text(u"Syntax error in string in query expression '")
-                          .append(text_.substr(token.begin, 40))
-                          .append(u"'."));
+        throw Failure(
+            Concat(u"Syntax error in string in query expression '", text_.substr(token.begin, 40), u"'."));
     }
 
     void DateLiteral(Token& token) {
@@ -186,8 +186,7 @@ void CheckQuotedValue(TextView value) {
     while (at != value.npos) {
         const std::size_t end = std::min(value.find_first_not_of(u'\'', at), value.size());
         if ((end - at) % 2 != 0) {
-            throw Failure(
-                Text(u"Syntax error (missing operator) in query expression '").append(value).append(u"'."));
+            throw Failure(Concat(u"Syntax error (missing operator) in query expression '", value, u"'."));
         }
         at = value.find(u'\'', end);
     }
@@ -207,7 +206,7 @@ Date ReadDateLiteral(TextView token) {
     }
     const std::optional<Date> date = DateFromCivil({fields[2], fields[0], fields[1]});
     if (!good || !rest.empty() || !date) {
-        throw Failure(Text(u"Syntax error in date in query expression '").append(token).append(u"'."));
+        throw Failure(Concat(u"Syntax error in date in query expression '", token, u"'."));
     }
     return *date;
 }

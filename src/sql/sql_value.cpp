@@ -5,6 +5,7 @@
 #include <cstring>
 #include <optional>
 
+#include "common/concat.h"
 #include "common/failure.h"
 #include "common/regional.h"
 #include "sql/sql_collation.h"
@@ -172,8 +173,7 @@ Value ForComparison(const Column& column, Value literal) {
     if (column.IsText() && std::holds_alternative<Text>(literal)) return literal;
     std::optional<Value> converted = Converted(column, literal);
     if (converted) return *std::move(converted);
-    throw Failure(RunTimeError::DataTypeMismatch,
-                  Text(column.name).append(u" = '").append(ValueText(literal)).append(u"'"));
+    throw Failure(RunTimeError::DataTypeMismatch, Concat(column.name, u" = '", ValueText(literal), u"'"));
 }
 
 std::optional<Value> ForIndex(const Column& column, const Value& value) {

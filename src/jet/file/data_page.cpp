@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "common/concat.h"
 #include "jet/file/page_file.h"
 
 namespace tav::jet {
@@ -52,12 +53,12 @@ void InitializeDataPage(Page& page, std::uint32_t owner) {
 
 Record RecordAt(const PageFile& file, PageNumber number, const Page& page, unsigned slot) {
     const unsigned count = SlotCount(page);
-    if (slot >= count) file.Damaged(number, Text(u"it has no slot ").append(Digits(slot)));
+    if (slot >= count) file.Damaged(number, Concat(u"it has no slot ", Digits(slot)));
     const std::uint16_t word = U16(SlotAt(page, slot));
     const std::uint16_t begin = word & kStartMask;
     const std::uint16_t end = EndOf(page, slot);
     if ((word & 0x2000) != 0 || begin > end || end > kPageSize || begin < kSlotsAt + 2 * count) {
-        file.Damaged(number, Text(u"slot ").append(Digits(slot)).append(u" is out of its place"));
+        file.Damaged(number, Concat(u"slot ", Digits(slot), u" is out of its place"));
     }
     return {begin, static_cast<std::uint16_t>(end - begin), static_cast<std::uint16_t>(word & kSlotDeleted)};
 }

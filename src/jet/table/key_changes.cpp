@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "common/concat.h"
 #include "common/failure.h"
 #include "jet/file/page_file.h"
 #include "jet/index/index_key.h"
@@ -20,7 +21,7 @@ void RefuseNulls(const TableDefinition& table, const RealIndex& index, std::span
     for (const IndexColumn& part : index.columns) {
         if (!IsNull(values[part.column])) continue;
         throw Failure(u"Index or primary key cannot contain a Null value.")
-            .In(Text(table.name).append(u".").append(table.columns[part.column].name));
+            .In(Concat(table.name, u".", table.columns[part.column].name));
     }
 }
 
