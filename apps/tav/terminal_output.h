@@ -1,5 +1,5 @@
-// The terminal as the component's screen: results on standard output, messages and the progress bar on
-// standard error.
+// The terminal as the component's screen: results on standard
+// output, messages and the progress bar on standard error.
 #pragma once
 
 #include "common/message_box.h"
@@ -8,8 +8,8 @@
 
 namespace tav::cli {
 
-// Writes to standard output. A reader that went away or a full disk is a Failure, so that no result is half
-// given.
+// Writes to standard output. A reader that went away or a
+// full disk is a Failure, so that no result is half given.
 void Print(std::string_view bytes);
 void PrintLine(TextView text);
 

@@ -1,5 +1,5 @@
-// Where a reconciliation act in XML keeps its values: 111 attributes, in the order in which the catalogue
-// entry has them.
+// Where a reconciliation act in XML keeps its values: 111
+// attributes, in the order in which the catalogue entry has them.
 #pragma once
 
 #include <span>

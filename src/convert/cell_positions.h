@@ -1,8 +1,8 @@
 // Which field of a printed form a frame belongs to: its horizontal position in twips decides.
 //
-// In the pages' plain text a positioned frame's line begins with "posx" and the position. Known positions
-// become the tags that the line reader knows; a position that is not known becomes "##|" with its digits left
-// behind the tag.
+// In the pages' plain text a positioned frame's line begins with "posx" and the
+// position. Known positions become the tags that the line reader knows; a
+// position that is not known becomes "##|" with its digits left behind the tag.
 #pragma once
 
 #include <cstddef>

@@ -17,8 +17,8 @@ constexpr std::string_view kHexEscape = "\\'";
 constexpr std::size_t kHexEscapeSize = 4;
 constexpr int kFirstDecodedByte = 0xB9;
 
-// The escapes that vanish, in the order in which they are defined to be replaced: first \u1001 to \u1103,
-// then these.
+// The escapes that vanish, in the order in which they are
+// defined to be replaced: first \u1001 to \u1103, then these.
 constexpr std::string_view kUnicodeEscape = "\\u1";
 constexpr int kUnicodeEscapes = 103;
 constexpr std::string_view kVanishing[] = {"\\u8470", "\\uc1", "\\u160", "\\'a0", "\\~"};

@@ -2,9 +2,9 @@
 // text that a person reads. It knows only the escapes of these documents and works by replacing them.
 // What the catalogue holds is read by rich_text.h; this one is for looking at single frames.
 //
-// In: the bytes of an RTF, where a byte is a character of Windows-1251. Out: Windows-1251 bytes. Positions
-// count from 1; 0 says that nothing (more) was found. Whatever the bytes, the work grows with their number
-// only.
+// In: the bytes of an RTF, where a byte is a character of Windows-1251. Out:
+// Windows-1251 bytes. Positions count from 1; 0 says that nothing (more) was
+// found. Whatever the bytes, the work grows with their number only.
 //
 // Failures, each in a message box of its own, after which goes on what can go on: a position below 0 and a
 // group without any backslash that gave no text are "Invalid procedure call or argument", a position that

@@ -3,7 +3,7 @@
 // In: lines of Windows-1251 text without their line ends, in the document's order. A frame's line begins with
 // a tag (cell_positions.h), the end of a page is "##p"; other lines are what stands outside of frames.
 // Out: the `part` elements of the catalogue, lines indented with TABs and ended by CR LF. Values are copied
-// as they stand.
+// unchanged.
 //
 // The elements are opened and closed by the lines that carry them: a document that lacks such a line yields a
 // fragment that is not well-formed, on purpose.
@@ -68,8 +68,8 @@ class StatementLines {
     bool in_body_ = false;
     std::string_view pending_opening_;
     std::string_view pending_closing_;
-    // Where the slash of the act's taxpayer line stands; later 0 or 1, which of the trailer fields comes
-    // next.
+    // Where the slash of the act's taxpayer line stands;
+    // later 0 or 1, which of the trailer fields comes next.
     std::int16_t slash_position_ = 0;
 };
 

@@ -34,11 +34,11 @@ class Connection {
     Recordset Execute(const SqlText& sql);
     Recordset Execute(TextView sql) { return Execute(SqlText(sql)); }
 
-    // The statements executed so far reach the disk together (one unit per source file). Nothing a caller can
-    // see changes.
+    // The statements executed so far reach the disk together (one
+    // unit per source file). Nothing a caller can see changes.
     void EndUnit();
-    // How much room there is for more, in bytes: pages inside the file that are free, and what it may grow
-    // by.
+    // How much room there is for more, in bytes: pages inside
+    // the file that are free, and what it may grow by.
     std::uint64_t RoomLeft() const;
 
     void Close();

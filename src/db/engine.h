@@ -1,5 +1,5 @@
-// What stands behind a connection: the native engine, or on Windows the one that an ADO provider of the
-// machine drives.
+// What stands behind a connection: the native engine, or on
+// Windows the one that an ADO provider of the machine drives.
 #pragma once
 
 #include <cstdint>

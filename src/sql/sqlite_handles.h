@@ -34,9 +34,9 @@ class Callbacks {
     std::exception_ptr failure_;
 };
 
-// An empty SQLite in memory with the dialect's collation and functions, that does nothing but select, insert,
-// update and delete on virtual tables, within narrow limits. Its own encoding is UTF-16. `callbacks` outlives
-// it.
+// An empty SQLite in memory with the dialect's collation and functions, that
+// does nothing but select, insert, update and delete on virtual tables,
+// within narrow limits. Its own encoding is UTF-16. `callbacks` outlives it.
 SqliteHandle OpenSqlite(Callbacks& callbacks);
 
 // What SQLite says about the last call, for a statement of that kind.

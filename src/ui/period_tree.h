@@ -35,7 +35,8 @@ struct PeriodNode {
 // all of them for empty text.
 std::vector<PeriodNode> PeriodTree(const Summary& summary, TextView code);
 
-// The key in the tree `now` of the period that `key` has in the tree `before`, or of its nearest parent that is in both.
+// The key in the tree `now` of the period that `key` has in
+// the tree `before`, or of its nearest parent that is in both.
 Text SamePeriod(const std::vector<PeriodNode>& before, TextView key, const std::vector<PeriodNode>& now);
 
 }  // namespace tav

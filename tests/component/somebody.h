@@ -1,5 +1,5 @@
-// Answers message boxes while nobody sits at the screen, those of other processes as well, and remembers
-// them.
+// Answers message boxes while nobody sits at the screen,
+// those of other processes as well, and remembers them.
 #pragma once
 
 #include <windows.h>

@@ -18,8 +18,8 @@ class AdoDouble {
     AdoDouble(const AdoDouble&) = delete;
     AdoDouble& operator=(const AdoDouble&) = delete;
 
-    // "CursorLocation=3", "Open text|user|password|options", "Execute text", "Close", in the order of the
-    // calls.
+    // "CursorLocation=3", "Open text|user|password|options",
+    // "Execute text", "Close", in the order of the calls.
     static std::vector<Text>& Calls();
 
  private:

@@ -81,8 +81,8 @@ void ExpectGolden(std::string_view path, std::string_view actual);
 void ExpectTranscript(std::string_view path, const std::function<Text(TextView input)>& answer);
 
 // Bytes and texts as such files show them: U+21B5 is CR LF, U+2400 and the following are control characters
-// and, at the end of a line, the space, U+237D is a no-break space; in what goes in, a number in U+27E8 and U+27E9 says how often the character
-// before it stands. Other characters are those of Windows-1251.
+// and, at the end of a line, the space, U+237D is a no-break space; in what goes in, a number in U+27E8 and
+// U+27E9 says how often the character before it stands. Other characters are those of Windows-1251.
 std::string Unpictured(TextView pictured);
 Text Pictured(std::string_view bytes);
 

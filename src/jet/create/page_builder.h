@@ -22,8 +22,8 @@ class DataPage {
     Page page_{};
 };
 
-// An inline usage map that covers the first 512 pages and holds those from `first` up to, not including,
-// `end`.
+// An inline usage map that covers the first 512 pages and
+// holds those from `first` up to, not including, `end`.
 std::string MapRecord(PageNumber first, PageNumber end);
 
 // The one leaf of a small index. `entries` are in byte order. A Failure when they do not fit.

@@ -1,8 +1,8 @@
 // The four core system tables of a new database, as data: columns, indexes, rows.
 //
-// Known from databases that Access and its engine made; all of them hold the same tables. The security ids
-// (SIDs) are masked with something that depends on the file, so the creation date and the ids belong
-// together.
+// Known from databases that Access and its engine made; all of them hold
+// the same tables. The security ids (SIDs) are masked with something that
+// depends on the file, so the creation date and the ids belong together.
 #pragma once
 
 #include <array>

@@ -17,8 +17,8 @@ class PageFile;
 
 class KeyChanges {
  public:
-    // Row values in the order of the table's columns; `before` is empty for a row that is inserted, `after` for
-    // one that is deleted. A value that has no key is a Failure that names column and index.
+    // Row values in the order of the table's columns; `before` is empty for a row that is inserted,
+    // `after` for one that is deleted. A value that has no key is a Failure that names column and index.
     KeyChanges(const TableDefinition& table, std::span<const Value> before, std::span<const Value> after);
 
     // What breaks a rule is a Failure with the database engine's usual message.
