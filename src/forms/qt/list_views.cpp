@@ -1,4 +1,5 @@
-// The list box and the combo box.
+#include "forms/qt/list_views.h"
+
 #include <QComboBox>
 #include <QListView>
 #include <QStyledItemDelegate>

@@ -1,4 +1,5 @@
-// The tree.
+#include "forms/qt/tree_view.h"
+
 #include <QHeaderView>
 #include <QTreeView>
 #include <utility>

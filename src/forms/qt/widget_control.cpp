@@ -17,7 +17,9 @@
 #include <utility>
 
 #include "forms/qt/icons.h"
+#include "forms/qt/list_views.h"
 #include "forms/qt/qt_text.h"
+#include "forms/qt/tree_view.h"
 #include "forms/reader_names.h"
 
 namespace tav {

@@ -42,11 +42,6 @@ using MadeControl = std::unique_ptr<ControlQt>;
 // By the plan's kind; the widget gets the plan's name, caption, tool-tip and mnemonic.
 MadeControl MakeControl(const ControlPlan& plan, QWidget* parent, const Raise& raise);
 
-// The kinds that stand in files of their own.
-MadeControl MakeListBox(const ControlPlan& plan, QWidget* parent, const Raise& raise);
-MadeControl MakeComboBox(const ControlPlan& plan, QWidget* parent, const Raise& raise);
-MadeControl MakeTreeView(const ControlPlan& plan, QWidget* parent, const Raise& raise);
-
 // A size in average characters and lines of the widget's font, whatever the screen's resolution.
 QSize CharacterSize(const QWidget& widget, int characters, int lines);
 
