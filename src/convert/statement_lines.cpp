@@ -243,8 +243,8 @@ void StatementLines::AddActHeaderField(std::string_view line) {
     }
 }
 
-// "##a<h@@>name 7701000000/ 770101001": the number before the slash is ten characters long and has a blank
-// before it.
+// "##a<h@@>name 7701000000/ 770101001": the number before the slash has 10 characters, or 12 when they all are
+// digits, and a blank before it.
 void StatementLines::AddTaxpayer(std::string_view line) {
     const std::size_t found = line.find("/ ");
     const std::size_t position = found == line.npos ? 0 : found + 1;
@@ -254,8 +254,10 @@ void StatementLines::AddTaxpayer(std::string_view line) {
     slash_position_ = static_cast<std::int16_t>(position);
     if (position == 0) return;
     if (position < 20) throw Failure(RunTimeError::InvalidProcedureCall);
-    WriteHeadField("h03", TrimBlanks(Mid(line, 9, position - 20)));
-    WriteHeadField("h01", Mid(line, position - 10, 10));
+    const std::size_t digits = position > 20 && IsNumber(Mid(line, position - 12, 12)) ? 12 : 10;
+    const std::size_t name = std::max<std::size_t>(position, 10 + digits) - 10 - digits;
+    WriteHeadField("h03", TrimBlanks(Mid(line, 9, name)));
+    WriteHeadField("h01", Mid(line, position - digits, digits));
     WriteHeadField("h02", Mid(line, position + 2));
 }
 
