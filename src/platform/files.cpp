@@ -4,8 +4,6 @@
 
 #include <algorithm>
 
-#include "platform/listing.h"
-
 namespace tav {
 
 Text WithSeparator(TextView folder) {
@@ -30,14 +28,6 @@ Text UserPath(TextView typed) {
     std::replace_if(
         path.begin(), path.end(), [](char16_t c) { return c == u'/' || c == u'\\'; }, kPathSeparator);
     return path;
-}
-
-std::vector<Text> Listing::Sorted() {
-    std::sort(found_.begin(), found_.end());
-    std::vector<Text> names;
-    names.reserve(found_.size());
-    for (auto& entry : found_) names.push_back(std::move(entry.second));
-    return names;
 }
 
 }  // namespace tav

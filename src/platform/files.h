@@ -6,7 +6,9 @@
 // else "Path/File access error" with the system's own words.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -35,14 +37,18 @@ bool FolderExists(TextView path);
 // empty text is the present folder.
 bool SameFolder(TextView a, TextView b);
 
-// What shows that a file has changed. No value when the file does not exist.
+// What shows that a file has changed. No value when the file does not exist. Times are nanoseconds
+// since 1970 by the file system's clock, which may go on in steps of kFileClockStep.
 struct FileStamp {
     std::uint64_t size = 0;
-    std::int64_t changed = 0;  // when, in nanoseconds of a clock of its own
+    std::int64_t written = 0;  // when its content was said to change last, which anybody may set
+    // When it changed last: on Linux also by what cannot be set, as another file that took its name.
+    std::int64_t changed = 0;
 
     bool operator==(const FileStamp&) const = default;
 };
 std::optional<FileStamp> StampOf(TextView path);
+inline constexpr std::chrono::milliseconds kFileClockStep{16};
 
 // The file that a path leads to, through all links; the path itself when the file does not exist.
 Text RealPath(TextView path);
@@ -54,6 +60,12 @@ void MakeFolders(TextView file_path);
 // The bare names of the folder's plain files (and links to such) that end in `ending` without regard to
 // letter case, sorted by their upper-cased names, hidden files included. A missing folder counts as empty.
 std::vector<Text> ListFiles(TextView folder, TextView ending);
+// The same of those that are wanted, with their stamps.
+struct StampedFile {
+    Text name;
+    FileStamp stamp;
+};
+std::vector<StampedFile> ListFilesWithStamps(TextView folder, const std::function<bool(TextView)>& wanted);
 
 std::string ReadFile(TextView path);
 // The file's first `most` bytes; a shorter file whole.
@@ -61,7 +73,12 @@ std::string ReadFileHead(TextView path, std::size_t most);
 
 // Writes the file whole or not at all: a temporary file in the same folder, synced, then
 // renamed over the target. A failure leaves the old file as it was and no temporary file.
-void WriteFileWhole(TextView path, std::string_view bytes);
+// The file says that it was written `earlier` than it was.
+void WriteFileWhole(TextView path, std::string_view bytes, std::chrono::nanoseconds earlier = {});
+// Whether a file of that name is what WriteFileWhole leaves when it is killed;
+// and its removal, unless somebody still writes it.
+bool IsLeftover(TextView name);
+void RemoveLeftover(TextView path);
 // Writes a new file under its own name, with the rights of the file `like`;
 // it and its entry in the folder are on the disk when this returns. A file of
 // that name is deleted first. A failure leaves no file, a kill part of one.

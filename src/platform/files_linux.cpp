@@ -96,13 +96,36 @@ int SyncFolder(TextView folder) {
     return ::fsync(descriptor.number()) == 0 || errno == EINVAL || errno == ENOTSUP ? 0 : errno;
 }
 
+constexpr std::int64_t kNanoseconds = 1'000'000'000;
+
+std::int64_t Nanoseconds(const timespec& time) {
+    return time.tv_sec * kNanoseconds + time.tv_nsec;
+}
+
+// A time of content in the future was set by somebody and says nothing. The time of the record is the system's own
+// and goes with every change of content.
+FileStamp StampOf(const struct stat& status) {
+    const std::int64_t content = Nanoseconds(status.st_mtim);
+    const std::int64_t record = Nanoseconds(status.st_ctim);
+    FileStamp stamp{static_cast<std::uint64_t>(status.st_size), std::min(content, record), record};
+    if (content <= record) return stamp;
+    timespec now{};
+    ::clock_gettime(CLOCK_REALTIME, &now);
+    if (content <= Nanoseconds(now)) stamp.changed = content;
+    return stamp;
+}
+
+constexpr TextView kTemporary = u".tav-";
+constexpr std::size_t kTemporaryLetters = 6;
+
 // A new file beside `target` that becomes `target` by Rename, and goes if it does not get there.
 class ReplacementFile {
  public:
     ReplacementFile(TextView target, mode_t mode) : target_(target) {
-        pattern_ = Native(FolderOf(target_) + u".tav-") + std::string(6, 'X');
+        pattern_ = Native(FolderOf(target_).append(kTemporary)) + std::string(kTemporaryLetters, 'X');
         file_ = Descriptor(::mkostemp(pattern_.data(), O_CLOEXEC));
         if (!file_) Refuse(errno, target_);
+        ::flock(file_.number(), LOCK_EX | LOCK_NB);  // so that nobody takes it for a leftover
         ::fchmod(file_.number(), mode);
     }
     ~ReplacementFile() {
@@ -112,6 +135,13 @@ class ReplacementFile {
     ReplacementFile& operator=(const ReplacementFile&) = delete;
 
     void Write(std::string_view bytes) { posix::WriteAll(file_, bytes, target_); }
+    void SetBack(std::chrono::nanoseconds time) {
+        struct stat status {};
+        if (::fstat(file_.number(), &status) != 0) Refuse(errno, target_);
+        const std::int64_t written = Nanoseconds(status.st_mtim) - time.count();
+        status.st_mtim = {written / kNanoseconds, written % kNanoseconds};
+        SetTimes(status);
+    }
     void SetTimes(const struct stat& status) {
         const timespec times[2] = {status.st_atim, status.st_mtim};
         ::futimens(file_.number(), times);
@@ -120,6 +150,7 @@ class ReplacementFile {
         if (::fsync(file_.number()) != 0) Refuse(errno, target_);
         if (::rename(pattern_.c_str(), Native(target_).c_str()) != 0) Refuse(errno, target_);
         renamed_ = true;
+        ::flock(file_.number(), LOCK_UN);
         SyncFolder(FolderOf(target_));  // the new file is in place, whatever this says
     }
 
@@ -129,6 +160,23 @@ class ReplacementFile {
     Descriptor file_;
     bool renamed_ = false;
 };
+
+// Hands on the folder's wanted names: take(descriptor of the folder, entry, name). A folder that is not there has
+// none.
+template <class Wanted, class Take>
+void ForEachName(TextView folder, Wanted&& wanted, Take take) {
+    const Text prefix = WithSeparator(folder);
+    const std::unique_ptr<DIR, int (*)(DIR*)> listing(
+        ::opendir(prefix.empty() ? "." : Native(prefix).c_str()), ::closedir);
+    if (listing == nullptr) {
+        if (errno == ENOENT || errno == ENOTDIR) return;
+        Refuse(errno, folder);
+    }
+    while (const dirent* entry = ::readdir(listing.get())) {
+        Text name = FromUtf8(entry->d_name);
+        if (wanted(name)) take(::dirfd(listing.get()), *entry, std::move(name));
+    }
+}
 
 // The rights of the file that is replaced, or those of a new one.
 mode_t ModeFor(TextView target) {
@@ -186,9 +234,7 @@ bool FolderExists(TextView path) {
 std::optional<FileStamp> StampOf(TextView path) {
     struct stat status {};
     if (!Status(path, status)) return std::nullopt;
-    constexpr std::int64_t kNanoseconds = 1'000'000'000;
-    return FileStamp{static_cast<std::uint64_t>(status.st_size),
-                     status.st_mtim.tv_sec * kNanoseconds + status.st_mtim.tv_nsec};
+    return StampOf(status);
 }
 
 bool SameFolder(TextView a, TextView b) {
@@ -216,22 +262,25 @@ void MakeFolders(TextView file_path) {
 }
 
 std::vector<Text> ListFiles(TextView folder, TextView ending) {
-    const Text prefix = WithSeparator(folder);
-    const std::unique_ptr<DIR, int (*)(DIR*)> listing(
-        ::opendir(prefix.empty() ? "." : Native(prefix).c_str()), ::closedir);
-    Listing found(ending);
-    if (listing == nullptr) {
-        if (errno == ENOENT || errno == ENOTDIR) return {};
-        Refuse(errno, folder);
-    }
-    while (const dirent* entry = ::readdir(listing.get())) {
-        Text name = FromUtf8(entry->d_name);
-        if (!found.Wants(name)) continue;
+    Listing<Text> found;
+    const auto wanted = [&](TextView name) { return EqualNoCase(Right(name, ending.size()), ending); };
+    ForEachName(folder, wanted, [&](int listing, const dirent& entry, Text name) {
         struct stat status {};
-        const bool plain =
-            entry->d_type == DT_REG || (Status(prefix + name, status) && S_ISREG(status.st_mode));
-        if (plain) found.Add(std::move(name));
-    }
+        const bool plain = entry.d_type == DT_REG ||
+                           (::fstatat(listing, entry.d_name, &status, 0) == 0 && S_ISREG(status.st_mode));
+        if (plain) found.Add(UpperCase(name), name);
+    });
+    return found.Sorted();
+}
+
+std::vector<StampedFile> ListFilesWithStamps(TextView folder, const std::function<bool(TextView)>& wanted) {
+    Listing<StampedFile> found;
+    ForEachName(folder, wanted, [&](int listing, const dirent& entry, Text name) {
+        struct stat status {};
+        if (::fstatat(listing, entry.d_name, &status, 0) != 0 || !S_ISREG(status.st_mode)) return;
+        Text upper = UpperCase(name);
+        found.Add(std::move(upper), {std::move(name), StampOf(status)});
+    });
     return found.Sorted();
 }
 
@@ -252,12 +301,23 @@ std::string ReadFileHead(TextView path, std::size_t most) {
     return bytes;
 }
 
-void WriteFileWhole(TextView path, std::string_view bytes) {
+void WriteFileWhole(TextView path, std::string_view bytes, std::chrono::nanoseconds earlier) {
     RefuseHeldFile(path);
     const Text target = RealPath(path);  // a replacement keeps the link
     ReplacementFile replacement(target, ModeFor(target));
     replacement.Write(bytes);
+    if (earlier.count() > 0) replacement.SetBack(earlier);
     replacement.Rename();
+}
+
+bool IsLeftover(TextView name) {
+    return name.starts_with(kTemporary) && name.size() == kTemporary.size() + kTemporaryLetters;
+}
+
+void RemoveLeftover(TextView path) {
+    const std::string native = Native(path);
+    const Descriptor file(::open(native.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (file && ::flock(file.number(), LOCK_EX | LOCK_NB) == 0) ::unlink(native.c_str());
 }
 
 void WriteFileLike(TextView like, TextView path, std::string_view bytes) {

@@ -58,12 +58,40 @@ void Sync(const Handle& file, TextView path) {
     if (!::FlushFileBuffers(file.get())) Refuse(::GetLastError(), path);
 }
 
+constexpr std::int64_t kNanosecondsOfTick = 100;  // of the file system's clock
+
+std::uint64_t Ticks(const FILETIME& time) {
+    return std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime;
+}
+
+// Of what the system finds out about a file, by its name or in a listing.
+template <class Found>
+FileStamp StampFrom(const Found& found) {
+    constexpr std::uint64_t kYear1970 =
+        116444736000000000ULL;  // in ticks; nanoseconds since 1601 are too many
+    const std::int64_t written =
+        static_cast<std::int64_t>(Ticks(found.ftLastWriteTime) - kYear1970) * kNanosecondsOfTick;
+    return {std::uint64_t{found.nFileSizeHigh} << 32 | found.nFileSizeLow, written, written};
+}
+
+// The file says that it was written earlier than it was.
+void SetBack(const Handle& file, std::chrono::nanoseconds time, TextView path) {
+    FILETIME written{};
+    if (!::GetFileTime(file.get(), nullptr, nullptr, &written)) Refuse(::GetLastError(), path);
+    const std::uint64_t ticks =
+        Ticks(written) - static_cast<std::uint64_t>(time.count() / kNanosecondsOfTick);
+    written = {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
+    if (!::SetFileTime(file.get(), nullptr, nullptr, &written)) Refuse(::GetLastError(), path);
+}
+
+constexpr TextView kTemporary = u".tav-";
+
 // A name in the folder of `target` that nobody uses.
 Text TemporaryName(TextView target) {
     static unsigned counter = 0;
     for (;;) {
         const auto ticks = static_cast<long long>(::GetTickCount64());
-        Text name = Concat(FolderOf(target), u".tav-", Digits(::GetCurrentProcessId()), u"-", Digits(ticks),
+        Text name = Concat(FolderOf(target), kTemporary, Digits(::GetCurrentProcessId()), u"-", Digits(ticks),
                            u"-", Digits(++counter));
         if (!Attributes(name)) return name;
     }
@@ -181,13 +209,7 @@ bool FolderExists(TextView path) {
 std::optional<FileStamp> StampOf(TextView path) {
     WIN32_FILE_ATTRIBUTE_DATA found{};
     if (!::GetFileAttributesExW(NativePath(path).c_str(), GetFileExInfoStandard, &found)) return std::nullopt;
-    constexpr std::int64_t kNanoseconds = 100;  // of a tick of the file system's clock
-    constexpr std::uint64_t kYear1970 =
-        116444736000000000ULL;  // in ticks; nanoseconds since 1601 are too many
-    const std::uint64_t ticks =
-        std::uint64_t{found.ftLastWriteTime.dwHighDateTime} << 32 | found.ftLastWriteTime.dwLowDateTime;
-    return FileStamp{std::uint64_t{found.nFileSizeHigh} << 32 | found.nFileSizeLow,
-                     static_cast<std::int64_t>(ticks - kYear1970) * kNanoseconds};
+    return StampFrom(found);
 }
 
 bool SameFolder(TextView a, TextView b) {
@@ -229,9 +251,16 @@ void MakeFolders(TextView file_path) {
     }
 }
 
-// Patterns of the system would also match short names ("x.rtfx"
-// has one that ends in ".RTF"), so all names are looked at.
 std::vector<Text> ListFiles(TextView folder, TextView ending) {
+    std::vector<Text> names;
+    const auto wanted = [&](TextView name) { return EqualNoCase(Right(name, ending.size()), ending); };
+    for (StampedFile& file : ListFilesWithStamps(folder, wanted)) names.push_back(std::move(file.name));
+    return names;
+}
+
+// Patterns of the system would also match short names ("x.rtfx" has one that ends in ".RTF"), so all names
+// are looked at.
+std::vector<StampedFile> ListFilesWithStamps(TextView folder, const std::function<bool(TextView)>& wanted) {
     WIN32_FIND_DATAW entry{};
     const std::wstring native = NativePath(folder);
     const HANDLE search =
@@ -243,11 +272,12 @@ std::vector<Text> ListFiles(TextView folder, TextView ending) {
         Refuse(error, folder);
     }
     const std::unique_ptr<void, decltype(&::FindClose)> owner(search, ::FindClose);
-    Listing listing(ending);
+    Listing<StampedFile> listing;
     do {
         Text name = win32::FromWide(entry.cFileName);
-        const bool plain = (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
-        if (plain && listing.Wants(name)) listing.Add(std::move(name));
+        if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 || !wanted(name)) continue;
+        Text upper = UpperCase(name);
+        listing.Add(std::move(upper), {std::move(name), StampFrom(entry)});
     } while (::FindNextFileW(search, &entry));
     if (const DWORD error = ::GetLastError(); error != ERROR_NO_MORE_FILES) Refuse(error, folder);
     return listing.Sorted();
@@ -272,7 +302,7 @@ std::string ReadFileHead(TextView path, std::size_t most) {
     return bytes;
 }
 
-void WriteFileWhole(TextView path, std::string_view bytes) {
+void WriteFileWhole(TextView path, std::string_view bytes, std::chrono::nanoseconds earlier) {
     const Text target = RealPath(path);  // a replacement keeps the link
     RefuseHeldFile(target);
     TemporaryFile replacement(target);
@@ -281,6 +311,7 @@ void WriteFileWhole(TextView path, std::string_view bytes) {
                                         FILE_ATTRIBUTE_NORMAL, nullptr));
         if (!file) Refuse(::GetLastError(), path);
         WriteAll(file, bytes, path);
+        if (earlier.count() > 0) SetBack(file, earlier, path);
         Sync(file, path);
     }
     if (Attributes(target)) {
@@ -288,6 +319,17 @@ void WriteFileWhole(TextView path, std::string_view bytes) {
     } else {
         replacement.MoveOver(target);
     }
+}
+
+// The name goes on with three numbers.
+bool IsLeftover(TextView name) {
+    return name.starts_with(kTemporary) &&
+           name.find_first_not_of(u"0123456789-", kTemporary.size()) == name.npos;
+}
+
+// A file that somebody still writes is not shared, so it cannot be deleted.
+void RemoveLeftover(TextView path) {
+    ::DeleteFileW(NativePath(path).c_str());
 }
 
 // The system writes the folder's entry through with the file.

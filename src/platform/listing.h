@@ -1,6 +1,7 @@
-// The names that a listing of a folder gives, whatever system lists it.
+// The files that a listing of a folder gives, whatever system lists it.
 #pragma once
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -8,21 +9,28 @@
 
 namespace tav {
 
+template <class File>
 class Listing {
  public:
-    explicit Listing(TextView ending) : ending_(ending) {}
-
-    // Whether the name ends as asked, without regard to letter case.
-    bool Wants(TextView name) const {
-        return name.size() >= ending_.size() && EqualNoCase(Right(name, ending_.size()), ending_);
+    void Add(Text upper_cased_name, File file) {
+        found_.emplace_back(std::move(upper_cased_name), std::move(file));
     }
-    void Add(Text name) { found_.emplace_back(UpperCase(name), std::move(name)); }
-    // What was added, in the order of the upper-cased names.
-    std::vector<Text> Sorted();
+    // What was added, in the order of the upper-cased names; of two that differ in letter case only, in their own.
+    std::vector<File> Sorted() {
+        std::ranges::sort(found_, [](const auto& a, const auto& b) {
+            return a.first != b.first ? a.first < b.first : NameOf(a.second) < NameOf(b.second);
+        });
+        std::vector<File> files;
+        files.reserve(found_.size());
+        for (auto& entry : found_) files.push_back(std::move(entry.second));
+        return files;
+    }
 
  private:
-    TextView ending_;
-    std::vector<std::pair<Text, Text>> found_;  // upper-cased name, name
+    static const Text& NameOf(const Text& name) { return name; }
+    static const Text& NameOf(const auto& file) { return file.name; }
+
+    std::vector<std::pair<Text, File>> found_;  // with the upper-cased name
 };
 
 }  // namespace tav
