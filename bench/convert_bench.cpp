@@ -50,7 +50,7 @@ BENCHMARK(PageConversion)->Unit(benchmark::kMillisecond);
 void WholeReader(benchmark::State& state) {
     const Statement statement;
     for (auto _ : state) {
-        if (LoadRtfFile(statement.folder.path(), u"statement.rtf").empty()) std::abort();
+        if (LoadRtfFile(statement.folder.path(), u"statement.rtf").entry.empty()) std::abort();
     }
     state.SetBytesProcessed(state.iterations() * statement.size);
 }

@@ -39,7 +39,7 @@ void NewDatabase(TextView path) {
 
 Text LoadManyFiles(const Folder& folder, int count) {
     samples::ManyFiles(folder / u"in/", count);
-    const Text catalogue = CheckXml(folder / u"in/");
+    const Text catalogue = CheckXml(folder / u"in/").catalogue;
     NewDatabase(folder / u"base.mdb");
     LoadFromXml(catalogue, folder / u"base.mdb", samples::SampleTaxpayer().inn, samples::SampleTaxpayer().kpp,
                 u"");

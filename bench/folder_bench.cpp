@@ -40,7 +40,7 @@ BENCHMARK(Scan)->Apply(Sizes)->Unit(benchmark::kMillisecond)->Complexity();
 void LoadCatalogue(benchmark::State& state) {
     const bench::Folder folder;
     samples::ManyFiles(folder / u"in/", static_cast<int>(state.range(0)));
-    const Text catalogue = CheckXml(folder / u"in/");
+    const Text catalogue = CheckXml(folder / u"in/").catalogue;
     for (auto _ : state) {
         state.PauseTiming();
         bench::NewDatabase(folder / u"base.mdb");
@@ -56,7 +56,7 @@ void SecondImport(benchmark::State& state) {
     const bench::Folder folder;
     bench::LoadManyFiles(folder, static_cast<int>(state.range(0)));
     ConstrTabTypeOper(folder / u"base.mdb");
-    for (auto _ : state) Load(folder, CheckXml(folder / u"in/"));
+    for (auto _ : state) Load(folder, CheckXml(folder / u"in/").catalogue);
 }
 BENCHMARK(SecondImport)->Arg(2000)->Arg(20000)->Unit(benchmark::kMillisecond);
 

@@ -20,8 +20,8 @@ void StatementReport(benchmark::State& state) {
     options.rows = static_cast<int>(state.range(0));
     samples::WriteDocument(folder / u"in/", samples::MakeStatement(options));
     bench::NewDatabase(folder / u"base.mdb");
-    LoadFromXml(CheckXml(folder / u"in/"), folder / u"base.mdb", options.taxpayer.inn, options.taxpayer.kpp,
-                u"");
+    LoadFromXml(CheckXml(folder / u"in/").catalogue, folder / u"base.mdb", options.taxpayer.inn,
+                options.taxpayer.kpp, u"");
     for (auto _ : state) {
         const Text path = GetVipis(folder / u"base.mdb", 1, folder.path());
         if (path.empty()) std::abort();

@@ -1,5 +1,6 @@
 // tav convert: catalogue entries of single files, as the folder scan would make them.
 
+#include <cstdio>
 #include <memory>
 
 #include "commands.h"
@@ -14,16 +15,23 @@ namespace tav::cli {
 namespace {
 
 std::string ConvertXml(const Text& folder, const Text& name) {
-    const ActEntry entry = ConvertAct(folder, name, ActSchemaPath());
-    if (entry.fault != ActFault::None) throw Failure(Text(name).append(u": ").append(entry.reason));
-    return entry.bytes;
+    const Conversion act = LoadXMLFile(folder, name);
+    if (!act.unreadable && !act.reason.empty()) throw Failure(Text(name).append(u": ").append(act.reason));
+    return act.entry;
+}
+
+std::string ConvertRtf(const Text& folder, const Text& name) {
+    const Conversion form = LoadRtfFile(folder, name);
+    const Text dropped = DroppedTextLine(name, form.dropped_pages);
+    if (!dropped.empty()) std::fputs(ToUtf8(dropped + u"\n").c_str(), stderr);
+    return form.entry;
 }
 
 std::string ConvertFile(const Text& path) {
     const Text folder = FolderOf(path);
     const Text name = NameOf(path);
     const TextView ending = Right(name, 3);
-    if (EqualNoCase(ending, u"rtf")) return LoadRtfFile(folder, name);
+    if (EqualNoCase(ending, u"rtf")) return ConvertRtf(folder, name);
     if (EqualNoCase(ending, u"xml")) return ConvertXml(folder, name);
     throw Failure(Text(u"Не rtf и не xml: ") + path);
 }

@@ -77,7 +77,7 @@ void Scan(Context& context, const std::string& folder) {
     Guarded(u"Ошибка в функции CheckXml", [&] {
         const Text path = ExistingFolder(PathArgument(folder));
         WithProgress(context, [&] {
-            const Text catalogue = CheckXml(path);
+            const Text catalogue = CheckXml(path).catalogue;
             if (!catalogue.empty()) PrintLine(catalogue);
             return catalogue.empty() && CancelStamp() != 0;
         });

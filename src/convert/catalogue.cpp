@@ -1,103 +1,51 @@
 #include "convert/catalogue.h"
 
 #include <algorithm>
+#include <utility>
 
-#include "common/get_next.h"
 #include "common/progress.h"
 #include "common/windows1251.h"
-#include "convert/markup_scan.h"
 #include "platform/files.h"
 #include "platform/locked_file.h"
 #include "xml/encoding.h"
-#include "xml/events.h"
 
 namespace tav {
 namespace {
 
+constexpr std::string_view kAllOpening = "<all>";
 constexpr std::string_view kAllClosingLine = "</all>\r\n";
+constexpr std::string_view kItemClosing = "</item>";
+constexpr std::string_view kActual = "actual";
 
-// Gathers the listed files and the names of the entries while the document is read.
-class Contents : public XmlEvents {
- public:
+// The items between <actual> and </actual>. A file's name may hold whole tags, but no line end.
+std::vector<Text> ReadItems(std::string_view catalogue) {
     std::vector<Text> items;
-    std::vector<Catalogue::Name> names;
-    std::size_t entries = 0;
-
- private:
-    void StartElement(std::string_view name) override {
-        if (depth_ < kPath) path_[depth_] = name;
-        ++depth_;
-        if (depth_ == 2 && In("all", "file")) ++entries;
-        if (depth_ == kPath && (IsItem() || IsName())) text_.clear();
+    bool inside = false;
+    std::size_t at = 0;
+    for (MarkupTag tag = NextTag(catalogue, 0); !tag.name.empty(); tag = NextTag(catalogue, at)) {
+        at = tag.end;
+        if (tag.name == "file" || (tag.name == kActual && tag.closes)) break;
+        if (tag.name == kActual) inside = true;
+        if (!inside || tag.name != "item" || tag.closes) continue;
+        const std::string_view line =
+            catalogue.substr(at, tag.is_whole ? 0 : catalogue.find_first_of("\r\n", at) - at);
+        const std::string_view name = line.substr(0, line.find(kItemClosing));
+        items.push_back(FromWindows1251(WithoutEntities(name)));
+        at += name.size();
     }
-
-    void Characters(std::string_view text) override {
-        if (depth_ >= kPath && (IsItem() || IsName())) text_.append(text);
-    }
-
-    void EndElement() override {
-        if (depth_ == kPath && IsItem()) items.push_back(FromUtf8(text_));
-        if (depth_ == kPath && IsName()) {
-            names.push_back({FromUtf8(text_), entries - 1});
-            CurrentProgress().ProcessEvents();  // a catalogue of 20,000 documents takes half a second
-        }
-        --depth_;
-    }
-
-    bool In(std::string_view root, std::string_view child) const {
-        return path_[0] == root && path_[1] == child;
-    }
-    bool IsItem() const { return path_[2] == "item" && In("all", "actual"); }
-    bool IsName() const { return path_[2] == "name" && In("all", "file"); }
-
-    static constexpr std::size_t kPath = 3;
-    std::string path_[kPath];
-    std::size_t depth_ = 0;
-    std::string text_;
-};
-
-// Whether the bytes have the very form in which the scan writes them.
-bool IsAsWritten(std::string_view bytes) {
-    return DeclaresWindows1251(bytes) && bytes.ends_with(kAllClosingLine) &&
-           bytes.find(kActualClosing) != bytes.npos;
+    return items;
 }
 
-// Throws the reason why that text is no XML document; returns when it is one.
-void CheckXmlText(const std::string& bytes) {
-    Contents ignored;
-    ReadXml(bytes, ignored);
-}
-
-// The first entry that is not well-formed by itself, told by its document's name.
-[[noreturn]] void ThrowBroken(TextView path, std::string_view bytes, const XmlError& error) {
-    constexpr std::string_view kFile = "<file>";
-    constexpr std::string_view kFileClosing = "</file>";
-    const std::string declaration(bytes.substr(0, bytes.starts_with("<?xml") ? bytes.find("?>") + 2 : 0));
-    std::size_t next = 0;
-    for (std::size_t at = bytes.find(kFile); at != bytes.npos; at = next) {
-        next = bytes.find(kFile, at + 1);
-        std::string_view entry = bytes.substr(at, next - at);
-        if (const std::size_t end = entry.rfind(kFileClosing); end != entry.npos) {
-            entry = entry.substr(0, end + kFileClosing.size());
-        }
-        try {
-            CheckXmlText(declaration + std::string(entry));
-            continue;
-        } catch (const XmlFailure&) {
-        }
-        try {
-            // Once more behind as many lines as stand before it, so that the reason's lines are the file's.
-            const auto lines = std::count(bytes.data(), bytes.data() + at, '\n');
-            CheckXmlText(declaration + std::string(static_cast<std::size_t>(lines), '\n') +
-                         std::string(entry));
-        } catch (const XmlFailure& failure) {
-            GetNext(entry, "<name>");
-            const std::string_view name = GetNext(entry, "</name>");
-            const Text document = DeclaresWindows1251(bytes) ? FromWindows1251(name) : FromUtf8(name);
-            throw XmlFailure(Text(path) + u": документ " + document + u", ", failure.error());
-        }
+// Any catalogue as the bytes of one that a scan has written.
+std::string BroughtToForm(TextView path, std::string bytes) {
+    const bool has_frame = bytes.find(kAllOpening) != bytes.npos;
+    try {
+        if (has_frame) return Document::Parse(bytes).Save();
+    } catch (const XmlFailure& failure) {
+        if (!DeclaresWindows1251(bytes)) throw XmlFailure(Text(path) + u": ", failure.error());
+        return bytes;
     }
-    throw XmlFailure(Text(path) + u": ", error);
+    throw XmlFailure(Text(path) + u": ", XmlError{.line = 0, .reason = u"нет элемента <all>"});
 }
 
 }  // namespace
@@ -121,71 +69,64 @@ std::optional<std::vector<Text>> CurrentFilesOfHead(TextView path) {
         closing = head.find(kActualClosing, before - std::min(before, kActualClosing.size()));
     }
     if (closing == head.npos) return std::nullopt;
-    head.resize(closing + kActualClosing.size());
-    head.append(kAllClosing);
-    Contents contents;
-    try {
-        ReadXml(head, contents);
-    } catch (const XmlFailure&) {
-        return std::nullopt;
-    }
-    return std::move(contents.items);
+    return ReadItems(head);
 }
 
 Catalogue Catalogue::Load(TextView path) {
     Catalogue catalogue;
+    catalogue.path_ = path;
     catalogue.bytes_ = ReadFile(path);
-    Contents contents;
-    try {
-        if (!IsAsWritten(catalogue.bytes_)) catalogue.bytes_ = Document::Parse(catalogue.bytes_).Save();
-        ReadXml(catalogue.bytes_, contents);
-    } catch (const XmlFailure& failure) {
-        ThrowBroken(path, catalogue.bytes_, failure.error());
+    if (!catalogue.bytes_.starts_with(kCatalogueOpening)) {
+        catalogue.bytes_ = BroughtToForm(path, std::move(catalogue.bytes_));
     }
-    catalogue.current_files_ = std::move(contents.items);
-    catalogue.names_ = std::move(contents.names);
-    if (contents.entries > 0) {
-        for (const ChildSpan& child : ChildrenOfRoot(catalogue.bytes_)) {
-            if (child.name == "file") catalogue.entries_.push_back({child.begin, child.end});
+    const std::string_view bytes = catalogue.bytes_;
+    catalogue.current_files_ = ReadItems(bytes);
+    // Where the items end, so that no name among them is taken for the beginning of an entry.
+    std::size_t at = bytes.find(kActualClosing);
+    if (at == bytes.npos) at = 0;
+    while ((at = bytes.find("<file", at)) != bytes.npos) {
+        const MarkupTag tag = TagAt(bytes, at);
+        if (tag.name != "file") {
+            ++at;
+            continue;
         }
+        catalogue.entries_.push_back(ReadEntry(bytes, tag));
+        at = catalogue.entries_.back().end;
+        CurrentProgress().ProcessEvents();
     }
-    for (const Name& name : catalogue.names_) {
-        std::vector<std::size_t>& entries = catalogue.entries_by_name_[name.text];
-        if (entries.empty() || entries.back() != name.entry) entries.push_back(name.entry);
+    for (std::size_t i = 0; i < catalogue.entries_.size(); ++i) {
+        catalogue.entries_by_name_[UpperCase(catalogue.entries_[i].name)].push_back(i);
     }
     return catalogue;
 }
 
-const std::vector<std::size_t>& Catalogue::EntriesNamed(TextView name) const {
-    static const std::vector<std::size_t> kNone;
-    const auto found = entries_by_name_.find(Text(name));
-    return found == entries_by_name_.end() ? kNone : found->second;
+std::vector<const CatalogueEntry*> Catalogue::EntriesNamed(TextView name) const {
+    std::vector<const CatalogueEntry*> found;
+    const auto entries = entries_by_name_.find(UpperCase(name));
+    if (entries == entries_by_name_.end()) return found;
+    for (const std::size_t entry : entries->second) found.push_back(&entries_[entry]);
+    const auto is_exact = [&](const CatalogueEntry* entry) { return entry->name == name; };
+    if (std::ranges::any_of(found, is_exact)) {
+        std::erase_if(found, [&](const CatalogueEntry* entry) { return !is_exact(entry); });
+    }
+    return found;
 }
 
 CatalogueParts Catalogue::PartsOf(TextView name) const {
-    std::string bytes(kCatalogueOpening);
-    for (const std::size_t entry : EntriesNamed(name)) {
-        bytes.append(bytes_, entries_[entry].begin, entries_[entry].end - entries_[entry].begin);
+    std::string xml(kCatalogueOpening);
+    for (const CatalogueEntry* const entry : EntriesNamed(name)) {
+        if (!entry->IsReadable()) {
+            const auto at = static_cast<std::ptrdiff_t>(entry->fault_at);
+            const auto line = std::count(bytes_.begin(), bytes_.begin() + at, '\n') + 1;
+            throw XmlFailure(Text(path_) + u": документ " + Text(name) + u", ",
+                             XmlError{.line = static_cast<int>(line), .reason = entry->fault});
+        }
+        xml += AsXml(bytes_, *entry);
     }
-    bytes.append(kAllClosing);
-    Document document = Document::Parse(bytes);
+    xml.append(kAllClosing);
+    Document document = Document::Parse(xml);
     std::vector<Node> parts = document.SelectNodes(u"/all/file/part");
     return {std::move(document), std::move(parts)};
-}
-
-void Catalogue::AppendEntries(std::string& text, const std::vector<bool>& departed) const {
-    std::string_view rest = bytes_;
-    GetNext(rest, kActualClosing);
-    const std::string_view carried = GetNext(rest, kAllClosingLine);
-    std::size_t at = static_cast<std::size_t>(carried.data() - bytes_.data());
-    const std::size_t end = at + carried.size();
-    for (std::size_t i = 0; i < entries_.size(); ++i) {
-        if (!departed[i] || entries_[i].begin < at || entries_[i].end > end) continue;
-        text.append(bytes_, at, entries_[i].begin - at);
-        at = entries_[i].end;
-        if (std::string_view(bytes_).substr(at, 2) == "\r\n") at += 2;
-    }
-    text.append(bytes_, at, end - at);
 }
 
 }  // namespace tav

@@ -2,7 +2,7 @@
 //
 //   <?xml version="1.0" encoding="windows-1251" ?><all>
 //   <actual>
-//       <item>a.rtf</item>               one per file that the folder held at the last scan
+//       <item>a.rtf</item>               one per file that the last scan listed and could read
 //   </actual>
 //   <file>                               one per converted document
 //       <name>a.rtf</name>
@@ -10,12 +10,13 @@
 //   </file>
 //   </all>
 //
-// Windows-1251, CR LF. It grows to hundreds of megabytes (20,000 documents), so it is kept as its bytes,
-// checked in one pass without a tree; only the entry asked for becomes a tree.
+// Windows-1251, CR LF, values raw (catalogue_markup.h). It grows to hundreds of megabytes, so it is kept as its
+// bytes and read entry by entry (catalogue_entry.h) in one pass; only the entry asked for becomes a tree. An entry
+// that cannot be read harms no other.
 //
-// A catalogue that somebody edited may have another encoding or other line ends: it is then brought to the
-// form above. One that is no XML document (a value with a bare "&" or "<", a part that was never closed) is
-// an XmlFailure whose text names the file, the document whose entry breaks it, the line and the reason.
+// A catalogue that somebody edited may have another encoding or other line ends: as long as it is XML, it is
+// brought to the form above first. One without a readable frame (no <all>, neither XML nor Windows-1251) is an
+// XmlFailure that names the file and the reason.
 #pragma once
 
 #include <optional>
@@ -25,6 +26,7 @@
 #include <vector>
 
 #include "common/text.h"
+#include "convert/catalogue_entry.h"
 #include "xml/document.h"
 
 namespace tav {
@@ -50,41 +52,31 @@ struct CatalogueParts {
 
 class Catalogue {
  public:
-    // A `name` element and the entry it stands in.
-    struct Name {
-        Text text;
-        std::size_t entry = 0;
-    };
-
     static Catalogue Load(TextView path);
 
-    // "//all/actual/item", in document order.
+    // The items of `actual`, in order.
     const std::vector<Text>& CurrentFiles() const { return current_files_; }
-    // "//all/file/name", in document order.
-    const std::vector<Name>& Names() const { return names_; }
-    // The entries that have this very name, in document order.
-    const std::vector<std::size_t>& EntriesNamed(TextView name) const;
-    // "//all/file[name=...]/part": the parts of those entries.
+    const std::vector<CatalogueEntry>& entries() const { return entries_; }
+    // The entries of a document, in order: those that have this very name, else those that have it in other
+    // letters' case.
+    std::vector<const CatalogueEntry*> EntriesNamed(TextView name) const;
+    // Their parts. An entry that cannot be read is an XmlFailure that names the file, the document, the line
+    // and the reason.
     CatalogueParts PartsOf(TextView name) const;
 
-    // Appends what stands behind "</actual>" up to "</all>" to `text`, without the entries that `departed`
-    // marks.
-    void AppendEntries(std::string& text, const std::vector<bool>& departed) const;
-    std::size_t EntryCount() const { return entries_.size(); }
+    const std::string& bytes() const { return bytes_; }
+    std::string_view BytesOf(const CatalogueEntry& entry) const {
+        return std::string_view(bytes_).substr(entry.begin, entry.end - entry.begin);
+    }
 
  private:
-    struct Span {
-        std::size_t begin = 0;
-        std::size_t end = 0;
-    };
-
     Catalogue() = default;
 
+    Text path_;
     std::string bytes_;
     std::vector<Text> current_files_;
-    std::vector<Name> names_;
-    std::vector<Span> entries_;  // the `file` elements in bytes_
-    std::unordered_map<Text, std::vector<std::size_t>> entries_by_name_;
+    std::vector<CatalogueEntry> entries_;
+    std::unordered_map<Text, std::vector<std::size_t>> entries_by_name_;  // by the upper-cased name
 };
 
 }  // namespace tav

@@ -1,16 +1,21 @@
 #include "convert/check_xml.h"
 
 #include <algorithm>
+#include <chrono>
 #include <optional>
 #include <string>
-#include <unordered_map>
+#include <thread>
+#include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "common/guard.h"
 #include "common/progress.h"
 #include "common/windows1251.h"
 #include "convert/catalogue.h"
-#include "convert/folder_difference.h"
+#include "convert/conversion.h"
+#include "convert/document_glance.h"
+#include "convert/folder_state.h"
 #include "convert/load_rtf_file.h"
 #include "convert/load_xml_file.h"
 #include "platform/files.h"
@@ -19,59 +24,28 @@
 namespace tav {
 namespace {
 
-bool FitsCatalogue(const Text& name) {
-    const bool control = std::any_of(name.begin(), name.end(), [](char16_t c) { return c < u' '; });
-    return !control && IsWindows1251(name);
+using State = ScannedFile::State;
+using Found = ScannedFile::Found;
+using Clock = std::chrono::steady_clock;
+
+constexpr TextView kTitle = u"Импорт файлов";
+constexpr std::size_t kNamed = 20;
+
+// One message with a line per thing that a person should know of; the first of them only.
+void ShowLines(Text text, const std::vector<Text>& lines) {
+    if (lines.empty()) return;
+    for (std::size_t i = 0; i < std::min(lines.size(), kNamed); ++i) text += u"\r\n" + lines[i];
+    if (lines.size() > kNamed)
+        text += u"\r\n... и ещё " + Digits(static_cast<long long>(lines.size() - kNamed));
+    ShowMessage(kTitle, text, MessageIcon::Information);
 }
 
-void ShowPassedOver(const std::vector<Text>& names) {
-    constexpr std::size_t kShown = 20;
-    if (names.empty()) return;
-    Text text = u"Имена этих файлов нельзя записать в каталог (Windows-1251), файлы пропущены:";
-    for (std::size_t i = 0; i < std::min(names.size(), kShown); ++i) text += u"\r\n" + names[i];
-    if (names.size() > kShown)
-        text += u"\r\n... и ещё " + Digits(static_cast<long long>(names.size() - kShown));
-    ShowMessage(u"Импорт файлов", text, MessageIcon::Information);
-}
-
-// The folder's files that the catalogue can hold.
-std::vector<Text> ListFolder(TextView folder) {
-    std::vector<Text> names = ListFiles(folder, u".rtf");
-    const auto fits_end = std::stable_partition(names.begin(), names.end(), FitsCatalogue);
-    ShowPassedOver({fits_end, names.end()});
-    names.erase(fits_end, names.end());
-    return names;
-}
-
-// Nothing when there is no catalogue, or what stands there is none.
-std::optional<Catalogue> ExistingCatalogue(TextView path) {
-    if (!FileExists(path)) return std::nullopt;
-    try {
-        return Catalogue::Load(path);
-    } catch (const XmlFailure&) {
-        return std::nullopt;
+void ShowDroppedText(const std::vector<ScannedFile>& files) {
+    std::vector<Text> lines;
+    for (const ScannedFile& file : files) {
+        if (!file.dropped_pages.empty()) lines.push_back(DroppedTextLine(file.name, file.dropped_pages));
     }
-}
-
-std::string Opening(const std::vector<Text>& listed) {
-    std::string text(kCatalogueOpening);
-    text += kActualOpening;
-    for (const Text& name : listed) text.append("\t<item>").append(ToWindows1251(name)).append("</item>\r\n");
-    text += kActualClosing;
-    return text;
-}
-
-// Of each departed name the first entry that is still there goes.
-std::vector<bool> DepartedEntries(const Catalogue& catalogue, const std::vector<Text>& names) {
-    std::vector<bool> departed(catalogue.EntryCount());
-    std::unordered_map<TextView, std::size_t> tried;  // how many entries of a name have had their turn
-    for (const Text& name : names) {
-        const std::vector<std::size_t>& entries = catalogue.EntriesNamed(name);
-        std::size_t& next = tried[name];
-        while (next < entries.size() && departed[entries[next]]) ++next;
-        if (next < entries.size()) departed[entries[next]] = true;
-    }
-    return departed;
+    ShowLines(u"Часть текста документов не прочитана:", lines);
 }
 
 Text Label(const Text& name) {
@@ -79,71 +53,180 @@ Text Label(const Text& name) {
     return name.substr(0, 50) + u"..." + Text(Right(name, 10));
 }
 
-std::string Convert(TextView folder, const Text& name) {
-    const Text ending = LowerCase(Right(name, 3));
-    if (ending == u"rtf") return LoadRtfFile(folder, name);
-    if (ending == u"xml") return LoadXMLFile(folder, name);
-    return {};
-}
-
 // The progress window while it is shown.
 class ShownProgress {
  public:
-    explicit ShownProgress(int files) { CurrentProgress().Show(std::max(files, 0)); }
+    explicit ShownProgress(std::size_t files) { CurrentProgress().Show(static_cast<int>(files)); }
     ~ShownProgress() { CurrentProgress().Close(); }
     ShownProgress(const ShownProgress&) = delete;
     ShownProgress& operator=(const ShownProgress&) = delete;
 };
 
-// Appends the entries of the new files; false when the user cancelled.
-bool ConvertNew(TextView folder, const FolderDifference& difference, std::string& text) {
-    const ShownProgress shown(difference.new_files);
+// The file system's clock goes on in steps: a file that changed right now could change once more and look the same.
+void WaitForFileClock(const std::vector<ListedDocument>& documents) {
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    std::chrono::nanoseconds age = 2 * kFileClockStep;
+    for (const ListedDocument& document : documents) {
+        const auto its = now - std::chrono::nanoseconds(document.changed);
+        if (its.count() >= 0) age = std::min<std::chrono::nanoseconds>(age, its);
+    }
+    std::this_thread::sleep_for(2 * kFileClockStep - age);
+}
+
+class Scan {
+ public:
+    Scan(Text folder, std::optional<bool> acts_as_xml, ScanAccount& account)
+        : folder_(std::move(folder)),
+          path_(folder_ + Text(kCatalogueName)),
+          acts_as_xml_(acts_as_xml),
+          account_(account) {}
+
+    // False when the user cancelled.
+    bool Run() {
+        state_ = ReadFolderState(folder_, acts_as_xml_);
+        for (const Text& name : state_.leftovers) RemoveLeftover(folder_ + name);
+        account_.unlisted_acts = CountUnlistedActs(folder_, state_);
+        account_.unnamable = std::move(state_.unnamable);
+        ShowLines(u"Имена этих файлов нельзя записать в каталог (Windows-1251), файлы пропущены:",
+                  account_.unnamable);
+        for (const ListedDocument& document : state_.documents)
+            account_.files.push_back(SettledFile(document));
+        if (state_.documents.empty()) return true;
+        if (!state_.all_settled && !Update()) return false;
+        account_.catalogue = path_;
+        ShowDroppedText(account_.files);
+        return true;
+    }
+
+ private:
+    bool Update();
+    std::vector<const ListedDocument*> Unsettled() const;
+    bool Convert(const std::vector<const ListedDocument*>& documents);
+    void Take(const ListedDocument& document, Conversion conversion);
+    std::string Opening() const;
+    std::string Carried(bool without_departed) const;
+
+    Text folder_;
+    Text path_;
+    std::optional<bool> acts_as_xml_;
+    ScanAccount& account_;
+    FolderState state_;
+    std::string converted_;                               // the new entries
+    std::unordered_set<const CatalogueEntry*> outdated_;  // the old ones of what was converted
+    bool must_be_written_ = false;  // also when its bytes stay: a changed file gave what it had given before
+};
+
+// What is converted: every document that is not settled; beside them those whose names the catalogue has in other
+// letters' case only.
+std::vector<const ListedDocument*> Scan::Unsettled() const {
+    std::vector<const ListedDocument*> documents;
+    if (std::ranges::all_of(state_.documents, &ListedDocument::settled)) return documents;
+    for (const ListedDocument& document : state_.documents) {
+        const bool other_case = !document.entries.empty() && document.entries.front()->name != document.name;
+        if (!document.settled || other_case) documents.push_back(&document);
+    }
+    return documents;
+}
+
+bool Scan::Update() {
+    const std::vector<const ListedDocument*> unsettled = Unsettled();
+    WaitForFileClock(state_.documents);
+    const Clock::time_point begin = Clock::now();
+    if (!unsettled.empty() && !Convert(unsettled)) return false;
+    std::string text = Opening();
+    text.append(Carried(!unsettled.empty())).append(converted_).append(kAllClosing).append("\r\n");
+    if (!must_be_written_ && state_.catalogue && text == state_.catalogue->bytes()) return true;
+    state_.catalogue.reset();
+    WriteFileWhole(path_, text, Clock::now() - begin + kFileClockStep);
+    return true;
+}
+
+// False when the user cancelled.
+bool Scan::Convert(const std::vector<const ListedDocument*>& documents) {
+    const ShownProgress shown(documents.size());
     int done = 0;
-    for (const Text& name : difference.remaining) {
-        CurrentProgress().SetLabel(Label(name));
+    for (const ListedDocument* const document : documents) {
+        CurrentProgress().SetLabel(Label(document->name));
         CurrentProgress().ProcessEvents();
         // A folder that has gone is one failure, not one of every file.
-        if (!folder.empty() && !FolderExists(folder)) throw Failure(RunTimeError::PathNotFound, folder);
-        text += Convert(folder, name);
+        if (!folder_.empty() && !FolderExists(folder_)) throw Failure(RunTimeError::PathNotFound, folder_);
+        const bool xml = EqualNoCase(Right(document->name, 3), u"xml");
+        Conversion conversion = (xml ? LoadXMLFile : LoadRtfFile)(folder_, document->name);
         if (CancelStamp() != 0) return false;
+        Take(*document, std::move(conversion));
         CurrentProgress().SetFilesDone(++done);
     }
     return true;
 }
 
-Text Scan(const Text& folder) {
-    const Text path = folder + Text(kCatalogueName);
-    const std::vector<Text> listed = ListFolder(folder);
-    if (listed.empty()) return {};
-    if (FileExists(path) && CurrentFilesOfHead(path) == listed) return path;
-
-    std::optional<Catalogue> catalogue = ExistingCatalogue(path);
-    if (catalogue && catalogue->CurrentFiles() == listed) return path;
-    std::vector<Text> known;
-    if (catalogue) {
-        for (const Catalogue::Name& name : catalogue->Names()) known.push_back(name.text);
+// Enters what became of a document into the account and the new catalogue.
+void Scan::Take(const ListedDocument& document, Conversion conversion) {
+    ScannedFile& file = account_.files[static_cast<std::size_t>(&document - state_.documents.data())];
+    file = {.name = document.name,
+            .state = document.listed_before ? State::Again : State::New,
+            .found = Found::Nothing,
+            .cut_off = conversion.cut_off,
+            .dropped_text = !conversion.dropped_pages.empty(),
+            .dropped_pages = std::move(conversion.dropped_pages)};
+    if (!document.settled) outdated_.insert(document.entries.begin(), document.entries.end());
+    if (conversion.unreadable) {
+        file.state = State::Unreadable;
+        file.reason = std::move(conversion.reason);
+        return;
     }
-    const FolderDifference difference = CompareFolder(listed, known);
-    const bool has_new = difference.new_files != 0;
-
-    std::string text = Opening(listed);
-    if (catalogue) {
-        const std::vector<Text> departed = has_new ? difference.departed : std::vector<Text>();
-        catalogue->AppendEntries(text, DepartedEntries(*catalogue, departed));
-        catalogue.reset();
+    must_be_written_ = must_be_written_ || document.changed_since;
+    std::string& entry = conversion.entry;
+    std::string before;
+    for (const CatalogueEntry* const old : document.entries) {
+        before.append(state_.catalogue->BytesOf(*old)).append("\r\n");
     }
-    if (has_new && !ConvertNew(folder, difference, text)) return {};
-    text.append(kAllClosing).append("\r\n");
-    WriteFileWhole(path, text);
-    return path;
+    if (!entry.empty()) {
+        if (file.cut_off) entry = WithAllClosed(std::move(entry));
+        entry = WithNotes(std::move(entry), file.dropped_text, file.cut_off);
+        const CatalogueEntry read = ReadEntry(entry, TagAt(entry, 0));
+        if (read.has_part) file.found = read.IsReadable() ? Found::Document : Found::Broken;
+        if (file.found == Found::Broken) file.reason = u"Документ разобран не до конца: " + read.fault;
+        converted_ += entry;
+    }
+    if (file.found == Found::Nothing) file.reason = WhyNothing(folder_ + file.name, file.cut_off);
+    if (document.listed_before && before == entry) file.state = State::Settled;
+}
+
+std::string Scan::Opening() const {
+    std::string text(kCatalogueOpening);
+    text += kActualOpening;
+    for (const ScannedFile& file : account_.files) {
+        if (file.state == State::Unreadable) continue;
+        text.append("\t<item>").append(ToWindows1251(file.name)).append("</item>\r\n");
+    }
+    text += kActualClosing;
+    return text;
+}
+
+// The entries that stay, in their order. Of several under one name that is in the folder, only the last one is not
+// departed.
+std::string Scan::Carried(bool without_departed) const {
+    std::string text;
+    if (!state_.catalogue) return text;
+    std::unordered_set<const CatalogueEntry*> present;
+    for (const ListedDocument& document : state_.documents) {
+        if (!document.entries.empty()) present.insert(document.entries.back());
+    }
+    for (const CatalogueEntry& entry : state_.catalogue->entries()) {
+        if (outdated_.contains(&entry) || (without_departed && !present.contains(&entry))) continue;
+        text.append(state_.catalogue->BytesOf(entry)).append("\r\n");
+    }
+    return text;
 }
 
 }  // namespace
 
-Text CheckXml(TextView folder) {
-    Text path;
-    Guarded(u"Ошибка в функции CheckXml", [&] { path = Scan(WithSeparator(folder)); });
-    return path;
+ScanAccount CheckXml(TextView folder, std::optional<bool> acts_as_xml) {
+    ScanAccount account;
+    bool complete = false;
+    Guarded(u"Ошибка в функции CheckXml",
+            [&] { complete = Scan(WithSeparator(folder), acts_as_xml, account).Run(); });
+    return complete ? account : ScanAccount{};
 }
 
 }  // namespace tav

@@ -13,6 +13,7 @@
 #include "common/windows1251.h"
 #include "convert/cell_positions.h"
 #include "convert/find_text_value.h"
+#include "convert/load_xml_file.h"
 #include "convert/page_reader.h"
 #include "convert/statement_lines.h"
 #include "platform/files.h"
@@ -43,6 +44,7 @@ constexpr std::string_view kDateShape = "00.00.0000";
 const std::string kActPart = ToWindows1251(u"<part type=\"акт\">");
 const std::string kStatementPart = ToWindows1251(u"<part type=\"выписка\">");
 
+constexpr TextView kXml = u".xml";
 constexpr TextView kStatementTitle = u"Выписка операций по расчету с бюджетом";
 
 bool IsLetterOrDigit(char c) {
@@ -128,6 +130,17 @@ Text Element(std::string_view part, std::string_view name) {
     return FromWindows1251(GetNext(part, "</" + tag));
 }
 
+// Of a part of an entry that has the whole head.
+DocumentGlance GlanceAtPart(std::string_view part) {
+    const bool act = part.find(kActPart) != part.npos;
+    return {.kind = act ? DocumentKind::Act : DocumentKind::Statement,
+            .code = Element(part, "h07"),
+            .okato = Element(part, "h10"),
+            .period_begin = Element(part, "h13"),
+            .period_end = Element(part, act ? "pere" : "h12"),
+            .tax = Element(part, "h08")};
+}
+
 Text ReasonOf(std::string_view head) {
     if (head.empty()) return u"Файл пуст";
     if (!head.starts_with("{\\rtf")) return u"Это не документ RTF";
@@ -143,14 +156,10 @@ DocumentGlance GlanceAtLines(std::string_view head, const Landmarks& landmarks) 
     std::string_view rest = parts;
     const std::string_view part = GetNext(rest, "</head>");
 
-    const bool act = part.find(kActPart) != part.npos;
-    if (!act && part.find(kStatementPart) == part.npos) return {.reason = ReasonOf(head)};
-    return {.kind = act ? DocumentKind::Act : DocumentKind::Statement,
-            .code = Element(part, "h07"),
-            .okato = Element(part, "h10"),
-            .period_begin = Element(part, "h13"),
-            .period_end = Element(part, act ? "pere" : "h12"),
-            .tax = Element(part, "h08")};
+    if (part.find(kActPart) == part.npos && part.find(kStatementPart) == part.npos) {
+        return {.reason = ReasonOf(head)};
+    }
+    return GlanceAtPart(part);
 }
 
 DocumentGlance GlanceAtHead(std::string_view head) {
@@ -160,7 +169,16 @@ DocumentGlance GlanceAtHead(std::string_view head) {
     return statement ? *statement : GlanceAtLines(head, landmarks);
 }
 
+DocumentGlance GlanceAtXml(TextView path) {
+    const Conversion act = ConvertAct(ReadFile(path), NameOf(path), ActSchemaPath());
+    std::string_view rest = act.entry;
+    const std::string_view part = GetNext(rest, "</head>");
+    if (part.find(kActPart) != part.npos) return GlanceAtPart(part);
+    return {.reason = act.reason.empty() ? u"Не найден акт сверки" : act.reason};
+}
+
 DocumentGlance GlanceAtFile(TextView path) {
+    if (EqualNoCase(Right(path, kXml.size()), kXml)) return GlanceAtXml(path);
     DocumentGlance glance;
     for (const std::size_t most : kHeads) {
         const std::string bytes = ReadFileHead(path, most);
@@ -177,8 +195,31 @@ DocumentGlance GlanceAtFile(TextView path) {
 DocumentGlance GlanceAtDocument(TextView path) {
     DocumentGlance glance;
     GuardedBy([&] { glance = GlanceAtFile(path); },
-              [&](const Failure& failure) { glance.reason = failure.description(); });
+              [&](const Failure& failure) {
+                  glance.unreadable = IsAboutFile(failure);
+                  glance.reason = glance.unreadable ? WhyUnreadable(failure)
+                                                    : u"Документ не разобран: " + failure.description();
+              });
     return glance;
+}
+
+Text WhyNothing(TextView path, bool cut_off) {
+    if (cut_off) return u"Файл обрывается";
+    const DocumentGlance glance = GlanceAtDocument(path);
+    return glance.kind == DocumentKind::Unknown ? glance.reason : u"Документ не удалось разобрать целиком";
+}
+
+bool LooksLikeXmlAct(TextView path) {
+    constexpr std::size_t kHead = 16384;
+    constexpr TextView kAct = u"<АктСвер";
+    bool found = false;
+    GuardedBy(
+        [&] {
+            const std::string head = ReadFileHead(path, kHead);
+            found = head.find(ToUtf8(kAct)) != head.npos || head.find(ToWindows1251(kAct)) != head.npos;
+        },
+        [](const Failure&) {});
+    return found;
 }
 
 }  // namespace tav

@@ -19,15 +19,23 @@ struct DocumentGlance {
     Text period_begin = {};  // dd.mm.yyyy
     Text period_end = {};
     Text tax = {};  // the tax's name
-    // Why the kind is unknown, for a person, in Russian or as the system says it; else empty.
+    // Why the kind is unknown, for a person; else empty.
     Text reason = {};
+    bool unreadable = false;  // because the file cannot be opened or read
 };
 
-// Looks at the RTF of that path. Shows no message and throws nothing: what cannot be read, and what is
+// Looks at the document of that path. Shows no message and throws nothing: what cannot be read, and what is
 // neither a statement nor an act, is Unknown and says why.
 //
-// 64 KB are read, and 1 MB of a file where these have not shown all fields: tables of fonts and styles, or a
+// An act as XML ("*.xml") is read whole. Of an RTF 64 KB are read, and 1 MB of a file where these have not shown all fields: tables of fonts and styles, or a
 // picture, may stand before the header.
 DocumentGlance GlanceAtDocument(TextView path);
+
+// Why a document in which the reader of whole documents found nothing is none, for a person; `cut_off` when its
+// text ends inside a group.
+Text WhyNothing(TextView path, bool cut_off);
+
+// Whether an XML file has the look of an act, by its head; not when it cannot be read.
+bool LooksLikeXmlAct(TextView path);
 
 }  // namespace tav

@@ -1,7 +1,6 @@
 #include "convert/load_rtf_file.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -13,7 +12,6 @@
 #include "convert/cell_positions.h"
 #include "convert/page_reader.h"
 #include "convert/statement_lines.h"
-#include "platform/files.h"
 #include "settings/session.h"
 
 namespace tav {
@@ -40,42 +38,16 @@ class FileProgress {
     std::size_t steps_ = 0;
 };
 
-// Tells the user where visible text got lost; a document damaged all over is told about a few times only.
-class DroppedTextReport {
- public:
-    explicit DroppedTextReport(TextView file_name) : file_name_(file_name) {}
-
-    void Add(std::size_t page) {
-        if (++pages_ <= kTold) Tell(u", страница " + Digits(static_cast<long long>(page)));
-    }
-    void Finish() const {
-        if (pages_ > kTold) Tell(u", ещё страниц: " + Digits(static_cast<long long>(pages_ - kTold)));
-    }
-
- private:
-    static constexpr std::size_t kTold = 10;
-
-    void Tell(TextView where) const {
-        const Text line =
-            Text(file_name_).append(where).append(u": текст за последней закрывающей скобкой не показан\n");
-        std::fputs(ToUtf8(line).c_str(), stderr);
-    }
-
-    TextView file_name_;
-    std::size_t pages_ = 0;
-};
-
 // First pass: the plain text of all pages, each followed by its mark. No value when the user cancelled.
-std::optional<std::string> PlainText(PageReader& reader, FileProgress& progress, TextView file_name) {
-    DroppedTextReport dropped(file_name);
+std::optional<std::string> PlainText(PageReader& reader, FileProgress& progress, Conversion& conversion) {
     std::string text;
     for (std::size_t page = 1; reader.More(); ++page) {
         if (!FileProgress::GoOn()) return std::nullopt;
         text.append(reader.Next()).append(kLineEnd).append(kPageMark);
-        if (reader.dropped_text()) dropped.Add(page);
+        if (reader.dropped_text()) conversion.dropped_pages.push_back(page);
         progress.Step();
     }
-    dropped.Finish();
+    conversion.cut_off = reader.inside_group();
     return text;
 }
 
@@ -94,10 +66,10 @@ std::optional<std::string> Parts(std::string_view text, FileProgress& progress) 
     return lines.TakeOutput();
 }
 
-std::optional<std::string> ReadDocument(std::string bytes, TextView file_name) {
+std::optional<std::string> Convert(std::string bytes, Conversion& conversion) {
     std::optional<PageReader> reader(std::in_place, std::move(bytes));
     FileProgress progress(reader->pages());
-    std::optional<std::string> text = PlainText(*reader, progress, file_name);
+    std::optional<std::string> text = PlainText(*reader, progress, conversion);
     reader.reset();  // the document itself is needed no more, and may be large
     if (!text) return std::nullopt;
     text = ReplaceCellPositions(*text);
@@ -106,21 +78,24 @@ std::optional<std::string> ReadDocument(std::string bytes, TextView file_name) {
 
 }  // namespace
 
-std::string LoadRtfFile(TextView folder, TextView file_name) {
-    std::string entry;
+Conversion LoadRtfFile(TextView folder, TextView file_name) {
+    Conversion conversion;
     Guarded(u"Ошибка в функции LoadRtfFile", [&] {
-        std::string bytes = ReadFile(Text(folder).append(file_name));
+        std::string bytes = ReadDocument(Text(folder).append(file_name), conversion);
         std::optional<std::string> parts;
         try {
-            parts = ReadDocument(std::move(bytes), file_name);
+            parts = Convert(std::move(bytes), conversion);
         } catch (...) {
-            throw CurrentFailure().In(file_name);
+            const Failure failure = CurrentFailure();
+            conversion.reason = u"Документ не разобран: " + failure.description();
+            throw failure.In(file_name);
         }
         if (!parts) return;
+        std::string& entry = conversion.entry;
         entry.append("<file>\r\n\t<name>").append(ToWindows1251(file_name)).append("</name>\r\n");
         entry.append(*parts).append("</file>\r\n");
     });
-    return entry;
+    return conversion;
 }
 
 }  // namespace tav

@@ -59,34 +59,41 @@ Text ActSchemaPath() {
     return ComponentFolder() + u"IU_AKTSVP_1_862_01_05_01_01.xsd";
 }
 
-ActEntry ConvertAct(TextView folder, TextView file_name, TextView schema_path) {
-    ActEntry entry;
-    std::optional<Document> document;
+Conversion ConvertAct(std::string_view document, TextView file_name, TextView schema_path) {
+    Conversion conversion;
+    std::optional<Document> act;
     try {
-        document = Document::Parse(ReadFile(Text(folder).append(file_name)));
+        act = Document::Parse(document);
     } catch (const XmlFailure& failure) {
-        entry.fault = failure.error().doctype ? ActFault::Doctype : ActFault::Malformed;
-        entry.reason = failure.description();
+        conversion.reason = u"Это не документ XML: " + failure.description();
     }
     if (const Schema* const schema = SchemaOf(schema_path)) {
-        if (!document) return entry;
-        if (const std::optional<XmlError> error = schema->Validate(*document)) {
-            entry.fault = ActFault::FailsSchema;
-            entry.reason = XmlErrorText(*error);
-            return entry;
+        if (!act) return conversion;
+        if (const std::optional<XmlError> error = schema->Validate(*act)) {
+            conversion.reason = u"Документ не соответствует схеме акта: " + XmlErrorText(*error);
+            return conversion;
         }
     }
-    entry.bytes = Line(0, "<file>") + Element(1, "name", ToWindows1251(file_name));
-    if (document) entry.bytes += Part(*document);
-    entry.bytes += Line(0, "</file>");
-    return entry;
+    conversion.entry = Line(0, "<file>") + Element(1, "name", ToWindows1251(file_name));
+    if (act) conversion.entry += Part(*act);
+    conversion.entry += Line(0, "</file>");
+    return conversion;
 }
 
-std::string LoadXMLFile(TextView folder, TextView file_name) {
-    std::string bytes;
-    Guarded(u"Ошибка в функции LoadXMLFile",
-            [&] { bytes = ConvertAct(folder, file_name, ActSchemaPath()).bytes; });
-    return bytes;
+Conversion LoadXMLFile(TextView folder, TextView file_name) {
+    Conversion conversion;
+    GuardedBy(
+        [&] {
+            const std::string document = ReadDocument(Text(folder).append(file_name), conversion);
+            conversion = ConvertAct(document, file_name, ActSchemaPath());
+        },
+        [&](const Failure& failure) {
+            // It is no fault of the document's: the next scan tries again.
+            conversion.unreadable = true;
+            if (conversion.reason.empty()) conversion.reason = failure.description();
+            ShowFailure(u"Ошибка в функции LoadXMLFile", failure);
+        });
+    return conversion;
 }
 
 }  // namespace tav

@@ -16,39 +16,27 @@
 //
 // Values are the attributes' texts, neither escaped nor reformatted; an attribute that is not there writes
 // nothing. The part and its head are opened with h01, the head is closed and the body opened with pere, both
-// are closed with p0045: a document without one of these attributes yields an entry that is not well-formed,
-// and the schema rejects such a document first.
+// are closed with p0045: a document without one of these attributes yields an entry that cannot be read, and the
+// schema rejects such a document first.
 #pragma once
 
-#include <string>
+#include <string_view>
 
 #include "common/text.h"
+#include "convert/conversion.h"
 
 namespace tav {
 
 // The schema file's full path: its fixed name, beside the component.
 Text ActSchemaPath();
 
-// The entry of the document `folder` + `file_name`. Empty text when the schema rejects the document, in
-// silence, and after an unexpected failure, which is shown.
-std::string LoadXMLFile(TextView folder, TextView file_name);
+// Reads `folder` + `file_name`. A document that the schema rejects has no entry, in silence; neither has one after
+// an unexpected failure, which is shown ("Ошибка в функции LoadXMLFile"): it cannot be read, or the schema file is
+// no schema.
+Conversion LoadXMLFile(TextView folder, TextView file_name);
 
-enum class ActFault {
-    None,
-    Malformed,    // no XML document
-    Doctype,      // refused for its document type declaration
-    FailsSchema,  // read, but the schema rejects it
-};
-
-struct ActEntry {
-    std::string
-        bytes;  // empty when rejected; without a schema, a document that cannot be read leaves its name
-    ActFault fault = ActFault::None;
-    Text reason;  // what the fault is and in which line
-};
-
-// The same for those who want to know why, and by which schema (a file that is not there validates nothing).
-// Throws Failure: the document cannot be opened, the schema file is no schema.
-ActEntry ConvertAct(TextView folder, TextView file_name, TextView schema_path);
+// The entry of a document that was read, by the schema of that path (a file that is missing validates nothing).
+// Throws Failure: the schema file is no schema.
+Conversion ConvertAct(std::string_view document, TextView file_name, TextView schema_path);
 
 }  // namespace tav

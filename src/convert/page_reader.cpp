@@ -10,6 +10,7 @@ constexpr std::string_view kFrame = "\\posx";
 constexpr std::string_view kPage = "\\page";
 constexpr std::string_view kPageStart = "{\\rtf1\\ansi\\ansicpg1251\\deff0\\deflang1033\\page";
 constexpr std::string_view kPageEnd = "}\\par }\\sect }";
+constexpr std::ptrdiff_t kGroupsClosedAround = 2;  // more than these open
 constexpr std::size_t kBraceSearch = 10;
 
 // Where the word stands at or behind `from`, npos when it does not. The search goes by one letter of the
@@ -43,7 +44,9 @@ std::string_view PageReader::Next() {
     if (begins_behind_brace) page_ += '{';
     page_.append(rest_.substr(0, end)).append(kPageEnd);
     rest_.remove_prefix(end == rest_.npos ? rest_.size() : end + kPage.size());
-    return converter_.Read(page_);
+    const std::string_view text = converter_.Read(page_);
+    open_groups_ += converter_.open_groups() + kGroupsClosedAround - (begins_behind_brace ? 1 : 0);
+    return text;
 }
 
 }  // namespace tav

@@ -31,6 +31,8 @@ class PageReader {
     std::string_view page() const { return page_; }
     // Whether the page last read had visible text behind its outermost closing brace, where none shows.
     bool dropped_text() const { return converter_.dropped_text(); }
+    // Whether the pages read so far end inside a group.
+    bool inside_group() const { return open_groups_ > 0; }
 
  private:
     std::string document_;
@@ -38,6 +40,7 @@ class PageReader {
     std::size_t pages_ = 1;
     std::string page_;
     RichText converter_;
+    std::ptrdiff_t open_groups_ = 0;
 };
 
 }  // namespace tav

@@ -72,6 +72,7 @@ void RichText::Begin(std::string_view document) {
     }
     out_ = paragraph_ = buffer_.get();
     depth_ = 0;
+    open_groups_ = 0;
     format_ = {};
     outer_formats_.clear();
     for (const std::int32_t font : fonts_set_) font_maps_[static_cast<std::size_t>(font)] = nullptr;
@@ -237,6 +238,7 @@ void RichText::Apply(const Word& word) {
 void RichText::OpenGroup() {
     if (FormatIsKept() && depth_ < kDeepest) outer_formats_.push_back(format_);
     ++depth_;
+    ++open_groups_;
     group_start_ = ++at_;
 }
 
@@ -246,6 +248,7 @@ void RichText::CloseGroup() {
         row_ = nullptr;
     }
     ++at_;
+    --open_groups_;
     if (depth_ == 0) return;
     if (FormatIsKept()) {
         format_ = outer_formats_.back();
@@ -262,8 +265,10 @@ void RichText::PassGroup(OnWord&& on_word) {
         if (c == '}') {
             if (inner == 0) return;
             --inner;
+            --open_groups_;
         } else if (c == '{') {
             ++inner;
+            ++open_groups_;
         } else if (c == '\\') {
             if (end_ - at_ >= 2 && IsLetter(at_[1])) {
                 const Word word = ReadWord();

@@ -36,6 +36,8 @@ class RichText {
     std::string_view Read(std::string_view document);
     // Whether the last document had visible text behind its outermost closing brace.
     bool dropped_text() const { return dropped_text_; }
+    // How many groups the last document opened without closing them; below 0 when it closed more than it opened.
+    std::ptrdiff_t open_groups() const { return open_groups_; }
 
  private:
     struct Format {
@@ -110,6 +112,7 @@ class RichText {
     char* document_end_ = nullptr;       // where the text ended when the outermost brace closed
     bool in_row_ = false;
     bool dropped_text_ = false;
+    std::ptrdiff_t open_groups_ = 0;
 };
 
 }  // namespace tav

@@ -14,8 +14,8 @@ namespace tav {
 struct ScannedFile {
     enum class State {
         New,         // converted; no scan had listed it before
-        Again,       // converted again: changed since, or its entry in the catalogue could not be read
-        Settled,     // not changed since it was converted, so it was not looked into
+        Again,       // converted again, with another result: the file was changed, or its entry was broken
+        Settled,     // as it was when it was converted
         Unreadable,  // could not be opened or read: tried again by every scan
     };
     enum class Found {
@@ -28,13 +28,14 @@ struct ScannedFile {
     State state = State::New;
     Found found = Found::Document;
     // For a person, in Russian: why nothing was found, what breaks the entry, why the file cannot be read.
-    // Empty for a document, and for Nothing that is settled: WhyNothing (folder_glance.h) looks it up.
+    // Empty for a document, and for Nothing that is settled: WhyNothing (document_glance.h) looks it up.
     Text reason = {};
     // The text ends inside a group, as that of a file does which was not copied to its end: what is there is
-    // converted. Of settled documents it is known for those whose last part was left open.
+    // converted, but for a row that was not finished.
     bool cut_off = false;
-    // The pages, counted from 1, that hide visible text behind their last closing brace. Known of documents
-    // that this scan converted.
+    // Some page hides visible text behind its last closing brace; which pages, counted from 1, is known of
+    // documents that this scan converted.
+    bool dropped_text = false;
     std::vector<std::size_t> dropped_pages = {};
 };
 
@@ -43,7 +44,7 @@ struct ScanAccount {
     // that was shown.
     Text catalogue;
     std::vector<ScannedFile> files;  // in the order of the listing
-    // Files that cannot be listed: Windows-1251 has no letters for their names.
+    // Files that cannot be listed: Windows-1251, or one line, cannot hold their names.
     std::vector<Text> unnamable;
     // XML files that look like acts while acts delivered as XML are not listed.
     int unlisted_acts = 0;

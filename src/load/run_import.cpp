@@ -44,7 +44,7 @@ ImportResult RunImport(const ImportFolders& folders, TextView inn, TextView kpp)
     ImportResult result;
     if (running || folders.import.empty() || !PassCancelGuard()) return result;
     const RunningImport this_one;
-    const Text catalogue = CheckXml(folders.import);
+    const Text catalogue = CheckXml(folders.import).catalogue;
     if (catalogue.empty()) {
         result.outcome = CancelStamp() != 0 ? ImportOutcome::Cancelled : ImportOutcome::NoCatalogue;
         return result;

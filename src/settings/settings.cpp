@@ -18,7 +18,7 @@ constexpr TextView kHostKey = u"SOFTWARE\\VELSKAR\\Kventa2\\General";
 constexpr auto kUser = Hive::CurrentUser;
 constexpr auto kExpand = RegistryType::ExpandString;
 
-constexpr std::array<Setting, 11> kSettings = {{
+constexpr std::array<Setting, 12> kSettings = {{
     {u"ImportPath", kUser, kOwnKey, kExpand, u"папка, из которой читаются документы"},
     {u"ExportPath", kUser, kOwnKey, kExpand, u"папка справок; пусто — временная папка"},
     {u"OutPath", kUser, kOwnKey, kExpand, u"папка, куда переносятся загруженные документы; пусто — TEMP"},
@@ -30,6 +30,7 @@ constexpr std::array<Setting, 11> kSettings = {{
     {u"SpAct", kUser, kOwnKey, kExpand, u"1 — загружать и акты, в которых все суммы нулевые"},
     {u"SpVupisOb", kUser, kOwnKey, kExpand, u"1 — о нулевой выписке судить только по строкам с датой"},
     {u"SpActOb", kUser, kOwnKey, kExpand, u"1 — о нулевом акте судить только по разделу 2"},
+    {u"ActXml", kUser, kOwnKey, kExpand, u"1 — читать из папки и акты в формате XML (файлы *.xml)"},
     {u"DataBasePath", Hive::LocalMachine, kHostKey, RegistryType::String, u"папка базы данных PlX_Base.mdb"},
 }};
 

@@ -27,7 +27,6 @@ namespace tav {
 struct XmlError {
     int line = 0;  // counted from 1; 0 when unknown
     Text reason;
-    bool doctype = false;  // refused for its document type declaration
 };
 
 // "строка 12: Opening and ending tag mismatch: ..."

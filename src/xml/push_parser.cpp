@@ -18,8 +18,7 @@ Text Reason(const xmlError& error) {
 
 }  // namespace
 
-PushParser::PushParser(xmlSAXHandler* events, void* events_owner)
-    : context_(xmlCreatePushParserCtxt(events, nullptr, nullptr, 0, nullptr)), events_owner_(events_owner) {
+PushParser::PushParser() : context_(xmlCreatePushParserCtxt(nullptr, nullptr, nullptr, 0, nullptr)) {
     if (!context_) throw std::bad_alloc();
     context_->_private = this;
     context_->sax->internalSubset = RefuseDoctype;
@@ -43,7 +42,7 @@ void PushParser::RefuseDoctype(void* context, const xmlChar*, const xmlChar*, co
     PushParser& parser = Of(context);
     const int line = xmlSAX2GetLineNumber(context);
     try {
-        parser.error_ = XmlError{line, u"document type declarations are refused", true};
+        parser.error_ = XmlError{line, u"document type declarations are refused"};
     } catch (...) {
         parser.exception_ = std::current_exception();
     }
@@ -54,7 +53,7 @@ void PushParser::NoteError(void* context, xmlError* error) {
     PushParser& parser = Of(context);
     if (error->level != XML_ERR_FATAL || parser.error_) return;
     try {
-        parser.error_ = XmlError{error->line, Reason(*error), false};
+        parser.error_ = XmlError{error->line, Reason(*error)};
     } catch (...) {
         parser.Keep(std::current_exception());
     }
@@ -72,7 +71,7 @@ void PushParser::Read(std::string_view bytes) {
     const bool settled = recode || bytes.starts_with("\xEF\xBB\xBF");
     xmlCtxtUseOptions(context_.get(),
                       XML_PARSE_NONET | XML_PARSE_COMPACT | (settled ? XML_PARSE_IGNORE_ENC : 0));
-    if (bytes.empty()) throw XmlFailure(XmlError{1, u"the document is empty", false});
+    if (bytes.empty()) throw XmlFailure(XmlError{1, u"the document is empty"});
     bool well = true;
     for (std::size_t at = 0; well && at < bytes.size(); at += kPiece) {
         const std::string_view piece = bytes.substr(at, kPiece);
@@ -81,7 +80,7 @@ void PushParser::Read(std::string_view bytes) {
     if (well) well = Feed({}, true);
     if (exception_) std::rethrow_exception(exception_);
     if (error_) throw XmlFailure(*error_);
-    if (!well) throw XmlFailure(XmlError{0, u"not well-formed", false});
+    if (!well) throw XmlFailure(XmlError{0, u"not well-formed"});
 }
 
 xmlDoc* PushParser::TakeTree() {

@@ -35,7 +35,7 @@ struct FirstError {
         try {
             Text reason = FromUtf8(reported->message == nullptr ? "" : reported->message);
             while (!reason.empty() && reason.back() == u'\n') reason.pop_back();
-            first.error = XmlError{reported->line, std::move(reason), false};
+            first.error = XmlError{reported->line, std::move(reason)};
         } catch (...) {
             first.error = XmlError{};  // no memory for the words; that there is an error stays known
         }
@@ -65,7 +65,7 @@ Schema::Schema(TextView path, std::string_view bytes) {
     xmlSchemaSetParserStructuredErrors(parser.get(), FirstError::Note, &first);
     const NoNetwork no_network;
     state_->schema.reset(xmlSchemaParse(parser.get()));
-    if (!state_->schema) throw XmlFailure(subject, first.error.value_or(XmlError{0, u"not a schema", false}));
+    if (!state_->schema) throw XmlFailure(subject, first.error.value_or(XmlError{0, u"not a schema"}));
 }
 
 Schema::~Schema() = default;
@@ -77,7 +77,7 @@ std::optional<XmlError> Schema::Validate(const Document& document) const {
     FirstError first;
     xmlSchemaSetValidStructuredErrors(validator.get(), FirstError::Note, &first);
     if (xmlSchemaValidateDoc(validator.get(), document.handle()) == 0) return std::nullopt;
-    return first.error ? first.error : XmlError{0, u"not valid", false};
+    return first.error ? first.error : XmlError{0, u"not valid"};
 }
 
 }  // namespace tav

@@ -32,7 +32,7 @@ std::string Glance(const std::string& bytes) {
 std::string Converted(const Document& document) {
     const TempFolder folder;
     samples::WriteDocument(folder.path(), document);
-    const Text entry = FromWindows1251(LoadRtfFile(folder.path(), document.name));
+    const Text entry = FromWindows1251(LoadRtfFile(folder.path(), document.name).entry);
     const bool act = entry.find(u"<part type=\"акт\">") < entry.find(u"<part type=\"выписка\">");
     Text said = act ? u"акт" : u"выписка";
     for (const TextView name : {u"<h07>", u"<h10>", u"<h13>", act ? u"<pere>" : u"<h12>", u"<h08>"}) {
@@ -117,9 +117,9 @@ TEST_F(DocumentGlanceTest, SaysWhyItIsUnknown) {
     EXPECT_EQ(Glance("<?xml version=\"1.0\"?>"), "Это не документ RTF");
     EXPECT_EQ(Glance("{\\rtf1 " + std::string(2'000'000, 'x')), "Не найдена шапка выписки или акта");
     EXPECT_EQ(Glance("{\\rtf1\\pard\\posx627 a\\par\\posx627 b\\par\\posx627 / c\\par}"),
-              "Invalid procedure call or argument");
+              "Документ не разобран: Invalid procedure call or argument");
     const TempFolder folder;
-    EXPECT_EQ(GlanceAtDocument(folder / u"none").reason, u"File not found: " + (folder / u"none"));
+    EXPECT_EQ(GlanceAtDocument(folder / u"none").reason, u"Файла больше нет");
 }
 
 TEST_F(DocumentGlanceTest, StandsAnyBytes) {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <numeric>
 #include <random>
 #include <string>
 #include <utility>
@@ -37,7 +37,7 @@ class LoadRtfFileTest : public testing::Test {
  protected:
     std::string Load(std::string_view document) {
         folder_.Write(u"form.rtf", document);
-        return LoadRtfFile(folder_.path(), u"form.rtf");
+        return LoadRtfFile(folder_.path(), u"form.rtf").entry;
     }
     std::string Parts(std::string_view document) {
         std::string entry = Load(document);
@@ -55,7 +55,7 @@ TEST_F(LoadRtfFileTest, ReadsPrintedForms) {
     for (const std::string name : {"statement", "statement_second_layout", "act", "no_part"}) {
         const std::string golden = "convert/golden/" + name;
         folder_.Write(FromUtf8(name + ".rtf"), test::TestFile(golden + ".rtf"));
-        test::ExpectGolden(golden + ".xml", LoadRtfFile(folder_.path(), FromUtf8(name + ".rtf")));
+        test::ExpectGolden(golden + ".xml", LoadRtfFile(folder_.path(), FromUtf8(name + ".rtf")).entry);
     }
     EXPECT_TRUE(shown_.messages.empty());
 }
@@ -84,7 +84,7 @@ TEST_F(LoadRtfFileTest, StopsWhenCancelled) {
 }
 
 TEST_F(LoadRtfFileTest, TellsFailures) {
-    EXPECT_EQ(LoadRtfFile(folder_.path(), u"absent.rtf"), "");
+    EXPECT_TRUE(LoadRtfFile(folder_.path(), u"absent.rtf").unreadable);
     EXPECT_EQ(Load("{\\rtf1\\posx5457 12}"), "");
     const std::string far =
         "{\\rtf1\\posx627 a\\par\\posx627 b\\par\\posx627 " + std::string(40'000, 'x') + "/ c\\par}";
@@ -105,18 +105,32 @@ TEST_F(LoadRtfFileTest, TellsFailures) {
 }
 
 TEST_F(LoadRtfFileTest, SaysWhichPageHidesText) {
-    testing::internal::CaptureStderr();
-    Load("{\\rtf1{\\b{\\i a\\page } b} \\par}\\page {\\rtf1 whole}\\page{\\b{\\i text } b}} lost}");
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "form.rtf, страница 4: текст за последней закрывающей скобкой не показан\n");
+    folder_.Write(u"form.rtf",
+                  "{\\rtf1{\\b{\\i a\\page } b} \\par}\\page {\\rtf1 whole}\\page{\\b{\\i text } b}} lost}");
+    const Conversion form = LoadRtfFile(folder_.path(), u"form.rtf");
+    EXPECT_EQ(form.dropped_pages, (std::vector<std::size_t>{4}));
+    EXPECT_EQ(DroppedTextLine(u"form.rtf", form.dropped_pages),
+              u"form.rtf, страница 4: текст за последней закрывающей скобкой не показан");
+    std::vector<std::size_t> many(50);
+    std::iota(many.begin(), many.end(), 1);
+    EXPECT_EQ(DroppedTextLine(u"form.rtf", many),
+              u"form.rtf, страницы 1, 2, 3, 4, 5, 6, 7, 8, 9, 10 и ещё 40: "
+              u"текст за последней закрывающей скобкой не показан");
+}
 
-    std::string everywhere;
-    for (int i = 0; i < 50; ++i) everywhere += "{a}}}}}} lost\\page ";
-    testing::internal::CaptureStderr();
-    Load(everywhere);
-    const std::string told = testing::internal::GetCapturedStderr();
-    EXPECT_EQ(std::count(told.begin(), told.end(), '\n'), 11);
-    EXPECT_NE(told.find("form.rtf, ещё страниц: 40:"), told.npos);
+TEST_F(LoadRtfFileTest, SaysWhetherTheTextEndsInsideAGroup) {
+    const auto cut_off = [&](std::string_view document) {
+        folder_.Write(u"form.rtf", document);
+        return LoadRtfFile(folder_.path(), u"form.rtf").cut_off;
+    };
+    const std::string whole = test::TestFile("convert/golden/statement.rtf");
+    EXPECT_FALSE(cut_off(whole));
+    EXPECT_TRUE(cut_off(std::string_view(whole).substr(0, whole.rfind('}'))));
+    for (const std::size_t percent : {10, 50, 90})
+        EXPECT_TRUE(cut_off(whole.substr(0, whole.size() * percent / 100)));
+    EXPECT_FALSE(cut_off("{\\rtf1 a\\page {\\b x\\page y} \\{ {\\*\\x {a\\bin1 {}} }"));
+    EXPECT_TRUE(cut_off("{\\rtf1 a\\page {\\b x\\page y \\} {\\*\\x {a}}}"));
+    EXPECT_FALSE(cut_off("no rich text"));
 }
 
 TEST_F(LoadRtfFileTest, StandsOddDocuments) {
@@ -155,10 +169,8 @@ TEST_F(LoadRtfFileTest, StandsDamagedDocuments) {
                         damaged[at] = "\\{}0"[random() % 4];
                 }
             }
-            testing::internal::CaptureStderr();
             const std::size_t messages = shown_.messages.size();
             const std::string entry = Load(damaged);
-            testing::internal::GetCapturedStderr();
             ASSERT_EQ(shown_.messages.size(), messages + (entry.empty() ? 1 : 0));
             ASSERT_TRUE(entry.empty() || (entry.starts_with("<file>\r\n") && entry.ends_with("</file>\r\n")));
         }

@@ -40,7 +40,7 @@ void ExpectReadBack(const Document& document) {
     WriteDocument(folder.path(), document);
     const bool rtf = document.name.ends_with(u".rtf");
     const std::string read =
-        WithoutIndentation((rtf ? LoadRtfFile : LoadXMLFile)(folder.path(), document.name));
+        WithoutIndentation((rtf ? LoadRtfFile : LoadXMLFile)(folder.path(), document.name).entry);
     const std::string expected = CatalogueEntry(document);
     EXPECT_TRUE(read == expected) << ToUtf8(document.name) << FirstDifference(read, expected);
     EXPECT_TRUE(messages.messages.empty());
@@ -56,7 +56,7 @@ TEST(SamplesRead, AScanMakesTheirCatalogue) {
     const TempFolder folder;
     std::vector<Document> documents = SampleFolder(folder.path());
     std::erase_if(documents, [](const Document& document) { return document.name.ends_with(u".xml"); });
-    const Text path = CheckXml(folder.path());
+    const Text path = CheckXml(folder.path()).catalogue;
     ASSERT_FALSE(path.empty());
     const std::string read = WithoutIndentation(ReadFile(path));
     const std::string expected = Catalogue(documents);

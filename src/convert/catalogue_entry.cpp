@@ -1,0 +1,170 @@
+#include "convert/catalogue_entry.h"
+
+#include <utility>
+#include <vector>
+
+#include "common/windows1251.h"
+
+namespace tav {
+namespace {
+
+constexpr std::string_view kFileClosing = "</file>";
+constexpr std::string_view kNameClosing = "</name>";
+
+// Where the closing tag of an element ends whose text begins at `at` and holds no "<"; npos when it has more in it.
+std::size_t EndOfValue(std::string_view text, std::size_t at, std::string_view name) {
+    const std::size_t closing = text.find("<", at);
+    if (closing == text.npos) return closing;
+    const std::string_view rest = text.substr(closing);
+    const std::size_t size = name.size() + 3;
+    if (rest.size() < size || rest[1] != '/' || rest[size - 1] != '>' ||
+        rest.substr(2, name.size()) != name) {
+        return text.npos;
+    }
+    return closing + size;
+}
+
+// Any characters but line ends may stand in a file's name, whole tags too.
+std::string_view NameFrom(std::string_view text, std::size_t at) {
+    const std::string_view line = text.substr(at, text.find_first_of("\r\n", at) - at);
+    return line.substr(0, line.find(kNameClosing));
+}
+
+Text Markup(TextView opening, std::string_view name) {
+    return Text(opening).append(FromWindows1251(name)).append(u">");
+}
+
+class EntryReader {
+ public:
+    EntryReader(std::string_view text, const MarkupTag& file) : text_(text), at_(file.end) {
+        entry_.begin = file.begin;
+        entry_.end = file.end;
+        if (!file.is_whole) open_.push_back(file);
+    }
+
+    CatalogueEntry Read() {
+        while (!open_.empty()) {
+            const MarkupTag tag = NextTag(text_, at_);
+            if (EndsBefore(tag)) {
+                entry_.end = tag.name.empty() ? text_.size() : tag.begin;
+                Refuse(u"запись обрывается, не закрыт " + Markup(u"<", open_.back().name), entry_.end);
+                break;
+            }
+            at_ = entry_.end = tag.end;
+            if (tag.closes) {
+                Close(tag);
+            } else if (!tag.is_whole) {
+                Open(tag);
+            }
+        }
+        return std::move(entry_);
+    }
+
+    // The elements of the entry that stand open where it ends, from the outside to the inside.
+    std::vector<MarkupTag> TakeLeftOpen() { return std::move(left_open_); }
+
+ private:
+    // Only the catalogue itself has these.
+    static bool EndsBefore(const MarkupTag& tag) {
+        return tag.name.empty() || tag.name == "all" || (tag.name == "file" && !tag.closes);
+    }
+
+    void Open(const MarkupTag& tag) {
+        if (open_.size() == 1 && tag.name == "part") entry_.has_part = true;
+        if (open_.size() == 1 && tag.name == "name" && entry_.name.empty()) {
+            const std::string_view name = NameFrom(text_, tag.end);
+            entry_.name = FromWindows1251(WithoutEntities(name));
+            entry_.name_begin = tag.end;
+            entry_.name_end = at_ = tag.end + name.size();
+            if (text_.substr(at_).starts_with(kNameClosing)) {
+                at_ += kNameClosing.size();
+            } else {
+                Refuse(u"не закрыт <name>", at_);
+            }
+            return;
+        }
+        const std::size_t end = EndOfValue(text_, tag.end, tag.name);
+        if (end == text_.npos) {
+            open_.push_back(tag);
+        } else {
+            at_ = end;
+        }
+    }
+
+    void Close(const MarkupTag& tag) {
+        if (tag.name != open_.back().name) {
+            Refuse(Markup(u"</", tag.name) + u" стоит там, где нужен " + Markup(u"</", open_.back().name),
+                   tag.begin);
+        } else if (open_.size() > 1) {
+            open_.pop_back();
+        }
+        if (tag.name != "file") return;
+        left_open_.assign(open_.begin() + 1, open_.end());
+        open_.clear();
+        const std::size_t line = text_.find_last_not_of('\t', tag.begin - 1);
+        const std::size_t tabs = tag.begin - 1 - line;
+        entry_.dropped_text = (tabs & static_cast<unsigned>(EntryNote::DroppedText)) != 0;
+        entry_.cut_off = (tabs & static_cast<unsigned>(EntryNote::CutOff)) != 0;
+    }
+
+    void Refuse(Text fault, std::size_t at) {
+        if (!entry_.fault.empty()) return;
+        entry_.fault = std::move(fault);
+        entry_.fault_at = at;
+    }
+
+    std::string_view text_;
+    std::size_t at_;
+    std::vector<MarkupTag> open_;
+    std::vector<MarkupTag> left_open_;
+    CatalogueEntry entry_;
+};
+
+// Where the last line before `end` begins.
+std::size_t LastLine(std::string_view text, std::size_t end) {
+    return text.rfind('\n', end - 2) + 1;
+}
+
+bool IsValue(std::string_view line) {
+    const std::size_t tag = line.find_first_not_of('\t');
+    return tag != line.npos && (line.substr(tag).starts_with("<h0") || line.substr(tag).starts_with("<h1") ||
+                                line.substr(tag).starts_with("<p"));
+}
+
+}  // namespace
+
+CatalogueEntry ReadEntry(std::string_view catalogue, const MarkupTag& file) {
+    return EntryReader(catalogue, file).Read();
+}
+
+std::string AsXml(std::string_view catalogue, const CatalogueEntry& entry) {
+    if (entry.name_end == 0) return AsXml(catalogue.substr(entry.begin, entry.end - entry.begin));
+    return AsXml(catalogue.substr(entry.begin, entry.name_begin - entry.begin)) +
+           AsXml(catalogue.substr(entry.name_end, entry.end - entry.name_end));
+}
+
+std::string WithNotes(std::string entry, bool dropped_text, bool cut_off) {
+    const unsigned tabs = (dropped_text ? static_cast<unsigned>(EntryNote::DroppedText) : 0) +
+                          (cut_off ? static_cast<unsigned>(EntryNote::CutOff) : 0);
+    return entry.insert(entry.rfind(kFileClosing), tabs, '\t');
+}
+
+std::string WithAllClosed(std::string entry) {
+    EntryReader reader(entry, TagAt(entry, 0));
+    reader.Read();
+    std::vector<MarkupTag> open = reader.TakeLeftOpen();
+    if (open.empty()) return entry;
+    std::size_t end = entry.rfind(kFileClosing);
+    if (open.back().name == "row") {
+        end = LastLine(entry, open.back().end + 2);
+        open.pop_back();
+    } else if (IsValue(std::string_view(entry).substr(LastLine(entry, end)))) {
+        end = LastLine(entry, end);
+    }
+    std::string closed = entry.substr(0, end);
+    for (auto tag = open.rbegin(); tag != open.rend(); ++tag)
+        closed.append("</").append(tag->name).append(">\r\n");
+    return closed.append(kFileClosing).append("\r\n");
+}
+
+}  // namespace tav
