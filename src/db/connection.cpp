@@ -38,6 +38,22 @@ void Connection::EndUnit() {
     Opened().EndUnit();
 }
 
+void Connection::SetSavepoint() {
+    Opened().SetSavepoint();
+}
+
+void Connection::ReleaseSavepoint() {
+    Opened().ReleaseSavepoint();
+}
+
+void Connection::RollBackToSavepoint() {
+    Opened().RollBackToSavepoint();
+}
+
+std::vector<TextSize> Connection::TextSizes(TextView table) {
+    return Opened().TextSizes(table);
+}
+
 std::uint64_t Connection::RoomLeft() const {
     return Opened().RoomLeft();
 }

@@ -14,6 +14,7 @@ namespace tav {
 
 class Engine;
 struct OpenRequest;
+struct TextSize;
 
 class Connection {
  public:
@@ -37,8 +38,15 @@ class Connection {
     // The statements executed so far reach the disk together (one
     // unit per source file). Nothing a caller can see changes.
     void EndUnit();
-    // How much room there is for more, in bytes: pages inside
-    // the file that are free, and what it may grow by.
+    // What is executed since SetSavepoint is taken back by RollBackToSavepoint, or kept by ReleaseSavepoint.
+    // There is one savepoint at a time, and no EndUnit between the two.
+    void SetSavepoint();
+    void ReleaseSavepoint();
+    void RollBackToSavepoint();
+    // The text columns of a table that have a size; a memo has none.
+    std::vector<TextSize> TextSizes(TextView table);
+    // How much room there is for more, in bytes: pages inside the file that are free, and what it may grow
+    // by.
     std::uint64_t RoomLeft() const;
 
     void Close();

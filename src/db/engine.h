@@ -5,12 +5,19 @@
 #include <cstdint>
 #include <limits>
 #include <memory>
+#include <vector>
 
 #include "common/text.h"
 #include "sql/recordset.h"
 #include "sql/sql_text.h"
 
 namespace tav {
+
+// A text column and how many characters it takes.
+struct TextSize {
+    Text column;
+    std::size_t characters = 0;
+};
 
 class Engine {
  public:
@@ -19,6 +26,13 @@ class Engine {
     virtual Recordset Execute(const SqlText& sql) = 0;
     // The statements executed so far reach the disk together, where an engine can do that.
     virtual void EndUnit() {}
+    // What is executed since SetSavepoint is taken back by RollBackToSavepoint, or kept by ReleaseSavepoint.
+    // There is one savepoint at a time, and no EndUnit between the two.
+    virtual void SetSavepoint() = 0;
+    virtual void ReleaseSavepoint() = 0;
+    virtual void RollBackToSavepoint() = 0;
+    // The text columns of a table that have a size; a memo has none.
+    virtual std::vector<TextSize> TextSizes(TextView table) = 0;
     // In bytes; an engine that minds its room itself has no end of it.
     virtual std::uint64_t RoomLeft() const { return std::numeric_limits<std::uint64_t>::max(); }
     // What was executed stays.

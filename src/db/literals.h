@@ -1,8 +1,7 @@
 // Values as SQL literals, number text in the regional form, and comparing or shifting dates.
 //
 // Texts read from the database are turned into plain values by isn and isns; sns and snsi make literals of
-// texts. None of them doubles an apostrophe inside a value: such a value breaks the statement it is put
-// into, and the executor says so.
+// texts. None of them doubles an apostrophe inside a value.
 //
 // Module-level state that lives as long as the component is loaded: the decimal separator that ToLocalNumber
 // found, and the range of dates that datebetween recorded last, in whatever procedure that was.

@@ -27,6 +27,19 @@ class NativeEngine : public Engine {
 
     Recordset Execute(const SqlText& sql) override { return executor_.Execute(sql); }
     void EndUnit() override { executor_.Commit(); }
+    void SetSavepoint() override { executor_.SetSavepoint(); }
+    void ReleaseSavepoint() override { executor_.ReleaseSavepoint(); }
+    void RollBackToSavepoint() override { executor_.RollBackToSavepoint(); }
+    std::vector<TextSize> TextSizes(TextView table) override {
+        std::vector<TextSize> sizes;
+        const jet::Table* found = executor_.database().FindTable(table);
+        if (found == nullptr) return sizes;
+        for (const jet::Column& column : found->definition().columns) {
+            if (column.type != jet::ColumnType::Text) continue;
+            sizes.push_back({column.name, column.length / sizeof(char16_t)});
+        }
+        return sizes;
+    }
     std::uint64_t RoomLeft() const override {
         jet::PageFile& file = executor_.database().file();
         const std::uint64_t used =

@@ -65,7 +65,7 @@ const Date OpenClass::kNoDateLimit = *DateFromCivil({2099, 1, 1});
 
 void OpenClass::start(TextView inn, TextView kpp, Date vdm) {
     Guarded(u"Ошибка в функции Start", [&] {
-        Taxpayer() = {Text(inn), Text(kpp), FormatDate(Date{std::floor(vdm.serial)})};
+        Taxpayer() = {Text(Trim(inn)), Text(Trim(kpp)), FormatDate(Date{std::floor(vdm.serial)})};
         UseWindows();
         Shared<frmmain>().Show();
     });
@@ -90,11 +90,11 @@ void OpenClass::import(TextView inn, TextView kpp) {
 }
 
 void OpenClass::view_v(TextView inn, TextView kpp) {
-    Guarded(u"Ошибка в функции View_V", [&] { View(GetFiles, inn, kpp); });
+    Guarded(u"Ошибка в функции View_V", [&] { View(GetFiles, Trim(inn), Trim(kpp)); });
 }
 
 void OpenClass::view_a(TextView inn, TextView kpp) {
-    Guarded(u"Ошибка в функции View_A", [&] { View(GetFilesAct, inn, kpp); });
+    Guarded(u"Ошибка в функции View_A", [&] { View(GetFilesAct, Trim(inn), Trim(kpp)); });
 }
 
 }  // namespace tav

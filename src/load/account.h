@@ -5,7 +5,7 @@
 // imports a folder twice, or once more after an interruption, gets the same findings. Only `now` and the
 // counts tell what this very import did.
 //
-// RunImport (run_import.h) and LoadFromXml (load_from_xml.h), which knows the catalogue alone, give it. The
+// RunImport (run_import.h), LoadFromXml (load_from_xml.h) and AccountOfFolder (account_of_folder.h) give it. The
 // command line prints it, the window shows it in its list and its information text; none of them finds out
 // anything by itself.
 #pragma once

@@ -9,6 +9,11 @@ void AccountMaker::Add(const Text& file, Remark remark) {
     if (std::ranges::find(remarks, remark) == remarks.end()) remarks.push_back(std::move(remark));
 }
 
+void AccountMaker::AddFirst(const Text& file, Remark remark) {
+    std::vector<Remark>& remarks = found_[file].remarks;
+    remarks.insert(remarks.begin(), std::move(remark));
+}
+
 std::vector<FileAccount> AccountMaker::FilesOf(const std::vector<Text>& listed, const HeldFiles& held) const {
     std::vector<FileAccount> files;
     files.reserve(listed.size());

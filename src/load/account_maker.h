@@ -12,8 +12,12 @@ class AccountMaker {
  public:
     // A remark about a file, in the order in which they are to be told; the same one twice counts once.
     void Add(const Text& file, Remark remark);
+    // The same, to be told before what was added until now.
+    void AddFirst(const Text& file, Remark remark);
     // Something of the file has been stored now.
     void Stored(const Text& file) { found_[file].now = true; }
+    // What was found of the file, or that it was stored, is taken back.
+    void Forget(const Text& file) { found_.erase(file); }
 
     // The files that are listed, with what the database holds of them and what was found; a file of which
     // nothing is known is new.

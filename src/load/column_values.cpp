@@ -65,7 +65,16 @@ CatalogueColumn& ColumnValues::ColumnOf(TextView element) {
     if (known != columns_.end()) return known->second;
     CatalogueColumn column{Text(element), ColumnName(element)};
     column.kind = KindOf(table_, column.column);
+    for (const TextSize& size : sizes_) {
+        if (EqualNoCase(size.column, column.column)) column.size = size.characters;
+    }
     return columns_.emplace(column.element, std::move(column)).first->second;
+}
+
+void ColumnValues::Cut(TextView element, std::size_t characters) {
+    for (Item& item : std::span(items_.data(), count_)) {
+        if (item.column->element == element && item.text.size() > characters) item.text.resize(characters);
+    }
 }
 
 void ColumnValues::Add(TextView element, TextView text) {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "common/text.h"
+#include "db/engine.h"
 
 namespace tav {
 
@@ -24,6 +25,7 @@ struct CatalogueColumn {
     Text element;  // "p01"
     Text column;   // "p1"
     Kind kind = Kind::Words;
+    std::size_t size = 0;        // how many characters the database takes; 0: as many as there are
     std::size_t position = 0;    // in the values being collected
     std::size_t collection = 0;  // the number of the collection that `position` belongs to
 
@@ -39,11 +41,25 @@ class ColumnValues {
         Text text;
     };
 
-    explicit ColumnValues(CatalogueTable table) : table_(table) {}
+    // `sizes` are those of the table's text columns.
+    explicit ColumnValues(CatalogueTable table, std::vector<TextSize> sizes = {})
+        : table_(table), sizes_(std::move(sizes)) {}
 
     // Forgets the values.
     void Clear();
     void Add(TextView element, TextView text);
+    // Cuts the element's text, if it is there, to so many characters.
+    void Cut(TextView element, std::size_t characters);
+    // Cuts what is longer than its column, and gives `report(column, length)` each of these texts.
+    template <class Report>
+    void CutToSize(Report report) {
+        for (Item& item : std::span(items_.data(), count_)) {
+            const std::size_t size = item.column->size;
+            if (size == 0 || item.text.size() <= size) continue;
+            report(*item.column, item.text.size());
+            item.text.resize(size);
+        }
+    }
     std::span<const Item> items() const { return {items_.data(), count_}; }
 
  private:
@@ -56,6 +72,7 @@ class ColumnValues {
     CatalogueColumn& ColumnOf(TextView element);
 
     CatalogueTable table_;
+    std::vector<TextSize> sizes_;
     Columns columns_;
     std::vector<Item> items_;
     std::size_t count_ = 0;

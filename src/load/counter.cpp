@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "common/failure.h"
+#include "common/database_failure.h"
 #include "common/regional.h"
 #include "db/literals.h"
 
@@ -17,7 +17,9 @@ Counter::Counter(const Value& highest) {
 }
 
 std::int16_t Counter::Next() {
-    if (value_ == INT16_MAX) throw Failure(RunTimeError::Overflow);
+    if (value_ == INT16_MAX) {
+        throw DatabaseFailure(Failure(RunTimeError::Overflow));
+    }
     return ++value_;
 }
 

@@ -1,9 +1,11 @@
 #include "load/load_from_xml.h"
 
+#include <algorithm>
 #include <optional>
 #include <unordered_set>
 #include <vector>
 
+#include "common/database_failure.h"
 #include "common/guard.h"
 #include "common/progress.h"
 #include "convert/catalogue.h"
@@ -11,9 +13,8 @@
 #include "db/connection.h"
 #include "db/literals.h"
 #include "load/account_maker.h"
+#include "load/document_loader.h"
 #include "load/known_files.h"
-#include "load/part_loader.h"
-#include "load/taxpayer_choice.h"
 #include "platform/files.h"
 #include "settings/session.h"
 
@@ -25,10 +26,6 @@ constexpr int kFilesPerUnit = 64;
 constexpr int kRowsPerUnit = 20000;
 // What a source file may need in the database, in bytes: a statement of 10,000 lines.
 constexpr std::uint64_t kRoomForFile = 4 << 20;
-
-Remark OtherTaxpayer(const Text& inn, const Text& kpp) {
-    return {Finding::OtherTaxpayer, Text(u"ИНН ").append(inn).append(u", КПП ").append(kpp), inn, kpp};
-}
 
 // Rows above the highest number are what headers that were deleted left behind: their numbers are given
 // again, and the rows of two documents must not mix.
@@ -59,6 +56,41 @@ void RemoveSuperseded(Connection& connection, const std::vector<Text>& listed) {
     }
 }
 
+// The first lines, and how many more there are.
+Text FirstLines(const std::vector<Text>& lines) {
+    constexpr std::size_t kShown = 10;
+    Text text;
+    for (std::size_t i = 0; i < std::min(kShown, lines.size()); ++i) {
+        text.append(i > 0 ? u"\r\n" : u"").append(lines[i]);
+    }
+    if (lines.size() <= kShown) return text;
+    return text.append(u"\r\n... и ещё ").append(Digits(static_cast<long long>(lines.size() - kShown)));
+}
+
+// The statements executed while this lives stay only when they are kept.
+class Savepoint {
+ public:
+    explicit Savepoint(Connection& connection) : connection_(connection) { connection_.SetSavepoint(); }
+    ~Savepoint() {
+        if (!ended_) Guarded(u"Ошибка в функции LoadFromXml", [&] { connection_.RollBackToSavepoint(); });
+    }
+    Savepoint(const Savepoint&) = delete;
+    Savepoint& operator=(const Savepoint&) = delete;
+
+    void Keep() {
+        connection_.ReleaseSavepoint();
+        ended_ = true;
+    }
+    void RollBack() {
+        ended_ = true;
+        connection_.RollBackToSavepoint();
+    }
+
+ private:
+    Connection& connection_;
+    bool ended_ = false;
+};
+
 class Load {
  public:
     Load(TextView catalogue, TextView inn, TextView kpp, TextView move_folder)
@@ -71,15 +103,17 @@ class Load {
     void Run(TextView database);
 
     ImportAccount account;
-    Text unmovable;  // the file that could not be moved, if that ended the load
+    Text unmovable;            // the file that could not be moved, if that ended the load
+    std::vector<Text> failed;  // documents of which nothing was stored: "name: why"
 
  private:
     void LoadNewFiles();
     std::vector<Text> NewFiles(const KnownFiles& known) const;
     void LoadFile(const Catalogue& catalogue, const Text& name, PartLoader& parts);
-    bool LoadParts(const Catalogue& catalogue, const Text& name, PartLoader& parts);
+    void TakeBack(const Text& name, Finding finding, const Failure& failure);
     void CheckRoom(const Text& name) const;
     void Move(const Text& name);
+    void EndUnit();
     void TakeAccount();
 
     Text catalogue_;
@@ -88,6 +122,11 @@ class Load {
     Connection connection_;
     std::vector<Text> listed_;
     AccountMaker found_;
+
+    // What has been stored and not yet reached the disk.
+    std::vector<Text> unit_files_;
+    int unit_documents_ = 0;
+    int unit_rows_ = 0;
 };
 
 void Load::Run(TextView database) {
@@ -96,7 +135,10 @@ void Load::Run(TextView database) {
     connection_.Open(ConnectionString(database));
     try {
         LoadNewFiles();
+        EndUnit();
     } catch (...) {
+        // What was loaded before stays.
+        GuardedBy([&] { EndUnit(); }, [](const Failure&) {});
         TakeAccount();
         throw;
     }
@@ -105,10 +147,10 @@ void Load::Run(TextView database) {
 }
 
 void Load::LoadNewFiles() {
-    const LoadSwitches switches = ReadLoadSwitches();
     const KnownFiles known = ReadKnownFiles(connection_);
     const Recordset highest = connection_.Execute(u"select max(id), max(vid) from tav_operations_header");
-    PartLoader parts(connection_, switches, highest.Field(0), highest.Field(1), account);
+    const PartLoader::Numbers numbers{Counter(highest.Field(0)), Counter(highest.Field(1))};
+    PartLoader parts(connection_, PartLoader::Mode::Store, numbers);
 
     // When the database knows every current file, the head of the catalogue is all that is read.
     std::vector<Text> names;
@@ -124,23 +166,20 @@ void Load::LoadNewFiles() {
         names = NewFiles(known);
     }
 
-    RemoveLeftovers(connection_, Counter(highest.Field(0)).value());
+    RemoveLeftovers(connection_, numbers.part.value());
     RemoveSuperseded(connection_, listed_);
     // The import folder itself is no archive: what is in it stays there.
     if (SameFolder(move_folder_, FolderOf(catalogue_))) move_folder_.clear();
     int looked_at = 0;
     int files = 0;
-    int rows = account.rows;
     for (const Text& name : names) {
         CurrentProgress().SetLoaded(looked_at++, static_cast<int>(names.size()));
         CurrentProgress().ProcessEvents();
         LoadFile(*catalogue, name, parts);
-        if (++files < kFilesPerUnit && account.rows - rows < kRowsPerUnit) continue;
-        connection_.EndUnit();
+        if (++files < kFilesPerUnit && unit_rows_ < kRowsPerUnit) continue;
+        EndUnit();
         files = 0;
-        rows = account.rows;
     }
-    connection_.EndUnit();
 }
 
 std::vector<Text> Load::NewFiles(const KnownFiles& known) const {
@@ -151,6 +190,24 @@ std::vector<Text> Load::NewFiles(const KnownFiles& known) const {
     return names;
 }
 
+// Only what has reached the disk is said to be loaded.
+void Load::EndUnit() {
+    const auto clear = [&] {
+        unit_files_.clear();
+        unit_documents_ = unit_rows_ = 0;
+    };
+    try {
+        connection_.EndUnit();
+    } catch (...) {
+        for (const Text& name : unit_files_) found_.Forget(name);
+        clear();
+        throw;
+    }
+    account.documents += unit_documents_;
+    account.rows += unit_rows_;
+    clear();
+}
+
 // The database has the last word about what it holds, also after a failure; only when it cannot be asked any
 // more it is passed over.
 void Load::TakeAccount() {
@@ -159,56 +216,47 @@ void Load::TakeAccount() {
     account.files = found_.FilesOf(listed_, held);
 }
 
+// A failure of the document undoes the document; one of the database ends the load.
 void Load::LoadFile(const Catalogue& catalogue, const Text& name, PartLoader& parts) {
     CheckRoom(name);
-    bool loaded = false;
+    const PartLoader::Numbers before = parts.numbers();
+    DocumentLoader::Taken taken;
+    Savepoint savepoint(connection_);
     try {
-        loaded = LoadParts(catalogue, name, parts);
+        const CatalogueParts entries = catalogue.PartsOf(name);
+        if (entries.parts.empty()) {
+            found_.Add(name, {Finding::NotRecognised, GlanceAtDocument(FolderOf(catalogue_) + name).reason});
+        }
+        taken = DocumentLoader(taxpayer_, parts, found_).Take(entries.parts, name);
+        savepoint.Keep();
+    } catch (const XmlFailure& failure) {
+        savepoint.RollBack();
+        return TakeBack(name, Finding::Unreadable, failure);
     } catch (...) {
-        throw CurrentFailure().In(name);
+        const Failure failure = CurrentFailure();
+        if (ConcernsDatabase()) {
+            found_.Forget(name);
+            throw failure.In(name);
+        }
+        savepoint.RollBack();
+        parts.GoOnFrom(before);
+        return TakeBack(name, Finding::Failed, failure);
     }
-    if (!loaded || move_folder_.empty()) return;
-    connection_.EndUnit();
+    unit_documents_ += taken.documents;
+    unit_rows_ += taken.rows;
+    if (taken.documents > 0) {
+        found_.Stored(name);
+        unit_files_.push_back(name);
+    }
+    if (!taken.own || move_folder_.empty()) return;
+    EndUnit();
     Move(name);
 }
 
-// Whether the file has a part of the taxpayer.
-bool Load::LoadParts(const Catalogue& catalogue, const Text& name, PartLoader& parts) {
-    bool loaded = false;
-    const CatalogueParts entries = catalogue.PartsOf(name);
-    for (const Node& part : entries.parts) {
-        const Node inn = part.SelectSingleNode(u"head/h01");
-        const Node kpp = part.SelectSingleNode(u"head/h02");
-        if (!inn || !kpp) {
-            found_.Add(name, {Finding::NotRecognised, u"в документе нет ИНН или КПП"});
-            continue;
-        }
-        if (!taxpayer_.Owns(inn.Content(), kpp.Content())) {
-            found_.Add(name, OtherTaxpayer(inn.Content(), kpp.Content()));
-            continue;
-        }
-        loaded = true;
-        const Node type = part.FirstAttribute();
-        const Text kind = type ? type.Content() : Text();
-        bool stored = false;
-        if (kind == u"выписка") {
-            stored = parts.LoadStatement(part, name);
-        } else if (kind == u"акт") {
-            stored = parts.LoadAct(part, name);
-        } else {
-            found_.Add(name, {Finding::NotRecognised, u"вид документа: " + kind});
-            continue;
-        }
-        if (stored) {
-            found_.Stored(name);
-        } else {
-            found_.Add(name, {Finding::AllZero});
-        }
-    }
-    if (entries.parts.empty()) {
-        found_.Add(name, {Finding::NotRecognised, GlanceAtDocument(FolderOf(catalogue_) + name).reason});
-    }
-    return loaded;
+void Load::TakeBack(const Text& name, Finding finding, const Failure& failure) {
+    found_.Forget(name);
+    found_.Add(name, {finding, failure.description()});
+    failed.push_back(Text(name).append(u": ").append(failure.description()));
 }
 
 void Load::CheckRoom(const Text& name) const {
@@ -238,6 +286,7 @@ void Load::Move(const Text& name) {
 
 ImportAccount LoadFromXml(TextView catalogue, TextView database, TextView inn, TextView kpp,
                           TextView move_folder) {
+    constexpr TextView kTitle = u"Ошибка в функции LoadFromXml";
     Load load(catalogue, inn, kpp, move_folder);
     GuardedBy(
         [&] {
@@ -246,13 +295,14 @@ ImportAccount LoadFromXml(TextView catalogue, TextView database, TextView inn, T
         },
         [&](const Failure& failure) {
             if (load.unmovable.empty()) {
-                ShowFailure(u"Ошибка в функции LoadFromXml", failure);
+                ShowFailure(kTitle, failure);
             } else {
                 ShowMessage(
                     u"Запрет",
                     Text(u"Файл ").append(load.unmovable).append(u" используется и не может быть перемещён"));
             }
         });
+    if (!load.failed.empty()) ShowFailure(kTitle, Failure(FirstLines(load.failed)));
     return std::move(load.account);
 }
 

@@ -4,7 +4,10 @@
 // a part belongs to the taxpayer when its INN and KPP match. Files with such a part are moved into the move
 // folder, when there is one, after what they held has reached the disk.
 //
-// Everything stays as far as it got when something fails: the failure is shown and names the document.
+// What fails for the sake of one document (a value that is no date or no number, a rule of a table, an entry
+// that cannot be read) undoes that document and no other: the statement that it was to supersede stays the current
+// one. At the end one message names these documents. A failure of the database itself or of a move is shown, names
+// the document and ends the load; what was loaded before stays.
 #pragma once
 
 #include "load/account.h"

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "common/failure.h"
+#include "common/regional.h"
 #include "db/literals.h"
 #include "settings/settings.h"
 
@@ -38,9 +39,9 @@ class Insert {
     }
     void Literal(const SqlText& literal) { values_.Append(literal); }
 
-    void Execute(Connection& connection) {
+    SqlText Statement() const {
         SqlText statement(columns_);
-        connection.Execute(statement.Append(values_).Fixed(u")"));
+        return statement.Append(values_).Fixed(u")");
     }
 
  private:
@@ -54,16 +55,31 @@ Insert HeaderInsert(std::int16_t part, TextView file_name) {
     return header;
 }
 
-void Collect(Node parent, ColumnValues& values) {
-    values.Clear();
-    if (!parent) return;
-    for (const Node& child : parent.Children()) values.Add(child.Name(), child.Content());
-}
-
 // Without its zeros, an amount's element names the section in its second place: p0211 is p211.
 bool InSection2(TextView element) {
     const Text name = ReplaceAll(element, u"0", u"");
     return name.size() >= 2 && name[1] == u'2';
+}
+
+BalanceLine BalancesOf(const ColumnValues& row) {
+    BalanceLine line;
+    for (const auto& [column, text] : row.items()) {
+        const TextView digits = column->digits();
+        if (digits == kRecordDateDigits) {
+            line.dated = true;
+        } else if (digits == u"09") {
+            line.kind = text;
+        } else if (digits == u"10") {
+            line.charged = ParseMoney(ToLocalNumber(text));
+        } else if (digits == u"11") {
+            line.paid = ParseMoney(ToLocalNumber(text));
+        } else if (digits == u"13") {
+            line.balance = ParseMoney(ToLocalNumber(text));
+        } else if (digits == u"14") {
+            line.total_balance = ParseMoney(ToLocalNumber(text));
+        }
+    }
+    return line;
 }
 
 // " and perb= #01/01/2011#". The year stands bare in the statement, so it must be one.
@@ -81,78 +97,103 @@ LoadSwitches ReadLoadSwitches() {
             SettingSwitch(u"SpActOb")};
 }
 
-PartLoader::PartLoader(Connection& connection, const LoadSwitches& switches, const Value& highest_part,
-                       const Value& highest_series, ImportAccount& account)
+PartLoader::PartLoader(Connection& connection, Mode mode, const Numbers& highest)
     : connection_(connection),
-      switches_(switches),
-      account_(account),
-      part_(highest_part),
-      series_(highest_series) {
-    part_.Next();
-    series_.Next();
+      mode_(mode),
+      switches_(ReadLoadSwitches()),
+      numbers_(highest),
+      head_(CatalogueTable::Header, connection.TextSizes(u"tav_operations_header")),
+      row_(CatalogueTable::Operations, connection.TextSizes(u"tav_operations")),
+      amounts_(CatalogueTable::Acts) {}
+
+void PartLoader::Execute(const SqlText& sql) {
+    if (mode_ == Mode::Store) connection_.Execute(sql);
 }
 
-bool PartLoader::LoadAct(Node part, TextView file_name) {
+void PartLoader::Collect(Node parent, ColumnValues& values) {
+    values.Clear();
+    if (!parent) return;
+    for (const Node& child : parent.Children()) values.Add(child.Name(), child.Content());
+}
+
+void PartLoader::CutToSize(ColumnValues& values, Reading& reading) {
+    values.CutToSize([&](const CatalogueColumn& column, std::size_t length) {
+        std::size_t& longest = reading.long_texts[column.column];
+        longest = std::max(longest, length);
+    });
+}
+
+PartOutcome PartLoader::LoadAct(Node part, TextView file_name) {
+    Reading reading;
+    const std::int16_t number = numbers_.part.Next();
     Collect(part.SelectSingleNode(u"body"), amounts_);
-    Insert amounts(u"insert into tav_acts (id", part_.value());
+    Insert amounts(u"insert into tav_acts (id", number);
     bool nonzero = false;
     for (const auto& [column, text] : amounts_.items()) {
         amounts.Add(column->column, ToLocalNumber(text));
         if ((switches_.section_2_only == 0 || InSection2(column->element)) && text != kZero) nonzero = true;
     }
-    const bool stored = switches_.zero_acts != 0 || nonzero;
-    if (stored) amounts.Execute(connection_);
+    reading.outcome.stored = switches_.zero_acts != 0 || nonzero;
+    if (!reading.outcome.stored) return Finish(reading);
+    Execute(amounts.Statement());
 
     Collect(part.SelectSingleNode(u"head"), head_);
-    Insert header = HeaderInsert(part_.value(), file_name);
+    CutToSize(head_, reading);
+    Insert header = HeaderInsert(number, file_name);
     for (const auto& [column, text] : head_.items()) header.Add(column->column, text);
-    if (stored) header.Execute(connection_);
-    if (stored) ++account_.documents;
-    part_.Next();
-    return stored;
+    Execute(header.Statement());
+    return Finish(reading);
 }
 
-bool PartLoader::LoadStatement(Node part, TextView file_name) {
-    // Once an amount has counted, every later line is stored, zero or not.
-    bool nonzero = false;
-    for (const Node& row : part.SelectNodes(u"body/row")) nonzero = LoadRow(row, nonzero);
-    const bool stored = switches_.zero_statements != 0 || nonzero;
-    LoadStatementHeader(part.SelectSingleNode(u"head"), file_name, stored);
-    if (stored) ++account_.documents;
-    part_.Next();
-    return stored;
+PartOutcome PartLoader::LoadStatement(Node part, TextView file_name) {
+    Reading reading;
+    numbers_.part.Next();
+    for (const Node& row : part.SelectNodes(u"body/row")) LoadRow(row, reading);
+    reading.outcome.stored = switches_.zero_statements != 0 || reading.nonzero;
+    LoadStatementHeader(part.SelectSingleNode(u"head"), file_name, reading);
+    return Finish(reading);
 }
 
-// `nonzero` is whether an amount has counted so far; returned with this row's.
-bool PartLoader::LoadRow(Node row, bool nonzero) {
+// Once an amount has counted, every later line is stored, zero or not.
+void PartLoader::LoadRow(Node row, Reading& reading) {
     Collect(row, row_);
-    Insert insert(u"insert into tav_operations (id", part_.value());
+    reading.balances.Add(BalancesOf(row_));
+    CutToSize(row_, reading);
+    Insert insert(u"insert into tav_operations (id", numbers_.part.value());
     bool ignored = switches_.dated_lines_only != 0;
+    bool has_amount = false;
     for (const auto& [column, text] : row_.items()) {
         const TextView digits = column->digits();
         if (OneOf(digits, kAmountDigits)) {
             insert.Add(column->column, ToLocalNumber(text));
-            if (!ignored && text != kZero) nonzero = true;
+            if (text == kZero) continue;
+            has_amount = true;
+            if (!ignored) reading.nonzero = true;
             continue;
         }
         insert.Add(column->column, text);
         if (digits == kRecordDateDigits) ignored = false;
     }
-    if (switches_.zero_statements != 0 || nonzero) {
-        insert.Execute(connection_);
-        ++account_.rows;
+    if (switches_.zero_statements == 0 && !reading.nonzero) {
+        if (has_amount) reading.held.push_back(insert.Statement());
+        return;
     }
-    return nonzero;
+    for (const SqlText& held : reading.held) Execute(held);
+    reading.outcome.rows += static_cast<int>(reading.held.size()) + 1;
+    reading.held.clear();
+    Execute(insert.Statement());
 }
 
-void PartLoader::LoadStatementHeader(Node head, TextView file_name, bool stored) {
+void PartLoader::LoadStatementHeader(Node head, TextView file_name, Reading& reading) {
     Collect(head, head_);
-    Insert header = HeaderInsert(part_.value(), file_name);
+    head_.Cut(u"h11", kCurrencyCharacters);
+    CutToSize(head_, reading);
+    Insert header = HeaderInsert(numbers_.part.value(), file_name);
     SqlText current(u"select vid, pere, h12 from tav_operations_header where not(isnull(vid))");
     Text period_end;
     for (const auto& [column, text] : head_.items()) {
         const TextView element = column->element;
-        header.Add(column->column, element == u"h11" ? TextView(text).substr(0, kCurrencyCharacters) : text);
+        header.Add(column->column, text);
         if (OneOf(element, kSeriesElements)) {
             current.Fixed(u" and ").Fixed(column->column).Fixed(u"='").Value(text).Fixed(u"'");
         } else if (element == u"h12") {
@@ -168,8 +209,9 @@ void PartLoader::LoadStatementHeader(Node head, TextView file_name, bool stored)
     header.Add(u"pere", period_end);
     header.Column(u"vid");
     current.Fixed(FirstOfJanuary(Right(period_end, kYearCharacters)));
+    if (mode_ == Mode::Rehearse) return;
     header.Literal(VersionLiteral(current, period_end));
-    if (stored) header.Execute(connection_);
+    if (reading.outcome.stored) Execute(header.Statement());
 }
 
 // The value of `vid`: the series number the statement takes over, a new one, or Null when the current
@@ -180,11 +222,7 @@ SqlText PartLoader::VersionLiteral(const SqlText& current, TextView period_end) 
         return literal.Value(Digits(number)).Fixed(u"'");
     };
     const Recordset found = connection_.Execute(current);
-    if (found.Eof()) {
-        const std::int16_t series = series_.value();
-        series_.Next();
-        return quoted(series);
-    }
+    if (found.Eof()) return quoted(numbers_.series.Next());
     Text old_period_end = isns(found.Field(u"pere"));
     Text old_statement_end = isns(found.Field(u"h12"));
     // Both comparisons are always made, in this order: the first tests against the range that the previous
@@ -196,6 +234,24 @@ SqlText PartLoader::VersionLiteral(const SqlText& current, TextView period_end) 
     SqlText supersede(u"update tav_operations_header set vid=Null where vid=");
     connection_.Execute(supersede.Number(series));
     return quoted(series);
+}
+
+PartOutcome PartLoader::Finish(Reading& reading) {
+    PartOutcome& outcome = reading.outcome;
+    if (!outcome.stored) return std::move(outcome);
+    if (!reading.long_texts.empty()) {
+        Text fields;
+        for (const auto& [column, length] : reading.long_texts) {
+            fields.append(fields.empty() ? u"" : u", ").append(column).append(u" (знаков: ");
+            fields.append(Digits(static_cast<long long>(length))).append(u")");
+        }
+        outcome.remarks.push_back({Finding::Shortened, fields});
+    }
+    if (const auto fault = reading.balances.FirstFault()) {
+        outcome.remarks.push_back(
+            {Finding::Arithmetic, Text(u"первая такая строка: ").append(Digits(*fault))});
+    }
+    return std::move(outcome);
 }
 
 }  // namespace tav

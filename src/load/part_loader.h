@@ -2,17 +2,21 @@
 //
 // A part takes the next number, whether it is stored or not. A document whose every amount is "0.00" is not
 // stored unless the settings say so; of a statement, the lines before the first amount that counts are not.
-// Statements of one series (INN, KPP, h6, h7, h10, year) share a series number `vid`, which only the current
-// one carries. What fails is thrown; the statements executed before stay.
+// Where dated lines alone count, an undated line before the first of them is stored all the same when it has
+// an amount. Statements of one series (INN, KPP, h6, h7, h10, year) share a series number `vid`, which only
+// the current one carries. A text that is longer than its column is cut. What fails is thrown; the statements
+// executed before stay.
 #pragma once
 
 #include <cstdint>
+#include <map>
 
 #include "common/text.h"
 #include "db/connection.h"
 #include "load/account.h"
 #include "load/column_values.h"
 #include "load/counter.h"
+#include "load/running_balances.h"
 #include "xml/document.h"
 
 namespace tav {
@@ -26,29 +30,59 @@ struct LoadSwitches {
 };
 LoadSwitches ReadLoadSwitches();
 
+struct PartOutcome {
+    bool stored = false;  // if not, every amount that counts is 0.00
+    int rows = 0;         // lines of a statement stored
+    std::vector<Remark> remarks;
+};
+
 class PartLoader {
  public:
-    // Numbers go on from the highest ones, as the database returned them. What is stored is counted in `account`.
-    PartLoader(Connection& connection, const LoadSwitches& switches, const Value& highest_part,
-               const Value& highest_series, ImportAccount& account);
+    enum class Mode {
+        Store,
+        Rehearse  // finds out what would be stored, and executes nothing
+    };
+    // What numbers are given out from.
+    struct Numbers {
+        Counter part;
+        Counter series;
+    };
 
-    // Whether the document was stored; if not, every amount that counts is 0.00.
-    bool LoadAct(Node part, TextView file_name);
-    bool LoadStatement(Node part, TextView file_name);
+    // `highest`: the highest numbers there are.
+    PartLoader(Connection& connection, Mode mode, const Numbers& highest);
+
+    PartOutcome LoadAct(Node part, TextView file_name);
+    PartOutcome LoadStatement(Node part, TextView file_name);
+
+    // For taking back what was loaded since.
+    const Numbers& numbers() const { return numbers_; }
+    void GoOnFrom(const Numbers& numbers) { numbers_ = numbers; }
 
  private:
-    bool LoadRow(Node row, bool nonzero);
-    void LoadStatementHeader(Node head, TextView file_name, bool stored);
+    // What is gathered while one part is read.
+    struct Reading {
+        bool nonzero = false;                    // an amount has counted
+        std::vector<SqlText> held;               // lines before that, which have an amount
+        std::map<Text, std::size_t> long_texts;  // columns whose texts were cut, and the longest one's length
+        RunningBalances balances;
+        PartOutcome outcome;
+    };
+
+    static void Collect(Node parent, ColumnValues& values);
+    static void CutToSize(ColumnValues& values, Reading& reading);
+    void LoadRow(Node row, Reading& reading);
+    void LoadStatementHeader(Node head, TextView file_name, Reading& reading);
     SqlText VersionLiteral(const SqlText& current, TextView period_end);
+    void Execute(const SqlText& sql);
+    static PartOutcome Finish(Reading& reading);
 
     Connection& connection_;
+    Mode mode_;
     LoadSwitches switches_;
-    ImportAccount& account_;
-    Counter part_;
-    Counter series_;
-    ColumnValues head_{CatalogueTable::Header};
-    ColumnValues row_{CatalogueTable::Operations};
-    ColumnValues amounts_{CatalogueTable::Acts};
+    Numbers numbers_;
+    ColumnValues head_;
+    ColumnValues row_;
+    ColumnValues amounts_;
 };
 
 }  // namespace tav

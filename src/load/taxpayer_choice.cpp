@@ -12,6 +12,12 @@ TaxpayerChoice::TaxpayerChoice(TextView inn, TextView kpp) : inn_(Trim(inn)), kp
     kpp_ = kAllSubdivisions;
 }
 
+TaxpayerChoice TaxpayerChoice::Everybody() {
+    TaxpayerChoice everybody({}, {});
+    everybody.everybody_ = true;
+    return everybody;
+}
+
 bool TaxpayerChoice::HasInn(TextView inn) const {
     return inn == inn_ || inn_.find(Text(u"|").append(UpperCase(inn)).append(u"|")) != inn_.npos;
 }

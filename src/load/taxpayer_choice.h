@@ -10,13 +10,16 @@ class TaxpayerChoice {
     // `inn`: one INN, or several between "|", to which any KPP belongs. `kpp`: 16 characters or more stand for
     // any. Outer blanks are no part of either.
     TaxpayerChoice(TextView inn, TextView kpp);
+    // Every document, whoever's it is.
+    static TaxpayerChoice Everybody();
 
-    bool Owns(TextView inn, TextView kpp) const { return HasInn(inn) && HasKpp(kpp); }
+    bool Owns(TextView inn, TextView kpp) const { return everybody_ || (HasInn(inn) && HasKpp(kpp)); }
 
  private:
     bool HasInn(TextView inn) const;
     bool HasKpp(TextView kpp) const;
 
+    bool everybody_ = false;
     Text inn_;  // several: upper-cased, with "|" at both ends
     Text kpp_;
 };

@@ -30,12 +30,6 @@ Text ResultName(sqlite3_stmt* statement, int column) {
     return expression ? Text(u"Expr").append(Digits(1000 + column)) : name;
 }
 
-void CheckValues(const SqlText& sql) {
-    for (const SqlText::Span& value : sql.values()) {
-        if (value.quoted) CheckQuotedValue(TextView(sql.text()).substr(value.begin, value.length));
-    }
-}
-
 }  // namespace
 
 struct Executor::State {
@@ -48,12 +42,14 @@ struct Executor::State {
     ResultTable Run(Prepared& prepared);
     Recordset Execute(const SqlText& sql);
     void DropHashes();
+    void EndLogs();
 
     Database database;
     Callbacks callbacks;
     std::map<Table*, std::unique_ptr<VirtualTable>> tables;
     SqliteHandle sqlite;
     StatementCache cache;
+    bool savepoint = false;
 };
 
 // The table's definition; SQLite knows the table from now on.
@@ -63,6 +59,7 @@ const TableDefinition* Executor::State::FindTable(TextView name) {
     std::unique_ptr<VirtualTable>& known = tables[table];
     if (known == nullptr) {
         known = std::make_unique<VirtualTable>(*table, callbacks);
+        if (savepoint) known->log().Begin();
         known->Register(sqlite.get());
     }
     return &table->definition();
@@ -98,7 +95,10 @@ Prepared& Executor::State::Prepare(const SqlText& sql) {
         const Parameter& parameter = rewritten.parameters[i];
         if (parameter.IsConstant()) jet::Bind(statement.get(), static_cast<int>(i) + 1, parameter.constant);
     }
-    return cache.Add(sql, {Shape(sql), std::move(rewritten), std::move(statement), std::move(names), {}});
+    VirtualTable* changed = nullptr;
+    if (rewritten.changed != nullptr) changed = tables.at(database.FindTable(rewritten.changed->name)).get();
+    return cache.Add(sql,
+                     {Shape(sql), std::move(rewritten), changed, std::move(statement), std::move(names), {}});
 }
 
 void Executor::State::Bind(Prepared& prepared, const SqlText& sql) {
@@ -110,11 +110,9 @@ void Executor::State::Bind(Prepared& prepared, const SqlText& sql) {
         const int number = static_cast<int>(i) + 1;
         if (parameter.kind == TokenKind::String &&
             (parameter.column == nullptr || parameter.column->IsText())) {
-            const TextView token = parameter.Where(sql);
-            const TextView inside = token.substr(1, token.size() - 2);
-            if (inside.find(u'\'') == inside.npos) {
-                const int bytes = static_cast<int>(inside.size() * sizeof(char16_t));
-                if (sqlite3_bind_text16(statement, number, inside.data(), bytes, SQLITE_STATIC) !=
+            if (const auto whole = parameter.WholeValue(sql)) {
+                const int bytes = static_cast<int>(whole->size() * sizeof(char16_t));
+                if (sqlite3_bind_text16(statement, number, whole->data(), bytes, SQLITE_STATIC) !=
                     SQLITE_OK) {
                     throw Failure(RunTimeError::OutOfMemory);
                 }
@@ -150,22 +148,32 @@ void Executor::State::DropHashes() {
     for (auto& [table, virtual_table] : tables) virtual_table->search().DropHashes();
 }
 
+void Executor::State::EndLogs() {
+    savepoint = false;
+    for (auto& [table, virtual_table] : tables) virtual_table->log().End();
+}
+
 Recordset Executor::State::Execute(const SqlText& sql) {
-    CheckValues(sql);
     Prepared* known = cache.Find(sql);
     Prepared& prepared = known != nullptr ? *known : Prepare(sql);
     database.file().Trim();
     Bind(prepared, sql);
-    if (prepared.rewritten.changed == nullptr) return Recordset(Run(prepared));
+    if (prepared.changed == nullptr) return Recordset(Run(prepared));
     if (!database.file().writable()) {
         throw Failure(u"Operation must use an updateable query.").In(database.file().path());
     }
+    ChangeLog& log = prepared.changed->log();
+    const std::size_t changes = log.Length();
     database.file().BeginStatement();
     try {
         Run(prepared);
     } catch (...) {
+        if (savepoint) {
+            log.TakeBack(changes);
+        } else {
+            DropHashes();
+        }
         database.file().RollBackStatement();
-        DropHashes();
         throw;
     }
     database.file().KeepStatement();
@@ -181,7 +189,27 @@ Recordset Executor::Execute(const SqlText& sql) {
     return state_->Execute(WithValues(sql));
 }
 
+void Executor::SetSavepoint() {
+    state_->EndLogs();
+    state_->savepoint = true;
+    for (auto& [table, virtual_table] : state_->tables) virtual_table->log().Begin();
+    state_->database.file().SetSavepoint();
+}
+
+void Executor::ReleaseSavepoint() {
+    state_->EndLogs();
+    state_->database.file().ReleaseSavepoint();
+}
+
+void Executor::RollBackToSavepoint() {
+    if (!state_->savepoint) return;
+    for (auto& [table, virtual_table] : state_->tables) virtual_table->log().TakeBack(0);
+    state_->EndLogs();
+    state_->database.file().RollBackToSavepoint();
+}
+
 void Executor::Commit() {
+    state_->EndLogs();
     try {
         state_->database.file().Commit();
     } catch (...) {

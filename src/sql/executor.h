@@ -23,6 +23,12 @@ class Executor {
     // leaves the file as it was. Changes become part of the present unit of work.
     Recordset Execute(const SqlText& sql);
 
+    // What is executed since SetSavepoint is taken back by RollBackToSavepoint, or kept. There is one savepoint at
+    // a time; Commit releases it.
+    void SetSavepoint();
+    void ReleaseSavepoint();
+    void RollBackToSavepoint();
+
     // What was executed since the last time reaches the disk, as a whole.
     void Commit();
 

@@ -61,7 +61,7 @@ Value LiteralValue(TokenKind kind, TextView text) {
         case TokenKind::Date:
             return ReadDateLiteral(text);
         default:
-            return Unquoted(text);
+            return WithoutDoubling(text.substr(1, text.size() - 2));
     }
 }
 
@@ -353,9 +353,31 @@ TextView Parameter::Where(const SqlText& sql) const {
     return TextView(sql.text()).substr(begin, last.begin + last.length + behind - begin);
 }
 
+std::optional<TextView> Parameter::WholeValue(const SqlText& sql) const {
+    if (kind != TokenKind::String || end_value - first_value != 1 || before != 1 || behind != 1) {
+        return std::nullopt;
+    }
+    const SqlText::Span& value = sql.values()[first_value];
+    return TextView(sql.text()).substr(value.begin, value.length);
+}
+
+// What a string stands for: values as they are, the program's own characters without their quoting.
+Text Parameter::Words(const SqlText& sql) const {
+    const TextView text = sql.text();
+    Text words;
+    std::size_t at = sql.values()[first_value].begin - before + 1;
+    for (std::size_t i = first_value; i < end_value; ++i) {
+        const SqlText::Span& value = sql.values()[i];
+        words.append(WithoutDoubling(text.substr(at, value.begin - at)));
+        words.append(text.substr(value.begin, value.length));
+        at = value.begin + value.length;
+    }
+    return words.append(WithoutDoubling(text.substr(at, behind - 1)));
+}
+
 Value Parameter::Read(const SqlText& sql) const {
     if (IsConstant()) return constant;
-    Value value = LiteralValue(kind, Where(sql));
+    Value value = kind == TokenKind::String ? Value(Words(sql)) : LiteralValue(kind, Where(sql));
     return column == nullptr ? value : ForComparison(*column, std::move(value));
 }
 

@@ -14,6 +14,7 @@
 // function has to be on the list.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -36,8 +37,14 @@ struct Parameter {
     bool IsConstant() const { return first_value == end_value; }
     // The literal's value in a text of the same shape; converted for the comparison with the column.
     Value Read(const SqlText& sql) const;
-    // Where it stands in a text of the same shape, apostrophes or "#" included.
+    // The one value that is all there is between its apostrophes, in a text of the same shape; no value of a
+    // literal with characters of the program's own.
+    std::optional<TextView> WholeValue(const SqlText& sql) const;
+
+ private:
+    // Where it stands, apostrophes or "#" included.
     TextView Where(const SqlText& sql) const;
+    Text Words(const SqlText& sql) const;
 };
 
 struct Rewritten {

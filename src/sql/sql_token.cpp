@@ -1,6 +1,5 @@
 #include "sql/sql_token.h"
 
-#include <algorithm>
 #include <array>
 #include <optional>
 
@@ -177,19 +176,8 @@ std::vector<Token> Tokenize(const SqlText& sql) {
     return Tokenizer(sql).All();
 }
 
-Text Unquoted(TextView token) {
-    return ReplaceAll(token.substr(1, token.size() - 2), u"''", u"'");
-}
-
-void CheckQuotedValue(TextView value) {
-    std::size_t at = value.find(u'\'');
-    while (at != value.npos) {
-        const std::size_t end = std::min(value.find_first_not_of(u'\'', at), value.size());
-        if ((end - at) % 2 != 0) {
-            throw Failure(Concat(u"Syntax error (missing operator) in query expression '", value, u"'."));
-        }
-        at = value.find(u'\'', end);
-    }
+Text WithoutDoubling(TextView inside) {
+    return ReplaceAll(inside, u"''", u"'");
 }
 
 Date ReadDateLiteral(TextView token) {

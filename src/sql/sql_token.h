@@ -38,13 +38,10 @@ struct Token {
 // in this alphabet is a Failure with the engine's usual words.
 std::vector<Token> Tokenize(const SqlText& sql);
 
-// What a string token stands for: without the outer apostrophes, doubled ones single.
-Text Unquoted(TextView token);
+// What stands between the apostrophes of a string that the program wrote: doubled ones single.
+Text WithoutDoubling(TextView inside);
 
 // #month/day/year#; what is no date is a Failure.
 Date ReadDateLiteral(TextView token);
-
-// Refuses a value between apostrophes that would change the statement's shape: an odd run of apostrophes.
-void CheckQuotedValue(TextView value);
 
 }  // namespace tav::jet

@@ -86,7 +86,7 @@ SqlText WithValues(const SqlText& sql) {
         const Token& token = tokens[i];
         if (token.kind == TokenKind::String) {
             out.Fixed(text.substr(at, token.begin + 1 - at))
-                .Value(token.text.substr(1, token.text.size() - 2));
+                .Value(WithoutDoubling(token.text.substr(1, token.text.size() - 2)));
             at = token.begin + token.text.size() - 1;
         } else if (token.kind == TokenKind::Number && (insert || tokens[i - 1].Is(u"="))) {
             const std::string digits = ToUtf8(token.text);

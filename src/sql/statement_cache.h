@@ -14,6 +14,8 @@
 
 namespace tav::jet {
 
+class VirtualTable;
+
 class Shape {
  public:
     explicit Shape(const SqlText& sql);
@@ -34,6 +36,7 @@ class Shape {
 struct Prepared {
     Shape shape;
     Rewritten rewritten;
+    VirtualTable* changed;  // by an insert, update or delete
     StatementHandle statement;
     std::vector<Text> names;     // of the result's columns
     std::vector<Value> written;  // values bound by reference that are not the text's own characters

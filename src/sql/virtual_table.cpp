@@ -220,13 +220,14 @@ void VirtualTable::Take(std::size_t column_at, sqlite3_value* value) {
 RowId VirtualTable::Insert(sqlite3_value** values) {
     for (std::size_t i = 0; i < row_.size(); ++i) Take(i, values[i]);
     const RowId id = table_.Insert(row_);
+    log_.Inserted(id);
     // Read again: the table gives autonumber columns their values.
     if (search_.HasHashes()) search_.Inserted(table_.Find(id).All(), id);
     return id;
 }
 
 void VirtualTable::Update(RowId id, sqlite3_value** values) {
-    const std::vector<Value> old = table_.Find(id).All();
+    std::vector<Value> old = table_.Find(id).All();
     row_ = old;
     for (std::size_t i = 0; i < row_.size(); ++i) {
         if (sqlite3_value_nochange(values[i]) == 0) Take(i, values[i]);
@@ -235,9 +236,11 @@ void VirtualTable::Update(RowId id, sqlite3_value** values) {
     table_.Update(id, row_);
     // Read again: a Null in a boolean column is stored as false.
     if (search_.HasHashes()) search_.Updated(old, table_.Find(id).All(), id);
+    log_.Updated(id, std::move(old));
 }
 
 void VirtualTable::Delete(RowId id) {
+    log_.Deleted();
     if (!search_.HasHashes()) {
         table_.Delete(id);
         return;

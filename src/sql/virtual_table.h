@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "jet/table/table.h"
+#include "sql/change_log.h"
 #include "sql/sqlite_handles.h"
 #include "sql/table_search.h"
 
@@ -23,6 +24,7 @@ class VirtualTable {
 
     Table& table() { return table_; }
     TableSearch& search() { return search_; }
+    ChangeLog& log() { return log_; }
     Callbacks& callbacks() { return callbacks_; }
     // "create table" as SQLite wants it declared.
     std::string Declaration() const;
@@ -37,6 +39,7 @@ class VirtualTable {
     Table& table_;
     Callbacks& callbacks_;
     TableSearch search_;
+    ChangeLog log_{table_, search_};
     std::vector<Value> row_;  // of the change being made; kept, so that its texts keep their memory
     Value literal_;
 };

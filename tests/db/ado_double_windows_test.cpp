@@ -4,7 +4,7 @@
 #include <map>
 #include <memory>
 
-#include "common/failure.h"
+#include "common/database_failure.h"
 #include "common/regional.h"
 #include "db/native_engine.h"
 #include "platform/automation_windows.h"
@@ -109,9 +109,17 @@ Text TextOf(const VARIANT& variant) {
     return ValueText(win32::ValueOf(variant));
 }
 
+// The sizes of the text columns, by name.
+using Sizes = std::map<Text, std::size_t>;
+
 class FieldDouble : public Members {
  public:
-    FieldDouble(std::shared_ptr<Recordset> set, std::size_t ordinal) {
+    FieldDouble(std::shared_ptr<Recordset> set, const Sizes& sizes, std::size_t ordinal) {
+        const auto size = sizes.find(set->FieldName(ordinal));
+        const bool sized = size != sizes.end();
+        const long characters = sized ? static_cast<long>(size->second) : 0;
+        Add(L"Type", [=](const auto&) { return Variant(sized ? 202L : 5L); });
+        Add(L"DefinedSize", [=](const auto&) { return Variant(characters); });
         Add(L"Name", [=](const auto&) { return Variant(set->FieldName(ordinal)); });
         Add(L"Value", [=](const auto&) { return VariantOf(set->Field(ordinal)); });
     }
@@ -119,26 +127,41 @@ class FieldDouble : public Members {
 
 class FieldsDouble : public Members {
  public:
-    explicit FieldsDouble(std::shared_ptr<Recordset> set) {
+    FieldsDouble(std::shared_ptr<Recordset> set, const Sizes& sizes) {
         Add(L"Count", [=](const auto&) { return Variant(static_cast<long>(set->FieldCount())); });
         Add(L"Item", [=](const auto& arguments) {
-            return Given(new FieldDouble(set, static_cast<std::size_t>(arguments.at(0).lVal)));
+            return Given(new FieldDouble(set, sizes, static_cast<std::size_t>(arguments.at(0).lVal)));
         });
     }
 };
 
 class RecordsetDouble : public Members {
  public:
-    explicit RecordsetDouble(Recordset rows) {
+    RecordsetDouble(Recordset rows, const Sizes& sizes) {
         auto set = std::make_shared<Recordset>(std::move(rows));
         Add(L"State", [=](const auto&) { return Variant(set->FieldCount() == 0 ? 0L : 1L); });
         Add(L"EOF", [=](const auto&) { return Truth(set->Eof()); });
-        Add(L"Fields", [=](const auto&) { return Given(new FieldsDouble(set)); });
+        Add(L"Fields", [=](const auto&) { return Given(new FieldsDouble(set, sizes)); });
         Add(L"MoveNext", [=](const auto&) {
             set->MoveNext();
             return Variant();
         });
         Add(L"Close", [](const auto&) { return Variant(); });
+    }
+};
+
+class ErrorDouble : public Members {
+ public:
+    explicit ErrorDouble(const Text& state) {
+        Add(L"SQLState", [=](const auto&) { return Variant(state); });
+    }
+};
+
+class ErrorsDouble : public Members {
+ public:
+    explicit ErrorsDouble(const Text& state) {
+        Add(L"Count", [=](const auto&) { return Variant(state.empty() ? 0L : 1L); });
+        Add(L"Item", [=](const auto&) { return Given(new ErrorDouble(state)); });
     }
 };
 
@@ -160,8 +183,19 @@ class ConnectionDouble : public Members {
         Add(L"Execute", [this](const auto& arguments) {
             const Text text = TextOf(arguments.at(0));
             AdoDouble::Calls().push_back(u"Execute " + text);
-            return Given(new RecordsetDouble(engine_->Execute(SqlText(text))));
+            state_.clear();
+            try {
+                return Given(new RecordsetDouble(engine_->Execute(SqlText(text)), SizesOf(text)));
+            } catch (const Failure&) {
+                state_ = ConcernsDatabase() ? u"3343" : u"3464";
+                throw;
+            }
         });
+        Add(L"Errors", [this](const auto&) { return Given(new ErrorsDouble(state_)); });
+        Add(L"BeginTrans", [this](const auto&) { return Noted(u"BeginTrans", &Engine::SetSavepoint); });
+        Add(L"CommitTrans", [this](const auto&) { return Noted(u"CommitTrans", &Engine::ReleaseSavepoint); });
+        Add(L"RollbackTrans",
+            [this](const auto&) { return Noted(u"RollbackTrans", &Engine::RollBackToSavepoint); });
         Add(L"Close", [this](const auto&) {
             AdoDouble::Calls().push_back(u"Close");
             engine_->Close();
@@ -171,7 +205,25 @@ class ConnectionDouble : public Members {
     }
 
  private:
+    Variant Noted(TextView call, void (Engine::*action)()) {
+        AdoDouble::Calls().emplace_back(call);
+        ((*engine_).*action)();
+        return Variant();
+    }
+    // Of the table behind "select * from ".
+    Sizes SizesOf(TextView sql) const {
+        constexpr TextView kAll = u"select * from ";
+        Sizes sizes;
+        if (!sql.starts_with(kAll)) return sizes;
+        const TextView rest = sql.substr(kAll.size());
+        for (const TextSize& size : engine_->TextSizes(rest.substr(0, rest.find(u' ')))) {
+            sizes[size.column] = size.characters;
+        }
+        return sizes;
+    }
+
     std::unique_ptr<Engine> engine_;
+    Text state_;  // of the last error
 };
 
 class Factory : public IClassFactory {

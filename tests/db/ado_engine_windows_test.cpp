@@ -127,12 +127,23 @@ TEST_F(Ado, AMachineWithoutWorkingAdoSaysSo) {
                                            EndsWith(" (Microsoft.Jet.OLEDB.4.0)\r\n"))));
 }
 
-// What would change the statement's shape never gets to the provider.
-TEST_F(Ado, AValueWithAnApostropheIsRefusedBefore) {
+TEST_F(Ado, AValueWithAnApostropheIsData) {
     const AdoDouble ado;
     clearbase(database_, u"1' or '1'='1", u"2");
-    EXPECT_THAT(Shown(), ElementsAre(HasSubstr("Syntax error (missing operator)")));
-    for (const Text& call : AdoDouble::Calls()) EXPECT_FALSE(call.starts_with(u"Execute")) << ToUtf8(call);
+    EXPECT_THAT(Shown(), IsEmpty());
+    EXPECT_THAT(AdoDouble::Calls(), testing::Contains(u"Execute delete from tav_operations_header where "
+                                                      u"h1='1'' or ''1''=''1' and h2='2';"));
+}
+
+TEST_F(Ado, AFaultyDocumentIsUndoneAlone) {
+    const AdoDouble ado;
+    Load({{u"a.rtf", StatementPart({}, {u"p10=1.00"})},
+          {u"bad.rtf", StatementPart({.end = u"30.06.2011"}, {u"p10=1.00", u"p01=вчера|p10=2.00"})},
+          {u"c.rtf", ActPart({}, u"p0011=1.00")}});
+    EXPECT_THAT(Shown(), ElementsAre(HasSubstr("bad.rtf: ")));
+    EXPECT_THAT(AdoDouble::Calls(), testing::Contains(u"RollbackTrans").Times(1));
+    EXPECT_THAT(Rows(u"select filename, vid from tav_operations_header order by id"),
+                ElementsAre("a.rtf|1", "c.rtf|-"));
 }
 
 }  // namespace

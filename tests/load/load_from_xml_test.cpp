@@ -2,6 +2,7 @@
 
 #include "common/progress.h"
 #include "db/database_fixture.h"
+#include "load/account_of_folder.h"
 
 namespace tav {
 namespace {
@@ -122,6 +123,7 @@ struct SwitchCase {
 TEST_F(Loader, ObeysTheSwitches) {
     const Text zero = StatementPart({}, {u"p01=01.02.2011|p10=0.00|p11=0.00", u"p01=01.02.2011|p14=0.00"});
     const Text undated = StatementPart({}, {u"p10=7.00", u"p01=01.02.2011|p10=0.00"});
+    const Text opened = StatementPart({}, {u"p13=7.00", u"p13=0.00", u"p01=01.02.2011|p10=2.00"});
     const Text late_date = StatementPart({}, {u"p10=7.00|p01=01.02.2011"});
     const Text zero_act = ActPart({}, u"p0011=0.00|p0211=0.00");
     const Text opening_act = ActPart({}, u"p0112=1.00|p0121=2.00|p1121=2.00|p0211=0.00");
@@ -129,11 +131,11 @@ TEST_F(Loader, ObeysTheSwitches) {
     for (const SwitchCase& c :
          {SwitchCase{u"", zero, false, 0}, SwitchCase{u"SpVupis", zero, true, 2},
           SwitchCase{u"SpAct", zero, false, 0}, SwitchCase{u"", undated, true, 2},
-          SwitchCase{u"SpVupisOb", undated, false, 0}, SwitchCase{u"SpVupisOb", late_date, false, 0},
-          SwitchCase{u"", late_date, true, 1}, SwitchCase{u"", zero_act, false, 0},
-          SwitchCase{u"SpVupis", zero_act, false, 0}, SwitchCase{u"SpAct", zero_act, true, 1},
-          SwitchCase{u"", opening_act, true, 1}, SwitchCase{u"SpActOb", opening_act, false, 0},
-          SwitchCase{u"SpActOb", moved_act, true, 1}}) {
+          SwitchCase{u"SpVupisOb", undated, false, 0}, SwitchCase{u"SpVupisOb", opened, true, 2},
+          SwitchCase{u"SpVupisOb", late_date, false, 0}, SwitchCase{u"", late_date, true, 1},
+          SwitchCase{u"", zero_act, false, 0}, SwitchCase{u"SpVupis", zero_act, false, 0},
+          SwitchCase{u"SpAct", zero_act, true, 1}, SwitchCase{u"", opening_act, true, 1},
+          SwitchCase{u"SpActOb", opening_act, false, 0}, SwitchCase{u"SpActOb", moved_act, true, 1}}) {
         clearbaseAll(database_);
         for (const TextView name : {u"SpVupis", u"SpAct", u"SpVupisOb", u"SpActOb"}) {
             WriteSetting(name, name == c.setting ? u"1" : u"0");
@@ -212,27 +214,80 @@ TEST_F(Loader, KeepsSupersededStatementsUntilTheirFileHasLeft) {
                 ElementsAre("2|-", "3|-", "4|1"));
 }
 
-TEST_F(Loader, StopsAtAnApostropheAndClearsUpNextTime) {
-    const Text bad = StatementPart({}, {u"p10=1.00", u"p03=Д'Артаньян|p10=2.00"});
-    Load({{u"a.rtf", kPaid}, {u"bad.rtf", bad}, {u"c.rtf", kPaid}});
-    EXPECT_THAT(Shown(), ElementsAre(HasSubstr("(bad.rtf)")));
-    EXPECT_THAT(Rows(u"select id from tav_operations_header"), ElementsAre("1"));
-    EXPECT_THAT(Rows(u"select id from tav_operations order by id"), ElementsAre("1", "2"));
-    Load({{u"a.rtf", kPaid}, {u"c.rtf", StatementPart({.code = u"1"}, {u"p10=3.00"})}});
-    EXPECT_THAT(Rows(u"select id, p10 from tav_operations order by id"), ElementsAre("1|5", "2|3"));
+// The fourth statement would have superseded the first one.
+TEST_F(Loader, UndoesAFaultyDocumentAndNoOther) {
+    const Text broken = StatementPart({.end = u"30.06.2011"}, {u"p10=1.00"}) +
+                        StatementPart({.end = u"30.09.2011"}, {u"p10=1.00", u"p01=вчера|p10=2.00"});
+    const std::vector<std::pair<Text, Text>> files = {
+        {u"a.rtf", kPaid},
+        {u"b.rtf", StatementPart({.code = u"Д'Артаньян"}, {u"p03=Д'Артаньян|p10=2.00"})},
+        {u"c.rtf", StatementPart({}, {u"p10="})},
+        {u"d.rtf", broken},
+        {u"e.rtf", StatementPart({.begin = u"#;--"}, {u"p10=1.00"})},
+        {u"f.rtf", StatementPart({}, {u"p77=1|p10=1.00"})},
+        {u"g.rtf", ActPart({}, u"p0011=1.00")}};
+    for (int run = 0; run < 2; ++run) {
+        shown_.messages.clear();
+        const ImportAccount account = Load(files);
+        EXPECT_THAT(Shown(), ElementsAre(AllOf(HasSubstr("LoadFromXml: c.rtf: "), HasSubstr("d.rtf: "),
+                                               HasSubstr("e.rtf: "), HasSubstr("f.rtf: "))));
+        EXPECT_EQ(account.Count(Finding::Failed), 4);
+        EXPECT_EQ(account.CountNow(), run == 0 ? 3 : 0);
+        EXPECT_THAT(Rows(u"select id, filename, vid from tav_operations_header order by id"),
+                    ElementsAre("1|a.rtf|1", "2|b.rtf|2", "3|g.rtf|-"));
+        EXPECT_THAT(Rows(u"select id, p3 from tav_operations order by id"),
+                    ElementsAre("1|Уплата", "2|Д'Артаньян"));
+    }
 }
 
-TEST_F(Loader, NamesTheDocumentWhoseLiteralIsBad) {
-    for (const Text& part :
-         {StatementPart({}, {u"p01=вчера|p10=1.00"}), StatementPart({}, {u"p10="}),
-          StatementPart({.begin = u"01.01.20x1"}, {u"p10=1.00"}),
-          StatementPart({.begin = u"#;--"}, {u"p10=1.00"}), StatementPart({}, {u"p77=1|p10=1.00"})}) {
-        clearbaseAll(database_);
-        shown_.messages.clear();
-        Load({{u"странный.rtf", part}});
-        EXPECT_THAT(Shown(), ElementsAre(HasSubstr("(странный.rtf)"))) << ToUtf8(part);
-        EXPECT_THAT(Rows(kHeaders), IsEmpty());
+TEST_F(Loader, TellsOfAFolderWithoutChangingIt) {
+    Write({{u"a.rtf", kPaid},
+           {u"b.rtf", StatementPart({.inn = u"78"}, {u"p10=1.00"})},
+           {u"c.rtf", StatementPart({}, {u"p10=0.00"})},
+           {u"d.rtf", u""}});
+    for (const TextView name : {u"a.rtf", u"b.rtf", u"c.rtf", u"d.rtf", u"e.rtf"}) {
+        folder_.Write(Text(u"in/").append(name), "{\\rtf1 nothing}");
     }
+    const std::string before = ReadFile(database_);
+    const auto words = [&](TextView inn) {
+        Text all;
+        const ImportAccount account = AccountOfFolder(folder_ / u"in", database_, inn, u" 770101001 ");
+        for (const FileAccount& file : account.files) all += file.Words() + u"\n";
+        return ToUtf8(all + ClosingSentence(account));
+    };
+    EXPECT_THAT(words(u" 7701234567 "),
+                AllOf(HasSubstr("ещё не загружен\nдругой налогоплательщик: ИНН 78, КПП 770101001\n"
+                                "все суммы нулевые\nне распознан: "),
+                      HasSubstr("\nещё не загружен\nК загрузке документов: 2.")));
+    Load();
+    EXPECT_NE(ReadFile(database_), before);
+    EXPECT_THAT(words(u"7701234567"), testing::StartsWith("загружен\nдругой налогоплательщик: ИНН 78"));
+    EXPECT_THAT(words(u"1"), testing::EndsWith("К загрузке документов: 1."));
+}
+
+TEST_F(Loader, CutsLongTextsAndNamesThem) {
+    const Text name(300, u'н');
+    const ImportAccount account =
+        Load({{u"a.rtf", StatementPart({.code = name}, {u"p03=" + name + u"|p10=1.00"})}});
+    EXPECT_THAT(Shown(), IsEmpty());
+    EXPECT_EQ(account.files.at(0).Words(), u"загружен; тексты сокращены: h7 (знаков: 300), p3 (знаков: 300)");
+    EXPECT_EQ(Rows(u"select h7 from tav_operations_header").at(0).size(), 2 * 255);
+}
+
+// The opening balance is missing from the fourth line's sums, as if a line had been swallowed.
+TEST_F(Loader, NamesTheFirstLineThatDoesNotFollow) {
+    std::vector<Text> rows = {u"p03=Сальдо на|p09=налог|p13=-5.00|p14=-5.00"};
+    for (int i = 1; i <= 12; ++i) {
+        const Text balance = Digits(i < 4 ? i - 5 : i);
+        rows.push_back(u"p01=01.02.2011|p09=налог|p10=0.00|p11=1.00|p13=" + balance + u".00|p14=" + balance +
+                       u".00");
+    }
+    Text part = StatementPart({}, {});
+    Text lines;
+    for (const Text& row : rows) lines += u"<row>" + Elements(row) + u"</row>";
+    part.insert(part.find(u"</body>"), lines);
+    EXPECT_EQ(Load({{u"a.rtf", part}}).files.at(0).Words(),
+              u"загружен; остатки не сходятся: первая такая строка: 5");
 }
 
 TEST_F(Loader, OverflowsPast32767) {

@@ -1,10 +1,11 @@
 #include "jet/file/page_file.h"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <vector>
 
-#include "common/failure.h"
+#include "common/database_failure.h"
 #include "jet/file/header.h"
 #include "jet/file/rollback_journal.h"
 #include "platform/files.h"
@@ -30,7 +31,7 @@ Text Quoted(TextView before, TextView path, TextView after) {
             alone = false;
         }
     }
-    if (alone) throw Failure(Quoted(u"Cannot update. Database or object is read-only: ", path, u"."));
+    if (alone) throw DatabaseFailure(Quoted(u"Cannot update. Database or object is read-only: ", path, u"."));
     throw FileInUse(path);
 }
 
@@ -94,15 +95,47 @@ void RecoverAlone(TextView path) {
 }  // namespace
 
 struct PageFile::State {
+    // What can be taken back inside a unit: a statement, and what happened since a savepoint.
+    enum Level { kStatement, kSavepoint, kLevels };
+
     struct CachedPage {
         Page bytes;
-        std::uint64_t statement = 0;  // the last one that kept an image of it
+        std::array<std::uint64_t, kLevels> kept{};  // by level, the last one that kept an image of it
         bool changed = false;
     };
     struct Image {
         PageNumber page = 0;
         bool changed = false;
         Page bytes;
+    };
+    // The pages that changed since it began, as they were.
+    struct Images {
+        bool active = false;
+        std::uint64_t number = 0;  // of those begun at this level
+        PageNumber page_count = 0;
+        std::vector<std::unique_ptr<Image>> images;  // the first `used` are of the present one
+        std::size_t used = 0;
+
+        void Begin(PageNumber count) {
+            End();
+            active = true;
+            ++number;
+            page_count = count;
+        }
+
+        void Keep(PageNumber page, const CachedPage& entry) {
+            if (used == images.size()) images.push_back(std::make_unique<Image>());
+            Image& image = *images[used++];
+            image.page = page;
+            image.changed = entry.changed;
+            image.bytes = entry.bytes;
+        }
+
+        void End() {
+            active = false;
+            used = 0;
+            if (images.size() > kSpareImages) images.resize(kSpareImages);
+        }
     };
 
     Text path;
@@ -117,18 +150,14 @@ struct PageFile::State {
     bool torn =
         false;  // the disk holds half a unit that could not be undone; the journal stays for the next open
 
-    bool in_statement = false;
-    std::uint64_t statement = 0;
-    PageNumber statement_count = 0;
-    std::vector<std::unique_ptr<Image>> images;  // the first images_used are of this statement
-    std::size_t images_used = 0;
+    std::array<Images, kLevels> levels;
 
     std::uint64_t Offset(PageNumber page) const { return static_cast<std::uint64_t>(page) * kPageSize; }
 
     void RefuseTorn() const {
         if (!torn) return;
-        throw Failure(Quoted(u"The database ", path,
-                             u" could not be brought back to its last whole state; open it again."));
+        throw DatabaseFailure(Quoted(u"The database ", path,
+                                     u" could not be brought back to its last whole state; open it again."));
     }
 
     CachedPage& Load(PageNumber page) {
@@ -143,19 +172,32 @@ struct PageFile::State {
         return *entry;
     }
 
-    void KeepImage(PageNumber page, CachedPage& entry) {
-        if (images_used == images.size()) images.push_back(std::make_unique<Image>());
-        Image& image = *images[images_used++];
-        image.page = page;
-        image.changed = entry.changed;
-        image.bytes = entry.bytes;
-        entry.statement = statement;
+    void KeepImages(PageNumber page, CachedPage& entry) {
+        for (std::size_t level = 0; level < kLevels; ++level) {
+            if (!levels[level].active || entry.kept[level] == levels[level].number) continue;
+            levels[level].Keep(page, entry);
+            entry.kept[level] = levels[level].number;
+        }
     }
 
-    void EndStatement() {
-        in_statement = false;
-        images_used = 0;
-        if (images.size() > kSpareImages) images.resize(kSpareImages);
+    void EndLevels() {
+        for (Images& level : levels) level.End();
+    }
+
+    void RollBackLevel(Level level) {
+        Images& images = levels[level];
+        if (!images.active) return;
+        for (std::size_t i = 0; i < images.used; ++i) {
+            const Image& image = *images.images[i];
+            CachedPage& entry = Load(image.page);
+            if (entry.changed && !image.changed) ++unchanged;
+            entry.bytes = image.bytes;
+            entry.changed = image.changed;
+        }
+        CutTo(images.page_count);
+        std::erase_if(changed, [&](PageNumber page) { return page >= count || !pages[page]->changed; });
+        images.End();
+        ++rollbacks;
     }
 
     void CutTo(PageNumber page_count) {
@@ -169,7 +211,7 @@ struct PageFile::State {
         }
         changed.clear();
         CutTo(committed_count);
-        EndStatement();
+        EndLevels();
         ++rollbacks;
     }
 
@@ -247,11 +289,11 @@ std::uint64_t PageFile::Rollbacks() const {
 }
 
 void ThrowDamaged(TextView path, PageNumber page, TextView reason) {
-    throw Failure(Quoted(u"The database ", path, u" is damaged (page ")
-                      .append(Digits(page))
-                      .append(u"): ")
-                      .append(reason)
-                      .append(u"."));
+    throw DatabaseFailure(Quoted(u"The database ", path, u" is damaged (page ")
+                              .append(Digits(page))
+                              .append(u"): ")
+                              .append(reason)
+                              .append(u"."));
 }
 
 void PageFile::Damaged(PageNumber page, TextView reason) const {
@@ -265,12 +307,13 @@ const Page& PageFile::Read(PageNumber page) {
 
 Page& PageFile::Change(PageNumber page) {
     if (!writable()) {
-        throw Failure(Quoted(u"Cannot update. Database or object is read-only: ", state_->path, u"."));
+        throw DatabaseFailure(
+            Quoted(u"Cannot update. Database or object is read-only: ", state_->path, u"."));
     }
     if (page == 0) Damaged(page, u"the header is never changed");
     if (page >= state_->count) Damaged(page, u"the file ends before it");
     State::CachedPage& entry = state_->Load(page);
-    if (state_->in_statement && entry.statement != state_->statement) state_->KeepImage(page, entry);
+    state_->KeepImages(page, entry);
     if (!entry.changed) {
         state_->changed.push_back(page);
         entry.changed = true;
@@ -281,13 +324,14 @@ Page& PageFile::Change(PageNumber page) {
 
 PageNumber PageFile::Append() {
     if (!writable()) {
-        throw Failure(Quoted(u"Cannot update. Database or object is read-only: ", state_->path, u"."));
+        throw DatabaseFailure(
+            Quoted(u"Cannot update. Database or object is read-only: ", state_->path, u"."));
     }
     const PageNumber page = state_->count;
     auto entry = std::make_unique<State::CachedPage>();
     entry->bytes.fill(0);
     entry->changed = true;
-    entry->statement = state_->statement;
+    for (std::size_t i = 0; i < State::kLevels; ++i) entry->kept[i] = state_->levels[i].number;
     state_->changed.push_back(page);
     state_->pages.push_back(std::move(entry));
     ++state_->count;
@@ -295,37 +339,33 @@ PageNumber PageFile::Append() {
 }
 
 void PageFile::BeginStatement() {
-    state_->EndStatement();
-    state_->in_statement = true;
-    ++state_->statement;
-    state_->statement_count = state_->count;
+    state_->levels[State::kStatement].Begin(state_->count);
 }
 
 void PageFile::KeepStatement() {
-    state_->EndStatement();
+    state_->levels[State::kStatement].End();
 }
 
 void PageFile::RollBackStatement() {
-    if (!state_->in_statement) return;
-    for (std::size_t i = 0; i < state_->images_used; ++i) {
-        const State::Image& image = *state_->images[i];
-        State::CachedPage& entry = *state_->pages[image.page];
-        entry.bytes = image.bytes;
-        if (!image.changed) {
-            entry.changed = false;
-            ++state_->unchanged;
-        }
-    }
-    state_->CutTo(state_->statement_count);
-    std::erase_if(state_->changed,
-                  [&](PageNumber page) { return page >= state_->count || !state_->pages[page]->changed; });
-    state_->EndStatement();
-    ++state_->rollbacks;
+    state_->RollBackLevel(State::kStatement);
+}
+
+void PageFile::SetSavepoint() {
+    state_->levels[State::kSavepoint].Begin(state_->count);
+}
+
+void PageFile::ReleaseSavepoint() {
+    state_->levels[State::kSavepoint].End();
+}
+
+void PageFile::RollBackToSavepoint() {
+    state_->levels[State::kStatement].End();
+    state_->RollBackLevel(State::kSavepoint);
 }
 
 void PageFile::Commit() {
+    state_->EndLevels();
     if (!HasChanges()) return;
-    state_->EndStatement();
     std::sort(state_->changed.begin(), state_->changed.end());
     try {
         RollbackJournal journal = state_->MakeJournal();

@@ -6,7 +6,7 @@
 // that and deletes it. The unit is done when the journal is invalid. A kill or a power loss anywhere in
 // between leaves either the old or the new state after the next open, which rolls back what a journal that
 // was written whole says (rollback_journal.h). Page 0 is never written. Inside a unit each statement can be
-// taken back on its own.
+// taken back on its own, and so can all of them since a savepoint.
 //
 // A path that goes through links is resolved first: lock, journal and ".ldb" are those of the real file, and
 // messages name it.
@@ -53,6 +53,12 @@ class PageFile {
     void BeginStatement();
     void KeepStatement();
     void RollBackStatement();
+
+    // Several statements: what they changed since SetSavepoint is taken back by RollBackToSavepoint, byte for
+    // byte, or kept. There is one savepoint at a time, set between statements; a new one and Commit release it.
+    void SetSavepoint();
+    void ReleaseSavepoint();
+    void RollBackToSavepoint();
 
     // Ends the unit of work. When the disk refuses (full, read error), everything is as before the unit and
     // the Failure is thrown.

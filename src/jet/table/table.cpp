@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "common/failure.h"
+#include "common/database_failure.h"
 #include "jet/file/page_file.h"
 #include "jet/file/usage_map.h"
 #include "jet/schema/definition_layout.h"
@@ -95,7 +95,7 @@ void Table::Scan::Next() {
 
 void Table::RefuseReadOnly() {
     if (!why_read_only_) why_read_only_ = jet::WhyReadOnly(definition_);
-    if (!why_read_only_->empty()) throw Failure(*why_read_only_);
+    if (!why_read_only_->empty()) throw DatabaseFailure(*why_read_only_);
 }
 
 Value Table::NextAutonumber() {

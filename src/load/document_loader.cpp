@@ -1,0 +1,40 @@
+#include "load/document_loader.h"
+
+namespace tav {
+namespace {
+
+Remark OtherTaxpayer(const Text& inn, const Text& kpp) {
+    return {Finding::OtherTaxpayer, Text(u"ИНН ").append(inn).append(u", КПП ").append(kpp), inn, kpp};
+}
+
+}  // namespace
+
+DocumentLoader::Taken DocumentLoader::Take(const std::vector<Node>& parts, const Text& file) {
+    Taken taken;
+    for (const Node& part : parts) TakePart(part, file, taken);
+    return taken;
+}
+
+// A part without an INN or a KPP belongs to nobody; one of a kind that nobody knows is passed over.
+void DocumentLoader::TakePart(Node part, const Text& file, Taken& taken) {
+    const Node inn = part.SelectSingleNode(u"head/h01");
+    const Node kpp = part.SelectSingleNode(u"head/h02");
+    if (!inn || !kpp) return account_.Add(file, {Finding::NotRecognised, u"в документе нет ИНН или КПП"});
+    if (!taxpayer_.Owns(inn.Content(), kpp.Content())) {
+        return account_.Add(file, OtherTaxpayer(inn.Content(), kpp.Content()));
+    }
+    taken.own = true;
+    const Node type = part.FirstAttribute();
+    const Text kind = type ? type.Content() : Text();
+    const bool statement = kind == u"выписка";
+    if (!statement && kind != u"акт") {
+        return account_.Add(file, {Finding::NotRecognised, Text(u"вид документа: ").append(kind)});
+    }
+    const PartOutcome outcome = statement ? parts_.LoadStatement(part, file) : parts_.LoadAct(part, file);
+    if (!outcome.stored) return account_.Add(file, {Finding::AllZero});
+    ++taken.documents;
+    taken.rows += outcome.rows;
+    for (const Remark& remark : outcome.remarks) account_.Add(file, remark);
+}
+
+}  // namespace tav

@@ -1,0 +1,33 @@
+// Takes the parts of one document after the other: those of the taxpayer go into the database, and what is to
+// be said of each goes into the account.
+#pragma once
+
+#include "load/account_maker.h"
+#include "load/part_loader.h"
+#include "load/taxpayer_choice.h"
+
+namespace tav {
+
+class DocumentLoader {
+ public:
+    // The part loader and the account are used as long as this is.
+    DocumentLoader(const TaxpayerChoice& taxpayer, PartLoader& parts, AccountMaker& account)
+        : taxpayer_(taxpayer), parts_(parts), account_(account) {}
+
+    struct Taken {
+        bool own = false;   // a part is the taxpayer's
+        int documents = 0;  // stored
+        int rows = 0;       // stored
+    };
+    // What fails is thrown; the statements executed before stay.
+    Taken Take(const std::vector<Node>& parts, const Text& file);
+
+ private:
+    void TakePart(Node part, const Text& file, Taken& taken);
+
+    const TaxpayerChoice taxpayer_;
+    PartLoader& parts_;
+    AccountMaker& account_;
+};
+
+}  // namespace tav
