@@ -1,16 +1,14 @@
 #include "db/native_engine.h"
 
-#include <algorithm>
-
 #include "common/failure.h"
-#include "jet/file/usage_map.h"
+#include "jet/file/page_allocation.h"
 #include "sql/executor.h"
 
 namespace tav {
 namespace {
 
-// Beyond this size nothing is known of how the file's own engine lays out its pages.
-constexpr std::uint64_t kLargestFile = 120ULL << 20;
+// So much room is enough for whoever asks; more is not counted.
+constexpr jet::PageNumber kMostRoom = 16384;
 
 Text DataSource(TextView connection_string) {
     if (!EqualNoCase(connection_string.substr(0, kConnectionOpening.size()), kConnectionOpening)) {
@@ -41,10 +39,9 @@ class NativeEngine : public Engine {
         return sizes;
     }
     std::uint64_t RoomLeft() const override {
-        jet::PageFile& file = executor_.database().file();
-        const std::uint64_t used =
-            std::uint64_t{file.PageCount() - jet::CountFreePages(file)} * jet::kPageSize;
-        return kLargestFile - std::min(used, kLargestFile);
+        jet::Database& database = executor_.database();
+        const jet::PageNumber pages = jet::PagesLeft(database.file(), database.LastPageOfRows(), kMostRoom);
+        return std::uint64_t{pages} * jet::kPageSize;
     }
     void Close() override { executor_.Commit(); }
 

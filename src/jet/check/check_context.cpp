@@ -2,17 +2,15 @@
 
 #include <algorithm>
 
+#include "jet/file/bitmap.h"
 #include "jet/file/data_page.h"
+#include "jet/file/map_record.h"
 
 namespace tav::jet::check {
 namespace {
 
 // So many findings of one invariant are listed; a broken file has millions.
 constexpr std::size_t kListed = 50;
-
-constexpr std::size_t kMapHeader = 5;
-constexpr std::size_t kBitmapHeader = 4;
-constexpr std::uint64_t kBitmapPages = (kPageSize - kBitmapHeader) * 8;
 
 }  // namespace
 
@@ -92,10 +90,7 @@ std::optional<Bytes> CheckContext::MapRecord(Pointer record, TextView purpose) {
     const std::optional<Slot> slot = SlotAt(page, record.slot);
     if (!slot) return broken(u"its record does not exist");
     if (slot->flags != 0) return broken(u"its record is deleted or moved");
-    if (slot->record.size() < kMapHeader || slot->record[0] > 1) return broken(u"its record is not a map");
-    if (slot->record[0] == 0 && U32(&slot->record[1]) % 8 != 0) {
-        return broken(u"the first page it covers is not a multiple of 8");
-    }
+    if (slot->record.size() < kInlineHead || slot->record[0] > 1) return broken(u"its record is not a map");
     if (!maps_.insert(record).second) {
         Error(5, place + u"its record serves as another map too");
         return std::nullopt;
@@ -104,18 +99,16 @@ std::optional<Bytes> CheckContext::MapRecord(Pointer record, TextView purpose) {
     return slot->record;
 }
 
-void CheckContext::CollectBits(Bytes bits, std::uint64_t first, TextView purpose,
-                               std::vector<PageNumber>& pages) {
+void CheckContext::CollectBits(const MapBits& map, TextView purpose, std::vector<PageNumber>& pages) {
     std::uint64_t beyond = 0;  // the last page beyond the end
-    for (std::size_t byte = 0; byte < bits.size(); ++byte) {
-        for (std::size_t bit = 0; bits[byte] >> bit != 0; ++bit) {
-            if ((bits[byte] >> bit & 1) == 0) continue;
-            const std::uint64_t page = first + byte * 8 + bit;
-            if (page < PageCount()) {
-                pages.push_back(static_cast<PageNumber>(page));
-            } else {
-                beyond = page;
-            }
+    const auto count = static_cast<PageNumber>(map.bits.size() * 8);
+    for (PageNumber at = FindBit(map.bits.data(), 0, count); at < count;
+         at = FindBit(map.bits.data(), at + 1, count)) {
+        const std::uint64_t page = std::uint64_t{map.first} + at;
+        if (page < PageCount()) {
+            pages.push_back(static_cast<PageNumber>(page));
+        } else {
+            beyond = page;
         }
     }
     if (beyond != 0) {
@@ -124,15 +117,12 @@ void CheckContext::CollectBits(Bytes bits, std::uint64_t first, TextView purpose
     }
 }
 
-std::optional<std::vector<PageNumber>> CheckContext::ReadMap(Pointer record, TextView purpose) {
+std::optional<std::vector<CheckContext::MapBits>> CheckContext::ReadBits(Pointer record, TextView purpose) {
     const std::optional<Bytes> map = MapRecord(record, purpose);
     if (!map) return std::nullopt;
-    std::vector<PageNumber> pages;
-    if ((*map)[0] == 0) {
-        CollectBits(map->subspan(kMapHeader), U32(&(*map)[1]), purpose, pages);
-        return pages;
-    }
+    if ((*map)[0] == 0) return std::vector{MapBits{U32(&(*map)[1]), map->subspan(kInlineHead)}};
     const Owner owner = NewOwner(Text(u"the bitmap of ") + Text(purpose));
+    std::vector<MapBits> all;
     bool whole = true;
     for (std::size_t entry = 0; 1 + 4 * (entry + 1) <= map->size(); ++entry) {
         const PageNumber number = U32(&(*map)[1 + 4 * entry]);
@@ -148,9 +138,18 @@ std::optional<std::vector<PageNumber>> CheckContext::ReadMap(Pointer record, Tex
             continue;
         }
         if (page[1] != 1) Error(31, Place(purpose, number) + u"byte 1 is not 1");
-        CollectBits(Bytes(page).subspan(kBitmapHeader), entry * kBitmapPages, purpose, pages);
+        all.push_back(
+            {static_cast<PageNumber>(entry) * kPagesPerBitmap, Bytes(page).subspan(kBitmapHead), number});
     }
     if (!whole) return std::nullopt;
+    return all;
+}
+
+std::optional<std::vector<PageNumber>> CheckContext::ReadMap(Pointer record, TextView purpose) {
+    const std::optional<std::vector<MapBits>> all = ReadBits(record, purpose);
+    if (!all) return std::nullopt;
+    std::vector<PageNumber> pages;
+    for (const MapBits& bits : *all) CollectBits(bits, purpose, pages);
     return pages;
 }
 

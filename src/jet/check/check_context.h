@@ -63,8 +63,15 @@ class CheckContext {
     void SetFree(std::vector<bool> free) { free_ = std::move(free); }
     bool IsFree(PageNumber page) const { return page < free_.size() && free_[page]; }
 
-    // The pages of a usage map, ascending, those beyond the end left out. No value when the map itself is
-    // damaged. A record that has been read before is not read again.
+    // The bits of a usage map, ascending; its bitmap pages are claimed. No value when the map itself is damaged.
+    // A record that has been read before is not read again.
+    struct MapBits {
+        PageNumber first = 0;  // what the first bit stands for
+        Bytes bits;
+        PageNumber bitmap = 0;  // their page, 0 for an inline map's
+    };
+    std::optional<std::vector<MapBits>> ReadBits(Pointer record, TextView purpose);
+    // The pages of a usage map, ascending, those beyond the end left out.
     std::optional<std::vector<PageNumber>> ReadMap(Pointer record, TextView purpose);
     // The same, and its pages are claimed; what belongs to somebody else is left out.
     std::vector<PageNumber> ClaimMap(Pointer record, TextView purpose, Owner owner);
@@ -74,7 +81,7 @@ class CheckContext {
     std::optional<Bytes> MapRecord(Pointer record, TextView purpose);
     // Whether one more error of that kind will be listed, so that its text is worth making.
     bool ListsError(int invariant) const;
-    void CollectBits(Bytes bits, std::uint64_t first, TextView purpose, std::vector<PageNumber>& pages);
+    void CollectBits(const MapBits& map, TextView purpose, std::vector<PageNumber>& pages);
 
     PageFile* file_;
     std::vector<Finding> findings_;
@@ -84,7 +91,7 @@ class CheckContext {
     std::vector<Text> names_;
     std::vector<bool> free_;
     bool own_file_ = false;
-    std::set<Pointer> maps_ = {{1, 0}, {1, 1}};  // records read so far; the global maps serve nothing else
+    std::set<Pointer> maps_;  // records read so far
 };
 
 // "table T, page 12, slot 3: " and "table T, page 12: ".

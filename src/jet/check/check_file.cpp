@@ -4,7 +4,11 @@
 #include <cmath>
 
 #include "jet/check/check_slots.h"
+#include "jet/file/bitmap.h"
+#include "jet/file/data_page.h"
+#include "jet/file/header.h"
 #include "jet/file/header_mask.h"
+#include "jet/file/map_record.h"
 #include "jet/schema/system_tables.h"
 
 namespace tav::jet::check {
@@ -13,9 +17,7 @@ namespace {
 constexpr std::size_t kPassword = 0x42;
 constexpr std::size_t kPasswordSize = 40;
 constexpr std::size_t kCreated = 0x72;
-constexpr std::uint32_t kPointers[] = {0x100, 0x101, 2, 3, 4, 5};
-constexpr PageNumber kGlobalMap = 1;
-constexpr std::size_t kMapHeader = 5;
+constexpr std::size_t kSystemTablesAt = 0x20;  // four page numbers, the first of them 2
 
 // Whether this program made the file and the database engine, which counts its uses up, has not used it.
 bool IsOwnFile(const Page& unmasked) {
@@ -29,14 +31,74 @@ bool IsOwnFile(const Page& unmasked) {
     return own_date && unused;
 }
 
+// The two maps that the header points to, and nothing else, stand on page 1.
+bool CheckPageOne(CheckContext& context, const GlobalMapPointers& maps) {
+    const auto error = [&](TextView text) {
+        context.Error(3, u"page 1: " + Text(text));
+        return false;
+    };
+    const Page& page = context.At(kGlobalPage);
+    if (page[0] != static_cast<std::uint8_t>(PageType::Data) || U32(&page[4]) != 1) {
+        return error(u"it is not the page of the global maps");
+    }
+    CheckDataPage(context, kGlobalPage, 1, u"the global maps");
+    for (std::size_t i = 0; i < SlotCount(page); ++i) {
+        const std::optional<Slot> slot = SlotAt(page, i);
+        if (i != maps.free.slot && i != maps.released.slot) {
+            if (!slot || slot->flags != kSlotDeleted) return error(u"it holds another record");
+        } else if (slot && !slot->record.empty() && slot->record[0] == 1 &&
+                   slot->record.size() != kReferenceSize) {
+            return error(u"a reference map has another length than 69 bytes");
+        }
+    }
+    return true;
+}
+
+// What the map of free pages says about each page of the file.
+void TakeFreePages(CheckContext& context, const std::vector<CheckContext::MapBits>& map) {
+    std::vector<bool> free(context.PageCount());
+    PageNumber covered = 0;
+    long long used_beyond = 0;
+    for (const CheckContext::MapBits& bits : map) {
+        for (PageNumber i = 0; i < bits.bits.size() * 8; ++i) {
+            const std::uint64_t page = std::uint64_t{bits.first} + i;
+            const bool is_free = Bit(bits.bits.data(), i);
+            if (page < free.size()) {
+                free[page] = is_free;
+                ++covered;
+            } else if (!is_free) {
+                ++used_beyond;
+            }
+        }
+    }
+    context.SetFree(std::move(free));
+    if (used_beyond != 0) {
+        context.Note(6,
+                     u"the global map: " + Digits(used_beyond) + u" pages beyond the end are marked in use");
+    }
+    if (covered != context.PageCount()) {
+        context.Note(3, u"the global map: it does not cover " + Digits(context.PageCount() - covered) +
+                            u" pages, which other programs may take for free");
+    }
+    for (const CheckContext::MapBits& bits : map) {
+        if (bits.bitmap != 0 && context.IsFree(bits.bitmap)) {
+            context.Error(6, Place(u"the global map", bits.bitmap) + u"its own bitmap page is called free");
+        }
+    }
+}
+
 }  // namespace
 
 void CheckHeader(CheckContext& context) {
+    const GlobalMapPointers maps = FindGlobalMaps(context.At(0).data());
     Page page = context.At(0);
     MaskHeader(page.data());
     const auto error = [&](TextView text) { context.Error(2, u"page 0: " + Text(text)); };
-    for (std::size_t i = 0; i < std::size(kPointers); ++i) {
-        if (U32(&page[kMaskedBegin + 4 * i]) != kPointers[i]) error(u"a pointer to a system page is wrong");
+    if (maps.free.page != kGlobalPage || maps.released.page != kGlobalPage || maps.free == maps.released) {
+        error(u"a pointer to a global map is wrong");
+    }
+    for (std::uint32_t i = 0; i < kSystemTables; ++i) {
+        if (U32(&page[kSystemTablesAt + 4 * i]) != 2 + i) error(u"a pointer to a system page is wrong");
     }
     const double created = DoubleAt(&page[kCreated]);
     if (!std::isfinite(created)) return error(u"the creation date is not a number");
@@ -50,30 +112,18 @@ void CheckHeader(CheckContext& context) {
 
 void CheckGlobalMap(CheckContext& context) {
     context.Claim(0, context.NewOwner(u"the header"));
-    context.Claim(kGlobalMap, context.NewOwner(u"the global map"));
-    const auto error = [&](TextView text) { context.Error(3, u"page 1: " + Text(text)); };
-    const Page& page = context.At(kGlobalMap);
-    if (page[0] != static_cast<std::uint8_t>(PageType::Data) || U32(&page[4]) != 1 || U16(&page[12]) != 2) {
-        return error(u"it is not the page of the global map");
+    context.Claim(kGlobalPage, context.NewOwner(u"the global map"));
+    const GlobalMapPointers maps = FindGlobalMaps(context.At(0).data());
+    if (!CheckPageOne(context, maps)) return;
+    const auto free = context.ReadBits(maps.free, u"the global map");
+    if (free) TakeFreePages(context, *free);
+    const auto released = context.ReadBits(maps.released, u"the map of released pages");
+    if (!released) return;
+    const auto is_set = [](std::uint8_t byte) { return byte != 0; };
+    for (const CheckContext::MapBits& bits : *released) {
+        if (!std::ranges::any_of(bits.bits, is_set)) continue;
+        return context.Note(6, u"pages are kept for a session of another program that has not ended");
     }
-    CheckDataPage(context, kGlobalMap, 1, u"the global map");
-    const std::optional<Slot> slot = SlotAt(page, 0);
-    if (!slot || slot->flags != 0 || slot->record.size() < kMapHeader || slot->record[0] != 0 ||
-        U32(&slot->record[1]) != 0) {
-        return error(u"the global map is not an inline map from page 0 on");
-    }
-    const Bytes bits = slot->record.subspan(kMapHeader);
-    if (bits.size() * 8 < context.PageCount()) return error(u"the global map does not cover the file");
-    std::vector<bool> free(context.PageCount());
-    for (std::size_t i = 0; i < free.size(); ++i) free[i] = (bits[i / 8] >> i % 8 & 1) != 0;
-    long long used_beyond = 0;
-    for (std::size_t i = free.size(); i < bits.size() * 8; ++i)
-        used_beyond += (bits[i / 8] >> i % 8 & 1) == 0;
-    if (used_beyond != 0) {
-        context.Note(6,
-                     u"the global map: " + Digits(used_beyond) + u" pages beyond the end are marked in use");
-    }
-    context.SetFree(std::move(free));
 }
 
 void CheckLeftovers(CheckContext& context) {

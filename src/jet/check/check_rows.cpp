@@ -29,6 +29,7 @@ class RowsCheck {
     void CheckPage(PageNumber page);
     bool CheckMoved(RowId id, const Slot& slot);
     void CheckLive(RowId id, const Slot& slot);
+    void CheckBodies();
     void CheckCounts(std::size_t rows);
 
     CheckContext& context_;
@@ -96,6 +97,15 @@ void RowsCheck::CheckPage(PageNumber number) {
     }
 }
 
+// There are programs that delete a row by calling it a body.
+void RowsCheck::CheckBodies() {
+    bodies_.ForEachNotIn(targets_, [&](Pointer body) {
+        Text text = Place(table_.place, body) + u"no row points to this body of a moved row";
+        if (context_.IsOwnFile()) return context_.Error(15, std::move(text));
+        context_.Note(15, text + u"; another program deletes rows so");
+    });
+}
+
 void RowsCheck::CheckCounts(std::size_t rows) {
     const bool own = context_.IsOwnFile();
     const auto add = [&](int invariant, const Text& text) {
@@ -124,9 +134,7 @@ CheckedRows RowsCheck::Run() {
         context_.Trim();
         CheckPage(page);
     }
-    bodies_.ForEachNotIn(targets_, [&](Pointer body) {
-        context_.Error(15, Place(table_.place, body) + u"no row points to this body of a moved row");
-    });
+    CheckBodies();
     CheckCounts(rows_.live.Count());
     return std::move(rows_);
 }

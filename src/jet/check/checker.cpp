@@ -1,19 +1,20 @@
-// The invariants of a database file, by the numbers that findings bear. E: its violation is an error. N: it
-// is unusual, but met in files that the database engine made and left.
+// The invariants of a database file, by the numbers that findings bear. E: its violation is an error. N: it is
+// unusual, but met in files that the database engine or another program made and left.
 //
-//      1 E  The size is a whole number of pages, three at least; the file is a Jet 4 database, neither
-//           encrypted nor protected by a password.
-//      2 E  The header points to the global map and the system tables; it has a creation date and a password
-//           field that holds text.
-//      3 E  Page 1 holds two records; the first is an inline map from page 0 on that covers the whole file.
-//      4 E  A pointer to a map leads to a living record of a map page; the map is of a known kind, begins at
-//           a multiple of 8, and its bitmap pages are of their type.
+//      1 E  The size is a whole number of pages, three at least; the file is a Jet 4 database, neither encrypted
+//           nor protected by a password.
+//      2 E  The header points to the two global maps and the system tables; it has a creation date and a
+//           password field that holds text.
+//      3 E  Page 1 holds the global maps and nothing else; one of references has 69 bytes.
+//        N  Pages that the map of free pages does not cover.
+//      4 E  A pointer to a map leads to a living record of a map page; the map is of a known kind and its bitmap
+//           pages are of their type.
 //      5 E  No page has two owners, no map record serves twice.
 //      6 E  No page in use is free in the global map.
-//        N  Pages neither owned nor free; bits beyond the end.
+//        N  Pages neither owned nor free; bits beyond the end; pages released by a session that has not ended.
 //      7 E  No page beyond the end of the file is owned.
-//      8 E  The catalogue can be read; it names the system tables; each table in it has a definition of its
-//           own and a name of its own, letter case ignored.
+//      8 E  The catalogue can be read; it names the system tables; each table in it has a definition of its own
+//           and a name of its own, letter case ignored.
 //      9 E  A definition has its constant, pages of its type that end, and the length it says.
 //        N  Free field.
 //     10 E  Columns: numbers and variable places within the table's and unique, fixed places apart from each
@@ -25,6 +26,7 @@
 //        N  Pages with room that it lacks.
 //     14 E  Data pages: type, owner, slots one below the other and not over 255, exact free field.
 //     15 E  A moved row points to a body on a page of its table; every body is pointed at once.
+//        N  A body that no row points to, in a file that others have written: a row they have deleted.
 //     16 E  Rows: column counts, length, variable values in order and inside, no bytes for a Null, fixed
 //           values inside.
 //     17 E  Values: text whole and within its column, long values as long as their records, possible dates.

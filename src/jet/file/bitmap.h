@@ -20,6 +20,10 @@ inline void SetBit(std::uint8_t* bits, PageNumber at, bool value) {
 // The first set bit from `at` on, or `end`.
 inline PageNumber FindBit(const std::uint8_t* bits, PageNumber at, PageNumber end) {
     while (at < end) {
+        if (at % 8 == 0 && end - at >= 64 && U64(bits + at / 8) == 0) {
+            at += 64;
+            continue;
+        }
         const auto rest = static_cast<unsigned>(bits[at / 8] >> (at % 8));
         if (rest != 0) return std::min(end, at + static_cast<PageNumber>(std::countr_zero(rest)));
         at = (at / 8 + 1) * 8;
@@ -27,14 +31,16 @@ inline PageNumber FindBit(const std::uint8_t* bits, PageNumber at, PageNumber en
     return end;
 }
 
-// How many bits are set below `end`.
-inline PageNumber CountBits(const std::uint8_t* bits, PageNumber end) {
-    PageNumber count = 0;
-    for (PageNumber byte = 0; byte < end / 8; ++byte) {
-        count += static_cast<PageNumber>(std::popcount(bits[byte]));
+// The last set bit below `end`, or `end`.
+inline PageNumber FindLastBit(const std::uint8_t* bits, PageNumber end) {
+    for (PageNumber at = end; at-- > 0;) {
+        if (at % 8 == 7 && bits[at / 8] == 0) {
+            at -= 7;
+        } else if (Bit(bits, at)) {
+            return at;
+        }
     }
-    for (PageNumber at = end / 8 * 8; at < end; ++at) count += Bit(bits, at) ? 1 : 0;
-    return count;
+    return end;
 }
 
 }  // namespace tav::jet

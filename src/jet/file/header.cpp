@@ -10,6 +10,8 @@ namespace tav::jet {
 namespace {
 
 constexpr std::size_t kVersionAt = 0x14;
+constexpr std::size_t kFreeMapAt = 0x18;
+constexpr std::size_t kReleasedMapAt = 0x1C;
 constexpr std::size_t kDatabaseKeyAt = 0x3E;
 constexpr std::size_t kPasswordAt = 0x42;
 constexpr std::size_t kCreatedAt = 0x72;
@@ -51,6 +53,13 @@ Text WhyForeign(TextView path, const std::uint8_t* header) {
         return Text(u"Not a valid password. The database '").append(path).append(u"' asks for one.");
     }
     return {};
+}
+
+GlobalMapPointers FindGlobalMaps(const std::uint8_t* header) {
+    const auto plain = [&](std::size_t at) {
+        return U32(header + at) ^ U32(&kHeaderMask[at - kMaskedBegin]);
+    };
+    return {Pointer::FromWord(plain(kFreeMapAt)), Pointer::FromWord(plain(kReleasedMapAt))};
 }
 
 }  // namespace tav::jet

@@ -15,4 +15,11 @@ inline constexpr std::size_t kHeaderSize = 0x98;  // up to the end of the masked
 // when it can. The text names the file.
 Text WhyForeign(TextView path, const std::uint8_t* header);
 
+// Where the records of the file's own two maps are (global_map.h). `header` is as long as above.
+struct GlobalMapPointers {
+    Pointer free;
+    Pointer released;
+};
+GlobalMapPointers FindGlobalMaps(const std::uint8_t* header);
+
 }  // namespace tav::jet

@@ -1,103 +1,83 @@
-// The global free map: page 1, slot 0, an inline map from page 0 on in which a set bit means a free page.
-// It grows in place by 4 bytes (32 pages) at a time, which moves the records of the later slots down.
-#include <algorithm>
-#include <cstring>
+#include "jet/file/page_allocation.h"
 
-#include "common/failure.h"
-#include "jet/file/bitmap.h"
-#include "jet/file/data_page.h"
+#include <algorithm>
+
+#include "jet/file/global_map.h"
 #include "jet/file/page_file.h"
-#include "jet/file/usage_map.h"
 
 namespace tav::jet {
 namespace {
 
-constexpr PageNumber kGlobalPage = 1;
-constexpr std::size_t kBitsAt = 5;
-constexpr std::uint16_t kGrowth = 4;
 constexpr PageNumber kSystemPages = 6;  // header, global map, definitions of the core tables: never free
 
-struct FreeMap {
-    std::size_t bits_at;  // in page 1
-    PageNumber bits;
-};
-
-FreeMap FindFreeMap(PageFile& file) {
-    const Page& page = ReadDataPage(file, kGlobalPage, kGlobalPage);
-    const Record record = RecordAt(file, kGlobalPage, page, 0);
-    const std::uint8_t* bytes = page.data() + record.begin;
-    if (record.flags != 0 || record.size <= kBitsAt || bytes[0] != 0 || U32(bytes + 1) != 0) {
-        file.Damaged(kGlobalPage, u"it holds no map of free pages");
-    }
-    return {record.begin + kBitsAt, static_cast<PageNumber>(record.size - kBitsAt) * 8};
+bool Holds(const PageSet& set, PageNumber page) {
+    return page < set.size() && set[page];
 }
 
-// The map, long enough for the page.
-FreeMap GrowFor(PageFile& file, PageNumber page) {
-    FreeMap map = FindFreeMap(file);
-    while (page >= map.bits) {
-        CheckSlots(file, kGlobalPage, file.Read(kGlobalPage));
-        if (page >= MaximumPages(file)) {
-            throw Failure(
-                Text(u"The database '").append(file.path()).append(u"' has reached its maximum size."));
-        }
-        Page& map_page = file.Change(kGlobalPage);
-        const PageNumber old_bytes = map.bits / 8;
-        ResizeRecord(map_page, 0, static_cast<std::uint16_t>(kBitsAt + old_bytes + kGrowth));
-        map = FindFreeMap(file);
-        std::memset(map_page.data() + map.bits_at + old_bytes, 0xFF, kGrowth);
+Allocation& Known(PageFile& file) {
+    Allocation& known = file.allocation();
+    if (known.known_since == file.Rollbacks()) return known;
+    const GlobalMap map(file);
+    map.Check();
+    PageSet in_use = known.find_pages_in_use == nullptr ? PageSet() : known.find_pages_in_use(file);
+    for (const PageNumber bitmap : map.BitmapPages()) {
+        if (Holds(in_use, bitmap)) file.Damaged(bitmap, u"a bitmap of the map of free pages is used twice");
     }
-    return map;
+    known.in_use = std::move(in_use);
+    known.none_free_below = kSystemPages;
+    known.known_since = file.Rollbacks();
+    return known;
 }
 
-void SetFree(PageFile& file, const FreeMap& map, PageNumber page, bool free) {
-    SetBit(file.Change(kGlobalPage).data() + map.bits_at, page, free);
+// The first page from there on that can be taken, or the page count.
+PageNumber FindFree(const GlobalMap& map, const Allocation& known, PageNumber from, PageNumber end) {
+    PageNumber page = map.FindFree(from);
+    while (page < end && Holds(known.in_use, page)) page = map.FindFree(page + 1);
+    return page;
 }
 
 }  // namespace
 
-PageNumber AllocatePage(PageFile& file, PageNumber above, const UsageMap* owned) {
-    const FreeMap map = FindFreeMap(file);
-    const PageNumber end = std::min(file.PageCount(), map.bits);
-    const PageNumber first = std::max(above + 1, kSystemPages);
-    const PageNumber free = FindBit(file.Read(kGlobalPage).data() + map.bits_at, first, end);
-    const PageNumber taken = free < end ? free : file.PageCount();
-    if (owned != nullptr && owned->Contains(taken)) {
-        file.Damaged(taken, u"it is called free, but is in use");
-    }
-    if (free < end) {
-        SetFree(file, map, free, false);
+PageNumber AllocatePage(PageFile& file, PageNumber above) {
+    Allocation& known = Known(file);
+    GlobalMap map(file);
+    const bool lowest = above < known.none_free_below;
+    const PageNumber from = lowest ? known.none_free_below : above + 1;
+    const PageNumber free = FindFree(map, known, from, file.PageCount());
+    if (lowest) known.none_free_below = free;
+    if (free < file.PageCount()) {
+        map.SetFree(free, false);
         file.Change(free).fill(0);
         return free;
     }
-    const FreeMap grown = GrowFor(file, file.PageCount());
-    const PageNumber page = file.Append();
-    SetFree(file, grown, page, false);
+    map.Cover(file.PageCount());
+    const PageNumber page = AppendPage(file);
+    map.SetFree(page, false);
     return page;
 }
 
 void FreePage(PageFile& file, PageNumber page) {
-    const FreeMap map = FindFreeMap(file);
-    if (page < kSystemPages || page >= map.bits || page >= file.PageCount()) {
+    Allocation& known = Known(file);
+    if (page < kSystemPages || page >= file.PageCount()) {
         file.Damaged(kGlobalPage, Text(u"page ").append(Digits(page)).append(u" cannot be freed"));
     }
-    SetFree(file, map, page, true);
+    GlobalMap map(file);
+    if (!map.Covers(page)) map.Cover(page);
+    map.SetFree(page, true);
+    if (Holds(known.in_use, page)) known.in_use[page] = false;
+    known.none_free_below = std::min(known.none_free_below, page);
 }
 
-bool IsFree(PageFile& file, PageNumber page) {
-    const FreeMap map = FindFreeMap(file);
-    return page >= map.bits || Bit(file.Read(kGlobalPage).data() + map.bits_at, page);
-}
-
-PageNumber CountFreePages(PageFile& file) {
-    const FreeMap map = FindFreeMap(file);
-    return CountBits(file.Read(kGlobalPage).data() + map.bits_at, std::min(file.PageCount(), map.bits));
-}
-
-PageNumber MaximumPages(PageFile& file) {
-    const FreeMap map = FindFreeMap(file);
-    const std::uint16_t room = FreeBytes(file, kGlobalPage, file.Read(kGlobalPage));
-    return map.bits + room / kGrowth * kGrowth * 8;
+PageNumber PagesLeft(PageFile& file, PageNumber above, PageNumber most) {
+    const Allocation& known = Known(file);
+    const GlobalMap map(file);
+    PageNumber count = std::min(map.PagesToAppend(), most);
+    PageNumber page = std::max(above + 1, known.none_free_below);
+    while (count < most && (page = FindFree(map, known, page, file.PageCount())) < file.PageCount()) {
+        ++count;
+        ++page;
+    }
+    return count;
 }
 
 }  // namespace tav::jet

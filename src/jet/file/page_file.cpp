@@ -7,6 +7,7 @@
 
 #include "common/database_failure.h"
 #include "jet/file/header.h"
+#include "jet/file/page_allocation.h"
 #include "jet/file/rollback_journal.h"
 #include "platform/files.h"
 
@@ -14,6 +15,7 @@ namespace tav::jet {
 namespace {
 
 constexpr std::size_t kUnchangedPages = 16384;  // 64 MB; more are let go by Trim
+constexpr std::uint64_t kMostPages = 524288;    // 2 GB
 constexpr std::size_t kSpareImages = 64;        // buffers for page images kept between statements
 
 Text Quoted(TextView before, TextView path, TextView after) {
@@ -147,6 +149,7 @@ struct PageFile::State {
     std::vector<PageNumber> changed;
     std::size_t unchanged = 0;  // pages in memory that could be read again
     std::uint64_t rollbacks = 0;
+    Allocation allocation;
     bool torn =
         false;  // the disk holds half a unit that could not be undone; the journal stays for the next open
 
@@ -262,7 +265,7 @@ PageFile::PageFile(TextView typed_path, Access access) : state_(std::make_unique
         if (RollbackJournal::Exists(path)) throw FileInUse(path);
     }
     const std::uint64_t size = state_->file->Size();
-    if (size % kPageSize != 0 || size < 3 * kPageSize || size / kPageSize > 0xFFFFFF) {
+    if (size % kPageSize != 0 || size < 3 * kPageSize || size / kPageSize > kMostPages) {
         throw Failure(
             Quoted(u"Unrecognized database format ", path, u". The file is damaged: its size is wrong."));
     }
@@ -286,6 +289,10 @@ PageNumber PageFile::PageCount() const {
 
 std::uint64_t PageFile::Rollbacks() const {
     return state_->rollbacks;
+}
+
+Allocation& PageFile::allocation() {
+    return state_->allocation;
 }
 
 void ThrowDamaged(TextView path, PageNumber page, TextView reason) {

@@ -27,6 +27,8 @@
 
 namespace tav::jet {
 
+struct Allocation;
+
 class PageFile {
  public:
     using Access = LockedFile::Access;
@@ -69,6 +71,9 @@ class PageFile {
     // Grows with every rollback of a statement or a unit: whoever keeps what he read from pages reads it
     // again when this has changed.
     std::uint64_t Rollbacks() const;
+
+    // What page_allocation.h keeps with the file.
+    Allocation& allocation();
 
     // The Failure of a page that contradicts itself: "The database '...' is damaged (page 17): reason."
     [[noreturn]] void Damaged(PageNumber page, TextView reason) const;

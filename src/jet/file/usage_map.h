@@ -1,4 +1,4 @@
-// Usage maps: sets of page numbers, each kept as a record of a map page; and the allocation of pages.
+// Usage maps of tables, indexes and long values: the pages that belong to each (map_record.h).
 #pragma once
 
 #include <vector>
@@ -7,10 +7,11 @@
 
 namespace tav::jet {
 
+class MapRecord;
 class PageFile;
 
-// The set that the record at `record` holds, inline (type 0) or by bitmap pages (type 1). Adding a page that
-// does not fit moves the inline window or turns the record into a reference map.
+// The set that the record at `record` holds. An inline record that cannot take a page moves its window; when
+// the set is too wide for it, it becomes a reference map, of 69 bytes whatever its length was.
 class UsageMap {
  public:
     UsageMap(PageFile& file, Pointer record) : file_(&file), record_(record) {}
@@ -18,9 +19,11 @@ class UsageMap {
     bool Contains(PageNumber page) const;
     void Add(PageNumber page);
     void Remove(PageNumber page);
-    // Allocates a page for the owner of the set, adds it, and returns it.
+    // Allocates a page for the owner of the set, adds it, and returns it (page_allocation.h).
     PageNumber TakePage(PageNumber above = 0);
-    // Ascending.
+    // Removes a page of the set and gives it back to the file.
+    void DropPage(PageNumber page);
+    // Ascending. A page beyond the end of the file is damage.
     std::vector<PageNumber> Pages() const;
     // The highest page of the set, 0 when it is empty.
     PageNumber Last() const;
@@ -28,28 +31,11 @@ class UsageMap {
     std::vector<PageNumber> BitmapPages() const;
 
  private:
-    struct View;
     PageFile* file_;
     Pointer record_;
 
     bool MoveWindow(PageNumber page);
     void TurnIntoReferences();
-    void AddToBitmap(PageNumber page);
 };
-
-// Takes a page out of the file's global free map, or appends one; it is all zero. With `above`, only pages
-// with a higher number are taken, so that rows stay in the order they were inserted. A page that is already
-// one of `owned` is no free page, whatever the global map says: the file is damaged, and the page is left as
-// it is.
-PageNumber AllocatePage(PageFile& file, PageNumber above = 0, const UsageMap* owned = nullptr);
-// Gives a page back to the global free map.
-void FreePage(PageFile& file, PageNumber page);
-// Whether the global map calls the page free.
-bool IsFree(PageFile& file, PageNumber page);
-// How many pages inside the file it calls free.
-PageNumber CountFreePages(PageFile& file);
-// How many pages the file may have at most: what the global map can grow to on its page (32,032 in a new
-// file). Growing beyond is a Failure.
-PageNumber MaximumPages(PageFile& file);
 
 }  // namespace tav::jet

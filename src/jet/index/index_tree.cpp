@@ -222,8 +222,7 @@ PageNumber IndexTree::Take() {
 
 void IndexTree::Release(PageNumber page) {
     if (page == index_->root) file_->Damaged(page, u"an index's root is its own child");
-    UsageMap(*file_, index_->map).Remove(page);
-    FreePage(*file_, page);
+    UsageMap(*file_, index_->map).DropPage(page);
 }
 
 IndexTree::Cursor IndexTree::Seek(std::string_view bytes) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "common/failure.h"
+#include "jet/table/pages_in_use.h"
 
 namespace tav::jet {
 namespace {
@@ -42,20 +43,32 @@ std::int64_t NumberOf(const Value& value) {
 
 }  // namespace
 
-Database::Database(TextView path, Access access) : file_(path, access) {
-    Table catalogue(file_, ReadTableDefinition(file_, kCatalogue, u"MSysObjects"));
-    const CatalogueColumns columns(file_, catalogue.definition());
-    for (Table::Scan scan = catalogue.Rows(); !scan.AtEnd(); scan.Next()) {
+Catalogue ReadCatalogue(PageFile& file) {
+    Table table(file, ReadTableDefinition(file, kCatalogue, u"MSysObjects"));
+    const CatalogueColumns columns(file, table.definition());
+    Catalogue catalogue;
+    for (Table::Scan scan = table.Rows(); !scan.AtEnd(); scan.Next()) {
         const Row row = scan.row();
         const auto type = static_cast<EntryType>(NumberOf(row.Get(columns.type)));
-        const Value name = row.Get(columns.name);
+        Value name = row.Get(columns.name);
         if (IsNull(name)) continue;
-        if (type == EntryType::OdbcLink || type == EntryType::Link) linked_.push_back(std::get<Text>(name));
+        if (type == EntryType::OdbcLink || type == EntryType::Link) {
+            catalogue.linked.push_back(std::get<Text>(std::move(name)));
+        }
         if (type != EntryType::Table) continue;
-        if ((static_cast<std::uint32_t>(NumberOf(row.Get(columns.flags))) & kNotAUserTable) != 0) continue;
+        const auto flags = static_cast<std::uint32_t>(NumberOf(row.Get(columns.flags)));
         const auto page = static_cast<PageNumber>(NumberOf(row.Get(columns.id)) & 0xFFFFFF);
-        tables_.push_back({std::get<Text>(name), page});
+        catalogue.tables.push_back({std::get<Text>(std::move(name)), page, (flags & kNotAUserTable) == 0});
     }
+    return catalogue;
+}
+
+Database::Database(TextView path, Access access) : file_(path, access) {
+    Catalogue catalogue = ReadCatalogue(file_);
+    tables_ = std::move(catalogue.tables);
+    std::erase_if(tables_, [](const TableEntry& table) { return !table.user; });
+    linked_ = std::move(catalogue.linked);
+    file_.allocation().find_pages_in_use = &PagesInUse;
 }
 
 Table* Database::FindTable(TextView name) {
@@ -73,6 +86,12 @@ Table* Database::FindTable(TextView name) {
         table = std::make_unique<Table>(file_, ReadTableDefinition(file_, entry->page, entry->name));
     }
     return table.get();
+}
+
+PageNumber Database::LastPageOfRows() {
+    PageNumber last = 0;
+    for (const auto& [page, table] : open_) last = std::max(last, table->LastPage());
+    return last;
 }
 
 }  // namespace tav::jet

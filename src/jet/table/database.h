@@ -11,11 +11,18 @@
 
 namespace tav::jet {
 
-// A user table in the catalogue (MSysObjects).
+// A table in the catalogue (MSysObjects).
 struct TableEntry {
     Text name;
     PageNumber page = 0;
+    bool user = true;  // else one of the engine's or the program's own
 };
+
+struct Catalogue {
+    std::vector<TableEntry> tables;  // local ones
+    std::vector<Text> linked;        // names of those in other databases
+};
+Catalogue ReadCatalogue(PageFile& file);
 
 class Database {
  public:
@@ -31,6 +38,8 @@ class Database {
     // nullptr when there is no table of that name (letter case ignored); a Failure when it is only linked
     // here. The table lives as long as the database.
     Table* FindTable(TextView name);
+    // The highest page with rows of the tables that were found so far: rows of theirs are added after it.
+    PageNumber LastPageOfRows();
 
  private:
     PageFile file_;

@@ -46,6 +46,9 @@ class Table {
     };
     Scan Rows();
 
+    // The highest page with rows, 0 when there are none.
+    PageNumber LastPage() { return space_.LastPage(); }
+
     // The row of that id; a Failure when there is none.
     Row Find(RowId id);
 

@@ -27,19 +27,22 @@ bool TableSpace::Owns(PageNumber page) const {
     return UsageMap(*file_, definition_->owned_map).Contains(page);
 }
 
-// The page for one row more.
-PageNumber TableSpace::PageFor(std::size_t size) {
-    UsageMap owned(*file_, definition_->owned_map);
+PageNumber TableSpace::LastPage() {
     if (known_since_ != file_->Rollbacks()) {
-        last_page_ = owned.Last();
+        last_page_ = UsageMap(*file_, definition_->owned_map).Last();
         known_since_ = file_->Rollbacks();
     }
-    if (last_page_ != 0) {
+    return last_page_;
+}
+
+// The page for one row more.
+PageNumber TableSpace::PageFor(std::size_t size) {
+    if (LastPage() != 0) {
         const Page& page = ReadDataPage(*file_, last_page_, definition_->page);
         const bool has_room = FreeBytes(*file_, last_page_, page) >= size + kSlotSize;
         if (has_room && SlotCount(page) < kMaximumSlots) return last_page_;
     }
-    const PageNumber fresh = owned.TakePage(last_page_);
+    const PageNumber fresh = UsageMap(*file_, definition_->owned_map).TakePage(last_page_);
     InitializeDataPage(file_->Change(fresh), definition_->page);
     if (HasMap(definition_->free_map)) UsageMap(*file_, definition_->free_map).Add(fresh);
     last_page_ = fresh;
@@ -110,9 +113,8 @@ void TableSpace::Drop(Pointer at) {
 }
 
 void TableSpace::ReleasePage(PageNumber page) {
-    UsageMap(*file_, definition_->owned_map).Remove(page);
     if (HasMap(definition_->free_map)) UsageMap(*file_, definition_->free_map).Remove(page);
-    FreePage(*file_, page);
+    UsageMap(*file_, definition_->owned_map).DropPage(page);
     ++releases_;
     if (page == last_page_) known_since_.reset();
 }

@@ -29,6 +29,8 @@ class TableSpace {
     TableSpace(PageFile& file, const TableDefinition& definition) : file_(&file), definition_(&definition) {}
 
     bool Owns(PageNumber page) const;
+    // The highest page with rows, 0 when there are none.
+    PageNumber LastPage();
     // Pages given back to the file since the table was opened.
     std::uint64_t releases() const { return releases_; }
 

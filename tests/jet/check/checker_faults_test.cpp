@@ -84,22 +84,27 @@ const Fault kFaults[] = {
     {"half a password", 2, [](Things& t) { t.file.Byte(0, 0x50) ^= 1; }},
     {"owner of the global map's page", 3, [](Things& t) { t.file.Byte(1, 4) = 7; }},
     {"a third map on page 1", 3, [](Things& t) { t.file.Byte(1, 12) = 3; }},
-    {"kind of the global map", 3,
+    {"kind of the global map", 4,
      [](Things& t) {
-         t.file.Record({1, 0})[0] = 1;
+         t.file.Record({1, 0})[0] = 2;
      }},
     {"start of the global map", 3,
      [](Things& t) {
          t.file.Record({1, 0})[1] = 8;
-     }},
-    {"length of the global map", 3, [](Things& t) { PutU16(t.file.At(1, 14), 4090); }},
+     },
+     false},
+    {"released page", 6,
+     [](Things& t) {
+         t.file.SetBit({1, 1}, 40, true);
+     },
+     false},
     {"map slot that is not there", 4, [](Things& t) { *Definition(t, 55) = 200; }},
     {"map page beyond the end", 4, [](Things& t) { *Definition(t, 58) = 9; }},
     {"map on a data page", 4, [](Things& t) { PutU32(Definition(t, 55), SomeRow(t).Word()); }},
     {"deleted map", 4, [](Things& t) { t.file.SetSlotFlags(t.table.owned_map, 0xC000); }},
     {"owner of a map page", 4, [](Things& t) { t.file.Byte(t.table.owned_map.page, 4) = 1; }},
     {"kind of a map", 4, [](Things& t) { t.file.Record(t.table.owned_map)[0] = 2; }},
-    {"start of a map", 4, [](Things& t) { t.file.Record(t.table.owned_map)[1] = 4; }},
+    {"start of a map", 14, [](Things& t) { t.file.Record(t.table.owned_map)[1] = 4; }},
     {"bitmap page of another type", 4,
      [](Things& t) {
          const PageNumber bitmap = t.file.AppendPage();
@@ -176,6 +181,12 @@ const Fault kFaults[] = {
      }},
     {"moved row to a live one", 15, [](Things& t) { PutU32(t.file.Record(t.moved), t.rows[5].Word()); }},
     {"body that nobody points to", 15, [](Things& t) { t.file.SetSlotFlags(t.rows[5], 0x8000); }},
+    {"row deleted in another program's way", 15,
+     [](Things& t) {
+         t.file.SetSlotFlags(t.rows[5], 0x8000);
+         ++t.file.Byte(0, 0xE00);
+     },
+     false},
     {"body that two point to", 15,
      [](Things& t) {
          std::copy_n(t.file.Record(t.moved), 4, t.file.Record(t.rows[5]));

@@ -4,6 +4,8 @@
 #include <numeric>
 #include <optional>
 
+#include "jet/file/global_map.h"
+#include "jet/file/page_allocation.h"
 #include "jet/file/usage_map.h"
 #include "jet/jet_fixtures.h"
 #include "jet/table/database.h"
@@ -17,11 +19,8 @@ using test::NewDatabase;
 using test::PageOfText;
 using test::TempFolder;
 
-constexpr PageNumber kInlinePages = 512;
-
 bool IsInline(PageFile& file, Pointer map) {
-    const Page& page = ReadDataPage(file, map.page, 0);
-    return page[RecordAt(file, map.page, page, map.slot).begin] == 0;
+    return MapRecord(file, map).IsInline();
 }
 
 class Growth : public testing::Test {
@@ -56,7 +55,7 @@ TEST_F(Growth, InlineMapMovesItsWindowAndTurnsIntoReferences) {
     EXPECT_FALSE(IsInline(file_, record));
     add(20);
     ASSERT_EQ(map.BitmapPages().size(), 1u);
-    EXPECT_FALSE(IsFree(file_, map.BitmapPages().front()));
+    EXPECT_GT(GlobalMap(file_).FindFree(0), map.BitmapPages().front());
     map.Remove(700);
     map.Remove(701);  // not a member
     expected.erase(std::find(expected.begin(), expected.end(), 700u));
@@ -71,6 +70,7 @@ TEST_F(Growth, LargeTableKeepsItsRowsAndMaps) {
     const std::vector<PageNumber> pages = UsageMap(file_, table.definition().owned_map).Pages();
     EXPECT_EQ(pages.size(), kRows);
     EXPECT_FALSE(IsInline(file_, table.definition().owned_map));
+    EXPECT_EQ(MapRecord(file_, table.definition().owned_map).Size(), kReferenceSize);
     std::size_t rows = 0;
     for (Table::Scan scan = table.Rows(); !scan.AtEnd(); scan.Next()) ++rows;
     EXPECT_EQ(rows, kRows);
@@ -83,7 +83,7 @@ TEST_F(Growth, LargeTableKeepsItsRowsAndMaps) {
     EXPECT_EQ(second.size, 69);
     EXPECT_EQ(std::accumulate(global.begin() + second.begin, global.begin() + map.begin, 0), 0);
     EXPECT_EQ(U16(global.data() + 2), second.begin - 14 - 4);
-    for (PageNumber page = 0; page < file_.PageCount(); ++page) EXPECT_FALSE(IsFree(file_, page)) << page;
+    EXPECT_EQ(GlobalMap(file_).FindFree(0), file_.PageCount());
     database_.reset();
     ExpectSound(path_);
 }
@@ -94,39 +94,12 @@ TEST_F(Growth, FreedPagesAreTakenAgainButNotBelowTheLastOne) {
     EXPECT_EQ(second, first + 1);
     file_.Change(first).fill(7);
     FreePage(file_, first);
-    EXPECT_TRUE(IsFree(file_, first));
-    EXPECT_EQ(CountFreePages(file_), 1u);
+    EXPECT_EQ(GlobalMap(file_).FindFree(0), first);
+    EXPECT_EQ(PagesLeft(file_, 0, 1 << 20), PagesLeft(file_, first, 1 << 20) + 1);
     EXPECT_EQ(AllocatePage(file_, second), second + 1);
     EXPECT_EQ(AllocatePage(file_), first);
     EXPECT_EQ(file_.Read(first), Page{});
     EXPECT_THAT(FailureOf([&] { FreePage(file_, 2); }), testing::HasSubstr("cannot be freed"));
-}
-
-TEST_F(Growth, PageInUseIsNotTakenThoughItIsCalledFree) {
-    UsageMap owned(file_, database_->FindTable(u"plain")->definition().owned_map);
-    const PageNumber page = owned.TakePage();
-    EXPECT_TRUE(owned.Contains(page));
-    file_.Change(page).fill(7);
-    FreePage(file_, page);
-    EXPECT_THAT(FailureOf([&] { owned.TakePage(); }), testing::HasSubstr("it is called free, but is in use"));
-    EXPECT_EQ(file_.Read(page)[0], 7);
-}
-
-TEST_F(Growth, FullFileRefusesToGrow) {
-    // The second record of page 1 takes the room that the global map would grow into.
-    ResizeRecord(file_.Change(1), 1, 3990);
-    const PageNumber limit = MaximumPages(file_);
-    EXPECT_EQ(limit, kInlinePages + 32 * ((4096 - 14 - 4 - 69 - 3990) / 4));
-    Table& table = *database_->FindTable(u"plain");
-    std::string failure;
-    int rows = 0;
-    for (; failure.empty(); ++rows) failure = FailureOf([&] { table.Insert(PageOfText()); });
-    EXPECT_THAT(failure, testing::HasSubstr("has reached its maximum size"));
-    EXPECT_EQ(file_.PageCount(), limit);
-    EXPECT_GT(rows, static_cast<int>(kInlinePages));
-    int found = 0;
-    for (Table::Scan scan = table.Rows(); !scan.AtEnd(); scan.Next()) ++found;
-    EXPECT_EQ(found, rows - 1);
 }
 
 }  // namespace

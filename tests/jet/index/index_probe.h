@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "jet/file/format.h"
+#include "jet/file/global_map.h"
 #include "jet/file/page_file.h"
 #include "jet/file/usage_map.h"
 #include "jet/schema/table_definition.h"
@@ -127,7 +128,7 @@ inline ProbedTree ProbeIndexTree(PageFile& file, PageNumber table, const RealInd
     }
     const std::vector<PageNumber> listed = UsageMap(file, index.map).Pages();
     EXPECT_EQ(std::set<PageNumber>(listed.begin(), listed.end()), tree.pages);
-    for (const PageNumber page : listed) EXPECT_FALSE(IsFree(file, page)) << page;
+    for (const PageNumber page : listed) EXPECT_NE(GlobalMap(file).FindFree(page), page);
     return tree;
 }
 

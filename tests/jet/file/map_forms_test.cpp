@@ -1,0 +1,245 @@
+// Files whose maps have the forms that other programs leave, made by editing pages: each takes rows and loses
+// none, or is refused by the page that contradicts itself and stays as it is.
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "jet/check/damaged_database.h"
+#include "jet/file/bitmap.h"
+#include "jet/file/global_map.h"
+#include "jet/file/page_allocation.h"
+#include "jet/file/rollback_journal.h"
+#include "jet/file/usage_map.h"
+#include "jet/jet_fixtures.h"
+
+namespace tav::jet {
+namespace {
+
+using tav::test::ExpectSound;
+using tav::test::FailureOf;
+using tav::test::NewDatabase;
+using tav::test::PageOfText;
+using tav::test::TempFolder;
+using test::FileBytes;
+
+using Bytes = std::vector<std::uint8_t>;
+
+// Records of maps. `member` says which bits are set.
+template <class Member>
+Bytes Inline(PageNumber start, std::size_t size, Member member) {
+    Bytes record(size);
+    PutU32(record.data() + 1, start);
+    for (PageNumber i = 0; i < (size - kInlineHead) * 8; ++i) {
+        SetBit(record.data() + kInlineHead, i, member(start + i));
+    }
+    return record;
+}
+Bytes References(std::vector<PageNumber> bitmaps, std::size_t size = kReferenceSize) {
+    Bytes record(size);
+    record[0] = 1;
+    for (std::size_t i = 0; i < bitmaps.size(); ++i) PutU32(record.data() + 1 + 4 * i, bitmaps[i]);
+    return record;
+}
+template <class Member>
+void MakeBitmap(std::uint8_t* page, PageNumber first, Member member) {
+    std::fill_n(page, kPageSize, std::uint8_t{0});
+    page[0] = 5;
+    page[1] = 1;
+    for (PageNumber i = 0; i < kPagesPerBitmap; ++i) SetBit(page + kBitmapHead, i, member(first + i));
+}
+const auto kNone = [](PageNumber) { return false; };
+
+// Page 1 with these two records.
+Page PageOne(const Bytes& free, const Bytes& released) {
+    Page page;
+    InitializeDataPage(page, kGlobalPage);
+    AddRecord(page, free, 0);
+    AddRecord(page, released, 0);
+    return page;
+}
+
+// A database under a test's hands: `plain` has 300 pages of rows, the table between them and the end is gone,
+// so that every second page of the last 100 is free.
+struct Forms {
+    FileBytes file;
+    PageNumber count = 0;
+    Pointer owned;  // the map of `plain`
+
+    explicit Forms(const std::string& bytes, Pointer map)
+        : file(bytes), count(file.PageCount()), owned(map) {}
+
+    void SetGlobal(const Bytes& free, const Bytes& released) {
+        const Page page = PageOne(free, released);
+        std::copy(page.begin(), page.end(), file.At(kGlobalPage, 0));
+    }
+    auto FreeBits() {
+        std::vector<bool> bits(count);
+        for (PageNumber page = 0; page < count; ++page) bits[page] = Bit(file.Record({1, 0}) + 5, page);
+        return [bits, last = count](PageNumber page) { return page >= last || bits[page]; };
+    }
+    Bytes Released(std::size_t size = kReferenceSize) { return Inline(0, size, kNone); }
+    // A page more for a bitmap.
+    PageNumber Append() {
+        file.bytes().append(kPageSize, '\0');
+        return file.PageCount() - 1;
+    }
+};
+
+struct Form {
+    const char* what;
+    void (*make)(Forms& forms);
+    const char* refusal = nullptr;  // what a refusal says
+    int error = 0;                  // the invariant that the checker finds broken
+};
+
+void MakeReferenceGlobal(Forms& f, std::size_t size = kReferenceSize) {
+    const auto free = f.FreeBits();
+    const PageNumber bitmap = f.Append();
+    MakeBitmap(f.file.At(bitmap, 0), 0, [&](PageNumber page) { return page != bitmap && free(page); });
+    f.SetGlobal(References({bitmap}, size), f.Released());
+}
+
+const Form kForms[] = {
+    {"short", [](Forms& f) { f.SetGlobal(Inline(0, 13, f.FreeBits()), f.Released()); }},
+    {"window", [](Forms& f) { f.SetGlobal(Inline(200, kReferenceSize, f.FreeBits()), f.Released()); }},
+    {"window at an odd page", [](Forms& f) { f.SetGlobal(Inline(203, 25, f.FreeBits()), f.Released()); }},
+    {"window beyond the end", [](Forms& f) { f.SetGlobal(Inline(4000, 25, kNone), f.Released()); }},
+    {"references", [](Forms& f) { MakeReferenceGlobal(f); }},
+    {"long released map",
+     [](Forms& f) {
+         const auto free = f.FreeBits();
+         f.SetGlobal(Inline(0, 69, free),
+                     Inline(0, 97, [&](PageNumber page) { return page < f.count && free(page); }));
+     }},
+    {"released map of references",
+     [](Forms& f) {
+         const auto free = f.FreeBits();
+         const PageNumber bitmap = f.Append();
+         MakeBitmap(f.file.At(bitmap, 0), 0, kNone);
+         f.SetGlobal(Inline(0, 69, [&](PageNumber page) { return page != bitmap && free(page); }),
+                     References({bitmap}));
+     }},
+    {"no room to grow", [](Forms& f) { f.SetGlobal(Inline(0, 69, f.FreeBits()), f.Released(4001)); }},
+    {"records the other way round",
+     [](Forms& f) {
+         f.SetGlobal(f.Released(), Inline(0, 69, f.FreeBits()));
+         f.file.Byte(0, 0x18) ^= 1;
+         f.file.Byte(0, 0x1C) ^= 1;
+     }},
+    {"table's map of references",
+     [](Forms& f) {
+         const Bytes record(f.file.Record(f.owned), f.file.Record(f.owned) + kReferenceSize);
+         const PageNumber bitmap = f.Append();
+         MakeBitmap(f.file.At(bitmap, 0), 0,
+                    [&](PageNumber page) { return page < 512 && Bit(record.data() + 5, page); });
+         f.file.SetBit({1, 0}, bitmap, false);
+         const Bytes references = References({bitmap});
+         std::copy(references.begin(), references.end(), f.file.Record(f.owned));
+     }},
+    {"table's map from an odd page",
+     [](Forms& f) {
+         const Bytes old(f.file.Record(f.owned), f.file.Record(f.owned) + kReferenceSize);
+         const Bytes moved = Inline(11, kReferenceSize,
+                                    [&](PageNumber page) { return page < 512 && Bit(old.data() + 5, page); });
+         std::copy(moved.begin(), moved.end(), f.file.Record(f.owned));
+     }},
+    {"every page is called free",
+     [](Forms& f) { f.SetGlobal(Inline(0, 69, [](PageNumber) { return true; }), f.Released()); }, nullptr, 6},
+    {"bitmap beyond the end", [](Forms& f) { f.SetGlobal(References({9999}), f.Released()); },
+     "the file ends before it", 7},
+    {"bitmap that is no bitmap", [](Forms& f) { f.SetGlobal(References({f.owned.page}), f.Released()); },
+     "a usage bitmap is expected here", 5},
+    {"long references", [](Forms& f) { MakeReferenceGlobal(f, 101); }, "a wrong length", 3},
+    {"bitmap that is called free",
+     [](Forms& f) {
+         const PageNumber bitmap = f.Append();
+         MakeBitmap(f.file.At(bitmap, 0), 0, f.FreeBits());
+         f.SetGlobal(References({bitmap}), f.Released());
+     },
+     "it is called free, but is a bitmap", 6},
+    {"one bitmap of two maps",
+     [](Forms& f) {
+         MakeReferenceGlobal(f);
+         f.SetGlobal(References({f.file.PageCount() - 1}), References({f.file.PageCount() - 1}));
+     },
+     "two ranges have this bitmap", 5},
+    {"kind of the released map", [](Forms& f) { f.SetGlobal(Inline(0, 69, f.FreeBits()), Bytes(69, 2)); },
+     "holds no usage map", 4},
+    {"maps on another page", [](Forms& f) { f.file.Byte(0, 0x19) ^= 2; }, "where the map of free pages is",
+     2},
+    {"page of two tables", [](Forms& f) { f.file.SetBit(f.owned, 14, true); }, "two tables or indexes use it",
+     5},
+    {"page beyond the end", [](Forms& f) { f.file.SetBit(f.owned, 500, true); },
+     "a page beyond the end of the file", 7},
+};
+
+class MapForms : public testing::Test {
+ protected:
+    MapForms() {
+        const Text path = NewDatabase(folder_);
+        Database database(path, Database::Access::Write);
+        Table& plain = *database.FindTable(u"plain");
+        std::vector<RowId> rows;
+        for (int i = 0; i < 300; ++i) rows.push_back(plain.Insert(PageOfText()));
+        for (int i = 200; i < 300; i += 2) plain.Delete(rows[static_cast<std::size_t>(i)]);
+        database.file().Commit();
+        owned_ = plain.definition().owned_map;
+        bytes_ = ReadFile(path);
+    }
+    int Count(Database& database) {
+        int rows = 0;
+        for (Table::Scan scan = database.FindTable(u"plain")->Rows(); !scan.AtEnd(); scan.Next()) {
+            rows += scan.row().Get(4) == Value(Text(255, u'ж')) ? 1 : 1000;
+        }
+        return rows;
+    }
+
+    TempFolder folder_;
+    std::string bytes_;
+    Pointer owned_;
+};
+
+// Rows are added and deleted; no row is lost, no page of the released map is taken.
+void Use(Database& database) {
+    Table& plain = *database.FindTable(u"plain");
+    Table& things = *database.FindTable(u"things");
+    std::vector<RowId> rows;
+    for (int i = 0; i < 400; ++i) {
+        rows.push_back(plain.Insert(PageOfText()));
+        things.Insert(tav::test::Thing(i, Text(200, u'ы')));
+    }
+    for (std::size_t i = 0; i < rows.size(); i += 2) plain.Delete(rows[i]);
+    database.file().Commit();
+}
+
+TEST_F(MapForms, TakeRowsOrAreRefusedAsTheyAre) {
+    for (const Form& form : kForms) {
+        SCOPED_TRACE(form.what);
+        Forms forms(bytes_, owned_);
+        form.make(forms);
+        const Text path = folder_.Write(u"form.mdb", forms.file.bytes());
+        std::vector<int> errors;
+        for (const Finding& finding : CheckDatabase(path)) {
+            if (finding.error) errors.push_back(finding.invariant);
+            if (finding.error && form.error == 0) ADD_FAILURE() << ToUtf8(finding.text);
+        }
+        EXPECT_EQ(std::ranges::count(errors, form.error) > 0, form.error != 0);
+        const std::string failure = FailureOf([&] {
+            Database database(path, Database::Access::Write);
+            Use(database);
+        });
+        if (form.refusal != nullptr) {
+            EXPECT_THAT(failure, testing::HasSubstr(form.refusal));
+            EXPECT_EQ(ReadFile(path), forms.file.bytes());
+            continue;
+        }
+        EXPECT_EQ(failure, "");
+        Database database(path, Database::Access::Write);
+        EXPECT_EQ(Count(database), 250 + 200);
+        if (form.error == 0) ExpectSound(path);
+    }
+}
+
+}  // namespace
+}  // namespace tav::jet
