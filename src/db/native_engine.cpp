@@ -10,6 +10,9 @@ namespace {
 // So much room is enough for whoever asks; more is not counted.
 constexpr jet::PageNumber kMostRoom = 16384;
 
+constexpr TextView kTables[] = {u"tav_operations_header", u"tav_operations", u"tav_acts",
+                                u"tav_operations_type"};
+
 Text DataSource(TextView connection_string) {
     if (!EqualNoCase(connection_string.substr(0, kConnectionOpening.size()), kConnectionOpening)) {
         throw Failure(u"Provider cannot be found. It may not be properly installed.");
@@ -21,7 +24,8 @@ class NativeEngine : public Engine {
  public:
     explicit NativeEngine(const OpenRequest& request)
         : executor_(DataSource(request.connection_string),
-                    request.for_reading ? jet::Database::Access::Read : jet::Database::Access::Write) {}
+                    request.for_reading ? jet::Database::Access::Read : jet::Database::Access::Write,
+                    kTables) {}
 
     Recordset Execute(const SqlText& sql) override { return executor_.Execute(sql); }
     void EndUnit() override { executor_.Commit(); }

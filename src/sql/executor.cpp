@@ -33,7 +33,8 @@ Text ResultName(sqlite3_stmt* statement, int column) {
 }  // namespace
 
 struct Executor::State {
-    State(TextView path, Database::Access access) : database(path, access), sqlite(OpenSqlite(callbacks)) {}
+    State(TextView path, Database::Access access, std::span<const TextView> group)
+        : database(path, access), together(group.begin(), group.end()), sqlite(OpenSqlite(callbacks)) {}
 
     const TableDefinition* FindTable(TextView name);
     StatementHandle PrepareOne(const Rewritten& rewritten, const std::string& sql);
@@ -42,9 +43,11 @@ struct Executor::State {
     ResultTable Run(Prepared& prepared);
     Recordset Execute(const SqlText& sql);
     void DropHashes();
+    void RequireChangeable();
     void EndLogs();
 
     Database database;
+    std::vector<Text> together;  // tables that are still to be looked at before the first change
     Callbacks callbacks;
     std::map<Table*, std::unique_ptr<VirtualTable>> tables;
     SqliteHandle sqlite;
@@ -148,6 +151,13 @@ void Executor::State::DropHashes() {
     for (auto& [table, virtual_table] : tables) virtual_table->search().DropHashes();
 }
 
+void Executor::State::RequireChangeable() {
+    for (const Text& name : together) {
+        if (Table* table = database.FindTable(name)) table->RequireChangeable();
+    }
+    together.clear();
+}
+
 void Executor::State::EndLogs() {
     savepoint = false;
     for (auto& [table, virtual_table] : tables) virtual_table->log().End();
@@ -162,6 +172,7 @@ Recordset Executor::State::Execute(const SqlText& sql) {
     if (!database.file().writable()) {
         throw Failure(u"Operation must use an updateable query.").In(database.file().path());
     }
+    RequireChangeable();
     ChangeLog& log = prepared.changed->log();
     const std::size_t changes = log.Length();
     database.file().BeginStatement();
@@ -180,7 +191,8 @@ Recordset Executor::State::Execute(const SqlText& sql) {
     return Recordset();
 }
 
-Executor::Executor(TextView path, Database::Access access) : state_(std::make_unique<State>(path, access)) {}
+Executor::Executor(TextView path, Database::Access access, std::span<const TextView> together)
+    : state_(std::make_unique<State>(path, access, together)) {}
 
 Executor::~Executor() = default;
 

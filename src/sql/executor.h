@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 
 #include "common/text.h"
 #include "jet/table/database.h"
@@ -13,8 +14,9 @@ namespace tav::jet {
 
 class Executor {
  public:
-    // The file is opened and locked until the executor goes.
-    Executor(TextView path, Database::Access access);
+    // The file is opened and locked until the executor goes. `together` are tables that are of use together only:
+    // when rows of one of them cannot be changed (jet/table/read_only.h), no statement changes anything.
+    Executor(TextView path, Database::Access access, std::span<const TextView> together = {});
     ~Executor();
     Executor(const Executor&) = delete;
     Executor& operator=(const Executor&) = delete;

@@ -5,20 +5,16 @@
 #include <algorithm>
 #include <cstring>
 #include <optional>
+#include <utility>
 
 #include "common/failure.h"
 #include "common/regional.h"
+#include "jet/index/text_codes.h"
 #include "sql/sql_value.h"
 #include "sql/sqlite_handles.h"
 
 namespace tav::jet {
 namespace {
-
-// Twice the character, so that a letter that has no place of its own fits between two others.
-unsigned Weight(char16_t c) {
-    const char16_t upper = UpperChar(c);
-    return upper == u'Ё' ? 2U * u'Е' + 1 : 2U * upper;
-}
 
 // Characters in memory that may begin at an odd address: SQLite keeps them wherever they fit.
 struct Characters {
@@ -27,7 +23,7 @@ struct Characters {
 
     Characters(const void* text, std::size_t length)
         : bytes(static_cast<const unsigned char*>(text)), size(length) {
-        while (size > 0 && (*this)[size - 1] == u' ') --size;  // trailing blanks do not count
+        while (size > 0 && (*this)[size - 1] == u' ') --size;  // trailing spaces do not count
     }
     explicit Characters(TextView text) : Characters(text.data(), text.size()) {}
 
@@ -38,16 +34,80 @@ struct Characters {
     }
 };
 
+// Where a character stands in the order of texts. One without a known code comes after those that have one.
+struct Place {
+    std::uint32_t weight = 0;
+    std::uint8_t accent = 0;
+    std::uint8_t special = 0;  // of an apostrophe, a hyphen or a dash, which order texts last of all
+};
+
+Place PlaceOf(char16_t c) {
+    constexpr std::uint8_t kNoMark = 2;
+    const std::optional<TextCode> code = FindTextCode(c);
+    if (!code) return {0x10000U + UpperChar(c), kNoMark, 0};
+    const std::uint32_t weight = code->code > 0xFF ? code->code : code->code * 0x100U;
+    return {weight, code->accent != 0 ? code->accent : kNoMark, code->special};
+}
+
+// Walks the letters (all but the specials) or the specials of a text.
+class Walk {
+ public:
+    Walk(const Characters& text, std::size_t at) : text_(text), at_(at) {}
+
+    std::optional<Place> NextLetter() {
+        while (at_ < text_.size) {
+            const Place place = PlaceOf(text_[at_++]);
+            if (place.special == 0) return place;
+        }
+        return std::nullopt;
+    }
+    // With the number of letters before it.
+    std::optional<std::pair<std::size_t, std::uint8_t>> NextSpecial() {
+        while (at_ < text_.size) {
+            const Place place = PlaceOf(text_[at_++]);
+            if (place.special != 0) return std::pair(letters_, place.special);
+            ++letters_;
+        }
+        return std::nullopt;
+    }
+
+ private:
+    const Characters& text_;
+    std::size_t at_;
+    std::size_t letters_ = 0;
+};
+
+int Sign(bool less) {
+    return less ? -1 : 1;
+}
+
+// As the index keys of the texts compare: by letters, then by accents, then by specials.
 int Compare(const Characters& a, const Characters& b) {
     const std::size_t common = std::min(a.size, b.size);
-    for (std::size_t i = 0; i < common; ++i) {
-        if (a[i] == b[i]) continue;
-        const unsigned x = Weight(a[i]);
-        const unsigned y = Weight(b[i]);
-        if (x != y) return x < y ? -1 : 1;
+    std::size_t same = 0;
+    while (same < common && a[same] == b[same]) ++same;
+    if (same == a.size && same == b.size) return 0;
+
+    int by_accents = 0;
+    Walk x(a, same);
+    Walk y(b, same);
+    auto p = x.NextLetter();
+    auto q = y.NextLetter();
+    for (; p && q; p = x.NextLetter(), q = y.NextLetter()) {
+        if (p->weight != q->weight) return Sign(p->weight < q->weight);
+        if (by_accents == 0 && p->accent != q->accent) by_accents = Sign(p->accent < q->accent);
     }
-    if (a.size == b.size) return 0;
-    return a.size < b.size ? -1 : 1;
+    if (p || q) return Sign(!p);
+    if (by_accents != 0) return by_accents;
+
+    Walk u(a, same);
+    Walk v(b, same);
+    while (true) {
+        const auto r = u.NextSpecial();
+        const auto t = v.NextSpecial();
+        if (r != t) return Sign(r < t);  // none comes first
+        if (!r) return 0;
+    }
 }
 
 int CollateBytes(void*, int a_bytes, const void* a, int b_bytes, const void* b) {

@@ -1,5 +1,6 @@
-// How texts compare: without regard to letter case and to trailing blanks. Order is that of the upper-cased
-// characters, with the letter Ё directly behind Е.
+// How texts compare: as the keys of the database's own text indexes do (jet/index/text_codes.h), without regard
+// to letter case and to trailing spaces. Apostrophes, hyphens and dashes, and the dots of Ё, matter only between
+// texts that are equal without them. Characters without a known code come last, in the order of Unicode.
 #pragma once
 
 #include <cstdint>

@@ -193,6 +193,7 @@ std::optional<std::vector<RowId>> TableSearch::ByIndex(const SearchPlan& plan,
     for (IndexTree::Cursor at = tree.Seek(key); !at.AtEnd() && at.key().starts_with(key); at.Next()) {
         rows.push_back(at.row());
     }
+    std::ranges::sort(rows);
     return rows;
 }
 
@@ -215,6 +216,7 @@ std::optional<std::vector<RowId>> TableSearch::ByRange(const SearchPlan& plan,
         if (plan.high && at.key().substr(0, high.size()) > high) break;
         rows.push_back(at.row());
     }
+    std::ranges::sort(rows);
     return rows;
 }
 

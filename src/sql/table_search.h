@@ -21,8 +21,8 @@ class TableSearch {
     // SQLite asks how the conditions it has could be used; the answer's idxNum is given to Find.
     void Plan(sqlite3_index_info& question);
 
-    // The candidates among which SQLite tests the conditions again; no value when all rows are. `arguments`
-    // are those the plan asked for.
+    // The candidates among which SQLite tests the conditions again, in the order in which the table stores them
+    // whatever found them; no value when all rows are. `arguments` are those the plan asked for.
     std::optional<std::vector<RowId>> Find(int plan, std::span<const Value> arguments);
 
     // What happened to the rows, so that the hashes stay current.

@@ -7,6 +7,7 @@
 
 #include "common/failure.h"
 #include "jet/table/column_conversion.h"
+#include "sql/default_value.h"
 #include "sql/sql_collation.h"
 #include "sql/sql_value.h"
 
@@ -175,6 +176,13 @@ const sqlite3_module kModule = [] {
     return module;
 }();
 
+// A blob that stands for no value: binary ones are longer, dates do not begin so.
+constexpr const char* kDefaultMark = "x'FFFF'";
+
+bool IsDefaultMark(sqlite3_value* value) {
+    return sqlite3_value_type(value) == SQLITE_BLOB && sqlite3_value_bytes(value) == 2;
+}
+
 std::string Quoted(TextView name) {
     return '"' + ToUtf8(ReplaceAll(name, u"\"", u"\"\"")) + '"';
 }
@@ -191,13 +199,15 @@ void VirtualTable::Register(sqlite3* database) {
     }
 }
 
-// Without types, so that SQLite converts nothing on its own; texts with their collation.
+// Without types, so that SQLite converts nothing on its own; texts with their collation. What SQLite stores
+// where an insert does not name a column is a mark for its default.
 std::string VirtualTable::Declaration() const {
     std::string sql = "create table t(";
     for (const Column& column : table_.definition().columns) {
         if (sql.back() != '(') sql += ',';
         sql += Quoted(column.name);
         if (column.IsText()) sql.append(" collate ").append(kCollation);
+        if (!column.default_value.empty()) sql.append(" default ").append(kDefaultMark);
     }
     return sql + ')';
 }
@@ -206,6 +216,10 @@ std::string VirtualTable::Declaration() const {
 void VirtualTable::Take(std::size_t column_at, sqlite3_value* value) {
     const Column& column = table_.definition().columns[column_at];
     Value& place = row_[column_at];
+    if (IsDefaultMark(value)) {
+        place = DefaultOf(table_.definition(), column);
+        return;
+    }
     const bool text = sqlite3_value_type(value) == SQLITE_TEXT;
     Value& taken = column.IsText() && text ? place : literal_;
     if (!text) {

@@ -4,7 +4,11 @@
 
 #include <algorithm>
 
+#include "common/get_next.h"
+#include "jet/index/index_key.h"
+#include "jet/index/text_codes.h"
 #include "sql/sql_collation.h"
+#include "support/support.h"
 
 namespace tav::jet {
 namespace {
@@ -26,11 +30,22 @@ TEST(SqlValue, EqualNumbersHashAlike) {
     EXPECT_EQ(HashValue(Text(u"Пеня  ")), HashValue(Text(u"ПЕНЯ")));
 }
 
-TEST(SqlCollation, Order) {
-    const TextView ascending[] = {u"", u"  a", u"A1", u"a2", u"b", u"Де", u"ЕЖ", u"еж1", u"ёж", u"Ж", u"я"};
-    for (std::size_t i = 1; i < std::size(ascending); ++i) {
-        EXPECT_LT(Collate(ascending[i - 1], ascending[i]), 0) << ToUtf8(ascending[i]);
-        EXPECT_GT(Collate(ascending[i], ascending[i - 1]), 0) << ToUtf8(ascending[i]);
+// Line by line ascending; the keys of the index agree where there are any.
+TEST(SqlCollation, OrdersAsTheIndexKeysDo) {
+    Column column;
+    column.type = ColumnType::Text;
+    column.sort_order = kCodedSortOrder;
+    const Text script = FromUtf8(test::TestFile("sql/text_order.txt"));
+    TextView rest = script;
+    Text last(GetNext(rest, u"\n"));
+    while (!rest.empty()) {
+        const Text next(GetNext(rest, u"\n"));
+        EXPECT_LT(Collate(last, next), 0) << ToUtf8(last) << " < " << ToUtf8(next);
+        EXPECT_GT(Collate(next, last), 0) << ToUtf8(last) << " < " << ToUtf8(next);
+        const auto low = EncodeKeyColumn(column, true, last);
+        const auto high = EncodeKeyColumn(column, true, next);
+        EXPECT_TRUE(!low || !high || *low < *high) << ToUtf8(last) << " < " << ToUtf8(next);
+        last = next;
     }
 }
 

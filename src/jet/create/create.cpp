@@ -56,9 +56,9 @@ struct RowCollector {
     void Add(std::initializer_list<NamedValue> named) {
         std::vector<Value> values(table.columns.size());
         for (const auto& [name, value] : named) values[table.FindColumn(name).value()] = value;
-        std::string record;
+        EncodedRow record;
         EncodeRow(table, values, record);
-        const RowId row{page, data.Add(record)};
+        const RowId row{page, data.Add(record.bytes)};
         for (std::size_t i = 0; i < entries.size(); ++i) {
             entries[i].push_back(EncodeKey(table, table.indexes[i], values) + BigEndian(row.Word()));
         }

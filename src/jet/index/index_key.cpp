@@ -92,10 +92,8 @@ Text AppendText(std::string& key, const Value& value) {
     if (text == nullptr) return u"it is not text";
     TextView characters = TextView(*text).substr(0, kKeyCharacters);
     characters = characters.substr(0, characters.find_last_not_of(u' ') + 1);
-    if (characters.empty()) return u"the code of an empty text is not known";
-
     std::string accents;   // one byte for each character, 02 for a plain one
-    std::string specials;  // apostrophes and hyphens
+    std::string specials;  // apostrophes, hyphens, dashes
     bool accented = false;
     for (const char16_t c : characters) {
         const std::optional<TextCode> found = FindTextCode(c);
@@ -110,7 +108,6 @@ Text AppendText(std::string& key, const Value& value) {
         accented = accented || found->accent != 0;
         accents += found->accent != 0 ? static_cast<char>(found->accent) : '\x02';
     }
-    if (accented && !specials.empty()) return u"the code of Ё beside an apostrophe or a hyphen is not known";
     key += '\x01';
     if (accented) key.append(accents, 0, accents.find_last_not_of('\x02') + 1);
     if (!specials.empty()) key.append("\x01\x01\x01").append(specials);

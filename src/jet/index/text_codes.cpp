@@ -44,6 +44,14 @@ constexpr Row kRows[] = {
     {u'|', {0x2b0b}},
     {u'}', {0x2b0d}},
     {u'~', {0x2b0f}},
+    {u'\u00A0', {0x0802}},
+    {u'«', {0x3305}},
+    {u'»', {0x3307}},
+    {u'§', {0x34aa}},
+    {u'°', {0x34ae}},
+    {u'…', {0x34b9}},
+    {u'€', {0x35a1}},
+    {u'№', {0x6302}},
     {u'+', {0x2c}},
     {u'<', {0x2e}},
     {u'=', {0x30}},
@@ -110,17 +118,21 @@ constexpr Row kRows[] = {
     {u'Ч', {0x7953}},
     {u'Ш', {0x7955}},
     {u'Щ', {0x7956}},
+    {u'Ъ', {0x7957}},
     {u'Ы', {0x7958}},
     {u'Ь', {0x7959}},
+    {u'Э', {0x795a}},
     {u'Ю', {0x795b}},
     {u'Я', {0x795c}},
     {u'Ё', {0x7936, 0, 0x13}},
     {u'\'', {0, 0x80}},
     {u'-', {0, 0x82}},
+    {u'–', {0, 0x89}},
+    {u'—', {0, 0x8b}},
 };
 
 // All characters of the table lie below this one.
-constexpr std::size_t kEnd = 0x0460;
+constexpr std::size_t kEnd = u'№' + 1;
 
 constexpr char16_t LowerOf(char16_t c) {
     if ((c >= u'A' && c <= u'Z') || (c >= u'А' && c <= u'Я')) return static_cast<char16_t>(c + 0x20);

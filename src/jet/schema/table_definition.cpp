@@ -10,6 +10,8 @@ namespace {
 
 using namespace layout;
 
+constexpr int kMostPrecision = 28;
+
 // What contradicts itself on the way.
 class Damage {
  public:
@@ -46,6 +48,11 @@ std::vector<std::uint8_t> Gather(PageFile& file, PageNumber first, std::vector<P
 void CheckColumn(const Damage& damaged, const TableDefinition& table, const Column& column) {
     if (!IsKnown(column.type)) damaged(u"a column has an unknown type");
     if (column.number >= table.column_capacity) damaged(u"a column number is too high");
+    if (column.type == ColumnType::Numeric &&
+        (column.precision() < 1 || column.precision() > kMostPrecision ||
+         column.scale() > column.precision())) {
+        damaged(Text(u"column '").append(column.name).append(u"' has an impossible precision or scale"));
+    }
     if (column.type == ColumnType::Boolean) return;
     if (column.IsFixed() && column.IsLongValue()) damaged(u"a long value is said to be fixed");
     if (!column.IsFixed() && column.variable_index >= table.variable_columns) {

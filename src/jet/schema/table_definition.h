@@ -40,11 +40,15 @@ struct Column {
     std::uint8_t sort_version = 0;
     std::uint8_t flags = 0;
     std::uint8_t extended_flags = 0;
+    bool required = false;  // takes no Null
+    Text
+        default_value;  // what an insert that does not name the column stores, as the table's designer wrote it
 
     // Of a numeric column: decimal digits at most, and how many of them are decimals.
     int precision() const { return sort_order & 0xFF; }
     int scale() const { return sort_order >> 8; }
     bool IsFixed() const { return (flags & 0x01) != 0; }
+    bool IsNullable() const { return (flags & 0x02) != 0; }
     bool IsAutonumber() const { return (flags & 0x04) != 0; }
     bool CompressesText() const { return (extended_flags & 0x01) != 0; }
     bool IsLongValue() const { return type == ColumnType::Memo || type == ColumnType::Ole; }

@@ -65,6 +65,17 @@ Value ToMoney(const Column& column, const Value& value) {
     return Money{static_cast<std::int64_t>(amount)};
 }
 
+// A text with few decimals is exact as an amount; the number nearest to it might not be.
+Value ToDecimal(const Column& column, const Value& value) {
+    if (const Text* text = std::get_if<Text>(&value)) {
+        constexpr int kMoneyDecimals = 4;
+        const std::optional<Money> money = ParseMoney(*text);
+        if (money && column.scale() <= kMoneyDecimals) return *money;
+    }
+    const bool exact = std::holds_alternative<Money>(value) || std::holds_alternative<std::int64_t>(value);
+    return exact ? value : Value(Number(column, value));
+}
+
 Value ToDate(const Column& column, const Value& value) {
     if (const Text* text = std::get_if<Text>(&value)) {
         const std::optional<Date> date = ParseDate(*text);
@@ -109,8 +120,9 @@ Value ConvertForColumn(const Column& column, const Value& value) {
         case ColumnType::Single:
             return ToSingle(column, value);
         case ColumnType::Double:
-        case ColumnType::Numeric:
             return Number(column, value);
+        case ColumnType::Numeric:
+            return ToDecimal(column, value);
         case ColumnType::Date:
             return ToDate(column, value);
         case ColumnType::Text:

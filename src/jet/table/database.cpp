@@ -4,6 +4,7 @@
 
 #include "common/failure.h"
 #include "jet/table/pages_in_use.h"
+#include "jet/table/table_properties.h"
 
 namespace tav::jet {
 namespace {
@@ -58,7 +59,8 @@ Catalogue ReadCatalogue(PageFile& file) {
         if (type != EntryType::Table) continue;
         const auto flags = static_cast<std::uint32_t>(NumberOf(row.Get(columns.flags)));
         const auto page = static_cast<PageNumber>(NumberOf(row.Get(columns.id)) & 0xFFFFFF);
-        catalogue.tables.push_back({std::get<Text>(std::move(name)), page, (flags & kNotAUserTable) == 0});
+        const bool user = (flags & kNotAUserTable) == 0;
+        catalogue.tables.push_back({std::get<Text>(std::move(name)), page, user, row.id()});
     }
     return catalogue;
 }
@@ -83,7 +85,15 @@ Table* Database::FindTable(TextView name) {
     if (entry == tables_.end()) return nullptr;
     std::unique_ptr<Table>& table = open_[entry->page];
     if (table == nullptr) {
-        table = std::make_unique<Table>(file_, ReadTableDefinition(file_, entry->page, entry->name));
+        TableDefinition definition = ReadTableDefinition(file_, entry->page, entry->name);
+        Table catalogue(file_, ReadTableDefinition(file_, kCatalogue, u"MSysObjects"));
+        if (const auto column = catalogue.definition().FindColumn(u"LvProp")) {
+            const Value properties = catalogue.Find(entry->row).Get(*column);
+            if (const auto* bytes = std::get_if<Binary>(&properties)) {
+                TakeProperties(bytes->bytes, definition);
+            }
+        }
+        table = std::make_unique<Table>(file_, std::move(definition));
     }
     return table.get();
 }

@@ -16,6 +16,7 @@ struct TableEntry {
     Text name;
     PageNumber page = 0;
     bool user = true;  // else one of the engine's or the program's own
+    RowId row;         // of the catalogue
 };
 
 struct Catalogue {

@@ -3,6 +3,18 @@
 #include "jet/index/index_key.h"
 
 namespace tav::jet {
+namespace {
+
+// The columns by which two tables are related: "'a', 'b'".
+Text ColumnsOf(const TableDefinition& table, const LogicalIndex& index) {
+    Text names;
+    for (const IndexColumn& part : table.indexes[index.real_index].columns) {
+        names.append(names.empty() ? u"'" : u", '").append(table.columns[part.column].name).append(u"'");
+    }
+    return names;
+}
+
+}  // namespace
 
 Text WhyReadOnly(const TableDefinition& table) {
     for (const LogicalIndex& index : table.logical_indexes) {
@@ -11,7 +23,9 @@ Text WhyReadOnly(const TableDefinition& table) {
                 .append(table.name)
                 .append(u"': it takes part in the relationship '")
                 .append(index.name)
-                .append(u"', which is not enforced here.");
+                .append(u"' by ")
+                .append(ColumnsOf(table, index))
+                .append(u", which is not enforced here.");
         }
     }
     for (const RealIndex& index : table.indexes) {

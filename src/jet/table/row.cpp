@@ -1,9 +1,8 @@
 #include "jet/table/row.h"
 
-#include <cmath>
-
 #include "jet/file/page_file.h"
 #include "jet/table/long_value.h"
+#include "jet/table/numeric.h"
 #include "jet/table/text_compression.h"
 
 namespace tav::jet {
@@ -11,13 +10,6 @@ namespace {
 
 constexpr double kFirstDate = -657434;  // 01.01.100
 constexpr double kDateLimit = 2958466;  // the day after 31.12.9999
-
-double NumericValue(const Column& column, const std::uint8_t* bytes) {
-    double value = 0;
-    for (int word = 0; word < 4; ++word) value = value * 4294967296.0 + U32(bytes + 1 + 4 * word);
-    value /= std::pow(10.0, column.scale());
-    return (bytes[0] & 0x80) != 0 ? -value : value;
-}
 
 Binary AsBinary(std::span<const std::uint8_t> bytes) {
     return {std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size())};
@@ -68,7 +60,7 @@ bool Row::HasVariable(const Column& column) const {
 }
 
 // The bytes of a present value.
-std::span<const std::uint8_t> Row::Stored(const Column& column) const {
+std::span<const std::uint8_t> Row::StoredOf(const Column& column) const {
     if (column.IsFixed()) {
         const std::size_t begin = 2 + std::size_t{column.fixed_offset};
         if (begin + ValueSize(column) > mask_) Damaged(column, u"lies outside the row");
@@ -82,12 +74,18 @@ std::span<const std::uint8_t> Row::Stored(const Column& column) const {
     return bytes_.subspan(begin, end - begin);
 }
 
+std::optional<std::span<const std::uint8_t>> Row::Stored(std::size_t position) const {
+    const Column& column = definition_->columns[position];
+    if (column.type == ColumnType::Boolean || !IsPresent(column)) return std::nullopt;
+    if (!column.IsFixed() && !HasVariable(column)) return std::nullopt;
+    return StoredOf(column);
+}
+
 Value Row::Get(std::size_t position) const {
     const Column& column = definition_->columns[position];
     if (column.type == ColumnType::Boolean) return IsPresent(column);
-    if (!IsPresent(column)) return Null();
-    if (!column.IsFixed() && !HasVariable(column)) return Null();
-    return Decode(column, Stored(column));
+    const auto stored = Stored(position);
+    return stored ? Decode(column, *stored) : Value();
 }
 
 Value Row::Decode(const Column& column, std::span<const std::uint8_t> stored) const {
@@ -123,11 +121,11 @@ Value Row::Decode(const Column& column, std::span<const std::uint8_t> stored) co
         case ColumnType::Text:
             return text(at, stored.size());
         case ColumnType::Memo: {
-            const std::string data = ReadLongValue(*file_, id_.page, stored);
-            return text(reinterpret_cast<const std::uint8_t*>(data.data()), data.size());
+            const LongValue value = Long(column, stored);
+            return text(reinterpret_cast<const std::uint8_t*>(value.data.data()), value.data.size());
         }
         case ColumnType::Ole:
-            return Binary{ReadLongValue(*file_, id_.page, stored)};
+            return Binary{Long(column, stored).data};
         default:
             return AsBinary(stored);
     }
@@ -139,12 +137,16 @@ std::vector<Value> Row::All() const {
     return values;
 }
 
-bool Row::HasDistantValues() const {
-    for (const Column& column : definition_->columns) {
-        if (!column.IsLongValue() || column.IsFixed() || !IsPresent(column)) continue;
-        if (HasVariable(column) && !IsInlineValue(Stored(column))) return true;
-    }
-    return false;
+LongValue Row::Long(const Column& column, std::span<const std::uint8_t> stored) const {
+    LongValue value;
+    if (const Text why = ReadLongValue(*file_, stored, value); !why.empty()) Damaged(column, why);
+    return value;
+}
+
+std::vector<Pointer> Row::LongRecords(std::size_t position) const {
+    const Column& column = definition_->columns[position];
+    const auto stored = Stored(position);
+    return column.IsLongValue() && stored ? Long(column, *stored).records : std::vector<Pointer>();
 }
 
 }  // namespace tav::jet

@@ -13,12 +13,13 @@
 // A row is read from its end. It has at most 4060 bytes.
 #pragma once
 
+#include <optional>
 #include <span>
-#include <string>
 #include <vector>
 
 #include "common/value.h"
 #include "jet/schema/table_definition.h"
+#include "jet/table/long_value.h"
 
 namespace tav::jet {
 
@@ -36,8 +37,10 @@ class Row {
     // numeric column the nearest double, an OLE column its bytes.
     Value Get(std::size_t column) const;
     std::vector<Value> All() const;
-    // Whether a memo or OLE value lies outside the row.
-    bool HasDistantValues() const;
+    // The bytes that a column's value has in the row; nothing for Null and for a boolean.
+    std::optional<std::span<const std::uint8_t>> Stored(std::size_t column) const;
+    // The records of a memo or OLE value that lies outside the row.
+    std::vector<Pointer> LongRecords(std::size_t column) const;
 
  private:
     PageFile* file_ = nullptr;
@@ -51,7 +54,8 @@ class Row {
 
     bool IsPresent(const Column& column) const;
     bool HasVariable(const Column& column) const;
-    std::span<const std::uint8_t> Stored(const Column& column) const;
+    std::span<const std::uint8_t> StoredOf(const Column& column) const;
+    LongValue Long(const Column& column, std::span<const std::uint8_t> stored) const;
     Value Decode(const Column& column, std::span<const std::uint8_t> stored) const;
     [[noreturn]] void Damaged(const Column& column, TextView reason) const;
 };

@@ -6,6 +6,7 @@
 
 #include "common/failure.h"
 #include "jet/table/long_value.h"
+#include "jet/table/numeric.h"
 #include "jet/table/row.h"
 #include "jet/table/text_compression.h"
 
@@ -80,107 +81,168 @@ void AppendBinary(std::string& out, const Column& column, const std::string& byt
     out += bytes;
 }
 
-void AppendLongValue(std::string& out, const Column& column, const Value& value) {
-    std::string data;
-    if (column.type == ColumnType::Ole) {
-        data = As<Binary>(column, value).bytes;
-    } else if (!AppendText(data, As<Text>(column, value), true)) {
-        RefuseText(column);
-    }
-    if (data.size() > kLongestInlineValue) {
-        throw Failure(Text(u"The value of column '")
-                          .append(column.name)
-                          .append(u"' is too long to be stored with its row, which is not supported."));
-    }
-    AppendInlineValue(out, data);
-}
-
-// The stored bytes of a value that is not Null.
-void AppendStored(std::string& out, const Column& column, const Value& value) {
-    switch (column.type) {
-        case ColumnType::Byte:
-            return AppendInteger<std::uint8_t>(out, column, value);
-        case ColumnType::Integer:
-            return AppendInteger<std::int16_t>(out, column, value);
-        case ColumnType::Long:
-            return AppendInteger<std::int32_t>(out, column, value);
-        case ColumnType::Currency:
-            return AppendNumber(out, static_cast<std::uint64_t>(As<Money>(column, value).ten_thousandths), 8);
-        case ColumnType::Single:
-            return AppendSingle(out, column, As<double>(column, value));
-        case ColumnType::Double:
-            return AppendDouble(out, column, As<double>(column, value));
-        case ColumnType::Date:
-            return AppendDate(out, column, As<Date>(column, value));
-        case ColumnType::Text:
-            return AppendTextValue(out, column, As<Text>(column, value));
-        case ColumnType::Binary:
-        case ColumnType::Guid:
-            return AppendBinary(out, column, As<Binary>(column, value).bytes);
-        case ColumnType::Memo:
-        case ColumnType::Ole:
-            return AppendLongValue(out, column, value);
-        default:
-            throw Failure(Text(u"Values of column '")
-                              .append(column.name)
-                              .append(u"' cannot be written: its type is not supported."));
-    }
-}
-
 std::uint16_t Offset(const std::string& out) {
     return static_cast<std::uint16_t>(std::min<std::size_t>(out.size(), 0xFFFF));
 }
 
-void AppendFixedArea(const TableDefinition& definition, std::span<const Value> values, std::string& out) {
-    out.append(definition.fixed_size, '\0');
-    std::string stored;
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        const Column& column = definition.columns[i];
-        if (!column.IsFixed() || column.type == ColumnType::Boolean || IsNull(values[i])) continue;
-        stored.clear();
-        AppendStored(stored, column, values[i]);
-        out.replace(2 + std::size_t{column.fixed_offset}, stored.size(), stored);
-    }
-}
+class RowEncoder {
+ public:
+    // Longer data than `inline_limit` goes outside the row.
+    RowEncoder(const TableDefinition& table, std::span<const Value> values, const OldRow& old,
+               EncodedRow& row, std::size_t inline_limit)
+        : table_(table),
+          values_(values),
+          old_(old),
+          row_(row),
+          out_(row.bytes),
+          inline_limit_(inline_limit) {}
 
-void AppendVariableValues(const TableDefinition& definition, std::span<const Value> values,
-                          std::string& out) {
-    std::vector<std::uint16_t> starts;
-    starts.reserve(definition.variable_columns);
-    for (const std::size_t position : definition.variable_order) {
-        starts.push_back(Offset(out));
-        if (position == definition.columns.size() || IsNull(values[position])) continue;
-        AppendStored(out, definition.columns[position], values[position]);
+    void Encode() {
+        out_.clear();
+        row_.distant.clear();
+        AppendNumber(out_, table_.column_capacity, 2);
+        FixedArea();
+        if (table_.variable_columns > 0) VariableValues();
+        NullMask();
     }
-    AppendNumber(out, Offset(out), 2);
-    for (auto start = starts.rbegin(); start != starts.rend(); ++start) AppendNumber(out, *start, 2);
-    AppendNumber(out, starts.size(), 2);
-}
 
-void AppendNullMask(const TableDefinition& definition, std::span<const Value> values, std::string& out) {
-    const std::size_t mask = out.size();
-    out.append((definition.column_capacity + 7u) / 8, '\0');
+ private:
+    void FixedArea() {
+        out_.append(table_.fixed_size, '\0');
+        std::string stored;
+        for (std::size_t i = 0; i < values_.size(); ++i) {
+            const Column& column = table_.columns[i];
+            if (!column.IsFixed() || column.type == ColumnType::Boolean || IsNull(values_[i])) continue;
+            stored.clear();
+            AppendStored(stored, i);
+            out_.replace(2 + std::size_t{column.fixed_offset}, stored.size(), stored);
+        }
+    }
+
+    void VariableValues() {
+        std::vector<std::uint16_t> starts;
+        starts.reserve(table_.variable_columns);
+        for (const std::size_t position : table_.variable_order) {
+            starts.push_back(Offset(out_));
+            if (position == table_.columns.size() || IsNull(values_[position])) continue;
+            AppendStored(out_, position);
+        }
+        AppendNumber(out_, Offset(out_), 2);
+        for (auto start = starts.rbegin(); start != starts.rend(); ++start) AppendNumber(out_, *start, 2);
+        AppendNumber(out_, starts.size(), 2);
+    }
+
+    void NullMask() {
+        const std::size_t mask = out_.size();
+        out_.append((table_.column_capacity + 7u) / 8, '\0');
+        for (std::size_t i = 0; i < values_.size(); ++i) {
+            const Column& column = table_.columns[i];
+            const bool boolean = column.type == ColumnType::Boolean;
+            if (IsNull(values_[i]) || (boolean && !As<bool>(column, values_[i]))) continue;
+            char& byte = out_[mask + column.number / 8];
+            byte = static_cast<char>(byte | 1 << column.number % 8);
+        }
+    }
+
+    // The stored bytes of a value that is not Null.
+    void AppendStored(std::string& out, std::size_t position) {
+        const Column& column = table_.columns[position];
+        const Value& value = values_[position];
+        if (Keep(out, position)) return;
+        switch (column.type) {
+            case ColumnType::Byte:
+                return AppendInteger<std::uint8_t>(out, column, value);
+            case ColumnType::Integer:
+                return AppendInteger<std::int16_t>(out, column, value);
+            case ColumnType::Long:
+                return AppendInteger<std::int32_t>(out, column, value);
+            case ColumnType::Currency:
+                return AppendNumber(out, static_cast<std::uint64_t>(As<Money>(column, value).ten_thousandths),
+                                    8);
+            case ColumnType::Single:
+                return AppendSingle(out, column, As<double>(column, value));
+            case ColumnType::Double:
+                return AppendDouble(out, column, As<double>(column, value));
+            case ColumnType::Date:
+                return AppendDate(out, column, As<Date>(column, value));
+            case ColumnType::Text:
+                return AppendTextValue(out, column, As<Text>(column, value));
+            case ColumnType::Binary:
+            case ColumnType::Guid:
+                return AppendBinary(out, column, As<Binary>(column, value).bytes);
+            case ColumnType::Memo:
+            case ColumnType::Ole:
+                return LongValueOf(position);
+            case ColumnType::Numeric:
+                return AppendNumeric(out, table_, column, value);
+            default:
+                throw Failure(Text(u"Values of column '")
+                                  .append(column.name)
+                                  .append(u"' cannot be written: its type is not supported."));
+        }
+    }
+
+    bool Keep(std::string& out, std::size_t position) const {
+        if (!old_.Keeps(position, values_[position])) return false;
+        const auto stored = old_.row->Stored(position);
+        const bool moves_out = stored && table_.columns[position].IsLongValue() && inline_limit_ == 0 &&
+                               old_.row->LongRecords(position).empty();
+        if (!stored || moves_out) return false;
+        out.append(reinterpret_cast<const char*>(stored->data()), stored->size());
+        return true;
+    }
+
+    void LongValueOf(std::size_t position) {
+        const Column& column = table_.columns[position];
+        std::string data;
+        if (column.type == ColumnType::Ole) {
+            data = As<Binary>(column, values_[position]).bytes;
+        } else if (!AppendText(data, As<Text>(column, values_[position]), true)) {
+            RefuseText(column);
+        }
+        if (data.size() <= inline_limit_) return AppendInlineValue(out_, data);
+        if (data.size() > kLongestValue) throw Failure(kFieldTooSmall).In(column.name);
+        row_.distant.push_back({position, out_.size(), std::move(data)});
+        out_.append(kLongValueHead, '\0');
+    }
+
+    const TableDefinition& table_;
+    std::span<const Value> values_;
+    const OldRow& old_;
+    EncodedRow& row_;
+    std::string& out_;
+    std::size_t inline_limit_;
+};
+
+void RefuseNulls(const TableDefinition& table, std::span<const Value> values) {
     for (std::size_t i = 0; i < values.size(); ++i) {
-        const Column& column = definition.columns[i];
-        const bool boolean = column.type == ColumnType::Boolean;
-        if (IsNull(values[i]) || (boolean && !As<bool>(column, values[i]))) continue;
-        char& byte = out[mask + column.number / 8];
-        byte = static_cast<char>(byte | 1 << column.number % 8);
+        const Column& column = table.columns[i];
+        if (!column.required || column.type == ColumnType::Boolean || !IsNull(values[i])) continue;
+        throw Failure(
+            Text(u"The field '")
+                .append(table.name)
+                .append(u".")
+                .append(column.name)
+                .append(u"' cannot contain a Null value because the Required property for this field "
+                        u"is set to True. Enter a value in this field."));
     }
 }
 
 }  // namespace
 
-void EncodeRow(const TableDefinition& definition, std::span<const Value> values, std::string& out) {
-    out.clear();
+void EncodeRow(const TableDefinition& definition, std::span<const Value> values, EncodedRow& out,
+               const OldRow& old) {
     if (values.size() != definition.columns.size()) {
         throw Failure(u"Number of query values and destination fields are not the same.");
     }
-    AppendNumber(out, definition.column_capacity, 2);
-    AppendFixedArea(definition, values, out);
-    if (definition.variable_columns > 0) AppendVariableValues(definition, values, out);
-    AppendNullMask(definition, values, out);
-    if (out.size() > kLongestRow) throw Failure(u"Record is too large.").In(definition.name);
+    RefuseNulls(definition, values);
+    // Many long values that would each go into the row may be too much for it together.
+    for (const std::size_t inline_limit : {kLongestInlineValue, std::size_t{0}}) {
+        RowEncoder(definition, values, old, out, inline_limit).Encode();
+        if (out.bytes.size() <= kLongestRow) return;
+        if (definition.long_values.empty()) break;
+    }
+    throw Failure(u"Record is too large.").In(definition.name);
 }
 
 }  // namespace tav::jet

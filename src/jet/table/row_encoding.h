@@ -3,18 +3,45 @@
 
 #include <span>
 #include <string>
+#include <vector>
 
 #include "common/value.h"
 #include "jet/schema/table_definition.h"
 
 namespace tav::jet {
 
-inline constexpr TextView kFieldTooSmall =
-    u"The field is too small to accept the amount of data you attempted to add. Try inserting or pasting less data.";
+class Row;
 
-// The bytes of a row with these values (in the order of definition.columns), put into `out`. What a column
-// cannot hold is a Failure with the database engine's usual words: texts that are too long, numbers out of
-// range, kinds that were not converted, records that are too long.
-void EncodeRow(const TableDefinition& definition, std::span<const Value> values, std::string& out);
+inline constexpr TextView kFieldTooSmall =
+    u"The field is too small to accept the amount of data you attempted to add. Try inserting or pasting less "
+    u"data.";
+
+// A row's bytes. Long values that do not go into it have heads of zeros there: they are still to be written.
+struct EncodedRow {
+    struct Distant {
+        std::size_t column = 0;   // position in definition.columns
+        std::size_t head_at = 0;  // offset in `bytes`
+        std::string data;
+    };
+    std::string bytes;
+    std::vector<Distant> distant;
+};
+
+// The row that is replaced. Values that stay equal keep their stored bytes: those of a long value outside the
+// row, those of a Decimal that no number of this program holds.
+struct OldRow {
+    const Row* row = nullptr;
+    std::span<const Value> values;
+
+    bool Keeps(std::size_t column, const Value& value) const {
+        return row != nullptr && values[column] == value;
+    }
+};
+
+// Encodes values (in the order of definition.columns) into `out`. What a column cannot hold is a Failure with
+// the database engine's usual words: a Null in a required column, texts that are too long, numbers out of range,
+// kinds that were not converted, records that are too long.
+void EncodeRow(const TableDefinition& definition, std::span<const Value> values, EncodedRow& out,
+               const OldRow& old = {});
 
 }  // namespace tav::jet

@@ -41,7 +41,7 @@ RowPlace Table::FindPlace(RowId id) const {
     if (place.record.flags == 0) return place;
     if (place.record.size < 4) file_->Damaged(id.page, u"a moved row does not say where it is");
     place.body = Pointer::FromWord(U32(file_->Read(id.page).data() + place.record.begin));
-    if (!space_.Owns(place.body.page)) file_->Damaged(id.page, u"a moved row lies outside its table");
+    if (!space_.pages().Owns(place.body.page)) file_->Damaged(id.page, u"a moved row lies outside its table");
     place.record = record_at(place.body);
     if (place.record.flags != kSlotBody) {
         file_->Damaged(id.page, u"a moved row is not where its pointer says");
@@ -56,7 +56,7 @@ Row Table::RowAt(const RowPlace& place) const {
 }
 
 RowPlace Table::FindOwnPlace(RowId id) const {
-    if (!space_.Owns(id.page)) {
+    if (!space_.pages().Owns(id.page)) {
         file_->Damaged(id.page, Text(u"table '").append(definition_.name).append(u"' has no rows there"));
     }
     return FindPlace(id);
@@ -70,7 +70,7 @@ Table::Scan Table::Rows() {
     Scan scan;
     scan.table_ = this;
     scan.pages_ = UsageMap(*file_, definition_.owned_map).Pages();
-    scan.releases_ = space_.releases();
+    scan.releases_ = space_.pages().releases();
     scan.Next();
     return scan;
 }
@@ -83,7 +83,7 @@ void Table::Scan::Next() {
     for (; page_ < pages_.size(); ++page_, slot_ = -1) {
         const PageNumber number = pages_[page_];
         // Emptied pages go back to the file and may be something else by now.
-        if (releases_ != table_->space_.releases() && !table_->space_.Owns(number)) continue;
+        if (releases_ != table_->space_.pages().releases() && !table_->space_.pages().Owns(number)) continue;
         const Page& page = ReadDataPage(*table_->file_, number, table_->definition_.page);
         for (++slot_; slot_ < static_cast<int>(SlotCount(page)); ++slot_) {
             const Record record = RecordAt(*table_->file_, number, page, static_cast<unsigned>(slot_));
@@ -93,7 +93,7 @@ void Table::Scan::Next() {
     at_end_ = true;
 }
 
-void Table::RefuseReadOnly() {
+void Table::RequireChangeable() {
     if (!why_read_only_) why_read_only_ = jet::WhyReadOnly(definition_);
     if (!why_read_only_->empty()) throw DatabaseFailure(*why_read_only_);
 }
@@ -117,7 +117,7 @@ void Table::CountRows(int difference) {
 }
 
 RowId Table::Insert(std::span<const Value> given) {
-    RefuseReadOnly();
+    RequireChangeable();
     std::vector<Value> filled;
     std::span<const Value> values = given;
     if (autonumber_ && *autonumber_ < given.size() && IsNull(given[*autonumber_])) {
@@ -125,11 +125,13 @@ RowId Table::Insert(std::span<const Value> given) {
         filled[*autonumber_] = NextAutonumber();
         values = filled;
     }
-    EncodeRow(definition_, values, row_bytes_);
+    EncodeRow(definition_, values, row_);
     KeyChanges keys(definition_, {}, values);
     keys.Check(*file_, values);
+    CheckLongValues();
 
-    const RowId id = space_.Add(row_bytes_);
+    WriteLongValues();
+    const RowId id = space_.Add(row_.bytes);
     keys.Apply(*file_, id);
     CountRows(1);
     NoteAutonumber(values);
@@ -137,40 +139,96 @@ RowId Table::Insert(std::span<const Value> given) {
 }
 
 void Table::Update(RowId id, std::span<const Value> values) {
-    RefuseReadOnly();
+    RequireChangeable();
     const RowPlace place = FindOwnPlace(id);
-    const std::vector<Value> old_values = ChangeableRow(place);
+    const Row row = RowAt(place);
+    const std::vector<Value> old_values = row.All();
     if (autonumber_ && IsNull(values[*autonumber_]) && !IsNull(old_values[*autonumber_])) {
         throw Failure(kNullAutonumber).In(definition_.columns[*autonumber_].name);
     }
-    EncodeRow(definition_, values, row_bytes_);
+    const OldRow old{&row, old_values};
+    EncodeRow(definition_, values, row_, old);
     KeyChanges keys(definition_, old_values, values);
     keys.Check(*file_, values);
+    CheckLongValues();
+    const std::vector<LongRecord> dropped =
+        LongRecords(row, [&](std::size_t column) { return !old.Keeps(column, values[column]); });
 
-    space_.Replace(place, row_bytes_);
+    WriteLongValues();
+    space_.Replace(place, row_.bytes);
     keys.Apply(*file_, id);
+    Drop(dropped);
     NoteAutonumber(values);
 }
 
 void Table::Delete(RowId id) {
-    RefuseReadOnly();
+    RequireChangeable();
     const RowPlace place = FindOwnPlace(id);
-    const KeyChanges keys(definition_, ChangeableRow(place), {});
+    const Row row = RowAt(place);
+    const KeyChanges keys(definition_, row.All(), {});
+    const std::vector<LongRecord> dropped = LongRecords(row, [](std::size_t) { return true; });
 
     keys.Apply(*file_, id);
     space_.Remove(place);
+    Drop(dropped);
     CountRows(-1);
 }
 
-// The values of a row that may be changed. Long values with records of their own would be left behind.
-std::vector<Value> Table::ChangeableRow(const RowPlace& place) {
-    const Row row = RowAt(place);
-    if (row.HasDistantValues()) {
+// The pages of a column's long values.
+RecordSpace& Table::LongSpace(std::size_t column) {
+    const std::uint16_t number = definition_.columns[column].number;
+    const auto known = long_spaces_.find(number);
+    if (known != long_spaces_.end()) return known->second;
+    const auto maps = std::ranges::find(definition_.long_values, number, &LongValueMaps::column_number);
+    if (maps == definition_.long_values.end() || maps->owned.page == 0) {
         throw Failure(Text(u"Cannot update table '")
                           .append(definition_.name)
-                          .append(u"': the row has a long memo or OLE value, which is not supported."));
+                          .append(u"': column '")
+                          .append(definition_.columns[column].name)
+                          .append(u"' has no pages for long values."));
     }
-    return row.All();
+    return long_spaces_
+        .emplace(number,
+                 RecordSpace(*file_, kLongValueOwner, maps->owned, maps->free, RecordSpace::Order::Any))
+        .first->second;
+}
+
+void Table::CheckLongValues() {
+    for (const EncodedRow::Distant& value : row_.distant) LongSpace(value.column);
+}
+
+// Puts the heads of what is written into the row's bytes.
+void Table::WriteLongValues() {
+    for (const EncodedRow::Distant& value : row_.distant) {
+        const std::string head = WriteLongValue(*file_, LongSpace(value.column), value.data);
+        row_.bytes.replace(value.head_at, head.size(), head);
+    }
+}
+
+// The records outside the row of those of its columns, each checked to be the column's.
+template <class Wanted>
+std::vector<Table::LongRecord> Table::LongRecords(const Row& row, Wanted wanted) {
+    std::vector<LongRecord> records;
+    for (const LongValueMaps& maps : definition_.long_values) {
+        const auto column = std::ranges::find(definition_.columns, maps.column_number, &Column::number);
+        const auto position = static_cast<std::size_t>(column - definition_.columns.begin());
+        if (column == definition_.columns.end() || !wanted(position)) continue;
+        for (const Pointer record : row.LongRecords(position)) {
+            if (!LongSpace(position).Owns(record.page)) {
+                file_->Damaged(record.page, Text(u"it has no long values of column '")
+                                                .append(column->name)
+                                                .append(u"' of table '")
+                                                .append(definition_.name)
+                                                .append(u"'"));
+            }
+            records.push_back({position, record});
+        }
+    }
+    return records;
+}
+
+void Table::Drop(std::span<const LongRecord> records) {
+    for (const LongRecord& record : records) LongSpace(record.column).Drop(record.at);
 }
 
 }  // namespace tav::jet

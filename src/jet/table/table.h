@@ -1,15 +1,16 @@
 // The rows of one table.
 #pragma once
 
+#include <map>
 #include <optional>
 #include <span>
-#include <string>
 #include <vector>
 
 #include "common/value.h"
 #include "jet/index/index_tree.h"
 #include "jet/schema/table_definition.h"
 #include "jet/table/row.h"
+#include "jet/table/row_encoding.h"
 #include "jet/table/table_space.h"
 
 namespace tav::jet {
@@ -52,7 +53,10 @@ class Table {
     // The row of that id; a Failure when there is none.
     Row Find(RowId id);
 
-    // Values in the order of definition().columns, already of the columns' kinds (see ConvertForColumn). A
+    // A Failure that names table and column when rows cannot be changed safely (read_only.h).
+    void RequireChangeable();
+
+    // Values in the order of definition().columns, already of the columns' kinds (column_conversion.h). A
     // Null for an autonumber column becomes the next number. All rules (length, range, Null, uniqueness, keys
     // that can be made) are checked before the first byte changes; a failure carries the database engine's
     // usual message. What fails later (a full database, damage that is met on the way) is taken back with the
@@ -65,17 +69,27 @@ class Table {
     PageFile* file_;
     TableDefinition definition_;
     TableSpace space_;
-    std::optional<std::size_t> autonumber_;  // the column, if there is one
-    std::optional<Text> why_read_only_;      // once it was asked for
-    std::string row_bytes_;                  // of the row being written
+    std::optional<std::size_t> autonumber_;             // the column, if there is one
+    std::optional<Text> why_read_only_;                 // once it was asked for
+    std::map<std::uint16_t, RecordSpace> long_spaces_;  // by column number
+    EncodedRow row_;                                    // the one being written
 
     RowPlace FindPlace(RowId id) const;
     // The same for a row that is to be changed; its page must be the table's.
     RowPlace FindOwnPlace(RowId id) const;
     Row RowAt(const RowPlace& place) const;
-    std::vector<Value> ChangeableRow(const RowPlace& place);
 
-    void RefuseReadOnly();
+    struct LongRecord {
+        std::size_t column = 0;
+        Pointer at;
+    };
+    RecordSpace& LongSpace(std::size_t column);
+    void CheckLongValues();
+    void WriteLongValues();
+    template <class Wanted>
+    std::vector<LongRecord> LongRecords(const Row& row, Wanted wanted);
+    void Drop(std::span<const LongRecord> records);
+
     Value NextAutonumber();
     void NoteAutonumber(std::span<const Value> values);
     void CountRows(int difference);

@@ -286,10 +286,10 @@ TEST(Changing, RowsAreEncodedAsTheyWere) {
             const RowId id = scan.row().id();
             const Page& page = ReadDataPage(database.file(), id.page, owner);
             const Record record = RecordAt(database.file(), id.page, page, id.slot);
-            std::string bytes;
-            EncodeRow(table.definition(), scan.row().All(), bytes);
+            EncodedRow encoded;
+            EncodeRow(table.definition(), scan.row().All(), encoded);
             ASSERT_EQ(record.flags, 0);
-            ASSERT_EQ(bytes,
+            ASSERT_EQ(encoded.bytes,
                       std::string(page.begin() + record.begin, page.begin() + record.begin + record.size))
                 << name << " row " << id.page << ":" << static_cast<int>(id.slot);
         }
@@ -297,7 +297,7 @@ TEST(Changing, RowsAreEncodedAsTheyWere) {
     EXPECT_EQ(compared, 77 + 8 + 512);
 }
 
-TEST(Changing, RelatedTablesAndDistantValuesAreRefused) {
+TEST(Changing, RelatedTablesAreRefused) {
     TAV_NEEDS_SAMPLES();
     TempFolder folder;
     Database related(CopySample(folder, "TestData.mdb"), Database::Access::Write);
@@ -306,11 +306,7 @@ TEST(Changing, RelatedTablesAndDistantValuesAreRefused) {
         const Values values = table.Rows().row().All();
         EXPECT_THAT(FailureOf([&] { table.Insert(values); }), testing::HasSubstr("relationship"));
     }
-    Database wide(CopySample(folder, "test2V2000.mdb"), Database::Access::Write);
-    Table& table = *wide.FindTable(u"MSP_PROJECTS");
-    const Row row = table.Rows().row();
-    EXPECT_THAT(FailureOf([&] { table.Delete(row.id()); }), testing::HasSubstr("long memo or OLE value"));
-    EXPECT_FALSE(related.file().HasChanges() || wide.file().HasChanges());
+    EXPECT_FALSE(related.file().HasChanges());
 }
 
 }  // namespace
