@@ -13,8 +13,7 @@ const Value& FieldOf(const ResultTable* table, std::size_t row, std::size_t ordi
     if (row >= table->rows.size()) {
         throw Failure(
             u"Either BOF or EOF is True, or the current record has been deleted. Requested operation "
-            u"requires "
-            u"a current record.");
+            u"requires a current record.");
     }
     return table->rows[row][ordinal];
 }

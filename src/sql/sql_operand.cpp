@@ -117,7 +117,7 @@ Operands::Meaning Operands::Resolve(const Scope& scope, TextView qualifier, Text
     return {};
 }
 
-// The token behind the ")" of a "(".
+// The token after the ")" of a "(".
 std::size_t Operands::Closed(std::size_t open) const {
     std::size_t depth = 0;
     for (std::size_t i = open; i < statement_.tokens().size(); ++i) {
@@ -143,7 +143,7 @@ TokenRange Operands::TermBefore(std::size_t end) const {
     return {begin, end};
 }
 
-TokenRange Operands::TermBehind(std::size_t begin) const {
+TokenRange Operands::TermAfter(std::size_t begin) const {
     if (At(begin).Is(u"(")) return {begin, Closed(begin)};
     if (!IsTerm(At(begin))) return {begin, begin};
     const std::size_t end =
@@ -157,11 +157,11 @@ TokenRange Operands::SumBefore(std::size_t end) const {
     return {begin, end};
 }
 
-TokenRange Operands::SumBehind(std::size_t begin) const {
+TokenRange Operands::SumAfter(std::size_t begin) const {
     std::size_t end = begin;
     do {
         while (IsArithmetic(At(end))) ++end;
-        end = TermBehind(end).end;
+        end = TermAfter(end).end;
     } while (IsArithmetic(At(end)));
     return {begin, end};
 }
@@ -198,7 +198,7 @@ Operand Operands::OperandOf(TokenRange expression) const {
     if (At(begin).Is(u"distinct")) ++begin;
     if (begin >= end) return {Kind::Null, nullptr};
     if (At(begin).Is(u"select")) return OperandOf(statement_.ScopeOf(begin).columns.front().expression);
-    if (end - begin > 1 && TermBehind(begin).end != end) return {Kind::Number, nullptr};  // of operators
+    if (end - begin > 1 && TermAfter(begin).end != end) return {Kind::Number, nullptr};  // of operators
     if (!IsName(At(begin))) return OperandOfWord(At(begin));
     if (At(begin + 1).Is(u"(") && end - begin > 2) return ResultOf(expression);
     const TextView qualifier = end - begin == 3 ? At(begin).text : TextView();

@@ -21,10 +21,10 @@ class Operands {
     // One name, literal, call or parenthesis that ends before, or begins at, a token; empty when there is
     // none.
     TokenRange TermBefore(std::size_t end) const;
-    TokenRange TermBehind(std::size_t begin) const;
+    TokenRange TermAfter(std::size_t begin) const;
     // The same with the terms it is added to, multiplied with and so on.
     TokenRange SumBefore(std::size_t end) const;
-    TokenRange SumBehind(std::size_t begin) const;
+    TokenRange SumAfter(std::size_t begin) const;
 
     Operand OperandOf(TokenRange expression) const;
 

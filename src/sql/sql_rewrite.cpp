@@ -159,7 +159,7 @@ class Rewriter {
         if (known == kFunctions.end()) {
             throw Failure(Text(u"Undefined function '").append(token.text).append(u"' in expression."));
         }
-        const TokenRange call = operands_.TermBehind(i);
+        const TokenRange call = operands_.TermAfter(i);
         const bool reads_texts =
             known->takes_amount && operands_.OperandOf({i + 2, call.end - 1}).kind != Kind::Number;
         out_.sql += ToUtf8(known->name) + (reads_texts ? "(number(" : "(");
@@ -191,7 +191,7 @@ class Rewriter {
     void CheckArithmetic(std::size_t i) const {
         const TokenRange before = operands_.TermBefore(i);
         if (At(i).Is(u"*") && before.begin == before.end) return;  // all columns
-        for (const TokenRange& term : {before, operands_.TermBehind(i + 1)}) {
+        for (const TokenRange& term : {before, operands_.TermAfter(i + 1)}) {
             const Operand operand = operands_.OperandOf(term);
             const bool refused =
                 operand.kind == Kind::Text || operand.kind == Kind::Date || operand.kind == Kind::Other;
@@ -233,7 +233,7 @@ class Rewriter {
         if (token.HasValues()) {
             const SqlText::Span& last = sql_.values()[token.end_value - 1];
             parameter.before = sql_.values()[token.first_value].begin - token.begin;
-            parameter.behind = token.begin + token.text.size() - (last.begin + last.length);
+            parameter.after = token.begin + token.text.size() - (last.begin + last.length);
         } else {
             parameter.constant = LiteralValue(token.kind, token.text);
             if (parameter.column != nullptr) {
@@ -261,8 +261,7 @@ class Rewriter {
             ++parentheses;
         }
         const bool alone = !IsArithmetic(At(literal.begin - 1)) && !IsArithmetic(At(literal.end));
-        if (!alone)
-            literal = {operands_.SumBefore(literal.end).begin, operands_.SumBehind(literal.begin).end};
+        if (!alone) literal = {operands_.SumBefore(literal.end).begin, operands_.SumAfter(literal.begin).end};
         const Comparison comparison = ComparisonOf(literal, parentheses);
         if (comparison.with.begin == comparison.with.end) return nullptr;
         const Operand operand = operands_.OperandOf(comparison.with);
@@ -272,9 +271,22 @@ class Rewriter {
             throw Failure(u"No value given for one or more required parameters.").In(At(name).text);
         }
         if (!Comparable(At(i).kind, operand, alone, comparison.ordered)) {
-            throw Failure(RunTimeError::DataTypeMismatch, At(i).text);
+            const bool names = alone && operand.kind == Kind::Text;
+            throw Failure(RunTimeError::DataTypeMismatch,
+                          Text(At(i).text).append(names ? NameOf(operand.column) : Text()));
         }
         return alone ? operand.column : nullptr;
+    }
+
+    // " (table.column)" of a column of one of the statement's tables.
+    Text NameOf(const Column* column) const {
+        for (std::size_t i = 0; i < tokens_.size() && column != nullptr; ++i) {
+            const TableDefinition* table = statement_.TableAt(i);
+            const auto same = [&](const Column& other) { return &other == column; };
+            if (table == nullptr || std::ranges::none_of(table->columns, same)) continue;
+            return Text(u" (").append(table->name).append(u".").append(column->name).append(u")");
+        }
+        return {};
     }
 
     // A column makes a literal alone its kind. A number and a text have no order.
@@ -314,18 +326,18 @@ class Rewriter {
             const std::size_t in = (open_.rbegin() + static_cast<std::ptrdiff_t>(parentheses))->at - 1;
             if (At(in).Is(u"in")) return {operands_.SumBefore(StepOverNot(in)), false};
         }
-        const std::size_t behind = At(literal.end).Is(u"not") ? literal.end + 1 : literal.end;
-        if (IsComparison(At(behind)) || At(behind).Is(u"between")) {
-            return {operands_.SumBehind(behind + 1), !IsComparison(At(behind)) || IsOrder(At(behind))};
+        const std::size_t after = At(literal.end).Is(u"not") ? literal.end + 1 : literal.end;
+        if (IsComparison(At(after)) || At(after).Is(u"between")) {
+            return {operands_.SumAfter(after + 1), !IsComparison(At(after)) || IsOrder(At(after))};
         }
-        if (At(behind).Is(u"in")) {
-            const bool select = At(behind + 2).Is(u"select");
-            return {select ? operands_.TermBehind(behind + 1) : operands_.SumBehind(behind + 2), false};
+        if (At(after).Is(u"in")) {
+            const bool select = At(after + 2).Is(u"select");
+            return {select ? operands_.TermAfter(after + 1) : operands_.SumAfter(after + 2), false};
         }
         return {};
     }
 
-    // column = ... behind "set"
+    // column = ... after "set"
     bool IsAssignment(std::size_t equals) const {
         if (out_.kind != StatementKind::Update || !open_.empty()) return false;
         const Token& before = At(operands_.TermBefore(equals).begin - 1);
@@ -350,7 +362,7 @@ class Rewriter {
 TextView Parameter::Where(const SqlText& sql) const {
     const SqlText::Span& last = sql.values()[end_value - 1];
     const std::size_t begin = sql.values()[first_value].begin - before;
-    return TextView(sql.text()).substr(begin, last.begin + last.length + behind - begin);
+    return TextView(sql.text()).substr(begin, last.begin + last.length + after - begin);
 }
 
 std::optional<TextView> Parameter::WholeValue(const SqlText& sql) const {

@@ -24,14 +24,14 @@
 namespace tav::jet {
 
 // One literal. It is constant, or some of its characters are values of the SqlText: then it is the text from
-// `before` characters ahead of the first of them to `behind` characters after the last.
+// `before` characters ahead of the first of them to `after` characters after the last.
 struct Parameter {
     TokenKind kind = TokenKind::String;
     const Column* column = nullptr;  // what it is compared with
     std::size_t first_value = 0;
     std::size_t end_value = 0;
     std::size_t before = 0;
-    std::size_t behind = 0;
+    std::size_t after = 0;
     Value constant;
 
     bool IsConstant() const { return first_value == end_value; }

@@ -2,7 +2,7 @@
 //
 // A statement is read into scopes, one for each select in it: its result columns, the tables and selects in
 // its from clause, its order by clause. Grammar is not checked here (SQLite does that): what is read is as
-// much as is needed to find the column behind a name.
+// much as is needed to find the column that a name means.
 #pragma once
 
 #include <functional>
@@ -50,7 +50,7 @@ struct Scope {
     bool distinct = false;
     std::vector<ResultColumn> columns;
     std::vector<Source> sources;
-    TokenRange order;  // behind "order by"
+    TokenRange order;  // after "order by"
 };
 
 enum class StatementKind { Select, Insert, Update, Delete };

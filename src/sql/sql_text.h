@@ -31,7 +31,7 @@ class SqlText {
         text_ += text;
         return *this;
     }
-    // A value that stands between the apostrophes before and behind it.
+    // A value that stands between the apostrophes before and after it.
     SqlText& Value(TextView value) {
         values_.push_back({text_.size(), value.size(), true});
         text_ += value;
@@ -44,7 +44,7 @@ class SqlText {
         text_ += digits;
         return *this;
     }
-    // Another text with its values, behind this one.
+    // Another text with its values, after this one.
     SqlText& Append(const SqlText& other) {
         for (Span span : other.values_) {
             span.begin += text_.size();

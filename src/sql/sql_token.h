@@ -17,8 +17,8 @@ enum class TokenKind { Word, Name, Number, String, Date, Symbol };
 
 struct Token {
     TokenKind kind = TokenKind::Symbol;
-    TextView
-        text;  // as it stands; of a Name without its brackets, of a literal with its apostrophes or "#" signs
+    // As it stands; of a Name without its brackets, of a literal with its apostrophes or "#" signs.
+    TextView text;
     std::size_t begin = 0;  // where it stands in the statement
     // Values of the SqlText that stand in this token: [first_value, end_value).
     std::size_t first_value = 0;

@@ -1,7 +1,7 @@
 // Values on their way into SQLite and back.
 //
 // SQLite has no date: a date travels as a blob of 8 bytes that sorts as the dates do, so that min, max,
-// distinct, order by and subqueries keep it one. Other bytes travel behind eight bytes 0xFF, which no date
+// distinct, order by and subqueries keep it one. Other bytes travel after eight bytes 0xFF, which no date
 // has. A boolean is -1 or 0; money is a double.
 #pragma once
 

@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::size_t kMostStatements = 128;
 
-// Gives `take` each fixed piece with the value behind it (nullptr behind the last piece).
+// Gives `take` each fixed piece with the value after it (nullptr after the last piece).
 template <class Take>
 bool ForEachPiece(const SqlText& sql, Take take) {
     const TextView text = sql.text();

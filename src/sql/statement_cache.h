@@ -26,7 +26,7 @@ class Shape {
  private:
     struct Piece {
         std::size_t length;
-        bool quoted;  // the value behind it
+        bool quoted;  // the value after it
         bool operator==(const Piece&) const = default;
     };
     Text fixed_;

@@ -91,6 +91,12 @@ void TableSearch::Plan(sqlite3_index_info& question) {
     question.estimatedRows = static_cast<sqlite3_int64>(kScanCost);
     if (!conditions.equal.empty()) {
         for (const Conditions::Equal& condition : conditions.equal) {
+            // All values of a list at once: one after the other they would decide the order of the rows.
+            if (sqlite3_vtab_in(&question, condition.constraint, -1) != 0) {
+                if (plan.list) continue;
+                plan.list = plan.equal.size();
+                sqlite3_vtab_in(&question, condition.constraint, 1);
+            }
             plan.equal.push_back(condition.column);
             use(condition);
         }
@@ -98,7 +104,7 @@ void TableSearch::Plan(sqlite3_index_info& question) {
         // The more conditions, the fewer rows: the join with the most of them wins.
         question.estimatedCost = kLookupCost / static_cast<double>(plan.equal.size());
         question.estimatedRows = 1 + 20 / static_cast<sqlite3_int64>(plan.equal.size());
-        if (IsUniqueKey(plan)) question.estimatedRows = 1;
+        if (IsUniqueKey(plan) && !plan.list) question.estimatedRows = 1;
     } else if (ChooseRange(plan, conditions)) {
         const std::size_t column = table_->definition().indexes[*plan.index].columns[0].column;
         if (plan.low) use(*Conditions::FindColumn(conditions.low, column));

@@ -25,6 +25,11 @@ class TableSearch {
     // whatever found them; no value when all rows are. `arguments` are those the plan asked for.
     std::optional<std::vector<RowId>> Find(int plan, std::span<const Value> arguments);
 
+    // Which of the plan's arguments is a list of values ("in (...)"), if one is: Find is for one value of it.
+    std::optional<std::size_t> ListArgument(int plan) const {
+        return plans_[static_cast<std::size_t>(plan)].list;
+    }
+
     // What happened to the rows, so that the hashes stay current.
     void Inserted(std::span<const Value> row, RowId id);
     void Updated(std::span<const Value> before, std::span<const Value> after, RowId id);
@@ -40,6 +45,7 @@ class TableSearch {
         bool high = false;
         std::optional<std::size_t> index;  // of the file
         std::size_t leading = 0;           // how many of its columns are in `equal`
+        std::optional<std::size_t> list;   // place in `equal` of a column that equals one of several values
 
         bool operator==(const SearchPlan&) const = default;
     };

@@ -1,5 +1,6 @@
 #include "sql/virtual_table.h"
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string>
@@ -24,7 +25,7 @@ struct Cursor : sqlite3_vtab_cursor {
     std::optional<Table::Scan> scan;
     std::vector<RowId> found;
     std::size_t next = 0;
-    std::optional<Table::Row> row;  // nothing behind the last one
+    std::optional<Table::Row> row;  // nothing after the last one
 
     void Show() {
         row.reset();
@@ -97,12 +98,31 @@ int Close(sqlite3_vtab_cursor* cursor) {
     return SQLITE_OK;
 }
 
+// The rows that a search finds, for each value of a list where one is among the arguments.
+std::optional<std::vector<RowId>> FoundRows(TableSearch& search, int plan, int count,
+                                            sqlite3_value** arguments) {
+    std::vector<Value> values;
+    for (int i = 0; i < count; ++i) values.push_back(FromSqlite(arguments[i]));
+    const std::optional<std::size_t> list = search.ListArgument(plan);
+    if (!list) return search.Find(plan, values);
+    std::vector<RowId> rows;
+    sqlite3_value* value = nullptr;
+    for (int result = sqlite3_vtab_in_first(arguments[*list], &value);
+         result == SQLITE_OK && value != nullptr; result = sqlite3_vtab_in_next(arguments[*list], &value)) {
+        values[*list] = FromSqlite(value);
+        const std::optional<std::vector<RowId>> some = search.Find(plan, values);
+        if (!some) return std::nullopt;
+        rows.insert(rows.end(), some->begin(), some->end());
+    }
+    std::ranges::sort(rows);
+    rows.erase(std::ranges::unique(rows).begin(), rows.end());
+    return rows;
+}
+
 int Filter(sqlite3_vtab_cursor* handle, int plan, const char*, int count, sqlite3_value** arguments) {
     Cursor& cursor = CursorOf(handle);
     return Guarded(cursor.table->callbacks(), [&] {
-        std::vector<Value> values;
-        for (int i = 0; i < count; ++i) values.push_back(FromSqlite(arguments[i]));
-        std::optional<std::vector<RowId>> found = cursor.table->search().Find(plan, values);
+        std::optional<std::vector<RowId>> found = FoundRows(cursor.table->search(), plan, count, arguments);
         cursor.scan.reset();
         cursor.next = 0;
         if (found) {

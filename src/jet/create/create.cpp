@@ -179,7 +179,7 @@ void NewFile::AddAccess(const AccessRow& row) {
                         {u"FInheritable", row.inheritable}});
 }
 
-// On the table's page and as many behind the last one as it takes.
+// On the table's page and as many after the last one as it takes.
 void NewFile::WriteDefinition(const TableDefinition& table, const DefinitionCounts& counts) {
     const std::string bytes = DefinitionBytes(table, counts);
     std::vector<PageNumber> numbers = {table.page};

@@ -59,7 +59,7 @@ IndexPage::IndexPage(const Page& page, PageNumber number, TextView file)
     if (type == PageType::IndexNode && Tail() == 0) Damaged(u"it has no last child");
     if (IsEmpty()) {
         prefix_ = 0;
-    } else if (Behind(0) <= prefix_) {
+    } else if (After(0) <= prefix_) {
         Damaged(u"its prefix is longer than its first entry");
     }
 }
@@ -81,7 +81,7 @@ std::size_t IndexPage::Boundary(std::size_t place) const {
     return bits == 0 ? 0 : word * kWordBits + static_cast<std::size_t>(std::bit_width(bits)) - 1;
 }
 
-std::size_t IndexPage::Behind(std::size_t place) const {
+std::size_t IndexPage::After(std::size_t place) const {
     std::size_t word = (place + 1) / kWordBits;
     std::uint64_t bits = MaskWord(word) & ~std::uint64_t{0} << (place + 1) % kWordBits;
     while (bits == 0 && ++word < kMaskWords) bits = MaskWord(word);
@@ -95,7 +95,7 @@ std::string_view IndexPage::Stored(std::size_t begin, std::size_t end) const {
 }
 
 IndexPage::Parts IndexPage::Split(std::size_t place) const {
-    const std::string_view own = Stored(place, Behind(place));
+    const std::string_view own = Stored(place, After(place));
     const std::string_view shared = Stored(0, place == 0 ? 0 : prefix_);
     const std::size_t size = shared.size() + own.size();
     if (size <= kRowIdSize + ChildSize()) Damaged(u"an entry is too short");
@@ -118,7 +118,7 @@ std::size_t IndexPage::Find(std::string_view bytes) const {
     while (low < high) {
         const std::size_t place = Boundary((low + high) / 2);
         if (Compare(place, bytes) < 0) {
-            low = Behind(place);
+            low = After(place);
         } else {
             high = place;
         }
@@ -132,7 +132,7 @@ std::string IndexPage::Entry(std::size_t place) const {
 }
 
 std::string IndexPage::Whole(std::size_t place) const {
-    return std::string(Stored(0, place == 0 ? 0 : prefix_)).append(Stored(place, Behind(place)));
+    return std::string(Stored(0, place == 0 ? 0 : prefix_)).append(Stored(place, After(place)));
 }
 
 bool IndexPage::Equals(std::size_t place, std::string_view entry) const {
@@ -153,10 +153,10 @@ void IndexPageEditor::FormatLeaf(Page& page, PageNumber table) {
     Format(page, PageType::IndexLeaf, table);
 }
 
-void IndexPageEditor::FormatNode(Page& page, PageNumber table, PageNumber tail) {
+void IndexPageEditor::FormatNode(Page& page, PageNumber table, PageNumber tail, std::uint8_t height) {
     Format(page, PageType::IndexNode, table);
     PutU32(&page[20], tail);
-    page[26] = 1;
+    page[kHeightAt] = height;
 }
 
 void IndexPageEditor::SetUsed(std::size_t used) {
@@ -213,7 +213,7 @@ bool IndexPageEditor::Insert(std::size_t place, std::string_view entry) {
 }
 
 void IndexPageEditor::Erase(std::size_t place) {
-    const std::size_t end = Behind(place);
+    const std::size_t end = After(place);
     if (place == 0 && end < used_) {
         Splice(prefix_, end - prefix_, {});  // the next entry takes over the prefix
     } else {
@@ -224,7 +224,7 @@ void IndexPageEditor::Erase(std::size_t place) {
 
 IndexPageEditor::Overflow IndexPageEditor::With(std::size_t place, std::string_view entry) const {
     Overflow all;
-    for (std::size_t at = 0; at < used_; at = Behind(at)) {
+    for (std::size_t at = 0; at < used_; at = After(at)) {
         if (at == place) {
             all.added = all.entries.size();
             all.entries.emplace_back(entry);

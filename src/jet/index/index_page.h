@@ -1,8 +1,8 @@
 // One page of an index tree: its entries, read and changed in place.
 //
 // The page: byte 0 is 3 (node) or 4 (leaf), 2: u16 bytes free, 4: u32 the table, 12 and 16: u32 the pages
-// before and behind on the same level, 20: u32 "tail" (a node's last child), 24: u16 length of the shared
-// prefix, 26: 0 on leaves, 1 on nodes, 27: the mask, 480: 3616 bytes of entries, back to back. Bit i of the
+// before and after on the same level, 20: u32 "tail" (a node's last child), 24: u16 length of the shared
+// prefix, 26: height above the leaves, 27: the mask, 480: 3616 bytes of entries, back to back. Bit i of the
 // mask says that an entry ends at offset i of the entries; the highest bit ends the space in use.
 //
 // An entry is a key and a row id, in a node also a child page, both big-endian. The first one is stored
@@ -22,6 +22,7 @@
 
 namespace tav::jet {
 
+inline constexpr std::size_t kHeightAt = 26;
 inline constexpr std::size_t kMaskAt = 27;
 inline constexpr std::size_t kEntriesAt = 480;
 inline constexpr std::size_t kEntrySpace = kPageSize - kEntriesAt;
@@ -32,7 +33,7 @@ inline constexpr std::size_t kChildSize = 4;
 std::string BigEndian(std::uint32_t word);
 
 // An entry is named by its place: the offset where it begins among the entries. A place of Used() stands
-// behind the last entry; in a node it means the tail.
+// after the last entry; in a node it means the tail.
 class IndexPage {
  public:
     // `page` and `file` (its path) stay alive as long as this.
@@ -44,13 +45,14 @@ class IndexPage {
     PageNumber Previous() const { return U32(bytes_ + 12); }
     PageNumber Next() const { return U32(bytes_ + 16); }
     PageNumber Tail() const { return U32(bytes_ + 20); }
+    std::uint8_t Height() const { return bytes_[kHeightAt]; }
     std::size_t Used() const { return used_; }
     bool IsEmpty() const { return used_ == 0; }
 
     // The first entry whose key and row id are not below `bytes`.
     std::size_t Find(std::string_view bytes) const;
-    // The place behind an entry.
-    std::size_t Behind(std::size_t place) const;
+    // The place after an entry.
+    std::size_t After(std::size_t place) const;
     // The last entry of a page that is not empty.
     std::size_t LastPlace() const { return Boundary(used_ - 1); }
     // Key and row id.
@@ -92,9 +94,9 @@ class IndexPageEditor : public IndexPage {
  public:
     IndexPageEditor(Page& page, PageNumber number, TextView file);
 
-    // Makes a page an empty leaf, or a node without entries that has only its tail.
+    // Makes a page an empty leaf, or a node without entries that has only its tail, so far above the leaves.
     static void FormatLeaf(Page& page, PageNumber table);
-    static void FormatNode(Page& page, PageNumber table, PageNumber tail);
+    static void FormatNode(Page& page, PageNumber table, PageNumber tail, std::uint8_t height);
 
     void SetPrevious(PageNumber page) { PutU32(to_ + 12, page); }
     void SetNext(PageNumber page) { PutU32(to_ + 16, page); }
@@ -116,7 +118,7 @@ class IndexPageEditor : public IndexPage {
     bool Pack(std::span<const std::string> entries);
 
  private:
-    // Replaces `removed` bytes at `at` by `added`, an entry or nothing. Ends of entries behind move along,
+    // Replaces `removed` bytes at `at` by `added`, an entry or nothing. Ends of later entries move along,
     // those within the removed bytes go.
     void Splice(std::size_t at, std::size_t removed, std::string_view added);
     void SetEnd(std::size_t end) { to_[kMaskAt + end / 8] |= static_cast<std::uint8_t>(1 << end % 8); }

@@ -96,7 +96,8 @@ void IndexTree::PushDown(Path& path) {
     const PageNumber number = Take();
     Page& root = file_->Change(index_->root);
     file_->Change(number) = root;
-    IndexPageEditor::FormatNode(root, table_->page, number);
+    const auto height = static_cast<std::uint8_t>(root[kHeightAt] + 1);
+    IndexPageEditor::FormatNode(root, table_->page, number, height);
     path.front().page = number;
     path.insert(path.begin(), Step{index_->root, 0, true});
 }
@@ -118,7 +119,7 @@ void IndexTree::Split(Path& path, std::size_t level, const IndexPageEditor::Over
     } else {
         const std::size_t size = last.size() - kChildSize;
         const PageNumber tail = BigU32(reinterpret_cast<const std::uint8_t*>(last.data()) + size);
-        IndexPageEditor::FormatNode(page, table_->page, tail);
+        IndexPageEditor::FormatNode(page, table_->page, tail, right.Height());
         last.resize(size);
     }
     IndexPageEditor left = Edit(number);
@@ -261,7 +262,7 @@ RowId IndexTree::Cursor::row() const {
 }
 
 void IndexTree::Cursor::Next() {
-    place_ = ViewPage(*file_, table_, page_).Behind(place_);
+    place_ = ViewPage(*file_, table_, page_).After(place_);
     Load();
 }
 

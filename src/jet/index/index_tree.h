@@ -4,9 +4,7 @@
 // last child has no entry, the node's tail names it. The root keeps its page number; an index of an empty
 // table is one empty leaf. The index's usage map holds exactly the tree's pages.
 //
-// Trees of three levels and more were not found in files of the database's own program. They are written as
-// the same structure one level higher, on purpose: an upper node looks like a node above leaves (byte 26 is
-// 1, the nodes of a level are linked like leaves).
+// A node knows its height above the leaves, which are 0; the nodes of a level are linked as leaves are.
 //
 // Pages are not merged when they become sparse; an emptied one leaves the tree. A node below the root may
 // then be left with its tail alone.
@@ -53,7 +51,7 @@ class IndexTree {
      private:
         friend class IndexTree;
         Cursor(PageFile& file, PageNumber table, PageNumber page, std::size_t place);
-        // Reads the entry at the place, which may lie behind the last one of its page.
+        // Reads the entry at the place, which may lie after the last one of its page.
         void Load();
 
         PageFile* file_;
@@ -71,7 +69,7 @@ class IndexTree {
     struct Step {
         PageNumber page = 0;
         std::size_t place = 0;  // of the entry followed; in the leaf, of the one searched
-        bool last = false;      // place is behind the last entry: the node's tail was followed
+        bool last = false;      // place is after the last entry: the node's tail was followed
     };
     using Path = std::vector<Step>;
 

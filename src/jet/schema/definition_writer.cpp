@@ -52,8 +52,8 @@ std::string DefinitionBytes(const TableDefinition& table, const DefinitionCounts
 }
 
 std::size_t DefinitionPages(std::size_t bytes) {
-    const std::size_t behind = bytes - std::min(bytes, kPageSize);
-    return 1 + (behind + kPageSize - kPageHeader - 1) / (kPageSize - kPageHeader);
+    const std::size_t rest = bytes - std::min(bytes, kPageSize);
+    return 1 + (rest + kPageSize - kPageHeader - 1) / (kPageSize - kPageHeader);
 }
 
 std::vector<Page> CutDefinition(std::string_view bytes, const std::vector<PageNumber>& numbers) {

@@ -4,7 +4,7 @@
 //     fixed area               values of the fixed columns at their offsets
 //     variable values          in the order of their variable indexes, without gaps
 //     (padding)                left where an update made the row shorter
-//     u16 end of data          offset behind the variable values
+//     u16 end of data          offset after the variable values
 //     u16 x v                  their start offsets, the last one first
 //     u16 v                    number of variable values
 //     (c + 7) / 8 bytes        null mask: bit n set = column number n is present; a boolean's value

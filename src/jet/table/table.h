@@ -28,8 +28,8 @@ class Table {
 
     using Row = jet::Row;
 
-    // Walks all rows in page order, following moved rows. Rows may be deleted or updated behind it; rows
-    // inserted meanwhile may or may not be met.
+    // Walks all rows in page order, following moved rows. Rows may be deleted or updated meanwhile; rows
+    // inserted then may or may not be met.
     class Scan {
      public:
         bool AtEnd() const { return at_end_; }

@@ -118,7 +118,7 @@ TEST(IndexPage, SurvivesFlippedBytes) {
     for (int round = 0; round < 4000; ++round) {
         Page page;
         const bool leaf = random() % 2 == 0;
-        leaf ? IndexPageEditor::FormatLeaf(page, kTable) : IndexPageEditor::FormatNode(page, kTable, 9);
+        leaf ? IndexPageEditor::FormatLeaf(page, kTable) : IndexPageEditor::FormatNode(page, kTable, 9, 1);
         std::set<std::string> entries;
         for (auto i = random() % 150 + 1; i > 0; --i)
             entries.insert(RandomEntry(random, 4) + (leaf ? "" : "\1\1\1\1"));

@@ -24,6 +24,7 @@ struct ProbedPage {
     std::size_t prefix = 0;
     std::vector<std::string> entries;  // key and row id
     std::vector<PageNumber> children;  // of a node, the tail included
+    std::size_t height = 0;
 };
 
 // What is wrong is a failure of the test.
@@ -38,7 +39,8 @@ inline ProbedPage ProbeIndexPage(const Page& page) {
     probed.next = U32(&page[16]);
     probed.tail = U32(&page[20]);
     probed.prefix = U16(&page[24]);
-    EXPECT_EQ(page[26], probed.leaf ? 0 : 1);
+    probed.height = page[26];
+    EXPECT_EQ(probed.height == 0, probed.leaf);
     EXPECT_EQ(probed.tail == 0, probed.leaf);
 
     const std::size_t suffix = probed.leaf ? 0 : 4;
@@ -91,6 +93,7 @@ inline ProbedTree ProbeIndexTree(PageFile& file, PageNumber table, const RealInd
         std::string last;  // empty: whatever it is
     };
     std::vector<Expected> level = {{index.root, {}}};
+    std::size_t root_height = 0;
     while (!level.empty()) {
         ++tree.levels;
         std::vector<Expected> below;
@@ -99,6 +102,8 @@ inline ProbedTree ProbeIndexTree(PageFile& file, PageNumber table, const RealInd
                 << "page " << level[i].page << " is met twice";
             const ProbedPage page = ProbeIndexPage(file.Read(level[i].page));
             EXPECT_EQ(page.table, table);
+            if (tree.levels == 1) root_height = page.height;
+            EXPECT_EQ(page.height + tree.levels, root_height + 1);
             EXPECT_EQ(page.previous, i == 0 ? 0 : level[i - 1].page);
             EXPECT_EQ(page.next, i + 1 == level.size() ? 0 : level[i + 1].page);
             if (page.leaf) {
