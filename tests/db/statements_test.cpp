@@ -1,4 +1,5 @@
-// Every SQL text of the system over a small database: tests/db/statements.txt.
+// Every SQL text of the system over a small database: tests/db/statements.txt. Which texts those are is seen
+// by tests/ui/recorded_statements_qt_test.cpp.
 #include <gtest/gtest.h>
 
 #include "common/failure.h"
@@ -18,32 +19,21 @@ Text Shown(const Value& value) {
     return ValueText(value);
 }
 
-Text Rows(Recordset rows, std::size_t columns) {
+Text Answer(Connection& connection, TextView statements) {
     Text out;
-    for (; !rows.Eof(); rows.MoveNext()) {
-        for (std::size_t i = 0; i < columns; ++i)
-            out.append(i == 0 ? u"" : u" | ").append(Shown(rows.Field(i)));
-        out += u'\n';
+    while (!statements.empty()) {
+        const TextView sql = GetNext(statements, u"\n");
+        try {
+            for (Recordset rows = connection.Execute(sql); !rows.Eof(); rows.MoveNext()) {
+                for (std::size_t i = 0; i < rows.FieldCount(); ++i)
+                    out.append(i == 0 ? u"" : u" | ").append(Shown(rows.Field(i)));
+                out += u'\n';
+            }
+        } catch (const Failure& failure) {
+            out.append(u"! ").append(failure.description()).append(u"\n");
+        }
     }
     return out;
-}
-
-std::size_t CountColumns(const Recordset& rows) {
-    std::size_t count = 0;
-    try {
-        for (; !rows.Eof(); ++count) rows.Field(count);
-    } catch (const Failure&) {
-    }
-    return count;
-}
-
-Text Answer(Connection& connection, TextView sql) {
-    try {
-        const Recordset rows = connection.Execute(sql);
-        return Rows(rows, CountColumns(rows));
-    } catch (const Failure& failure) {
-        return Text(u"! ").append(failure.description()).append(u"\n");
-    }
 }
 
 TEST(Statements, EverySqlTextOfTheSystem) {
@@ -52,21 +42,8 @@ TEST(Statements, EverySqlTextOfTheSystem) {
     CreateDatabase(path);
     Connection connection;
     connection.Open(ConnectionString(path));
-    const Text script = FromUtf8(test::TestFile("db/statements.txt"));
-    Text answers;
-    TextView rest = script;
-    bool rows = false;  // the expected rows of a statement are made anew
-    while (!rest.empty()) {
-        const TextView line = GetNext(rest, u"\n");
-        if (line.starts_with(u"> ")) {
-            answers.append(line).append(u"\n").append(Answer(connection, line.substr(2)));
-            rows = true;
-        } else if (line.empty() || !rows) {
-            answers.append(line).append(u"\n");
-            rows = false;
-        }
-    }
-    test::ExpectGolden("db/statements.txt", ToUtf8(answers));
+    test::ExpectTranscript("db/statements.txt",
+                           [&](TextView statements) { return Answer(connection, statements); });
 }
 
 }  // namespace

@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "common/failure.h"
 #include "common/value.h"
 #include "jet/check/checker.h"
 #include "jet/create/create.h"
 #include "platform/files.h"
+#include "support/failure_of.h"
 #include "support/support.h"
 
 namespace tav::test {
@@ -45,17 +45,6 @@ inline Values Thing(std::int64_t id, TextView name, Value note = Null()) {
 // A row of `plain` that fills more than half a page.
 inline Values PageOfText() {
     return Values(5, Text(255, u'ж'));
-}
-
-// What the failure of `body` says; empty when it does not fail.
-template <class Body>
-std::string FailureOf(Body body) {
-    try {
-        body();
-    } catch (const Failure& failure) {
-        return failure.what();
-    }
-    return {};
 }
 
 // The checker finds no error in the file as it is on the disk. Nobody writes it meanwhile.

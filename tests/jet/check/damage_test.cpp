@@ -1,4 +1,6 @@
-// Samples with bytes changed at random: whatever they say, only Failures may come out.
+// Samples with bytes changed at random: whatever they say, only Failures may come out, and findings of the
+// checker.
+#include <algorithm>
 #include <random>
 
 #include "jet/jet_fixtures.h"
@@ -67,11 +69,13 @@ TEST(Damage, OnlyFailuresComeOut) {
     std::mt19937 random(4096);
     int refused = 0;
     int failures = 0;
+    int found = 0;
     for (const Text& name : SampleDatabases()) {
         const std::string good = ReadFile(SamplePath(ToUtf8(name)));
         const int rounds = good.size() > (1 << 20) ? 20 : 60;
         for (int round = 0; round < rounds; ++round) {
             const Text path = folder.Write(u"damaged.mdb", Damage(good, random));
+            found += std::ranges::any_of(CheckDatabase(path), &Finding::error) ? 1 : 0;
             const std::string refusal = FailureOf([&] {
                 Database database(path, Database::Access::Write);
                 for (const TableEntry& table : database.Tables()) failures += Use(database, table);
@@ -80,6 +84,7 @@ TEST(Damage, OnlyFailuresComeOut) {
             refused += refusal.empty() ? 0 : 1;
         }
     }
+    EXPECT_GT(found, 100);
     EXPECT_GT(refused, 10);
     EXPECT_GT(failures, 100);
 }

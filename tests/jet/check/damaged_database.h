@@ -21,10 +21,6 @@ class FileBytes {
     std::uint8_t& Byte(PageNumber page, std::size_t offset) { return *At(page, offset); }
     std::size_t SlotStart(Pointer slot) { return U16(At(slot.page, 14 + 2u * slot.slot)) & 0x1FFF; }
     std::uint8_t* Record(Pointer slot) { return At(slot.page, SlotStart(slot)); }
-    void SetSlotFlags(Pointer slot, std::uint16_t flags) {
-        std::uint8_t* at = this->At(slot.page, 14 + 2u * slot.slot);
-        PutU16(at, static_cast<std::uint16_t>((U16(at) & 0x1FFF) | flags));
-    }
     // An inline map's bit.
     void SetBit(Pointer map, PageNumber page, bool set) {
         std::uint8_t& byte = Record(map)[5 + page / 8];

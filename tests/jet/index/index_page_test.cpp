@@ -92,8 +92,7 @@ TEST(IndexPage, KeepsAnyEntriesInOrderWhateverIsAddedAndErased) {
                 expected.insert(entry);
             }
             if (step % 20 == 0) {
-                const ProbedPage probed = ProbeIndexPage(page);
-                ASSERT_EQ(probed.entries, Listed(expected));
+                ASSERT_EQ(ProbeIndexPage(page).entries, Listed(expected));
             }
         }
         ASSERT_EQ(ProbeIndexPage(page).entries, Listed(expected));

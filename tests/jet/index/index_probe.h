@@ -1,12 +1,15 @@
-// Reads index pages and trees bit by bit, by the format alone, and checks everything they must satisfy.
+// Index pages and trees as the checker reads them, and everything they must satisfy.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <functional>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "jet/check/check_index_page.h"
 #include "jet/file/format.h"
 #include "jet/file/global_map.h"
 #include "jet/file/page_file.h"
@@ -15,64 +18,14 @@
 
 namespace tav::jet {
 
-struct ProbedPage {
-    bool leaf = true;
-    PageNumber table = 0;
-    PageNumber previous = 0;
-    PageNumber next = 0;
-    PageNumber tail = 0;
-    std::size_t prefix = 0;
-    std::vector<std::string> entries;  // key and row id
-    std::vector<PageNumber> children;  // of a node, the tail included
-    std::size_t height = 0;
-};
-
-// What is wrong is a failure of the test.
-inline ProbedPage ProbeIndexPage(const Page& page) {
-    ProbedPage probed;
-    EXPECT_TRUE(page[0] == 3 || page[0] == 4);
+// A page as the checker reads it.
+inline check::IndexPage ProbeIndexPage(const Page& page) {
+    check::IndexPage probed = check::ReadIndexPage(page);
+    for (const Text& fault : probed.faults) ADD_FAILURE() << ToUtf8(fault);
     EXPECT_EQ(page[1], 1);
-    EXPECT_EQ(U32(&page[8]), 0u);
-    probed.leaf = page[0] == 4;
-    probed.table = U32(&page[4]);
-    probed.previous = U32(&page[12]);
-    probed.next = U32(&page[16]);
-    probed.tail = U32(&page[20]);
-    probed.prefix = U16(&page[24]);
-    probed.height = page[26];
-    EXPECT_EQ(probed.height == 0, probed.leaf);
+    EXPECT_EQ(page[26] == 0, probed.leaf);  // its height
     EXPECT_EQ(probed.tail == 0, probed.leaf);
-
-    const std::size_t suffix = probed.leaf ? 0 : 4;
-    const std::string prefix(page.begin() + 480,
-                             page.begin() + 480 + static_cast<std::ptrdiff_t>(probed.prefix));
-    std::size_t begin = 0;
-    for (std::size_t bit = 0; bit < 453 * 8; ++bit) {
-        if ((page[27 + bit / 8] >> bit % 8 & 1) == 0) continue;
-        EXPECT_LE(bit, 3616u);
-        EXPECT_GT(bit, begin);
-        std::string entry = begin == 0 ? std::string() : prefix;
-        entry.append(page.begin() + 480 + static_cast<std::ptrdiff_t>(begin),
-                     page.begin() + 480 + static_cast<std::ptrdiff_t>(bit));
-        if (begin == 0) {
-            EXPECT_LT(probed.prefix, entry.size());
-        }
-        EXPECT_GE(entry.size(), 5 + suffix);
-        if (!probed.leaf) {
-            const auto* child = reinterpret_cast<const std::uint8_t*>(entry.data()) + entry.size() - 4;
-            probed.children.push_back(BigU32(child));
-            entry.resize(entry.size() - 4);
-        }
-        if (!probed.entries.empty()) {
-            EXPECT_LT(probed.entries.back(), entry);
-        }
-        probed.entries.push_back(entry);
-        begin = bit;
-    }
-    EXPECT_EQ(U16(&page[2]), 3616 - begin);
-    if (probed.entries.empty()) {
-        EXPECT_EQ(probed.prefix, 0u);
-    }
+    EXPECT_EQ(std::ranges::adjacent_find(probed.entries, std::greater_equal()), probed.entries.end());
     if (!probed.leaf) probed.children.push_back(probed.tail);
     return probed;
 }
@@ -93,17 +46,16 @@ inline ProbedTree ProbeIndexTree(PageFile& file, PageNumber table, const RealInd
         std::string last;  // empty: whatever it is
     };
     std::vector<Expected> level = {{index.root, {}}};
-    std::size_t root_height = 0;
+    const std::size_t height = file.Read(index.root)[26];
     while (!level.empty()) {
         ++tree.levels;
         std::vector<Expected> below;
         for (std::size_t i = 0; i < level.size(); ++i) {
             EXPECT_TRUE(tree.pages.insert(level[i].page).second)
                 << "page " << level[i].page << " is met twice";
-            const ProbedPage page = ProbeIndexPage(file.Read(level[i].page));
-            EXPECT_EQ(page.table, table);
-            if (tree.levels == 1) root_height = page.height;
-            EXPECT_EQ(page.height + tree.levels, root_height + 1);
+            const check::IndexPage page = ProbeIndexPage(file.Read(level[i].page));
+            EXPECT_EQ(U32(&file.Read(level[i].page)[4]), table);
+            EXPECT_EQ(file.Read(level[i].page)[26] + tree.levels, height + 1);
             EXPECT_EQ(page.previous, i == 0 ? 0 : level[i - 1].page);
             EXPECT_EQ(page.next, i + 1 == level.size() ? 0 : level[i + 1].page);
             if (page.leaf) {

@@ -1,6 +1,7 @@
-// What is refused at the door, and with which words.
+// What is refused at the door, and with which words; the checker has the same ones.
 #include <gmock/gmock.h>
 
+#include "jet/check/checker.h"
 #include "jet/file/header_mask.h"
 #include "jet/jet_fixtures.h"
 #include "jet/table/database.h"
@@ -17,7 +18,17 @@ using testing::AllOf;
 using testing::HasSubstr;
 
 std::string OpenFailure(const Text& path, Database::Access access = Database::Access::Read) {
-    return FailureOf([&] { Database(path, access); });
+    const std::string words = FailureOf([&] { Database(path, access); });
+    if (words.empty() || access == Database::Access::Write) return words;
+    std::vector<Finding> findings;
+    const std::string refusal =
+        FailureOf([&] { findings = CheckDatabase(path); });  // the file cannot be read
+    if (!refusal.empty()) findings = {{true, 1, FromUtf8(refusal)}};
+    EXPECT_EQ(findings.size(), 1U);
+    EXPECT_TRUE(findings.front().error);
+    EXPECT_EQ(findings.front().invariant, 1);
+    EXPECT_EQ(ToUtf8(findings.front().text), words);
+    return words;
 }
 
 TEST(Opening, ForeignFilesAreRefusedByName) {
