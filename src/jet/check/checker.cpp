@@ -170,6 +170,15 @@ std::vector<Finding> CheckFile(PageFile& file) {
     return context.Take();
 }
 
+bool CanBeRead(TextView path) {
+    try {
+        const LockedFile file(path, LockedFile::Access::Read);
+        return true;
+    } catch (const Failure&) {
+        return false;
+    }
+}
+
 }  // namespace
 
 std::vector<Finding> CheckDatabase(TextView path) {
@@ -177,6 +186,7 @@ std::vector<Finding> CheckDatabase(TextView path) {
         PageFile file(path, PageFile::Access::Read);
         return CheckFile(file);
     } catch (const Failure& failure) {
+        if (!CanBeRead(path)) throw;
         return {{true, 1, failure.description()}};
     }
 }

@@ -16,7 +16,7 @@ struct Finding {
 };
 
 // Reads the whole file. A file that cannot be opened as a database at all gives one finding that says so;
-// damage never throws.
+// damage never throws. A file that is missing, that others hold or that may not be read is a Failure.
 std::vector<Finding> CheckDatabase(TextView path);
 
 }  // namespace tav::jet

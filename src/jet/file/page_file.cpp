@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <thread>
 #include <vector>
 
 #include "common/database_failure.h"
 #include "jet/file/header.h"
 #include "jet/file/page_allocation.h"
 #include "jet/file/rollback_journal.h"
+#include "platform/environment.h"
 #include "platform/files.h"
 
 namespace tav::jet {
@@ -21,6 +23,28 @@ constexpr std::size_t kSpareImages = 64;        // buffers for page images kept 
 Text Quoted(TextView before, TextView path, TextView after) {
     return Text(before).append(u"'").append(path).append(u"'").append(after);
 }
+
+std::chrono::seconds patience_of_all{0};
+
+// The waits between the attempts to open one file.
+class Patience {
+ public:
+    // After a wait; false when no time is left.
+    bool Again() {
+        const auto left = end_ - Clock::now();
+        if (left <= Clock::duration::zero() || InterruptWatch::Interrupted()) return false;
+        std::this_thread::sleep_for(std::min<Clock::duration>(wait_, left));
+        wait_ = std::min(wait_ * 2, kLongestWait);
+        return true;
+    }
+
+ private:
+    using Clock = std::chrono::steady_clock;
+    static constexpr std::chrono::milliseconds kLongestWait{500};
+
+    Clock::time_point end_ = Clock::now() + patience_of_all;
+    std::chrono::milliseconds wait_{20};
+};
 
 // "Permission denied" stands for a lock and for a missing right. Who may read it and have it alone, but not
 // write it, lacks the right.
@@ -77,14 +101,17 @@ void RefuseForeign(TextView path, const LockedFile& file) {
     if (!why.empty()) throw Failure(why);
 }
 
+constexpr TextView kUndoneFirst = u" An interrupted change of this database has to be undone first.";
+
 LockedFile OpenAlone(TextView path) {
     try {
         LockedFile file = OpenLocked(path, PageFile::Access::Write);
         RefuseSharers(path);
         return file;
     } catch (const Failure& failure) {
-        throw Failure(Text(failure.description())
-                          .append(u" An interrupted change of this database has to be undone first."));
+        const Text why = Text(failure.description()).append(kUndoneFirst);
+        throw failure.error() == RunTimeError::FileInUse ? Failure(RunTimeError::FileInUse, why)
+                                                         : Failure(why);
     }
 }
 
@@ -92,6 +119,29 @@ LockedFile OpenAlone(TextView path) {
 void RecoverAlone(TextView path) {
     LockedFile file = OpenAlone(path);
     if (RollbackJournal::Exists(path)) RollbackJournal::Recover(path, file);
+}
+
+LockedFile OpenWhole(TextView path, PageFile::Access access) {
+    {
+        LockedFile file = OpenLocked(path, access);
+        RefuseForeign(path, file);
+        if (access == PageFile::Access::Write) RefuseSharers(path);
+        if (!RollbackJournal::Exists(path)) return file;
+    }
+    RecoverAlone(path);
+    LockedFile file = OpenLocked(path, access);
+    if (RollbackJournal::Exists(path)) throw FileInUse(path);
+    return file;
+}
+
+LockedFile OpenPatiently(TextView path, PageFile::Access access) {
+    for (Patience patience;;) {
+        try {
+            return OpenWhole(path, access);
+        } catch (const Failure& failure) {
+            if (failure.error() != RunTimeError::FileInUse || !patience.Again()) throw;
+        }
+    }
 }
 
 }  // namespace
@@ -251,19 +301,15 @@ struct PageFile::State {
     }
 };
 
+void PageFile::SetPatience(std::chrono::seconds patience) {
+    patience_of_all = patience;
+}
+
 PageFile::PageFile(TextView typed_path, Access access) : state_(std::make_unique<State>()) {
     const Text path = RealPath(typed_path);
     state_->path = path;
     state_->access = access;
-    state_->file = OpenLocked(path, access);
-    RefuseForeign(path, *state_->file);
-    if (access == Access::Write) RefuseSharers(path);
-    if (RollbackJournal::Exists(path)) {
-        state_->file.reset();
-        RecoverAlone(path);
-        state_->file = OpenLocked(path, access);
-        if (RollbackJournal::Exists(path)) throw FileInUse(path);
-    }
+    state_->file = OpenPatiently(path, access);
     const std::uint64_t size = state_->file->Size();
     if (size % kPageSize != 0 || size < 3 * kPageSize || size / kPageSize > kMostPages) {
         throw Failure(

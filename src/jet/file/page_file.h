@@ -18,6 +18,7 @@
 // of another state of the database.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <memory>
 
@@ -32,6 +33,10 @@ struct Allocation;
 class PageFile {
  public:
     using Access = LockedFile::Access;
+
+    // How long an open waits for others to let go of the file; at once refused unless set. Ctrl-C that is
+    // watched for (platform/environment.h) ends the wait.
+    static void SetPatience(std::chrono::seconds patience);
 
     PageFile(TextView path, Access access);
     ~PageFile();  // rolls back what was not committed
