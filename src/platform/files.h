@@ -50,6 +50,9 @@ struct FileStamp {
 std::optional<FileStamp> StampOf(TextView path);
 inline constexpr std::chrono::milliseconds kFileClockStep{16};
 
+// The path from the root on; a relative one starts at the present folder.
+Text AbsolutePath(TextView path);
+
 // The file that a path leads to, through all links; the path itself when the file does not exist.
 Text RealPath(TextView path);
 

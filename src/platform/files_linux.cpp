@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 
 #include "common/concat.h"
@@ -243,6 +244,13 @@ bool SameFolder(TextView a, TextView b) {
     const auto folder = [](TextView path) { return path.empty() ? TextView(u".") : path; };
     return Status(folder(a), first) && Status(folder(b), second) && first.st_dev == second.st_dev &&
            first.st_ino == second.st_ino;
+}
+
+// Without "." between the names. ".." stays: behind a link it does not lead back.
+Text AbsolutePath(TextView path) {
+    const std::filesystem::path whole = std::filesystem::absolute(Native(path));
+    const bool leads_back = std::find(whole.begin(), whole.end(), "..") != whole.end();
+    return FromUtf8((leads_back ? whole : whole.lexically_normal()).string());
 }
 
 Text RealPath(TextView path) {

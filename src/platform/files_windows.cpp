@@ -229,6 +229,10 @@ bool SameFolder(TextView a, TextView b) {
     return first && first == identity(b);
 }
 
+Text AbsolutePath(TextView path) {
+    return win32::FromWide(win32::FullPath(path));
+}
+
 // Only a link leads elsewhere; any other path stays as it was given, because messages show it.
 Text RealPath(TextView path) {
     const auto attributes = Attributes(path);

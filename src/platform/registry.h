@@ -43,7 +43,11 @@ bool ReadRegistry(Hive hive, TextView key, TextView name, RegistryValue& slot);
 // Creates the key when missing and writes the value; false when it could not be written.
 bool WriteRegistry(Hive hive, TextView key, TextView name, const RegistryValue& value, RegistryType type);
 
-// The operating system's result of the last read or write, 0 for success; and what refused it, in words.
+// Removes the value wherever ReadRegistry would find it; one that is absent is no failure. False when it
+// could not be removed.
+bool RemoveFromRegistry(Hive hive, TextView key, TextView name);
+
+// The operating system's result of the last of these, 0 for success; and what refused it, in words.
 int LastRegistryResult();
 inline constexpr int kRegistryAbsent = 2;  // there is no such key or value; both systems have that number
 Text LastRegistryFailure();

@@ -138,13 +138,18 @@ Text StorePath() {
     return WithSeparator(FromUtf8(home == nullptr ? "" : home)) + u".config/tav/settings";
 }
 
+// What some editors begin a file with.
+constexpr char16_t kByteOrderMark = 0xFEFF;
+
 // The store as lines, so that a rewrite keeps what a person wrote between them.
 class Store {
  public:
     Store() : path_(StorePath()) {
         if (!FileExists(path_)) return;
         const Text content = FromUtf8(ReadFile(path_));
-        for (TextView rest = content; !rest.empty();) {
+        TextView rest = content;
+        if (rest.starts_with(kByteOrderMark)) rest.remove_prefix(1);
+        while (!rest.empty()) {
             TextView line = GetNext(rest, u"\n");
             while (line.ends_with(u'\r')) line.remove_suffix(1);
             lines_.emplace_back(line);
@@ -170,6 +175,11 @@ class Store {
         if (!place.section) lines_.push_back(section);
         const std::size_t at = place.section ? place.line : lines_.size();
         lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(at), line);
+    }
+
+    void Remove(Hive hive, TextView key, TextView name) {
+        const Place place = Locate(SectionLine(hive, key), name);
+        if (place.found) lines_.erase(lines_.begin() + static_cast<std::ptrdiff_t>(place.line));
     }
 
     void Save() const {
@@ -228,6 +238,17 @@ bool Succeeds(Operation operation) {
     return last_result == 0;
 }
 
+template <class Change>
+bool ChangesStore(Change change) {
+    return Succeeds([&] {
+        MakeFolders(StorePath());
+        const posix::Descriptor lock = LockStoreFolder();
+        Store store;
+        change(store);
+        store.Save();
+    });
+}
+
 }  // namespace
 
 bool ReadRegistry(Hive hive, TextView key, TextView name, RegistryValue& slot) {
@@ -238,13 +259,11 @@ bool ReadRegistry(Hive hive, TextView key, TextView name, RegistryValue& slot) {
 }
 
 bool WriteRegistry(Hive hive, TextView key, TextView name, const RegistryValue& value, RegistryType type) {
-    return Succeeds([&] {
-        MakeFolders(StorePath());
-        const posix::Descriptor lock = LockStoreFolder();
-        Store store;
-        store.Put(hive, key, name, FormatValue(value, type));
-        store.Save();
-    });
+    return ChangesStore([&](Store& store) { store.Put(hive, key, name, FormatValue(value, type)); });
+}
+
+bool RemoveFromRegistry(Hive hive, TextView key, TextView name) {
+    return ChangesStore([&](Store& store) { store.Remove(hive, key, name); });
 }
 
 int LastRegistryResult() {

@@ -138,6 +138,20 @@ bool WriteRegistry(Hive hive, TextView key, TextView name, const RegistryValue& 
         key, name);
 }
 
+bool RemoveFromRegistry(Hive hive, TextView key, TextView name) {
+    for (const Place& place : PlacesOf(hive)) {
+        HKEY opened = nullptr;
+        LSTATUS result =
+            ::RegOpenKeyExW(place.hive, KeyPath(place, key).c_str(), 0, KEY_SET_VALUE | place.view, &opened);
+        if (result == ERROR_SUCCESS) {
+            const Key owner(opened);
+            result = ::RegDeleteValueW(opened, win32::Wide(name).c_str());
+        }
+        if (!Noted(result == kRegistryAbsent ? ERROR_SUCCESS : result, key, name)) return false;
+    }
+    return true;
+}
+
 int LastRegistryResult() {
     return last_result;
 }

@@ -19,19 +19,27 @@ constexpr auto kUser = Hive::CurrentUser;
 constexpr auto kExpand = RegistryType::ExpandString;
 
 constexpr std::array<Setting, 12> kSettings = {{
-    {u"ImportPath", kUser, kOwnKey, kExpand, u"папка, из которой читаются документы"},
-    {u"ExportPath", kUser, kOwnKey, kExpand, u"папка справок; пусто — временная папка"},
-    {u"OutPath", kUser, kOwnKey, kExpand, u"папка, куда переносятся загруженные документы; пусто — TEMP"},
-    {u"ChkOut", kUser, kOwnKey, kExpand, u"переносить ли загруженные документы (True или False)"},
-    {u"NameINNKPP", kUser, kOwnKey, kExpand,
+    {u"ImportPath", kUser, kOwnKey, kExpand, SettingKind::Folder, u"папка, из которой читаются документы"},
+    {u"ExportPath", kUser, kOwnKey, kExpand, SettingKind::Folder, u"папка справок; пусто — временная папка"},
+    {u"OutPath", kUser, kOwnKey, kExpand, SettingKind::Folder,
+     u"папка, куда переносятся загруженные документы; пусто — TEMP"},
+    {u"ChkOut", kUser, kOwnKey, kExpand, SettingKind::Truth,
+     u"переносить ли загруженные документы (True или False)"},
+    {u"NameINNKPP", kUser, kOwnKey, kExpand, SettingKind::Any,
      u"налогоплательщик, показываемый в справках: наименование|ИНН|КПП"},
-    {u"ChkFilter", kUser, kOwnKey, kExpand, u"состояние флажка в окне выбора периода"},
-    {u"SpVupis", kUser, kOwnKey, kExpand, u"1 — загружать и выписки, в которых все суммы нулевые"},
-    {u"SpAct", kUser, kOwnKey, kExpand, u"1 — загружать и акты, в которых все суммы нулевые"},
-    {u"SpVupisOb", kUser, kOwnKey, kExpand, u"1 — о нулевой выписке судить только по строкам с датой"},
-    {u"SpActOb", kUser, kOwnKey, kExpand, u"1 — о нулевом акте судить только по разделу 2"},
-    {u"ActXml", kUser, kOwnKey, kExpand, u"1 — читать из папки и акты в формате XML (файлы *.xml)"},
-    {u"DataBasePath", Hive::LocalMachine, kHostKey, RegistryType::String, u"папка базы данных PlX_Base.mdb"},
+    {u"ChkFilter", kUser, kOwnKey, kExpand, SettingKind::Truth, u"состояние флажка в окне выбора периода"},
+    {u"SpVupis", kUser, kOwnKey, kExpand, SettingKind::Number,
+     u"1 — загружать и выписки, в которых все суммы нулевые"},
+    {u"SpAct", kUser, kOwnKey, kExpand, SettingKind::Number,
+     u"1 — загружать и акты, в которых все суммы нулевые"},
+    {u"SpVupisOb", kUser, kOwnKey, kExpand, SettingKind::Number,
+     u"1 — о нулевой выписке судить только по строкам с датой"},
+    {u"SpActOb", kUser, kOwnKey, kExpand, SettingKind::Number,
+     u"1 — о нулевом акте судить только по разделу 2"},
+    {u"ActXml", kUser, kOwnKey, kExpand, SettingKind::Truth,
+     u"1 — читать из папки и акты в формате XML (файлы *.xml)"},
+    {u"DataBasePath", Hive::LocalMachine, kHostKey, RegistryType::String, SettingKind::Folder,
+     u"папка базы данных PlX_Base.mdb"},
 }};
 
 constexpr TextView kDatabaseName = u"PlX_Base.mdb";
@@ -43,6 +51,19 @@ Text& ChosenDatabase() {
 
 // No path is longer, nor anything else that is meant here.
 constexpr std::size_t kLongestText = 32767;
+
+bool IsSwitch(std::int64_t number) {
+    return number >= INT16_MIN && number <= INT16_MAX;
+}
+
+// No value when the text is no truth value.
+std::optional<bool> TruthOf(TextView text) {
+    if (text.empty() || EqualNoCase(text, u"False") || EqualNoCase(text, u"Ложь")) return false;
+    if (EqualNoCase(text, u"True") || EqualNoCase(text, u"Истина")) return true;
+    const auto number = ParseNumber(text);
+    if (!number) return std::nullopt;
+    return *number != 0;
+}
 
 }  // namespace
 
@@ -81,23 +102,33 @@ std::int16_t SettingSwitch(TextView name) {
     if (text.empty()) return 0;
     const auto number = ParseInteger(text);
     if (!number) throw Failure(RunTimeError::TypeMismatch, Concat(name, u" = ", text));
-    if (*number < INT16_MIN || *number > INT16_MAX) throw Failure(RunTimeError::Overflow, name);
+    if (!IsSwitch(*number)) throw Failure(RunTimeError::Overflow, name);
     return static_cast<std::int16_t>(*number);
 }
 
 bool SettingTruth(TextView name) {
     const Text text = SettingText(name);
-    if (text.empty() || EqualNoCase(text, u"False") || EqualNoCase(text, u"Ложь")) return false;
-    if (EqualNoCase(text, u"True") || EqualNoCase(text, u"Истина")) return true;
-    const auto number = ParseNumber(text);
-    if (!number) throw Failure(RunTimeError::TypeMismatch, Concat(name, u" = ", text));
-    return *number != 0;
+    const auto truth = TruthOf(text);
+    if (!truth) throw Failure(RunTimeError::TypeMismatch, Concat(name, u" = ", text));
+    return *truth;
+}
+
+Text WhyUnfit(const Setting& setting, TextView value) {
+    if (value.empty()) return u"пустое значение (убрать параметр: tav settings unset)";
+    if (setting.kind == SettingKind::Truth && !TruthOf(value)) return u"нужно True или False";
+    if (setting.kind != SettingKind::Number) return {};
+    const auto number = ParseInteger(value);
+    return number && IsSwitch(*number) ? Text() : Text(u"нужно целое число, 0 или 1");
 }
 
 bool WriteSetting(TextView name, TextView value) {
     const Setting* setting = FindSetting(name);
     if (setting == nullptr) throw Failure(RunTimeError::InvalidProcedureCall, name);
     return WriteRegistry(setting->hive, setting->key, setting->name, Text(value), setting->type);
+}
+
+bool RemoveSetting(const Setting& setting) {
+    return RemoveFromRegistry(setting.hive, setting.key, setting.name);
 }
 
 NamedTaxpayer TaxpayerSetting() {

@@ -9,11 +9,14 @@
 
 namespace tav {
 
+enum class SettingKind { Any, Folder, Truth, Number };
+
 struct Setting {
     TextView name;
     Hive hive;
     TextView key;
     RegistryType type;
+    SettingKind kind;
     TextView meaning;  // for a person, in Russian
 };
 
@@ -34,8 +37,12 @@ std::int16_t SettingSwitch(TextView name);
 // "True", "-1", "1" and "Истина" are true, "False", "0",
 // "Ложь" and an absent value false; else "Type mismatch".
 bool SettingTruth(TextView name);
+// Why a value cannot be what the setting means, for a person, in Russian; empty when it can.
+Text WhyUnfit(const Setting& setting, TextView value);
 // Writes with the setting's registry type; false when it could not be written.
 bool WriteSetting(TextView name, TextView value);
+// The setting is absent then; false when it could not be removed.
+bool RemoveSetting(const Setting& setting);
 
 // The fields of NameINNKPP ("name|INN|KPP"), which the host
 // writes for the windows; empty where they are missing.

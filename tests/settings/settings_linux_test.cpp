@@ -13,7 +13,7 @@ TEST(LinuxRegistry, ARewriteKeepsWhatAPersonWrote) {
     const OwnSettings own;
     const Text path = own.store();
     WriteFileWhole(path,
-                   "# mine\n[HKEY_CURRENT_USER\\A]\nx = string \"1\"\nbroken line\ny = dword "
+                   "\xEF\xBB\xBF# mine\n[HKEY_CURRENT_USER\\A]\nx = string \"1\"\nbroken line\ny = dword "
                    "many\n\n[HKEY_CURRENT_USER\\B]\n");
     RegistryValue slot;
     EXPECT_FALSE(ReadRegistry(Hive::CurrentUser, u"A", u"y", slot));
