@@ -1,39 +1,63 @@
 #include "db/clearbase.h"
 
-#include <array>
+#include <vector>
 
+#include "common/get_next.h"
 #include "common/guard.h"
 #include "db/connection.h"
+#include "settings/session.h"
 
 namespace tav {
 namespace {
 
-using Statements = std::array<SqlText, 3>;
+// The ends of the statements on headers: whose.
+std::vector<SqlText> Conditions(TextView inn, TextView kpp) {
+    SqlText opening(u" where h1='");
+    if (inn.find(u'|') == TextView::npos) {
+        opening.Value(inn);
+        if (!IsEverySubdivision(kpp)) opening.Fixed(u"' and h2='").Value(kpp);
+        return {opening.Fixed(u"';")};
+    }
+    std::vector<SqlText> conditions;
+    while (!inn.empty()) {
+        SqlText condition = opening;
+        const TextView one = GetNext(inn, u"|");
+        if (!one.empty()) conditions.push_back(condition.Value(one).Fixed(u"';"));
+    }
+    return conditions;
+}
 
 // The full clear reports under the same name as the clear of one taxpayer.
-void Clear(TextView database, const Statements& statements) {
+std::optional<int> Clear(TextView database, const std::vector<SqlText>& headers,
+                         const std::vector<TextView>& rows) {
+    std::optional<int> removed;
     Guarded(u"Ошибка в функции clearbase", [&] {
+        int documents = 0;
         Connection connection;
         connection.Open(ConnectionString(database));
-        for (const SqlText& statement : statements) connection.Execute(statement);
+        for (const SqlText& whose : headers) {
+            SqlText count(u"select id from tav_operations_header");
+            documents += connection.Execute(count.Append(whose)).RecordCount();
+            SqlText headers_of(u"delete from tav_operations_header");
+            connection.Execute(headers_of.Append(whose));
+        }
+        for (const TextView sql : rows) connection.Execute(sql);
         connection.Close();
+        removed = documents;
     });
+    return removed;
 }
 
 }  // namespace
 
-void clearbase(TextView database, TextView inn, TextView kpp) {
-    SqlText headers(u"delete from tav_operations_header where h1='");
-    headers.Value(inn).Fixed(u"' and h2='").Value(kpp).Fixed(u"';");
-    Clear(database,
-          {headers,
-           SqlText(u"delete from tav_operations where id not in (select id from tav_operations_header);"),
-           SqlText(u"delete from tav_acts where id not in (select id from tav_operations_header);")});
+std::optional<int> clearbase(TextView database, TextView inn, TextView kpp) {
+    return Clear(database, Conditions(inn, kpp),
+                 {u"delete from tav_operations where id not in (select id from tav_operations_header);",
+                  u"delete from tav_acts where id not in (select id from tav_operations_header);"});
 }
 
-void clearbaseAll(TextView database) {
-    Clear(database, {SqlText(u"delete from tav_operations_header;"), SqlText(u"delete from tav_operations;"),
-                     SqlText(u"delete from tav_acts;")});
+std::optional<int> clearbaseAll(TextView database) {
+    return Clear(database, {SqlText(u";")}, {u"delete from tav_operations;", u"delete from tav_acts;"});
 }
 
 }  // namespace tav
