@@ -12,6 +12,7 @@ namespace tav::cli {
 // What one run of the program has in common.
 struct Context {
     std::string database;    // --database
+    std::string patience;    // --wait, in seconds
     bool cancelled = false;  // by Ctrl-C
 };
 
@@ -30,12 +31,16 @@ void AddReportCommand(CLI::App& app, Context& context);
 void AddClearCommand(CLI::App& app, Context& context);
 void AddWindowCommands(CLI::App& app, Context& context);
 
-// --database for a command that needs the database.
-void AddDatabaseOption(CLI::App& command, Context& context);
-// --inn and --kpp.
-void AddTaxpayerOptions(
-    CLI::App& command, std::string& inn, std::string& kpp, bool required,
-    const std::string& kpp_help = "КПП налогоплательщика; двадцать нулей — все подразделения");
+// An option or argument that names a file or a folder; empty text is wrong usage.
+CLI::Option& AddPath(CLI::App& command, const std::string& name, std::string& target,
+                     const std::string& meaning);
+// --database and --wait for a command that needs the database.
+void AddDatabaseOptions(CLI::App& command, Context& context);
+// --inn and --kpp, without outer blanks; empty text is wrong usage.
+void AddTaxpayerOptions(CLI::App& command, std::string& inn, std::string& kpp, bool required);
+
+// A summary is made for one taxpayer: wrong usage where several INNs are given.
+void RequireOneInn(const std::string& inn);
 
 // A path from the command line.
 Text PathArgument(const std::string& typed);

@@ -5,6 +5,7 @@
 
 #include "commands.h"
 #include "common/guard.h"
+#include "convert/document_glance.h"
 #include "convert/load_rtf_file.h"
 #include "convert/load_xml_file.h"
 #include "platform/environment.h"
@@ -27,6 +28,11 @@ std::string ConvertRtf(const Text& folder, const Text& name) {
     return form.entry;
 }
 
+Text WhyNoPart(const Text& path) {
+    const Text reason = GlanceAtDocument(path).reason;
+    return reason.empty() ? Text(u"не выписка и не акт") : reason;
+}
+
 std::string ConvertFile(const Text& path) {
     const Text folder = FolderOf(path);
     const Text name = NameOf(path);
@@ -36,16 +42,24 @@ std::string ConvertFile(const Text& path) {
     throw Failure(Text(u"Не rtf и не xml: ") + path);
 }
 
+// An entry without a part would be taken for a document that was read.
+void PrintEntry(const Text& path) {
+    const std::string entry = ConvertFile(path);
+    if (entry.empty()) return;  // a message has told
+    if (entry.find("<part") == entry.npos) throw Failure(NameOf(path) + u": " + WhyNoPart(path));
+    Print(entry);
+}
+
 }  // namespace
 
 void AddConvertCommand(CLI::App& app, Context&) {
     const auto files = std::make_shared<std::vector<std::string>>();
     CLI::App& convert = *app.add_subcommand(
         "convert", "Записи каталога для файлов rtf и xml — на стандартный вывод (Windows-1251)");
-    convert.add_option("FILE", *files, "Документы")->required();
+    convert.add_option("ФАЙЛ", *files, "Документы")->required();
     convert.callback([files] {
         for (const std::string& file : *files) {
-            Guarded(u"Преобразование", [&] { Print(ConvertFile(PathArgument(file))); });
+            Guarded(u"Преобразование", [&] { PrintEntry(PathArgument(file)); });
         }
     });
 }

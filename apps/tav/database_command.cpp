@@ -99,7 +99,7 @@ void Check() {
         int errors = 0;
         for (const jet::Finding& finding : jet::CheckDatabase(path)) {
             errors += finding.error ? 1 : 0;
-            PrintLine(Text(finding.error ? u"error " : u"note ") + Digits(finding.invariant) + u": " +
+            PrintLine(Text(finding.error ? u"ошибка " : u"замечание ") + Digits(finding.invariant) + u": " +
                       finding.text);
         }
         if (errors == 0) {
@@ -133,7 +133,7 @@ void AddDatabaseCommand(CLI::App& app, Context& context) {
           Action{"check", "Проверить строение файла; найденное — на стандартный вывод", Check},
           Action{"dump", "Все таблицы в виде JSON", Dump}}) {
         CLI::App& command = *db.add_subcommand(action.name, action.help);
-        AddDatabaseOption(command, context);
+        AddDatabaseOptions(command, context);
         command.callback(action.run);
     }
 }

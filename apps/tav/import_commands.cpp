@@ -5,7 +5,6 @@
 #include "commands.h"
 #include "common/guard.h"
 #include "convert/check_xml.h"
-#include "load/constr_tab_type_oper.h"
 #include "load/run_import.h"
 #include "platform/environment.h"
 #include "platform/files.h"
@@ -49,22 +48,23 @@ void PrintAccount(const ImportAccount& account) {
     if (account.complete) PrintLine(ClosingSentence(account));
 }
 
-// A folder that has to be there: named in the message when it is not.
-Text ExistingFolder(const Text& folder) {
-    if (!FolderExists(folder)) throw Failure(RunTimeError::PathNotFound, folder);
-    return folder;
+// A folder that has to be there: named in the message when it is not, with the setting it comes from.
+Text ExistingFolder(const Text& folder, TextView setting = {}) {
+    if (FolderExists(folder)) return folder;
+    const Text where = setting.empty() ? Text() : Text(u" (параметр ").append(setting).append(u")");
+    throw Failure(RunTimeError::PathNotFound, folder + where);
 }
 
 void Import(Context& context, const ImportOptions& options) {
     if (options.folder.empty() && SettingText(u"ImportPath").empty()) {
-        throw WrongUsage("не задана папка документов: --folder DIR или параметр ImportPath");
+        throw WrongUsage("не задана папка документов: --folder ПАПКА или параметр ImportPath");
     }
     Guarded(u"Ошибка в функции import", [&] {
         const auto path = [](const std::string& typed) {
             return typed.empty() ? Text() : PathArgument(typed);
         };
         const ImportFolders folders = ChooseFolders(path(options.folder), path(options.move_to));
-        ExistingFolder(folders.import);
+        ExistingFolder(folders.import, options.folder.empty() ? TextView(u"ImportPath") : TextView());
         WithProgress(context, [&] {
             const ImportResult result = RunImport(folders, FromUtf8(options.inn), FromUtf8(options.kpp));
             if (result.outcome == ImportOutcome::Done) PrintAccount(result.account);
@@ -87,9 +87,8 @@ void Scan(Context& context, const std::string& folder) {
 void Load(Context& context, const std::string& catalogue, const ImportOptions& options) {
     WithProgress(context, [&] {
         const Text move_to = options.move_to.empty() ? Text() : PathArgument(options.move_to);
-        PrintAccount(LoadFromXml(PathArgument(catalogue), getbase(), FromUtf8(options.inn),
-                                 FromUtf8(options.kpp), move_to));
-        ConstrTabTypeOper(getbase());
+        PrintAccount(
+            LoadCatalogue(PathArgument(catalogue), FromUtf8(options.inn), FromUtf8(options.kpp), move_to));
         return false;
     });
 }
@@ -103,23 +102,23 @@ void AddImportCommands(CLI::App& app, Context& context) {
     CLI::App& import_command =
         *app.add_subcommand("import", "Прочитать папку документов и загрузить новые в базу данных");
     AddTaxpayerOptions(import_command, options->inn, options->kpp, true);
-    import_command.add_option("--folder", options->folder, "Папка документов (вместо ImportPath)")
-        ->type_name("DIR");
-    import_command.add_option("--move-to", options->move_to, "Куда перенести загруженные (вместо OutPath)")
-        ->type_name("DIR");
-    AddDatabaseOption(import_command, context);
+    AddPath(import_command, "--folder", options->folder, "Папка документов (вместо ImportPath)")
+        .type_name("ПАПКА");
+    AddPath(import_command, "--move-to", options->move_to, "Куда перенести загруженные (вместо OutPath)")
+        .type_name("ПАПКА");
+    AddDatabaseOptions(import_command, context);
     import_command.callback([&context, options] { Import(context, *options); });
 
     CLI::App& scan = *app.add_subcommand(
         "scan", "Только прочитать папку: обновить её listfiles.xml и показать путь к нему");
-    scan.add_option("DIR", *place, "Папка документов")->required();
+    AddPath(scan, "ПАПКА", *place, "Папка документов").required();
     scan.callback([&context, place] { Scan(context, *place); });
 
     CLI::App& load = *app.add_subcommand("load", "Только загрузить listfiles.xml в базу данных");
-    load.add_option("CATALOGUE", *place, "Путь к listfiles.xml")->required();
+    AddPath(load, "КАТАЛОГ", *place, "Путь к listfiles.xml").required();
     AddTaxpayerOptions(load, options->inn, options->kpp, true);
-    load.add_option("--move-to", options->move_to, "Куда перенести загруженные документы")->type_name("DIR");
-    AddDatabaseOption(load, context);
+    AddPath(load, "--move-to", options->move_to, "Куда перенести загруженные документы").type_name("ПАПКА");
+    AddDatabaseOptions(load, context);
     load.callback([&context, options, place] { Load(context, *place, *options); });
 }
 

@@ -74,7 +74,7 @@ void AddListCommand(CLI::App& app, Context& context) {
     CLI::App& list = *app.add_subcommand("list", "Документы в базе данных и их количества");
     AddTaxpayerOptions(list, options->inn, options->kpp, false);
     list.add_flag("--json", options->json, "В виде JSON");
-    AddDatabaseOption(list, context);
+    AddDatabaseOptions(list, context);
     list.callback([options] { List(*options); });
 }
 

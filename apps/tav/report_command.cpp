@@ -32,9 +32,9 @@ void Finish(const Text& path, const ReportOptions& options) {
 }
 
 void AddFolderOptions(CLI::App& command, ReportOptions& options, Context& context) {
-    command.add_option("--to", options.folder, "Папка справок (вместо ExportPath)")->type_name("DIR");
+    AddPath(command, "--to", options.folder, "Папка справок (вместо ExportPath)").type_name("ПАПКА");
     command.add_flag("--open", options.open, "Открыть готовую справку");
-    AddDatabaseOption(command, context);
+    AddDatabaseOptions(command, context);
 }
 
 using SummaryReport = Text (*)(TextView database, TextView inn, TextView kpp, TextView export_folder,
@@ -46,6 +46,7 @@ void AddSummary(CLI::App& report, const char* name, const char* meaning, Summary
     AddTaxpayerOptions(command, options->inn, options->kpp, true);
     AddFolderOptions(command, *options, context);
     command.callback([options, summary] {
+        RequireOneInn(options->inn);
         const Text path =
             summary(getbase(), FromUtf8(options->inn), FromUtf8(options->kpp), options->Folder(), {});
         if (path.empty()) ShowNothingToSumUp();
@@ -61,7 +62,7 @@ void AddReportCommand(CLI::App& app, Context& context) {
     const auto options = std::make_shared<ReportOptions>();
     CLI::App& statement =
         *report.add_subcommand("statement", "Справка по одной выписке (её номер показывает tav list)");
-    statement.add_option("ID", options->id, "Номер выписки")->required();
+    statement.add_option("НОМЕР", options->id, "Номер выписки")->required();
     AddFolderOptions(statement, *options, context);
     statement.callback([options] { Finish(GetVipis(getbase(), options->id, options->Folder()), *options); });
     AddSummary(report, "statements", "Сводная справка по выпискам операций", GetFiles, options, context);

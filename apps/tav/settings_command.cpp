@@ -1,4 +1,4 @@
-// tav settings: get, set, list.
+// tav settings: get, set, unset, list.
 
 #include <memory>
 
@@ -26,14 +26,24 @@ void List() {
     }
 }
 
+void ShowUnwritten(const Setting& setting) {
+    ShowMessage(u"Параметры",
+                u"Параметр не записан: " + Text(setting.name) + u" (" + LastRegistryFailure() + u")");
+}
+
 void Set(const std::string& name, const std::string& value) {
     const Setting& setting = Known(name);
-    // Both kinds of separators are understood in what a person types.
-    const Text text = setting.name.ends_with(u"Path") ? UserPath(FromUtf8(value)) : FromUtf8(value);
-    if (!WriteSetting(setting.name, text)) {
-        ShowMessage(u"Параметры",
-                    u"Параметр не записан: " + Text(setting.name) + u" (" + LastRegistryFailure() + u")");
-    }
+    Text text = FromUtf8(value);
+    const Text why = WhyUnfit(setting, text);
+    if (!why.empty()) throw WrongUsage(ToUtf8(setting.name) + " = " + value + ": " + ToUtf8(why));
+    // Both kinds of separators are understood in what a person types, from wherever it is typed.
+    if (setting.kind == SettingKind::Folder) text = AbsolutePath(UserPath(text));
+    if (!WriteSetting(setting.name, text)) ShowUnwritten(setting);
+}
+
+void Unset(const std::string& name) {
+    const Setting& setting = Known(name);
+    if (!RemoveSetting(setting)) ShowUnwritten(setting);
 }
 
 }  // namespace
@@ -49,12 +59,15 @@ void AddSettingsCommand(CLI::App& app, Context&) {
     const auto name = std::make_shared<std::string>();
     const auto value = std::make_shared<std::string>();
     CLI::App& get = *settings.add_subcommand("get", "Показать один параметр");
-    get.add_option("NAME", *name, "Имя параметра")->required();
+    get.add_option("ИМЯ", *name, "Имя параметра")->required();
     get.callback([name] { PrintLine(SettingText(Known(*name).name)); });
     CLI::App& set = *settings.add_subcommand("set", "Записать параметр");
-    set.add_option("NAME", *name, "Имя параметра")->required();
-    set.add_option("VALUE", *value, "Значение")->required();
+    set.add_option("ИМЯ", *name, "Имя параметра")->required();
+    set.add_option("ЗНАЧЕНИЕ", *value, "Значение")->required();
     set.callback([name, value] { Set(*name, *value); });
+    CLI::App& unset = *settings.add_subcommand("unset", "Убрать параметр: действует то, что без него");
+    unset.add_option("ИМЯ", *name, "Имя параметра")->required();
+    unset.callback([name] { Unset(*name); });
 }
 
 }  // namespace tav::cli

@@ -38,6 +38,7 @@ void Start(const WindowOptions& options) {
 }
 
 void View(void (OpenClass::*view)(TextView, TextView), const WindowOptions& options) {
+    RequireOneInn(options.inn);
     OpenClass component;
     (component.*view)(FromUtf8(options.inn), FromUtf8(options.kpp));
     if (!LastSummary().path.empty()) PrintLine(LastSummary().path);
@@ -50,13 +51,13 @@ void AddWindowCommands(CLI::App& app, Context& context) {
     const auto options = std::make_shared<WindowOptions>();
     const auto add = [&](const char* name, const char* help) -> CLI::App& {
         CLI::App& command = *app.add_subcommand(name, help);
-        AddDatabaseOption(command, context);
+        AddDatabaseOptions(command, context);
         return command;
     };
 
     CLI::App& start = add("start", "Главное окно");
     AddTaxpayerOptions(start, options->inn, options->kpp, true);
-    start.add_option("--date", options->date, "Рабочая дата, дд.мм.гггг")->type_name("DATE");
+    start.add_option("--date", options->date, "Рабочая дата, дд.мм.гггг")->type_name("ДАТА");
     start.add_flag("--import", options->import_at_once, "Сразу импортировать и закрыть окно");
     start.callback([options] { Start(*options); });
 
@@ -69,7 +70,7 @@ void AddWindowCommands(CLI::App& app, Context& context) {
     acts.callback([options] { View(&OpenClass::view_a, *options); });
 
     CLI::App& statement = add("view_v_id", "Выписка по её номеру в базе данных, сразу открытая");
-    statement.add_option("ID", options->id, "Номер из tav list")->required();
+    statement.add_option("НОМЕР", options->id, "Номер из tav list")->required();
     statement.callback([options] { OpenClass().view_v_id(options->id); });
 }
 

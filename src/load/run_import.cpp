@@ -28,7 +28,8 @@ ImportFolders ChooseFolders(TextView import_folder, TextView move_folder) {
     if (folders.import.empty() || !folders.move_to.empty() || !SettingTruth(u"ChkOut")) return folders;
     folders.move_to = SettingText(u"OutPath");
     if (folders.move_to.empty()) folders.move_to = TempVariable();
-    if (folders.move_to.empty()) throw Failure(RunTimeError::PathNotFound, u"OutPath, TEMP");
+    if (folders.move_to.empty())
+        throw Failure(RunTimeError::PathNotFound, u"OutPath (параметр не задан), TEMP");
     return folders;
 }
 
@@ -40,6 +41,12 @@ void RefuseDuringImport() {
     if (running) throw FileInUse(getbase());
 }
 
+ImportAccount LoadCatalogue(TextView catalogue, TextView inn, TextView kpp, TextView move_folder) {
+    ImportAccount account = LoadFromXml(catalogue, getbase(), inn, kpp, move_folder);
+    if (account.complete || account.documents > 0) ConstrTabTypeOper(getbase());
+    return account;
+}
+
 ImportResult RunImport(const ImportFolders& folders, TextView inn, TextView kpp) {
     ImportResult result;
     if (running || folders.import.empty() || !PassCancelGuard()) return result;
@@ -49,8 +56,7 @@ ImportResult RunImport(const ImportFolders& folders, TextView inn, TextView kpp)
         result.outcome = CancelStamp() != 0 ? ImportOutcome::Cancelled : ImportOutcome::NoCatalogue;
         return result;
     }
-    result.account = LoadFromXml(catalogue, getbase(), inn, kpp, folders.move_to);
-    ConstrTabTypeOper(getbase());
+    result.account = LoadCatalogue(catalogue, inn, kpp, folders.move_to);
     result.outcome = ImportOutcome::Done;
     return result;
 }

@@ -34,6 +34,10 @@ bool ImportRunning();
 // use." when an import runs.
 void RefuseDuringImport();
 
+// Loads a catalogue (LoadFromXml) and numbers the new operation types, but where the database itself stopped
+// the load before anything was stored: what it has to say has been shown by then.
+ImportAccount LoadCatalogue(TextView catalogue, TextView inn, TextView kpp, TextView move_folder);
+
 // Scans the folder, loads the catalogue for the taxpayer, numbers the new operation types. What fails is
 // shown by the procedures themselves.
 ImportResult RunImport(const ImportFolders& folders, TextView inn, TextView kpp);
