@@ -6,14 +6,16 @@
 #include <string>
 
 #include "common/text.h"
+#include "terminal_output.h"
 
 namespace tav::cli {
 
 // What one run of the program has in common.
 struct Context {
-    std::string database;    // --database
-    std::string patience;    // --wait, in seconds
-    bool cancelled = false;  // by Ctrl-C
+    TerminalBox& box;
+    std::string database = {};  // --database
+    std::string patience = {};  // --wait, in seconds
+    bool cancelled = false;     // by Ctrl-C
 };
 
 // Wrong usage that the parser cannot see by itself (exit status 2).

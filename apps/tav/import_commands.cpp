@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "account_output.h"
 #include "commands.h"
 #include "common/guard.h"
 #include "convert/check_xml.h"
@@ -20,6 +21,7 @@ struct ImportOptions {
     std::string kpp;
     std::string folder;
     std::string move_to;
+    bool json = false;
 };
 
 // Runs `action` under a progress bar, with Ctrl-C as its cancel button. `action` tells whether it was
@@ -33,19 +35,8 @@ void WithProgress(Context& context, Action action) {
     if (context.cancelled) ShowMessage(u"Импорт", u"Прервано пользователем.", MessageIcon::Information);
 }
 
-void PrintAccount(const ImportAccount& account) {
-    for (const FindingText& text : FindingTexts()) {
-        const int count = account.Count(text.finding);
-        if (count > 0) PrintLine(Text(text.counted).append(u": ").append(Digits(count)));
-        for (const FileAccount& file : account.files) {
-            const Remark* remark = text.named ? file.Find(text.finding) : nullptr;
-            if (remark == nullptr) continue;
-            const TextView before = remark->reason.empty() ? u"" : u": ";
-            PrintLine(Text(u"  ").append(file.name).append(before).append(remark->reason));
-        }
-    }
-    if (account.moved > 0) PrintLine(u"Перенесено файлов: " + Digits(account.moved));
-    if (account.complete) PrintLine(ClosingSentence(account));
+void Tell(const ImportAccount& account, const ImportOptions& options) {
+    (options.json ? PrintAccountAsJson : PrintAccount)(account);
 }
 
 // A folder that has to be there: named in the message when it is not, with the setting it comes from.
@@ -67,7 +58,8 @@ void Import(Context& context, const ImportOptions& options) {
         ExistingFolder(folders.import, options.folder.empty() ? TextView(u"ImportPath") : TextView());
         WithProgress(context, [&] {
             const ImportResult result = RunImport(folders, FromUtf8(options.inn), FromUtf8(options.kpp));
-            if (result.outcome == ImportOutcome::Done) PrintAccount(result.account);
+            const bool nothing = result.outcome == ImportOutcome::NoCatalogue && !context.box.failed();
+            if (nothing || result.outcome == ImportOutcome::Done) Tell(result.account, options);
             return result.outcome == ImportOutcome::Cancelled;
         });
     });
@@ -87,10 +79,14 @@ void Scan(Context& context, const std::string& folder) {
 void Load(Context& context, const std::string& catalogue, const ImportOptions& options) {
     WithProgress(context, [&] {
         const Text move_to = options.move_to.empty() ? Text() : PathArgument(options.move_to);
-        PrintAccount(
-            LoadCatalogue(PathArgument(catalogue), FromUtf8(options.inn), FromUtf8(options.kpp), move_to));
+        Tell(LoadCatalogue(PathArgument(catalogue), FromUtf8(options.inn), FromUtf8(options.kpp), move_to),
+             options);
         return false;
     });
+}
+
+void AddJsonOption(CLI::App& command, ImportOptions& options) {
+    command.add_flag("--json", options.json, "Что стало с каждым файлом — в виде JSON");
 }
 
 }  // namespace
@@ -106,6 +102,7 @@ void AddImportCommands(CLI::App& app, Context& context) {
         .type_name("ПАПКА");
     AddPath(import_command, "--move-to", options->move_to, "Куда перенести загруженные (вместо OutPath)")
         .type_name("ПАПКА");
+    AddJsonOption(import_command, *options);
     AddDatabaseOptions(import_command, context);
     import_command.callback([&context, options] { Import(context, *options); });
 
@@ -118,6 +115,7 @@ void AddImportCommands(CLI::App& app, Context& context) {
     AddPath(load, "КАТАЛОГ", *place, "Путь к listfiles.xml").required();
     AddTaxpayerOptions(load, options->inn, options->kpp, true);
     AddPath(load, "--move-to", options->move_to, "Куда перенести загруженные документы").type_name("ПАПКА");
+    AddJsonOption(load, *options);
     AddDatabaseOptions(load, context);
     load.callback([&context, options, place] { Load(context, *place, *options); });
 }

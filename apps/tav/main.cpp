@@ -87,7 +87,9 @@ int Run(std::vector<std::string> arguments) {
     app.set_version_flag("--version", "tav " TAV_VERSION, "Показать версию программы");
     app.require_subcommand(1);
     app.allow_windows_style_options(false);  // "/a" is a path everywhere
-    Context context;
+    TerminalBox box;
+    const ScopedMessageBox scope(box);
+    Context context{box};
     AddDatabaseCommand(app, context);
     AddSettingsCommand(app, context);
     AddImportCommands(app, context);
@@ -97,8 +99,6 @@ int Run(std::vector<std::string> arguments) {
     AddClearCommand(app, context);
     AddWindowCommands(app, context);
 
-    TerminalBox box;
-    const ScopedMessageBox scope(box);
     try {
         std::reverse(arguments.begin(), arguments.end());  // as the parser takes them
         app.parse(std::move(arguments));

@@ -1,0 +1,83 @@
+#include "account_output.h"
+
+#include <nlohmann/json.hpp>
+
+#include "terminal_output.h"
+
+namespace tav::cli {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// Of more files with one finding a person is told the number; --json has all.
+constexpr int kNamesShown = 20;
+
+Text Named(const FileAccount& file, Finding finding) {
+    Text line = u"    " + file.name;
+    const Remark& remark = *file.Find(finding);
+    if (!remark.reason.empty()) line.append(u": ").append(remark.reason);
+    return line;
+}
+
+void PrintNames(const ImportAccount& account, Finding finding, int count) {
+    int shown = 0;
+    for (const FileAccount& file : account.files) {
+        if (shown == kNamesShown) break;
+        if (file.Find(finding) == nullptr) continue;
+        PrintLine(Named(file, finding));
+        ++shown;
+    }
+    if (count > shown) PrintLine(u"    ... и ещё " + Digits(count - shown));
+}
+
+Json JsonOf(const Remark& remark) {
+    Json json = {{"finding", TextOf(remark.finding).key}};
+    for (const auto& [name, text] :
+         {std::pair{"reason", &remark.reason}, {"inn", &remark.inn}, {"kpp", &remark.kpp}}) {
+        if (!text->empty()) json[name] = ToUtf8(*text);
+    }
+    return json;
+}
+
+Json JsonOf(const FileAccount& file) {
+    Json remarks = Json::array();
+    for (const Remark& remark : file.remarks) remarks.push_back(JsonOf(remark));
+    return {{"name", ToUtf8(file.name)}, {"now", file.now}, {"remarks", remarks}};
+}
+
+}  // namespace
+
+void PrintAccount(const ImportAccount& account) {
+    if (!account.files.empty()) PrintLine(u"Файлов: " + Digits(static_cast<long long>(account.files.size())));
+    for (const FindingText& text : FindingTexts()) {
+        const int count = account.Count(text.finding);
+        if (count == 0) continue;
+        PrintLine(Text(text.counted) + u": " + Digits(count));
+        if (text.named) PrintNames(account, text.finding, count);
+    }
+    if (account.moved > 0) PrintLine(u"Перенесено файлов: " + Digits(account.moved));
+    for (const Text& notice : account.notices) PrintLine(notice);
+    PrintLine(ClosingSentence(account));
+}
+
+void PrintAccountAsJson(const ImportAccount& account) {
+    Json counts = Json::object();
+    for (const FindingText& text : FindingTexts())
+        counts[std::string(text.key)] = account.Count(text.finding);
+    Json notices = Json::array();
+    for (const Text& notice : account.notices) notices.push_back(ToUtf8(notice));
+    Json files = Json::array();
+    for (const FileAccount& file : account.files) files.push_back(JsonOf(file));
+    const Json whole = {{"sentence", ToUtf8(ClosingSentence(account))},
+                        {"imported", account.imported},
+                        {"complete", account.complete},
+                        {"documents", account.documents},
+                        {"rows", account.rows},
+                        {"moved", account.moved},
+                        {"counts", counts},
+                        {"notices", notices},
+                        {"files", files}};
+    Print(whole.dump(1, ' ', false, Json::error_handler_t::replace) + "\n");
+}
+
+}  // namespace tav::cli
