@@ -5,10 +5,12 @@
 #include "commands.h"
 #include "common/guard.h"
 #include "forms/shell.h"
+#include "platform/environment.h"
 #include "reports/get_files.h"
 #include "reports/get_files_act.h"
 #include "reports/get_vipis.h"
 #include "reports/summary_documents.h"
+#include "settings/session.h"
 #include "settings/settings.h"
 #include "terminal_output.h"
 
@@ -45,10 +47,14 @@ void AddSummary(CLI::App& report, const char* name, const char* meaning, Summary
     CLI::App& command = *report.add_subcommand(name, meaning);
     AddTaxpayerOptions(command, options->inn, options->kpp, true);
     AddFolderOptions(command, *options, context);
-    command.callback([options, summary] {
+    command.callback([&context, options, summary] {
         RequireOneInn(options->inn);
+        TerminalProgress progress;
+        const ScopedProgress scope(progress);
+        const InterruptWatch watch;
         const Text path =
             summary(getbase(), FromUtf8(options->inn), FromUtf8(options->kpp), options->Folder(), {});
+        context.cancelled = CancelStamp() != 0;
         if (path.empty()) ShowNothingToSumUp();
         Finish(path, *options);
     });

@@ -1,4 +1,4 @@
-// What the folder scan and the readers need of the progress window: its label, its bar, its cancel button.
+// What long work needs of the progress window: its label, its bar, its cancel button.
 #pragma once
 
 #include "common/text.h"
@@ -12,6 +12,8 @@ class Progress {
     virtual ~Progress() = default;
     // The number of new files is the bar's maximum.
     virtual void Show([[maybe_unused]] int files) {}
+    // A report of so many pages is made: they count as files from here on.
+    virtual void ShowPages(int pages) { Show(pages); }
     virtual void SetLabel([[maybe_unused]] TextView file) {}
     // Files done so far; the fraction of the current file goes back to 0.
     virtual void SetFilesDone([[maybe_unused]] int files) {}

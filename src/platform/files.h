@@ -74,10 +74,15 @@ std::string ReadFile(TextView path);
 // The file's first `most` bytes; a shorter file whole.
 std::string ReadFileHead(TextView path, std::size_t most);
 
-// Writes the file whole or not at all: a temporary file in the same folder, synced, then
-// renamed over the target. A failure leaves the old file as it was and no temporary file.
+// Whether a file is on the disk when it has been written, or some time later, which is enough
+// for what can be made again.
+enum class OnDisk { Now, Later };
+
+// Writes the file whole or not at all: a temporary file in the same folder, then renamed over
+// the target. A failure leaves the old file as it was and no temporary file.
 // The file says that it was written `earlier` than it was.
-void WriteFileWhole(TextView path, std::string_view bytes, std::chrono::nanoseconds earlier = {});
+void WriteFileWhole(TextView path, std::string_view bytes, std::chrono::nanoseconds earlier = {},
+                    OnDisk on_disk = OnDisk::Now);
 // Whether a file of that name is what WriteFileWhole leaves when it is killed;
 // and its removal, unless somebody still writes it.
 bool IsLeftover(TextView name);

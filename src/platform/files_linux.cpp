@@ -147,12 +147,13 @@ class ReplacementFile {
         const timespec times[2] = {status.st_atim, status.st_mtim};
         ::futimens(file_.number(), times);
     }
-    void Rename() {
-        if (::fsync(file_.number()) != 0) Refuse(errno, target_);
+    void Rename(OnDisk on_disk = OnDisk::Now) {
+        if (on_disk == OnDisk::Now && ::fsync(file_.number()) != 0) Refuse(errno, target_);
         if (::rename(pattern_.c_str(), Native(target_).c_str()) != 0) Refuse(errno, target_);
         renamed_ = true;
         ::flock(file_.number(), LOCK_UN);
-        SyncFolder(FolderOf(target_));  // the new file is in place, whatever this says
+        // The new file is in place, whatever this says.
+        if (on_disk == OnDisk::Now) SyncFolder(FolderOf(target_));
     }
 
  private:
@@ -309,13 +310,13 @@ std::string ReadFileHead(TextView path, std::size_t most) {
     return bytes;
 }
 
-void WriteFileWhole(TextView path, std::string_view bytes, std::chrono::nanoseconds earlier) {
+void WriteFileWhole(TextView path, std::string_view bytes, std::chrono::nanoseconds earlier, OnDisk on_disk) {
     RefuseHeldFile(path);
     const Text target = RealPath(path);  // a replacement keeps the link
     ReplacementFile replacement(target, ModeFor(target));
     replacement.Write(bytes);
     if (earlier.count() > 0) replacement.SetBack(earlier);
-    replacement.Rename();
+    replacement.Rename(on_disk);
 }
 
 bool IsLeftover(TextView name) {

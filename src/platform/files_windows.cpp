@@ -306,7 +306,7 @@ std::string ReadFileHead(TextView path, std::size_t most) {
     return bytes;
 }
 
-void WriteFileWhole(TextView path, std::string_view bytes, std::chrono::nanoseconds earlier) {
+void WriteFileWhole(TextView path, std::string_view bytes, std::chrono::nanoseconds earlier, OnDisk on_disk) {
     const Text target = RealPath(path);  // a replacement keeps the link
     RefuseHeldFile(target);
     TemporaryFile replacement(target);
@@ -316,7 +316,7 @@ void WriteFileWhole(TextView path, std::string_view bytes, std::chrono::nanoseco
         if (!file) Refuse(::GetLastError(), path);
         WriteAll(file, bytes, path);
         if (earlier.count() > 0) SetBack(file, earlier, path);
-        Sync(file, path);
+        if (on_disk == OnDisk::Now) Sync(file, path);
     }
     if (Attributes(target)) {
         replacement.Replace(target);

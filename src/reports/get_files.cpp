@@ -7,6 +7,7 @@
 #include "reports/money.h"
 #include "reports/page.h"
 #include "reports/page_names.h"
+#include "reports/page_progress.h"
 #include "reports/statement_page.h"
 #include "reports/summary_documents.h"
 #include "reports/summary_heading.h"
@@ -152,18 +153,23 @@ Text SummaryPage(Connection& connection, const SummaryRequest& request, Summary&
     Text heading;
     Text rows;
     PageNames names;
-    for (Recordset groups = Groups(connection, summary); !groups.Eof(); groups.MoveNext()) {
-        SummaryDocument document = {
-            groups.Field(kBegin), groups.Field(kEnd), isns(groups.Field(consolidated ? u"kpp" : u"h7")), {}};
-        if (IsChosen(request.choice, document)) {
-            const bool first = rows.empty();
-            if (first) {
-                heading = Heading(groups, consolidated);
-                rows = ColumnHeadings(consolidated);
-            }
-            rows += WriteGroup(connection, groups, request, names, first, document, file);
+    Recordset groups = Groups(connection, summary);
+    int chosen = 0;
+    for (Recordset each = groups; !each.Eof(); each.MoveNext()) {
+        summary.documents.push_back(
+            {each.Field(kBegin), each.Field(kEnd), isns(each.Field(consolidated ? u"kpp" : u"h7")), {}});
+        if (IsChosen(request.choice, summary.documents.back())) ++chosen;
+    }
+    PageProgress progress(chosen);
+    for (auto document = summary.documents.begin(); !groups.Eof(); groups.MoveNext(), ++document) {
+        if (!IsChosen(request.choice, *document)) continue;
+        if (!progress.Next(isns(groups.Field(u"h8")))) throw CancelledSummary{progress.done(), chosen};
+        const bool first = rows.empty();
+        if (first) {
+            heading = Heading(groups, consolidated);
+            rows = ColumnHeadings(consolidated);
         }
-        summary.documents.push_back(std::move(document));
+        rows += WriteGroup(connection, groups, request, names, first, *document, file);
     }
     return rows.empty() ? rows : Page(heading, rows);
 }

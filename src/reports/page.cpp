@@ -20,6 +20,23 @@ constexpr TextView kPageEnd = u"</table>\r\n";
 
 constexpr TextView kExtension = u".doc";
 
+// There is one at a time: the state of cells and sums is the report's.
+class RunningReport {
+ public:
+    explicit RunningReport(TextView database) {
+        if (running) {
+            throw Failure(Text(u"Could not use '").append(database).append(u"'; file already in use."));
+        }
+        running = true;
+    }
+    ~RunningReport() { running = false; }
+    RunningReport(const RunningReport&) = delete;
+    RunningReport& operator=(const RunningReport&) = delete;
+
+ private:
+    static inline bool running = false;
+};
+
 }  // namespace
 
 Text Page(TextView heading, TextView rows) {
@@ -37,20 +54,24 @@ Text ReportPath(TextView folder, TextView name) {
 
 void WriteReport(TextView path, TextView page) {
     MakeFolders(path);
-    WriteFileWhole(path, ToWindows1251(page).append(ToWindows1251(kPageEnd)));
+    WriteFileWhole(path, ToWindows1251(page).append(ToWindows1251(kPageEnd)), {}, OnDisk::Later);
 }
 
 Text GuardedReport(TextView title, TextView database, const std::function<Text(Text& file)>& body) {
     Text file(database);
     Text written;
-    GuardedBy([&] { written = body(file); },
-              [&](const Failure& failure) {
-                  if (failure.error() == RunTimeError::PermissionDenied) {
-                      ShowFileInUse(file);
-                  } else {
-                      ShowFailure(title, failure);
-                  }
-              });
+    GuardedBy(
+        [&] {
+            const RunningReport this_one(database);
+            written = body(file);
+        },
+        [&](const Failure& failure) {
+            if (failure.error() == RunTimeError::PermissionDenied) {
+                ShowFileInUse(file);
+            } else {
+                ShowFailure(title, failure);
+            }
+        });
     return written;
 }
 

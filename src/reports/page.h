@@ -16,13 +16,15 @@ Text Page(TextView heading, TextView rows);
 // gets the seconds of the present time: "vipis.doc" becomes "vipis07.doc".
 Text ReportPath(TextView folder, TextView name);
 
-// Creates the missing folders and writes the page, its closing tag and a line break, whole.
+// Creates the missing folders and writes the page, its closing tag and a line break, whole. It reaches the disk
+// when the system sees fit.
 void WriteReport(TextView path, TextView page);
 
 // Runs a report function: opens nothing itself, catches everything. `body` returns the path of the report it
 // wrote; before it writes a file it sets `file` to its path. "Permission denied" gives the file-in-use
 // message with `file` (the database, until the body names another), any other failure its description under
-// `title`; the result is empty then.
+// `title`; the result is empty then. So it is for a report that is asked for while another one is made, which
+// lets windows live on.
 Text GuardedReport(TextView title, TextView database, const std::function<Text(Text& file)>& body);
 
 }  // namespace tav

@@ -22,6 +22,18 @@ std::vector<Text> CodesOf(const std::vector<SummaryDocument>& documents) {
     return {codes.begin(), codes.end()};
 }
 
+void ShowCancelled(const CancelledSummary& cancelled, TextView folder) {
+    ShowMessage(u"Сводная справка",
+                Text(u"Прервано пользователем. Готовы страницы выписок: ")
+                    .append(Digits(cancelled.done))
+                    .append(u" из ")
+                    .append(Digits(cancelled.of))
+                    .append(u"; они остаются в папке ")
+                    .append(folder)
+                    .append(u". Сводная справка не записана."),
+                MessageIcon::Information);
+}
+
 }  // namespace
 
 const Summary& LastSummary() {
@@ -38,7 +50,13 @@ Text WriteSummary(const SummaryPlan& plan, const SummaryRequest& request, const 
         summary.kind = plan.kind;
         summary.inn = request.inn;
         summary.kpp = request.kpp;
-        const Text page = build(connection, summary, file);
+        Text page;
+        try {
+            page = build(connection, summary, file);
+        } catch (const CancelledSummary& cancelled) {
+            ShowCancelled(cancelled, request.export_folder);
+            return {};
+        }
         if (!page.empty()) {
             file = ReportPath(request.export_folder, plan.name);
             WriteReport(file, page);

@@ -18,7 +18,8 @@ enum class SummaryKind { Statements, Acts };
 
 struct Summary {
     SummaryKind kind = SummaryKind::Statements;
-    // The last attempt failed, and its failure has been shown; all else here is that of the summary before.
+    // The last attempt failed or was cancelled, and that has been said; all else here is that of the summary
+    // before.
     bool failed = false;
     Text inn;
     Text kpp;   // as asked for: a KPP, or what stands for one (reports/summary_heading.h)
@@ -44,8 +45,12 @@ struct SummaryRequest {
 // all documents in `summary` and, for a consolidated one, its codes; writes the page to `name` in the export
 // folder and returns its path. A page of empty text means that there are no rows: nothing is written and the
 // path is empty. What fails is shown under `title` (page.h). A `build` that writes files of its own sets
-// `file` to each of them first.
+// `file` to each of them first; when it is cancelled, it throws how far it has come.
 using BuildSummary = std::function<Text(Connection& connection, Summary& summary, Text& file)>;
+struct CancelledSummary {
+    int done = 0;  // pages
+    int of = 0;
+};
 struct SummaryPlan {
     SummaryKind kind;
     TextView title;
@@ -54,7 +59,7 @@ struct SummaryPlan {
 Text WriteSummary(const SummaryPlan& plan, const SummaryRequest& request, const BuildSummary& build);
 
 // For the caller of a summary that returned no path: says that there is nothing to sum up, or nothing in the
-// chosen period and code, unless the reason was a failure.
+// chosen period and code, unless the reason was a failure or a cancel.
 void ShowNothingToSumUp();
 
 }  // namespace tav

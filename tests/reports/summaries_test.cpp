@@ -1,7 +1,10 @@
 #include <gmock/gmock.h>
 
+#include <functional>
+
 #include "common/failure.h"
 #include "common/get_next.h"
+#include "common/progress.h"
 #include "common/regional.h"
 #include "common/windows1251.h"
 #include "db/connection.h"
@@ -15,6 +18,7 @@
 #include "reports/get_vipis.h"
 #include "reports/page_names.h"
 #include "reports/summary_documents.h"
+#include "settings/session.h"
 #include "settings/settings.h"
 #include "support/support.h"
 
@@ -262,6 +266,38 @@ TEST_F(Summaries, NameTheActsTheyHaveNoRowFor) {
         u"45286552000, период 01.01.2008-31.12.2008",
         MessageIcon::Information};
     EXPECT_THAT(shown_.messages, ElementsAre(expected, expected));
+}
+
+// While pages are written, the user asks for another report, then cancels.
+class Impatient : public Progress {
+ public:
+    explicit Impatient(std::function<void(int)> act) : act_(std::move(act)) {}
+    void ProcessEvents() override { act_(++times_); }
+
+ private:
+    std::function<void(int)> act_;
+    int times_ = 0;
+};
+
+TEST_F(Summaries, AreCancelledBetweenTwoPages) {
+    CancelStamp() = 1;  // of an import before
+    Impatient progress([&](int times) {
+        if (times == 2) EXPECT_EQ(GetVipis(database_, 1, out_), u"");
+        if (times == 3) RequestCancel();
+    });
+    const ScopedProgress scope(progress);
+    EXPECT_EQ(GetFiles(database_, kInn, kKpp, out_), u"");
+    EXPECT_EQ(ListFiles(out_, u"").size(), 2U);
+    ShowNothingToSumUp();
+    ASSERT_EQ(shown_.messages.size(), 2U);
+    EXPECT_EQ(shown_.messages[0].title, u"Ошибка в функции GetVipis");
+    EXPECT_EQ(shown_.messages[1].text,
+              Text(u"Прервано пользователем. Готовы страницы выписок: 2 из 3; они остаются "
+                   u"в папке ")
+                  .append(out_)
+                  .append(u". Сводная справка не записана."));
+    CancelStamp() = 0;
+    EXPECT_NE(GetVipis(database_, 1, out_), u"");
 }
 
 TEST(SummaryChoice, LeavesDocumentsWithoutAPeriodToAllPeriods) {
