@@ -81,12 +81,13 @@ function(tav_program_resources target)
                                             "${folder}/common_controls.manifest;${folder}/program.manifest")
 endfunction()
 
-# The windows of Linux: a module that a process loads when it shows its first one (forms/forms.h), so that
-# nothing else needs Qt or a screen.
+# The windows of Linux and its PDFs: a module that a process loads when it shows its first window (forms/forms.h) or
+# makes its first PDF (pdf/pdf.h), so that nothing else needs Qt or a screen.
 function(tav_forms_module)
   find_package(Qt6 REQUIRED COMPONENTS Widgets)
   find_library(XCB_LIBRARY xcb REQUIRED)
-  file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/forms/qt/*.cpp)
+  file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/forms/qt/*.cpp
+       ${PROJECT_SOURCE_DIR}/src/pdf/qt/*.cpp)
   list(APPEND sources ${PROJECT_SOURCE_DIR}/src/forms/form_stretch.cpp ${PROJECT_SOURCE_DIR}/src/forms/reader_names.cpp)
   add_library(tav_forms_qt MODULE ${sources})
   set_target_properties(
@@ -96,7 +97,7 @@ function(tav_forms_module)
                VISIBILITY_INLINES_HIDDEN ON)
   install(TARGETS tav_forms_qt LIBRARY DESTINATION lib)
   target_include_directories(tav_forms_qt PRIVATE ${PROJECT_SOURCE_DIR}/src)
-  target_link_libraries(tav_forms_qt PRIVATE tav_flags Qt6::Widgets ${XCB_LIBRARY})
+  target_link_libraries(tav_forms_qt PRIVATE tav_flags tav_common Qt6::Widgets ${XCB_LIBRARY})
   if(NOT TAV_SANITIZE)
     target_link_options(tav_forms_qt PRIVATE -Wl,--no-undefined)
   endif()

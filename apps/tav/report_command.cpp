@@ -9,6 +9,7 @@
 #include "reports/get_files.h"
 #include "reports/get_files_act.h"
 #include "reports/get_vipis.h"
+#include "reports/paper.h"
 #include "reports/summary_documents.h"
 #include "settings/session.h"
 #include "settings/settings.h"
@@ -23,6 +24,7 @@ struct ReportOptions {
     std::string kpp;
     std::string folder;
     bool open = false;
+    bool pdf = false;
 
     Text Folder() const { return folder.empty() ? ExportFolder() : PathArgument(folder); }
 };
@@ -30,12 +32,17 @@ struct ReportOptions {
 void Finish(const Text& path, const ReportOptions& options) {
     if (path.empty()) return;
     PrintLine(path);
-    if (options.open) Guarded(u"Справка", [&] { OpenDocument(path); });
+    const Text document = ToOpen(path);
+    if (options.pdf) PrintLine(document);
+    if (options.open) Guarded(u"Справка", [&] { OpenDocument(document); });
 }
 
 void AddFolderOptions(CLI::App& command, ReportOptions& options, Context& context) {
     AddPath(command, "--to", options.folder, "Папка справок (вместо ExportPath)").type_name("ПАПКА");
     command.add_flag("--open", options.open, "Открыть готовую справку");
+    command
+        .add_flag("--pdf", options.pdf, "Сделать рядом и PDF: альбомные листы A4 для печати (только Linux)")
+        ->each([](const std::string&) { MakePaperCopies([] { return true; }); });
     AddDatabaseOptions(command, context);
 }
 

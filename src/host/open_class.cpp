@@ -9,6 +9,7 @@
 #include "reports/get_files.h"
 #include "reports/get_files_act.h"
 #include "reports/get_vipis.h"
+#include "reports/paper.h"
 #include "settings/session.h"
 #include "settings/settings.h"
 #include "ui/frmFilter.h"
@@ -77,7 +78,8 @@ void OpenClass::view_v_id(std::int16_t id) {
         RefuseDuringImport();
         const Text path = GetVipis(getbase(), id, ExportFolder());
         if (path.empty()) return;
-        windows ? LoadedFilter()->OpenDocument(path) : OpenDocument(path);
+        const Text document = ToOpen(path);
+        windows ? LoadedFilter()->OpenDocument(document) : OpenDocument(document);
     });
 }
 

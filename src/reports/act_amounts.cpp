@@ -94,4 +94,11 @@ Text ClosingText(const ActAmounts& amounts) {
     return overpayment > debt ? ActAmountText(overpayment) : Text(u"- ").append(ActAmountText(debt));
 }
 
+double ClosingBalance(const ActAmounts& amounts) {
+    const auto roubles = [&](std::size_t amount) {
+        return static_cast<double>(amounts[amount].ten_thousandths) / kTenThousandths;
+    };
+    return roubles(kClosingOverpayment) - roubles(kClosingDebt);
+}
+
 }  // namespace tav

@@ -25,5 +25,7 @@ Text ActAmountText(Money amount);
 // sign, and an opening balance without either none, but a closing one has ("- -&nbsp;").
 Text OpeningText(const ActAmounts& amounts);
 Text ClosingText(const ActAmounts& amounts);
+// The closing balance in roubles, a debt negative.
+double ClosingBalance(const ActAmounts& amounts);
 
 }  // namespace tav

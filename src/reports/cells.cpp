@@ -1,8 +1,8 @@
 #include "reports/cells.h"
 
+#include <algorithm>
 #include <array>
-#include <cstdint>
-#include <vector>
+#include <utility>
 
 #include "common/failure.h"
 #include "common/regional.h"
@@ -13,6 +13,7 @@ namespace {
 // What lives on between calls.
 struct StickyState {
     TextView alignment;
+    char16_t alignment_letter = u'\0';
     std::int16_t bold = 0;
     std::int16_t top_border = 0;
 };
@@ -22,12 +23,11 @@ StickyState& Sticky() {
     return state;
 }
 
-// One element of the result: its content and its attributes, a piece of the attribute text of the call.
+// One element of the result: its cell and its attributes, a piece of the attribute text of the call.
 struct Element {
-    TextView content;
+    Cell cell;
     std::size_t attributes_begin = 0;
     std::size_t attributes_end = 0;
-    bool bold = false;
 };
 
 std::int16_t SmallInteger(TextView text) {
@@ -44,29 +44,35 @@ struct AttributeCode {
     TextView code;
     TextView before;
     TextView behind;
+    TextView Cell::*value = nullptr;
 };
 constexpr std::array<AttributeCode, 5> kAttributeCodes = {{
-    {u"#r", u" rowspan=", u""},
-    {u"#c", u" colspan=", u""},
+    {u"#r", u" rowspan=", u"", &Cell::rows},
+    {u"#c", u" colspan=", u"", &Cell::columns},
     {u"#w", u" width=", u""},
     {u"#h", u" height=", u""},
-    {u"#l", u" style=\"border-left-width:", u"px;\""},
+    {u"#l", u" style=\"border-left-width:", u"px;\"", &Cell::left_rule},
 }};
 
 void SetAlignment(TextView letter) {
-    if (letter == u"r") Sticky().alignment = u" align=right";
-    if (letter == u"l") Sticky().alignment = u" align=left";
-    if (letter == u"c") Sticky().alignment = u" align=center";
+    for (const auto& [code, attribute] : {std::pair<TextView, TextView>{u"r", u" align=right"},
+                                          {u"l", u" align=left"},
+                                          {u"c", u" align=center"}}) {
+        if (letter != code) continue;
+        Sticky().alignment = attribute;
+        Sticky().alignment_letter = letter.front();
+    }
 }
 
 // Whether the item is a code; its effect is done then.
-bool TakeCode(TextView item, Text& attributes) {
+bool TakeCode(TextView item, Text& attributes, Cell& cell) {
     if (!item.starts_with(u'#')) return false;
     const TextView code = item.substr(0, 2);
     const TextView value = item.substr(code.size());
     for (const AttributeCode& known : kAttributeCodes) {
         if (code == known.code) {
             attributes.append(known.before).append(value).append(known.behind);
+            if (known.value != nullptr) cell.*known.value = value;
             return true;
         }
     }
@@ -97,18 +103,24 @@ void AddTopBorder(Text& attributes, std::size_t begin) {
 
 }  // namespace
 
-Text GetHS(TextView tag, std::span<const TextView> items) {
+Text GetHS(TextView tag, std::span<const TextView> items, std::vector<Cell>* cells) {
     // The walk collects the elements in reverse, and all their attributes in one text.
     std::vector<Element> elements;
     elements.reserve(items.size());
     Text attributes;
     std::size_t begin = 0;
     std::size_t length = 0;
+    Cell cell;
     for (std::size_t i = items.size(); i-- > 0;) {
-        if (TakeCode(items[i], attributes)) continue;
+        if (TakeCode(items[i], attributes, cell)) continue;
         if (tag == u"td") attributes += Sticky().alignment;
         AddTopBorder(attributes, begin);
-        elements.push_back({items[i], begin, attributes.size(), Sticky().bold != 0});
+        cell.content = items[i];
+        cell.top_rule = Sticky().top_border;
+        cell.alignment = Sticky().alignment_letter;
+        cell.bold = Sticky().bold != 0;
+        elements.push_back({cell, begin, attributes.size()});
+        cell = {};
         begin = attributes.size();
         length += items[i].size();
     }
@@ -118,10 +130,12 @@ Text GetHS(TextView tag, std::span<const TextView> items) {
     for (auto element = elements.rbegin(); element != elements.rend(); ++element) {
         const TextView own(attributes.data() + element->attributes_begin,
                            element->attributes_end - element->attributes_begin);
-        const bool bold = element->bold && !element->content.empty();
+        const TextView content = element->cell.content;
+        const bool bold = element->cell.bold && !content.empty();
+        if (cells != nullptr) cells->push_back(element->cell);
         result.append(u"<").append(tag).append(own).append(u">");
         if (bold) result.append(u"<b>");
-        result.append(element->content.empty() ? TextView(u"&nbsp;") : element->content);
+        result.append(content.empty() ? TextView(u"&nbsp;") : content);
         if (bold) result.append(u"</b>");
         result.append(u"</").append(tag).append(u">\r\n");
     }
@@ -160,6 +174,25 @@ Text HtmlText(TextView text) {
         }
     }
     return html;
+}
+
+Text ShownText(TextView content) {
+    static constexpr std::pair<TextView, char16_t> kEntities[] = {{u"&nbsp;", u'\u00A0'}, {u"&amp;", u'&'},
+                                                                  {u"&lt;", u'<'},        {u"&gt;", u'>'},
+                                                                  {u"&quot;", u'"'},      {u"&#35;", u'#'}};
+    Text text;
+    while (!content.empty()) {
+        if (content.front() == u'<') {
+            content.remove_prefix(std::min(content.find(u'>'), content.size() - 1) + 1);
+            continue;
+        }
+        const auto entity = std::find_if(std::begin(kEntities), std::end(kEntities),
+                                         [&](const auto& known) { return content.starts_with(known.first); });
+        const bool plain = entity == std::end(kEntities);
+        text += plain ? content.front() : entity->second;
+        content.remove_prefix(plain ? 1 : entity->first.size());
+    }
+    return text;
 }
 
 }  // namespace tav

@@ -15,19 +15,35 @@
 // number is "Type mismatch".
 #pragma once
 
+#include <cstdint>
 #include <initializer_list>
 #include <span>
+#include <vector>
 
 #include "common/text.h"
 
 namespace tav {
 
+// A cell as its codes describe it, for what is not HTML. Texts are pieces of the items.
+struct Cell {
+    TextView content;
+    TextView rows;  // the values of #r, #c and #l; empty where there is none
+    TextView columns;
+    TextView left_rule;
+    std::int16_t top_rule = 0;
+    char16_t alignment = u'\0';  // r, l, c
+    bool bold = false;
+};
+
 // `tag` is "td" or "tr". Braced items are evaluated from left to right, which calls with side effects need.
-Text GetHS(TextView tag, std::span<const TextView> items);
+// `cells`, if there is one, gets the cells in their order.
+Text GetHS(TextView tag, std::span<const TextView> items, std::vector<Cell>* cells = nullptr);
 Text GetHS(TextView tag, std::initializer_list<TextView> items);
 
 // A text as HTML shows it: `&`, `<`, `>` and `"` as entities, and a leading "#" too, so that no text of a
 // document reads as a code.
 Text HtmlText(TextView text);
+// The text that a content shows: without its tags, its entities as the characters they stand for.
+Text ShownText(TextView content);
 
 }  // namespace tav

@@ -8,6 +8,8 @@
 #include "reports/page.h"
 #include "reports/page_names.h"
 #include "reports/page_progress.h"
+#include "reports/paper.h"
+#include "reports/report_page.h"
 #include "reports/statement_page.h"
 #include "reports/summary_documents.h"
 #include "reports/summary_heading.h"
@@ -43,46 +45,45 @@ Recordset Groups(Connection& connection, Summary& summary) {
 constexpr std::size_t kBegin = 2;  // of the two columns without a name
 constexpr std::size_t kEnd = 3;
 
-Text Heading(const Recordset& group, bool consolidated) {
+void AddHeading(ReportPage& page, const Recordset& group, bool consolidated) {
     const auto text = [&](TextView field) { return isns(group.Field(field)); };
     const Text title = Text(u"<h3>Сводная справка по выпискам операций, импортированным из ТАВ")
                            .append(consolidated ? u" по консолидированному налогоплательщику" : u"")
                            .append(u"</h3>");
     std::optional<CodeAndTax> code;
     if (consolidated) code = {text(u"kpp"), text(u"h7")};
-    return SummaryHeading(title, {text(u"inn"), text(u"kpp"), text(u"name")}, code);
+    AddSummaryHeading(page, title, {text(u"inn"), text(u"kpp"), text(u"name")}, code);
 }
 
-Text ColumnHeadings(bool consolidated) {
-    const Text first = GetHS(
-        u"td", {consolidated ? u"КПП подразделения" : u"Наименование налога, сбора, взноса", u"#w25%", u"#r2",
-                u"ОКАТО", u"#w8%", u"#r2", u"За период", u"#w7%", u"#r2", u"Сальдо на начало", u"Начислено",
-                u"#l2", u"#c4", u"Уплачено (уменьшено)", u"#l2", u"#c4", u"Сальдо на конец", u"#l2", u"#ac"});
-    const Text second = GetHS(u"td", {u"Переплата (+)/ Недоимка(-)",
-                                      u"#w7%",
-                                      u"Налог",
-                                      u"#l2",
-                                      u"#w6%",
-                                      u"Пеня",
-                                      u"#w6%",
-                                      u"Штраф",
-                                      u"#w5%",
-                                      u"Итого",
-                                      u"#w6%",
-                                      u"Налог",
-                                      u"#l2",
-                                      u"#w6%",
-                                      u"Пеня",
-                                      u"#w6%",
-                                      u"Штраф",
-                                      u"#w5%",
-                                      u"Итого",
-                                      u"#w6%",
-                                      u"Переплата (+)/ Недоимка(-)",
-                                      u"#l2",
-                                      u"#w7%",
-                                      u"#ac"});
-    return GetHS(u"tr", {first, second});
+void AddColumnHeadings(ReportPage& page, bool consolidated) {
+    page.AddColumnHeadings({consolidated ? u"КПП подразделения" : u"Наименование налога, сбора, взноса",
+                            u"#w25%", u"#r2", u"ОКАТО", u"#w8%", u"#r2", u"За период", u"#w7%", u"#r2",
+                            u"Сальдо на начало", u"Начислено", u"#l2", u"#c4", u"Уплачено (уменьшено)",
+                            u"#l2", u"#c4", u"Сальдо на конец", u"#l2", u"#ac"});
+    page.AddColumnHeadings({u"Переплата (+)/ Недоимка(-)",
+                            u"#w7%",
+                            u"Налог",
+                            u"#l2",
+                            u"#w6%",
+                            u"Пеня",
+                            u"#w6%",
+                            u"Штраф",
+                            u"#w5%",
+                            u"Итого",
+                            u"#w6%",
+                            u"Налог",
+                            u"#l2",
+                            u"#w6%",
+                            u"Пеня",
+                            u"#w6%",
+                            u"Штраф",
+                            u"#w5%",
+                            u"Итого",
+                            u"#w6%",
+                            u"Переплата (+)/ Недоимка(-)",
+                            u"#l2",
+                            u"#w7%",
+                            u"#ac"});
 }
 
 // One statement series on its way into the summary.
@@ -94,85 +95,89 @@ struct Group {
 };
 
 // The totals are those of the page built last.
-Text SummaryRow(const Group& group, TextView file, bool first) {
+void AddSummaryRow(ReportPage& page, const Group& group, TextView file, bool first, int sheet) {
     const auto total = [](TextView column, int mode) { return GetMoney(nullptr, column, mode); };
     const Text link = Text(u"<a href=\"")
                           .append(HtmlText(NameOf(file)))
                           .append(u"\">")
                           .append(HtmlText(group.label))
                           .append(u"</a>");
+    const Text okato = HtmlText(group.okato);
     const Text period = Text(group.begin).append(u"-").append(group.end);
-    const Text cells = GetHS(u"td", {link,
-                                     u"#al",
-                                     HtmlText(group.okato),
-                                     period,
-                                     u"#ac",
-                                     total(u"9", kOpening),
-                                     total(u"1", kTurnover),
-                                     u"#l2",
-                                     total(u"2", kTurnover),
-                                     total(u"3", kTurnover),
-                                     total(u"4", kTurnover),
-                                     total(u"5", kTurnover),
-                                     u"#l2",
-                                     total(u"6", kTurnover),
-                                     total(u"7", kTurnover),
-                                     total(u"8", kTurnover),
-                                     total(u"9", kClosing),
-                                     u"#l2",
-                                     u"#ar",
-                                     first ? u"#u2" : u"#u0"});
-    return GetHS(u"tr", {cells, u"#u0"});
-}
-
-// Writes the page of a group and returns its row; the file is the document's, and in `file` too while it is
-// written.
-Text WriteGroup(Connection& connection, const Recordset& groups, const SummaryRequest& request,
-                PageNames& names, bool first, SummaryDocument& document, Text& file) {
-    SqlText sql(u"select * from tav_operations_header where vid=");
-    Recordset headers = connection.Execute(sql.Number(WholeNumber(groups, u"vid")).Fixed(u" order by perb"));
-    const Text kpp = isns(headers.Field(u"h2"));
-    const Text page = StatementPage(connection, headers);
-
-    const bool consolidated = IsConsolidated(request.kpp);
-    const Text name = isns(groups.Field(u"h8"));
-    // An underscore ends a label, which would cut the name of a tax short.
-    const Group group = {ReplaceAll(consolidated ? kpp : name, u"_", u" "), isns(groups.Field(u"h10")),
-                         isns(document.begin), isns(document.end)};
-    const Text months = YearAndMonth(document.begin).append(u"-").append(YearAndMonth(document.end));
-    file = ReportPath(request.export_folder,
-                      names.Take({name, consolidated ? kpp : document.code, group.okato, months}));
-    WriteReport(file, page);
-    document.file = file;
-    return SummaryRow(group, file, first);
-}
-
-// The page of the chosen groups, their own pages written beside it; empty when there are none.
-Text SummaryPage(Connection& connection, const SummaryRequest& request, Summary& summary, Text& file) {
-    const bool consolidated = IsConsolidated(request.kpp);
-    Text heading;
-    Text rows;
-    PageNames names;
-    Recordset groups = Groups(connection, summary);
-    int chosen = 0;
-    for (Recordset each = groups; !each.Eof(); each.MoveNext()) {
-        summary.documents.push_back(
-            {each.Field(kBegin), each.Field(kEnd), isns(each.Field(consolidated ? u"kpp" : u"h7")), {}});
-        if (IsChosen(request.choice, summary.documents.back())) ++chosen;
+    const Text opening = total(u"9", kOpening);
+    const Text closing = total(u"9", kClosing);
+    Text turnovers[8];
+    for (char16_t column = u'1'; column <= u'8'; ++column) {
+        turnovers[column - u'1'] = total(TextView(&column, 1), kTurnover);
     }
-    PageProgress progress(chosen);
-    for (auto document = summary.documents.begin(); !groups.Eof(); groups.MoveNext(), ++document) {
-        if (!IsChosen(request.choice, *document)) continue;
-        if (!progress.Next(isns(groups.Field(u"h8")))) throw CancelledSummary{progress.done(), chosen};
-        const bool first = rows.empty();
-        if (first) {
-            heading = Heading(groups, consolidated);
-            rows = ColumnHeadings(consolidated);
+    const Text* t = turnovers;
+    const TextView items[] = {
+        link, u"#al", okato,  period, u"#ac", opening, t[0],    u"#l2", t[1],   t[2],
+        t[3], t[4],   u"#l2", t[5],   t[6],   t[7],    closing, u"#l2", u"#ar", first ? u"#u2" : u"#u0"};
+    page.AddRow(items, {u"#u0"}, sheet);
+}
+
+// The summary on its way, and the pages that go with it.
+class StatementsSummary {
+ public:
+    StatementsSummary(Connection& connection, const SummaryRequest& request, Text& file, SummaryCopy& copy)
+        : connection_(connection), request_(request), file_(file), copy_(copy), page_(copy.sheet) {}
+
+    // The page of the chosen groups, their own pages written beside it; empty when there are none.
+    Text Write(Summary& summary) {
+        Recordset groups = Groups(connection_, summary);
+        int chosen = 0;
+        for (Recordset each = groups; !each.Eof(); each.MoveNext()) {
+            const Text code = isns(each.Field(consolidated_ ? u"kpp" : u"h7"));
+            summary.documents.push_back({each.Field(kBegin), each.Field(kEnd), code, {}});
+            if (IsChosen(request_.choice, summary.documents.back())) ++chosen;
         }
-        rows += WriteGroup(connection, groups, request, names, first, *document, file);
+        PageProgress progress(chosen);
+        for (auto document = summary.documents.begin(); !groups.Eof(); groups.MoveNext(), ++document) {
+            if (!IsChosen(request_.choice, *document)) continue;
+            if (!progress.Next(isns(groups.Field(u"h8")))) throw CancelledSummary{progress.done(), chosen};
+            WriteGroup(groups, *document);
+        }
+        return page_.empty() ? Text() : page_.Html();
     }
-    return rows.empty() ? rows : Page(heading, rows);
-}
+
+ private:
+    // The file is the document's, and in `file_` too while it is written.
+    void WriteGroup(const Recordset& groups, SummaryDocument& document) {
+        const bool first = page_.empty();
+        if (first) {
+            AddHeading(page_, groups, consolidated_);
+            AddColumnHeadings(page_, consolidated_);
+        }
+        SqlText sql(u"select * from tav_operations_header where vid=");
+        sql.Number(WholeNumber(groups, u"vid")).Fixed(u" order by perb");
+        Recordset headers = connection_.Execute(sql);
+        const Text kpp = isns(headers.Field(u"h2"));
+        Sheet sheet;
+        sheet.leads_home = true;
+        const Text page = StatementPage(connection_, headers, copy_.paper.Wanted(sheet));
+
+        const Text name = isns(groups.Field(u"h8"));
+        // An underscore ends a label, which would cut the name of a tax short.
+        const Group group = {ReplaceAll(consolidated_ ? kpp : name, u"_", u" "), isns(groups.Field(u"h10")),
+                             isns(document.begin), isns(document.end)};
+        const Text months = YearAndMonth(document.begin).append(u"-").append(YearAndMonth(document.end));
+        file_ = ReportPath(request_.export_folder,
+                           names_.Take({name, consolidated_ ? kpp : document.code, group.okato, months}));
+        WriteReport(file_, page);
+        document.file = file_;
+        AddSummaryRow(page_, group, file_, first, copy_.paper.Add(sheet));
+        copy_.bars.Take(group.label, group.okato, document.end, ClosingBalance());
+    }
+
+    Connection& connection_;
+    const SummaryRequest& request_;
+    const bool consolidated_ = IsConsolidated(request_.kpp);
+    Text& file_;
+    SummaryCopy& copy_;
+    ReportPage page_;
+    PageNames names_;
+};
 
 }  // namespace
 
@@ -180,9 +185,10 @@ Text GetFiles(TextView database, TextView inn, TextView kpp, TextView export_fol
               const SummaryChoice& choice) {
     const SummaryPlan plan{SummaryKind::Statements, u"Ошибка в функции GetFiles", u"index.doc"};
     const SummaryRequest request{database, inn, kpp, export_folder, choice};
-    return WriteSummary(plan, request, [&](Connection& connection, Summary& summary, Text& file) {
-        return SummaryPage(connection, request, summary, file);
-    });
+    return WriteSummary(plan, request,
+                        [&](Connection& connection, Summary& summary, Text& file, SummaryCopy& copy) {
+                            return StatementsSummary(connection, request, file, copy).Write(summary);
+                        });
 }
 
 void ListStatements(TextView database, TextView inn, TextView kpp) {

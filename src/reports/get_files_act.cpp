@@ -1,11 +1,15 @@
 #include "reports/get_files_act.h"
 
+#include <array>
+#include <vector>
+
+#include "common/progress.h"
 #include "db/literals.h"
 #include "reports/act_amounts.h"
 #include "reports/cells.h"
 #include "reports/fields.h"
 #include "reports/omitted_acts.h"
-#include "reports/page.h"
+#include "reports/report_page.h"
 #include "reports/summary_documents.h"
 #include "reports/summary_heading.h"
 
@@ -40,7 +44,7 @@ Recordset Acts(Connection& connection, Summary& summary) {
                    u"isnull(th.h6) order by h7, perb"));
 }
 
-Text Heading(const Recordset& act, bool consolidated) {
+void AddHeading(ReportPage& page, const Recordset& act, bool consolidated) {
     const auto text = [&](TextView field) { return isns(act.Field(field)); };
     const Text title =
         Text(u"<h3>Сводная справка по актам совместной сверки")
@@ -49,92 +53,83 @@ Text Heading(const Recordset& act, bool consolidated) {
             .append(u"</h3>");
     std::optional<CodeAndTax> code;
     if (consolidated) code = {text(u"h7"), text(u"h2")};
-    return SummaryHeading(title, {text(u"h1"), text(u"h2"), text(u"h3")}, code);
+    AddSummaryHeading(page, title, {text(u"h1"), text(u"h2"), text(u"h3")}, code);
 }
 
-Text ColumnHeadings(bool consolidated) {
-    const Text first =
-        GetHS(u"td", {consolidated ? u"КПП подразделения" : u"Наименование налога, сбора, взноса", u"#w22%",
-                      u"#r3", u"ОКАТО", u"#w6%", u"#r3", u"За период", u"#w5%", u"#r3", u"Сальдо на начало",
-                      u"За проверяемый период", u"#l2", u"#c9", u"Сальдо на конец", u"#l2", u"#ac"});
-    const Text second = GetHS(u"td", {u"Переплата (+)/ Задолженность(-)",
-                                      u"#r2",
-                                      u"#w9%",
-                                      u"принята задолженность (переплата)",
-                                      u"#r2",
-                                      u"#l2",
-                                      u"#w5%",
-                                      u"начислено (доначислено)",
-                                      u"#r2",
-                                      u"#w5%",
-                                      u"уменьшено",
-                                      u"#r2",
-                                      u"#w5%",
-                                      u"уплачено",
-                                      u"#r2",
-                                      u"#w5%",
-                                      u"переданы обязательства",
-                                      u"#r2",
-                                      u"#w5%",
-                                      u"списана задолженность",
-                                      u"#c3",
-                                      u"Возвращено из бюджета",
-                                      u"#r2",
-                                      u"#w6%",
-                                      u"Переплата (+)/ Задолженность(-)",
-                                      u"#r2",
-                                      u"#l2",
-                                      u"#w9%",
-                                      u"#ac"});
-    const Text third =
-        GetHS(u"td", {u"по налогу", u"#w5%", u"по пеням", u"#w5%", u"по штрафам", u"#w5%", u"#ac"});
-    return GetHS(u"tr", {first, second, third});
+void AddColumnHeadings(ReportPage& page, bool consolidated) {
+    page.AddColumnHeadings({consolidated ? u"КПП подразделения" : u"Наименование налога, сбора, взноса",
+                            u"#w22%", u"#r3", u"ОКАТО", u"#w6%", u"#r3", u"За период", u"#w5%", u"#r3",
+                            u"Сальдо на начало", u"За проверяемый период", u"#l2", u"#c9", u"Сальдо на конец",
+                            u"#l2", u"#ac"});
+    page.AddColumnHeadings({u"Переплата (+)/ Задолженность(-)",
+                            u"#r2",
+                            u"#w9%",
+                            u"принята задолженность (переплата)",
+                            u"#r2",
+                            u"#l2",
+                            u"#w5%",
+                            u"начислено (доначислено)",
+                            u"#r2",
+                            u"#w5%",
+                            u"уменьшено",
+                            u"#r2",
+                            u"#w5%",
+                            u"уплачено",
+                            u"#r2",
+                            u"#w5%",
+                            u"переданы обязательства",
+                            u"#r2",
+                            u"#w5%",
+                            u"списана задолженность",
+                            u"#c3",
+                            u"Возвращено из бюджета",
+                            u"#r2",
+                            u"#w6%",
+                            u"Переплата (+)/ Задолженность(-)",
+                            u"#r2",
+                            u"#l2",
+                            u"#w9%",
+                            u"#ac"});
+    page.AddColumnHeadings({u"по налогу", u"#w5%", u"по пеням", u"#w5%", u"по штрафам", u"#w5%", u"#ac"});
 }
 
-Text ActRow(const Recordset& act, bool first) {
-    const ActAmounts amounts = ReadActAmounts(act);
-    // The movements of the period are the third amount to the eleventh.
-    const auto amount = [&](std::size_t number) { return ActAmountText(amounts[number - 1]); };
+void AddActRow(ReportPage& page, const Recordset& act, const ActAmounts& amounts, bool first) {
+    const Text name = FieldText(act, u"h8");
+    const Text okato = FieldText(act, u"h10");
     const Text period = FieldText(act, u"perb").append(u"-").append(FieldText(act, u"pere"));
-    const Text cells = GetHS(u"td", {FieldText(act, u"h8"),
-                                     u"#al",
-                                     FieldText(act, u"h10"),
-                                     period,
-                                     u"#ac",
-                                     OpeningText(amounts),
-                                     amount(3),
-                                     u"#l2",
-                                     amount(4),
-                                     amount(5),
-                                     amount(6),
-                                     amount(7),
-                                     amount(8),
-                                     amount(9),
-                                     amount(10),
-                                     amount(11),
-                                     ClosingText(amounts),
-                                     u"#l2",
-                                     u"#ar",
-                                     first ? u"#u2" : u"#u0"});
-    return GetHS(u"tr", {cells, u"#u0"});
+    const Text opening = OpeningText(amounts);
+    const Text closing = ClosingText(amounts);
+    // The movements of the period are the third amount to the eleventh.
+    std::array<Text, 9> movements;
+    for (std::size_t i = 0; i < movements.size(); ++i) movements[i] = ActAmountText(amounts[i + 2]);
+    std::vector<TextView> items = {name, u"#al", okato, period, u"#ac", opening};
+    for (const Text& movement : movements) {
+        items.push_back(movement);
+        if (&movement == &movements.front()) items.push_back(u"#l2");
+    }
+    items.insert(items.end(), {closing, u"#l2", u"#ar", first ? u"#u2" : u"#u0"});
+    page.AddRow(items, {u"#u0"});
 }
 
 // The page of the chosen acts; empty when there are none.
-Text SummaryPage(Connection& connection, const SummaryChoice& choice, Summary& summary) {
+Text SummaryPage(Connection& connection, const SummaryChoice& choice, Summary& summary, SummaryCopy& copy) {
     const bool consolidated = IsConsolidated(summary.kpp);
-    Text heading;
-    Text rows;
+    ReportPage page(copy.sheet);
     for (Recordset acts = Acts(connection, summary); !acts.Eof(); acts.MoveNext()) {
+        CurrentProgress().ProcessEvents();
         summary.documents.push_back({acts.Field(u"perb"), acts.Field(u"pere"), isns(acts.Field(u"h7")), {}});
         if (!IsChosen(choice, summary.documents.back())) continue;
-        const bool first = rows.empty();
+        const bool first = page.empty();
         if (first) {
-            heading = Heading(acts, consolidated);
-            rows = ColumnHeadings(consolidated);
+            AddHeading(page, acts, consolidated);
+            AddColumnHeadings(page, consolidated);
         }
-        rows += ActRow(acts, first);
+        const ActAmounts amounts = ReadActAmounts(acts);
+        AddActRow(page, acts, amounts, first);
+        copy.bars.Take(isns(acts.Field(u"h8")), isns(acts.Field(u"h10")), acts.Field(u"pere"),
+                       ClosingBalance(amounts));
     }
-    return rows.empty() ? rows : Page(heading, rows);
+    return page.empty() ? Text() : page.Html();
 }
 
 }  // namespace
@@ -144,11 +139,12 @@ Text GetFilesAct(TextView database, TextView inn, TextView kpp, TextView export_
     const SummaryPlan plan{SummaryKind::Acts, u"Ошибка в функции GetFilesAct", u"acts.doc"};
     const SummaryRequest request{database, inn, kpp, export_folder, choice};
     std::vector<Text> omitted;
-    Text path = WriteSummary(plan, request, [&](Connection& connection, Summary& summary, Text&) {
-        Text page = SummaryPage(connection, choice, summary);
-        omitted = OmittedActs(connection, summary, choice);
-        return page;
-    });
+    Text path =
+        WriteSummary(plan, request, [&](Connection& connection, Summary& summary, Text&, SummaryCopy& copy) {
+            Text page = SummaryPage(connection, choice, summary, copy);
+            omitted = OmittedActs(connection, summary, choice);
+            return page;
+        });
     if (!LastSummary().failed) ShowOmittedActs(omitted);
     return path;
 }

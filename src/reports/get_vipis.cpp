@@ -2,12 +2,13 @@
 
 #include "common/failure.h"
 #include "reports/page.h"
+#include "reports/paper.h"
 #include "reports/statement_page.h"
 
 namespace tav {
 namespace {
 
-Text StatementOf(TextView database, std::int32_t id) {
+Text StatementOf(TextView database, std::int32_t id, Sheet* copy) {
     Connection connection;
     connection.CursorLocation = 3;
     connection.OpenForReading(ConnectionString(database));
@@ -17,16 +18,20 @@ Text StatementOf(TextView database, std::int32_t id) {
     if (headers.Eof() || (IsNull(headers.Field(u"h6")) && IsNull(headers.Field(u"vid")))) {
         throw Failure(Text(u"Выписка с номером ").append(Digits(id)).append(u" в базе данных не найдена"));
     }
-    return StatementPage(connection, headers, ChosenTaxpayer());
+    return StatementPage(connection, headers, copy, ChosenTaxpayer());
 }
 
 }  // namespace
 
 Text GetVipis(TextView database, std::int32_t id, TextView export_folder) {
     return GuardedReport(u"Ошибка в функции GetVipis", database, [&](Text& file) {
-        const Text page = StatementOf(database, id);
+        PaperCopy paper;
+        Sheet sheet;
+        const Text page = StatementOf(database, id, paper.Wanted(sheet));
         file = ReportPath(export_folder, u"vipis.doc");
         WriteReport(file, page);
+        paper.Add(sheet);
+        paper.Write(file);
         return file;
     });
 }

@@ -61,13 +61,18 @@ void CloseColumns(Accumulators& sums) {
     sums.totals_done = true;
 }
 
-Text Total(std::size_t column, int mode) {
+double TotalOf(std::size_t column, int mode) {
     Accumulators& sums = Sums();
     if (!sums.totals_done) CloseColumns(sums);
     const Columns& columns = mode == kTurnover  ? sums.turnover
                              : mode == kOpening ? sums.opening
                                                 : sums.closing;
-    return columns[column] == 0 ? Text(kNoAmount) : AmountText(columns[column]);
+    return columns[column];
+}
+
+Text Total(std::size_t column, int mode) {
+    const double total = TotalOf(column, mode);
+    return total == 0 ? Text(kNoAmount) : AmountText(total);
 }
 
 Text FieldAmount(const Recordset& row, TextView field, int mode) {
@@ -93,6 +98,10 @@ Text GetMoney(const Recordset* row, TextView key, int mode) {
     if (ParseNumber(key)) return Total(ColumnNumber(key), mode);
     if (row == nullptr) throw Failure(RunTimeError::InvalidProcedureCall, key);
     return FieldAmount(*row, key, mode);
+}
+
+double ClosingBalance() {
+    return TotalOf(kColumns, kClosing) / kTenThousandths;
 }
 
 }  // namespace tav

@@ -23,4 +23,7 @@ enum MoneyMode { kTurnover = 0, kOpening = 1, kClosing = 2 };
 // looked at and may be absent.
 Text GetMoney(const Recordset* row, TextView key, int mode);
 
+// What GetMoney of "9" in mode 2 is the text of.
+double ClosingBalance();
+
 }  // namespace tav

@@ -6,29 +6,32 @@
 #include "reports/cells.h"
 #include "reports/fields.h"
 #include "reports/money.h"
-#include "reports/page.h"
+#include "reports/report_page.h"
 #include "reports/statement_columns.h"
+#include "reports/statement_picture.h"
 
 namespace tav {
 namespace {
 
 constexpr TextView kTitle = u"<h3>Справка по выписке операций по расчету с бюджетом</h3>";
 
-Text Heading(const Recordset& header, const std::optional<ShownTaxpayer>& shown, TextView period) {
+void AddHeading(ReportPage& page, const Recordset& header, const std::optional<ShownTaxpayer>& shown,
+                TextView period) {
     const Text inn = shown ? HtmlText(shown->inn) : FieldText(header, u"h1");
     const Text kpp = shown ? HtmlText(shown->kpp) : FieldText(header, u"h2");
     const Text name = shown ? HtmlText(shown->name) : FieldText(header, u"h3");
-    return GetHS(u"tr", {GetHS(u"td", {kTitle, u"#c2", u"#ac"}),
-                         GetHS(u"td", {u"ИНН:", u"#w15%", inn, u"#al"}), GetHS(u"td", {u"КПП:", kpp, u"#al"}),
-                         GetHS(u"td", {u"Наименование организации:", name, u"#al"}),
-                         GetHS(u"td", {u"Наименование налога:", FieldText(header, u"h8"), u"#al"}),
-                         GetHS(u"td", {u"КБК:", FieldText(header, u"h7"), u"#al"}),
-                         GetHS(u"td", {u"ОКАТО:", FieldText(header, u"h10"), u"#al"}),
-                         GetHS(u"td", {u"За период:", period, u"#al"}),
-                         GetHS(u"td", {u"Валюта:", FieldText(header, u"h11"), u"#al"})});
+    page.AddHeading({kTitle, u"#c2", u"#ac"});
+    page.AddHeading({u"ИНН:", u"#w15%", inn, u"#al"});
+    page.AddHeading({u"КПП:", kpp, u"#al"});
+    page.AddHeading({u"Наименование организации:", name, u"#al"});
+    page.AddHeading({u"Наименование налога:", FieldText(header, u"h8"), u"#al"});
+    page.AddHeading({u"КБК:", FieldText(header, u"h7"), u"#al"});
+    page.AddHeading({u"ОКАТО:", FieldText(header, u"h10"), u"#al"});
+    page.AddHeading({u"За период:", period, u"#al"});
+    page.AddHeading({u"Валюта:", FieldText(header, u"h11"), u"#al"});
 }
 
-Text ColumnHeadings() {
+void AddColumnHeadings(ReportPage& page) {
     std::vector<TextView> rows[2];
     for (const StatementColumn& column : StatementColumns()) {
         const HeadingItems* const items[] = {&column.upper, &column.lower};
@@ -38,8 +41,10 @@ Text ColumnHeadings() {
             }
         }
     }
-    for (std::vector<TextView>& row : rows) row.push_back(u"#ac");
-    return GetHS(u"tr", {GetHS(u"td", rows[0]), GetHS(u"td", rows[1])});
+    for (std::vector<TextView>& row : rows) {
+        row.push_back(u"#ac");
+        page.AddColumnHeadings(row);
+    }
 }
 
 // A row of the table: a cell and its codes for every column, `codes` behind the last one.
@@ -54,7 +59,8 @@ class Row {
         }
     }
 
-    Text Html(std::initializer_list<TextView> codes, std::initializer_list<TextView> row_codes) const {
+    void AddTo(ReportPage& page, std::initializer_list<TextView> codes,
+               std::initializer_list<TextView> row_codes) const {
         std::vector<TextView> items;
         for (std::size_t i = 0; i < contents_.size(); ++i) {
             const StatementColumn& column = StatementColumns()[i];
@@ -63,10 +69,7 @@ class Row {
             if (!column.alignment.empty()) items.push_back(column.alignment);
         }
         items.insert(items.end(), codes);
-        const Text cells = GetHS(u"td", items);
-        std::vector<TextView> row = {cells};
-        row.insert(row.end(), row_codes);
-        return GetHS(u"tr", row);
+        page.AddRow(items, row_codes);
     }
 
  private:
@@ -78,53 +81,66 @@ auto Labelled(TextView label) {
     return [label](const StatementColumn& column) { return Text(column.field == u"p3" ? label : u""); };
 }
 
-Text OpeningRow(const Recordset& balance) {
+void AddOpeningRow(ReportPage& page, const Recordset& balance) {
     const Row row(Labelled(u"Сальдо на начало"), [&](const StatementColumn& column) {
         return column.opening.empty() ? Text() : GetMoney(&balance, column.field, kOpening);
     });
-    return row.Html({u"#ar", u"#b1", u"#u2"}, {u"#b0", u"#u0"});
+    row.AddTo(page, {u"#ar", u"#b1", u"#u2"}, {u"#b0", u"#u0"});
 }
 
-Text OperationRow(const Recordset& operation) {
+void AddOperationRow(ReportPage& page, const Recordset& operation) {
     const Row row(
         [&](const StatementColumn& column) { return FieldText(operation, column.field); },
         [&](const StatementColumn& column) { return GetMoney(&operation, column.field, kTurnover); });
-    return row.Html({u"#ar"}, {});
+    row.AddTo(page, {u"#ar"}, {});
 }
 
-Text TurnoverRow() {
+void AddTurnoverRow(ReportPage& page) {
     const Row row(Labelled(u"Обороты"), [](const StatementColumn& column) {
         return column.turnover ? GetMoney(nullptr, column.Number(), kTurnover) : Text();
     });
-    return row.Html({u"#ar", u"#b1", u"#u2"}, {u"#b0", u"#u0"});
+    row.AddTo(page, {u"#ar", u"#b1", u"#u2"}, {u"#b0", u"#u0"});
 }
 
 // Without a top rule.
-Text ClosingRow() {
+void AddClosingRow(ReportPage& page) {
     const Row row(Labelled(u"Сальдо на конец"), [](const StatementColumn& column) {
         return column.opening.empty() ? Text() : GetMoney(nullptr, column.Number(), kClosing);
     });
-    return row.Html({u"#ar", u"#b1"}, {u"#b0"});
+    row.AddTo(page, {u"#ar", u"#b1"}, {u"#b0"});
 }
 
 }  // namespace
 
-Text StatementPage(Connection& connection, Recordset& headers, const std::optional<ShownTaxpayer>& shown) {
+Text StatementPage(Connection& connection, Recordset& headers, Sheet* copy,
+                   const std::optional<ShownTaxpayer>& shown) {
     const Recordset first = headers;
     const std::int64_t first_id = WholeNumber(first, u"id");
     Text end;
-    for (Recordset each = headers; !each.Eof(); each.MoveNext()) end = FieldText(each, u"pere");
+    Value last_day;
+    for (Recordset each = headers; !each.Eof(); each.MoveNext()) {
+        end = FieldText(each, u"pere");
+        last_day = each.Field(u"pere");
+    }
+    StatementPicture picture(copy == nullptr ? nullptr : &copy->balance);
     // The order of the calls is the order of the page, because the cells' state is sticky.
-    const Text heading = Heading(first, shown, FieldText(first, u"perb").append(u"-").append(end));
-    Text rows = ColumnHeadings();
-    rows += OpeningRow(connection.Execute(OpeningSelect(isns(first.Field(u"perb")), first_id)));
+    ReportPage page(copy);
+    AddHeading(page, first, shown, FieldText(first, u"perb").append(u"-").append(end));
+    AddColumnHeadings(page);
+    const Recordset balance = connection.Execute(OpeningSelect(isns(first.Field(u"perb")), first_id));
+    picture.TakeOpening(balance);
+    AddOpeningRow(page, balance);
     for (; !headers.Eof(); headers.MoveNext()) {
         Recordset operations = connection.Execute(OperationsSelect(WholeNumber(headers, u"id")));
-        for (; !operations.Eof(); operations.MoveNext()) rows += OperationRow(operations);
+        for (; !operations.Eof(); operations.MoveNext()) {
+            picture.TakeOperation(operations);
+            AddOperationRow(page, operations);
+        }
     }
-    rows += TurnoverRow();
-    rows += ClosingRow();
-    return Page(heading, rows);
+    AddTurnoverRow(page);
+    AddClosingRow(page);
+    picture.Finish(first.Field(u"perb"), last_day);
+    return page.Html();
 }
 
 }  // namespace tav

@@ -5,6 +5,7 @@
 
 #include "common/text.h"
 #include "db/connection.h"
+#include "pdf/sheet.h"
 #include "reports/taxpayer_shown.h"
 
 namespace tav {
@@ -15,8 +16,10 @@ namespace tav {
 // past its end afterwards. Without a row, a Failure with the recordset's own words. The heading names `shown`
 // as the taxpayer, else the first row's own INN, KPP and name.
 //
+// `copy`, if there is one, gets the same page as a sheet.
+//
 // The calls of GetMoney leave the statement's totals behind, for a summary to show.
-Text StatementPage(Connection& connection, Recordset& headers,
+Text StatementPage(Connection& connection, Recordset& headers, Sheet* copy,
                    const std::optional<ShownTaxpayer>& shown = std::nullopt);
 
 }  // namespace tav

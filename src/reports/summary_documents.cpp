@@ -50,9 +50,12 @@ Text WriteSummary(const SummaryPlan& plan, const SummaryRequest& request, const 
         summary.kind = plan.kind;
         summary.inn = request.inn;
         summary.kpp = request.kpp;
+        PaperCopy paper;
+        Sheet sheet;
+        SummaryCopy copy{paper, paper.Wanted(sheet)};
         Text page;
         try {
-            page = build(connection, summary, file);
+            page = build(connection, summary, file, copy);
         } catch (const CancelledSummary& cancelled) {
             ShowCancelled(cancelled, request.export_folder);
             return {};
@@ -60,6 +63,9 @@ Text WriteSummary(const SummaryPlan& plan, const SummaryRequest& request, const 
         if (!page.empty()) {
             file = ReportPath(request.export_folder, plan.name);
             WriteReport(file, page);
+            sheet.amounts.bars = copy.bars.Bars();
+            paper.Add(sheet);
+            paper.Write(file);
             summary.path = file;
         }
         if (summary.codes.empty()) summary.codes = CodesOf(summary.documents);

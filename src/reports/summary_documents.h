@@ -10,6 +10,8 @@
 
 #include "common/text.h"
 #include "db/connection.h"
+#include "reports/closing_bars.h"
+#include "reports/paper.h"
 #include "reports/summary_choice.h"
 
 namespace tav {
@@ -46,7 +48,13 @@ struct SummaryRequest {
 // folder and returns its path. A page of empty text means that there are no rows: nothing is written and the
 // path is empty. What fails is shown under `title` (page.h). A `build` that writes files of its own sets
 // `file` to each of them first; when it is cancelled, it throws how far it has come.
-using BuildSummary = std::function<Text(Connection& connection, Summary& summary, Text& file)>;
+struct SummaryCopy {
+    PaperCopy& paper;
+    Sheet* sheet;  // of the summary itself, added to the paper last; null when no copy is wanted
+    ClosingBars bars = {};
+};
+using BuildSummary =
+    std::function<Text(Connection& connection, Summary& summary, Text& file, SummaryCopy& copy)>;
 struct CancelledSummary {
     int done = 0;  // pages
     int of = 0;

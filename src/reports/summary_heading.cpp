@@ -1,7 +1,6 @@
 #include "reports/summary_heading.h"
 
 #include <utility>
-#include <vector>
 
 #include "db/literals.h"
 #include "reports/cells.h"
@@ -29,19 +28,16 @@ void ChooseCode(Connection& connection, const SqlText& codes, Summary& summary) 
     }
 }
 
-Text SummaryHeading(TextView title, const ShownTaxpayer& of_documents,
-                    const std::optional<CodeAndTax>& consolidated) {
+void AddSummaryHeading(ReportPage& page, TextView title, const ShownTaxpayer& of_documents,
+                       const std::optional<CodeAndTax>& consolidated) {
     const ShownTaxpayer taxpayer = ChosenTaxpayer().value_or(of_documents);
-    std::vector<Text> rows = {
-        GetHS(u"td", {title, u"#c2", u"#ac"}),
-        GetHS(u"td", {u"Наименование организации:", u"#w15%", HtmlText(taxpayer.name), u"#al"}),
-        GetHS(u"td", {u"ИНН:", HtmlText(taxpayer.inn), u"#al"}),
-        GetHS(u"td", {u"КПП:", HtmlText(taxpayer.kpp), u"#al"})};
-    if (consolidated) {
-        rows.push_back(GetHS(u"td", {u"КБК:", HtmlText(consolidated->code), u"#al"}) +
-                       GetHS(u"td", {u"Наименование налога:", HtmlText(consolidated->tax), u"#al"}));
-    }
-    return GetHS(u"tr", std::vector<TextView>(rows.begin(), rows.end()));
+    page.AddHeading({title, u"#c2", u"#ac"});
+    page.AddHeading({u"Наименование организации:", u"#w15%", HtmlText(taxpayer.name), u"#al"});
+    page.AddHeading({u"ИНН:", HtmlText(taxpayer.inn), u"#al"});
+    page.AddHeading({u"КПП:", HtmlText(taxpayer.kpp), u"#al"});
+    if (!consolidated) return;
+    page.AddHeading({u"КБК:", HtmlText(consolidated->code), u"Наименование налога:",
+                     HtmlText(consolidated->tax), u"#al"});
 }
 
 }  // namespace tav

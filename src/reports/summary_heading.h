@@ -9,6 +9,7 @@
 
 #include "common/text.h"
 #include "db/connection.h"
+#include "reports/report_page.h"
 #include "reports/summary_documents.h"
 #include "reports/taxpayer_shown.h"
 
@@ -26,9 +27,9 @@ struct CodeAndTax {
     Text tax;
 };
 
-// The heading's row: the title (HTML), then name, INN and KPP, which are the chosen taxpayer's where one is
-// chosen, else the documents' own; in the consolidated variant the code and its tax follow.
-Text SummaryHeading(TextView title, const ShownTaxpayer& of_documents,
-                    const std::optional<CodeAndTax>& consolidated);
+// The heading: the title (HTML), then name, INN and KPP, which are the chosen taxpayer's where one is chosen,
+// else the documents' own; in the consolidated variant the code and its tax follow.
+void AddSummaryHeading(ReportPage& page, TextView title, const ShownTaxpayer& of_documents,
+                       const std::optional<CodeAndTax>& consolidated);
 
 }  // namespace tav

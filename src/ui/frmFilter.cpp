@@ -7,6 +7,7 @@
 #include "platform/files.h"
 #include "reports/get_files.h"
 #include "reports/get_files_act.h"
+#include "reports/paper.h"
 #include "settings/settings.h"
 
 namespace tav {
@@ -132,7 +133,7 @@ void frmFilter::Command1_Click() {
     if (path.empty()) {
         ShowNothingToSumUp();
     } else {
-        OpenDocument(path);
+        OpenDocument(ToOpen(path));
     }
 }
 

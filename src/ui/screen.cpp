@@ -4,6 +4,8 @@
 #include "common/message_box.h"
 #include "common/progress.h"
 #include "forms/forms.h"
+#include "reports/paper.h"
+#include "ui/open_as.h"
 #include "ui/window_progress.h"
 
 namespace tav {
@@ -19,6 +21,7 @@ class WindowBox : public MessageBox {
 void UseWindows() {
     static WindowBox box;
     static WindowProgress progress;
+    MakePaperCopies(OpensPaper);
     CurrentToolkit();
     SetDefaultMessageBox(box);
     SetDefaultProgress(progress);

@@ -120,7 +120,7 @@ TEST_F(StatementReport, JoinsTheOperationsOfSeveralHeaders) {
     Connection connection;
     connection.OpenForReading(ConnectionString(database_));
     Recordset headers = connection.Execute(u"select * from tav_operations_header order by perb");
-    const Text page = StatementPage(connection, headers);
+    const Text page = StatementPage(connection, headers, nullptr);
     EXPECT_TRUE(headers.Eof());
     EXPECT_THAT(ToUtf8(page), HasSubstr("01.01.2011-30.06.2011"));
     EXPECT_THAT(ToUtf8(page), HasSubstr("18210101011011000110"));

@@ -282,7 +282,9 @@ class Impatient : public Progress {
 TEST_F(Summaries, AreCancelledBetweenTwoPages) {
     CancelStamp() = 1;  // of an import before
     Impatient progress([&](int times) {
-        if (times == 2) EXPECT_EQ(GetVipis(database_, 1, out_), u"");
+        if (times == 2) {
+            EXPECT_EQ(GetVipis(database_, 1, out_), u"");
+        }
         if (times == 3) RequestCancel();
     });
     const ScopedProgress scope(progress);

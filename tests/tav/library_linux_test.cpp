@@ -6,7 +6,10 @@
 #include <algorithm>
 #include <csignal>
 #include <fstream>
+#include <regex>
+#include <set>
 
+#include "common/windows1251.h"
 #include "platform/files.h"
 #include "samples/generator.h"
 #include "support/process.h"
@@ -135,7 +138,36 @@ TEST_F(Outside, ViewOpensTheStatementOfANumber) {
     EXPECT_THAT(Tav({"view_v_id", "999"}, with_opener).err, HasSubstr("GetVipis"));
     EXPECT_EQ(Tav({"view_v_id", "4"}, with_opener).err, "");
     for (int i = 0; i < 100 && !FileExists(folder_ / u"opened"); ++i) RunAny("sleep", {"0.1"});
-    EXPECT_EQ(ReadFile(folder_ / u"opened"), Path(u"reports/vipis.doc") + "\n");
+    // Nothing is there for ".doc", so the copy on paper is opened.
+    EXPECT_EQ(ReadFile(folder_ / u"opened"), Path(u"reports/vipis.pdf") + "\n");
+    EXPECT_TRUE(FileExists(folder_ / u"reports/vipis.doc"));
+}
+
+std::multiset<std::string> AmountsIn(const std::string& text) {
+    static const std::regex amount("[0-9]{1,3}( [0-9]{3})*,[0-9]{2}");
+    const std::sregex_iterator first(text.begin(), text.end(), amount);
+    std::multiset<std::string> amounts;
+    for (auto match = first; match != std::sregex_iterator(); ++match) amounts.insert(match->str());
+    return amounts;
+}
+
+// Each amount in one piece, with plain blanks as pdftotext has it; pictures have some more numbers.
+TEST_F(Outside, ReportsOnPaperHaveTheSameAmountsAndLinks) {
+    ASSERT_EQ(Ask("import").status, 0);
+    const Outcome made = Tav({"report", "statements", "--inn", kInn, "--kpp", kKpp, "--pdf"}, WithoutScreen);
+    EXPECT_EQ(made.out, Path(u"reports/index.doc") + "\n" + Path(u"reports/index.pdf") + "\n");
+    std::string html;
+    for (const Text& name : ListFiles(folder_ / u"reports", u".doc")) {
+        html += ToUtf8(ReplaceAll(FromWindows1251(ReadFile(folder_ / u"reports/" + name)), u"\u00A0", u" "));
+    }
+    const std::multiset<std::string> expected = AmountsIn(html);
+    EXPECT_GT(expected.size(), 100U);
+    const Outcome text = RunAny("pdftotext", {"-layout", Path(u"reports/index.pdf"), "-"});
+    const std::multiset<std::string> shown = AmountsIn(text.out);
+    EXPECT_TRUE(std::includes(shown.begin(), shown.end(), expected.begin(), expected.end())) << text.out;
+    EXPECT_THAT(text.out, AllOf(HasSubstr("Страница 2 из 2"), Not(HasSubstr("&nbsp;"))));
+    const std::string pdf = ReadFile(folder_ / u"reports/index.pdf");
+    EXPECT_THAT(pdf, AllOf(HasSubstr("/S /GoTo\n/D ["), Not(HasSubstr("/S /URI"))));
 }
 
 // With nobody at the screen: the window opens, imports and goes.

@@ -27,6 +27,7 @@ class Desktop : public testing::Test {
         WriteSetting(u"DataBasePath", folder_.path());
         WriteSetting(u"ImportPath", folder_ / u"in");
         WriteSetting(u"ExportPath", folder_ / u"reports");
+        WriteSetting(u"OpenAs", u"doc");
         CancelStamp() = 0;
     }
     ~Desktop() override {

@@ -137,9 +137,19 @@ void MakeApplication(const QString& platform) {
     }
 }
 
+// Why there are no windows, in a process that only draws.
+Text& NoScreen() {
+    static Text& why = *new Text;
+    return why;
+}
+
 }  // namespace
 
 bool EnsureApplication(Text& why) {
+    if (!NoScreen().empty()) {
+        why = NoScreen();
+        return false;
+    }
     if (const QCoreApplication* host = QCoreApplication::instance(); host != nullptr) {
         if (qobject_cast<const QApplication*>(host) == nullptr) {
             why = u"приложение Qt этого процесса создано без окон";
@@ -159,6 +169,30 @@ bool EnsureApplication(Text& why) {
     }
     if (why.empty()) why = u"нет экрана (не заданы ни DISPLAY, ни WAYLAND_DISPLAY)";
     return false;
+}
+
+bool EnsureDrawing(Text& why) {
+    if (const QCoreApplication* host = QCoreApplication::instance(); host != nullptr) {
+        if (qobject_cast<const QGuiApplication*>(host) == nullptr) {
+            why = u"приложение Qt этого процесса создано без шрифтов";
+        }
+        return why.empty();
+    }
+    // With a screen windows may follow.
+    if (EnsureApplication(why)) return true;
+    const QString offscreen = QStringLiteral("offscreen");
+    if (!HasPlugin(offscreen)) {
+        why = u"нет модуля Qt для работы без экрана (offscreen)";
+        return false;
+    }
+    NoScreen() = why;
+    why.clear();
+    // What Qt says of a session that is missing tells nobody anything.
+    const QtMessageHandler before =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+    MakeApplication(offscreen);
+    qInstallMessageHandler(before);
+    return true;
 }
 
 }  // namespace tav

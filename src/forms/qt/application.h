@@ -11,4 +11,8 @@ namespace tav {
 // Whether there is an application now that windows can be made in by this thread; `why` says why not.
 bool EnsureApplication(Text& why);
 
+// The same for drawing on paper, which needs no screen. A process that began without one has no windows later
+// on either.
+bool EnsureDrawing(Text& why);
+
 }  // namespace tav
