@@ -62,6 +62,17 @@ std::vector<ListRow> ListFolder(TextView folder, const std::function<bool()>& go
     return rows;
 }
 
+void AddStates(std::vector<ListRow>& rows, const ImportAccount& account) {
+    std::unordered_map<TextView, const FileAccount*> by_name;
+    for (const FileAccount& file : account.files) by_name.emplace(file.name, &file);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const auto found = by_name.find(FolderRows()[i].name);
+        if (found == by_name.end() || found->second->remarks.empty()) continue;
+        rows[i].text.append(kGap).append(TextOf(found->second->remarks.front().finding).state);
+        rows[i].tool_tip.append(u"\n").append(found->second->Words());
+    }
+}
+
 const std::vector<FolderRow>& FolderRows() {
     return Last().rows;
 }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "forms/forms.h"
+#include "load/account.h"
 
 namespace tav {
 
@@ -21,5 +22,9 @@ std::vector<ListRow> ListFolder(TextView folder, const std::function<bool()>& go
 
 // What the last listing listed.
 const std::vector<FolderRow>& FolderRows();
+
+// Adds to every row what became of its file: the state to the row, the reasons to its tool-tip. The files of the account
+// are found by their names.
+void AddStates(std::vector<ListRow>& rows, const ImportAccount& account);
 
 }  // namespace tav

@@ -46,6 +46,20 @@ bool IsStored(TextView name, TextView text) {
     }
 }
 
+// "Загружено: 8; Не распознано: 1".
+Text CountsOfStates(const ImportAccount& account) {
+    Text counts;
+    for (const FindingText& finding : FindingTexts()) {
+        const int number = account.Count(finding.finding);
+        if (number == 0) continue;
+        counts.append(counts.empty() ? u"" : u"; ")
+            .append(finding.counted)
+            .append(u": ")
+            .append(Digits(number));
+    }
+    return counts;
+}
+
 Text TaxpayerLine(TextView inn, TextView kpp) {
     Text line = Concat(u"ИНН: ", inn);
     if (kpp != kAllSubdivisions) line += Concat(u"     КПП: ", kpp);
@@ -146,6 +160,7 @@ void frmmain::ScheduleRefresh() {
 }
 
 void frmmain::txtImport_Change() {
+    outcome_.clear();
     ScheduleRefresh();
 }
 
@@ -217,6 +232,9 @@ void frmmain::ShowCounts(const Text& information) {
 void frmmain::ShowAbout(bool busy) {
     Text about = Text(u"База данных: ").append(getbase());
     if (busy) about.append(u"\r\nБаза данных занята: списки обновятся, когда она освободится.");
+    if (!outcome_.empty()) about.append(u"\r\n").append(outcome_);
+    const Text states = CountsOfStates(FolderAccount());
+    if (!states.empty()) about.append(u"\r\n").append(states);
     txtAbout.Set(about);
 }
 
@@ -234,7 +252,10 @@ void frmmain::Command1_Click() {
     Command1.Enable(false);
     const Text move_to = chkImportPath.Checked() ? UserPath(txtOut.Get()) : Text();
     const Text inn = Taxpayer().inn;  // the host may go on to another meanwhile
-    RunImport({UserPath(txtImport.Get()), move_to}, inn, Kpp());
+    const ImportResult result = RunImport({UserPath(txtImport.Get()), move_to}, inn, Kpp());
+    outcome_ = result.outcome == ImportOutcome::Nothing     ? Text()
+               : result.outcome == ImportOutcome::Cancelled ? Text(u"Импорт прерван.")
+                                                            : ClosingSentence(result.account);
     PBar.Set(0);
     Refill();
 }

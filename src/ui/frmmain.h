@@ -72,6 +72,7 @@ class frmmain : public Form {
     Timer Timer1{*this, u"Timer1"};
     Timer Timer2{*this, u"Timer2"};
     Text base_counts_;  // of the documents in lstBase
+    Text outcome_;      // of the last import, while its folder is shown
     bool refreshing_ = false;
     bool refreshed_ = false;
 };

@@ -4,6 +4,7 @@
 #include "common/guard.h"
 #include "db/holdings.h"
 #include "db/literals.h"
+#include "load/account_of_folder.h"
 #include "load/known_files.h"
 #include "platform/files.h"
 #include "reports/page_names.h"
@@ -18,6 +19,7 @@ constexpr TextView kGap = u"   ";
 constexpr TextView kTo = u" - ";
 
 Text shown_failure;
+ImportAccount folder_account;
 
 // "18210101011011000110   45286552000   201101 - 201103 (01.01.2011 - 31.03.2011) Налог на прибыль Выписка".
 // Up to the months the row, its gaps turned into "_", is how the name of its page ends in the folder of
@@ -107,12 +109,14 @@ Text SetFiles(ListBox& list, FilesOf source, TextView path, TextView inn, TextVi
     Text name;
     Text base_counts;
     Text file_counts;
+    std::vector<ListRow> files;
     busy = false;
     const Text database = source == FilesOf::Database ? Text(path) : getbase();
     GuardedBy(
         [&] {
             if (source == FilesOf::Folder) {
-                list.SetRows(ListFolder(path, go_on));
+                folder_account = {};
+                files = ListFolder(path, go_on);
                 file_counts = FolderCounts(path, FolderRows().size());
             }
             Connection connection;
@@ -123,6 +127,9 @@ Text SetFiles(ListBox& list, FilesOf source, TextView path, TextView inn, TextVi
             base_counts = CountsOf(documents);
             if (source == FilesOf::Folder) {
                 file_counts += LeftToLoad(ReadKnownFiles(connection));
+                connection.Close();
+                if (!files.empty()) folder_account = AccountOfFolder(path, database, inn, kpp);
+                AddStates(files, folder_account);
             } else {
                 std::vector<ListRow> rows;
                 rows.reserve(documents.size());
@@ -137,7 +144,12 @@ Text SetFiles(ListBox& list, FilesOf source, TextView path, TextView inn, TextVi
             if (source == FilesOf::Database) list.SetRows({});
             ShowOnce(failure, database);
         });
+    if (source == FilesOf::Folder) list.SetRows(std::move(files));
     return Concat(name, u"*", base_counts, u"*", file_counts);
+}
+
+const ImportAccount& FolderAccount() {
+    return folder_account;
 }
 
 Text FileOfRow(int row) {

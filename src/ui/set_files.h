@@ -7,6 +7,7 @@
 #include <functional>
 
 #include "common/text.h"
+#include "load/account.h"
 #include "ui/form.h"
 
 namespace tav {
@@ -30,6 +31,9 @@ enum class FilesOf {
 Text SetFiles(
     ListBox& list, FilesOf source, TextView path, TextView inn, TextView kpp, bool& busy,
     const std::function<bool()>& go_on = [] { return true; });
+
+// What became of the files that the last listing of a folder listed; of nothing when the database could not be read.
+const ImportAccount& FolderAccount();
 
 // The full path of the file in a row of the folder's list; empty for no such row.
 Text FileOfRow(int row);

@@ -39,8 +39,9 @@ TEST_F(Windows, ImportsFromTheMainWindow) {
     EXPECT_FALSE(IsEnabled(Main("Command3")));
     const auto listed = RowsOf(Main("lstFile"));
     ASSERT_THAT(listed, SizeIs(10));
-    EXPECT_EQ(listed[0], "18210101011011000110   45280000000   01.01.2009 - 28.03.2009   v0000.rtf");
-    EXPECT_THAT(listed, Contains("чужой.rtf"));
+    EXPECT_EQ(listed[0],
+              "18210101011011000110   45280000000   01.01.2009 - 28.03.2009   v0000.rtf   ещё не загружен");
+    EXPECT_THAT(listed, Contains("чужой.rtf   не распознан"));
 
     Click(Main("Command1"));
     ASSERT_TRUE(WaitCounts("lblInfoBase", "Выписок в базе данных: 6\r\nАктов в базе данных: 1"));
@@ -51,6 +52,9 @@ TEST_F(Windows, ImportsFromTheMainWindow) {
                                EndsWith(" Выписка")));
     EXPECT_TRUE(IsEnabled(Main("Command3")));
     EXPECT_TRUE(IsEnabled(Main("Command6")));
+    EXPECT_THAT(RowsOf(Main("lstFile")), Contains(EndsWith("v0000.rtf   загружен")));
+    EXPECT_THAT(TextOf(Main("txtAbout")),
+                AllOf(HasSubstr("Загружено документов: 9."), HasSubstr("Загружено: 9; Не распознано: 1")));
     EXPECT_THAT(Shown(), IsEmpty());
 }
 
