@@ -3,10 +3,14 @@
 
 #include <unordered_map>
 
+#include "convert/scan_account.h"
 #include "load/account.h"
 #include "load/known_files.h"
 
 namespace tav {
+
+// What a scan knows of the folder as a whole, one sentence each.
+std::vector<Text> NoticesOf(const ScanAccount& scan);
 
 class AccountMaker {
  public:
@@ -14,6 +18,8 @@ class AccountMaker {
     void Add(const Text& file, Remark remark);
     // The same, to be told before what was added until now.
     void AddFirst(const Text& file, Remark remark);
+    // What a scan knows of the file, beside what was found of its documents.
+    void AddScanned(const ScannedFile& file, bool held);
     // Something of the file has been stored now.
     void Stored(const Text& file) { found_[file].now = true; }
     // What was found of the file, or that it was stored, is taken back.

@@ -101,6 +101,7 @@ class Load {
     }
 
     void Run(TextView database);
+    void Know(const ScanAccount* scan) { scan_ = scan; }
 
     ImportAccount account;
     Text unmovable;            // the file that could not be moved, if that ended the load
@@ -121,6 +122,7 @@ class Load {
     Text move_folder_;  // empty, or with its separator
     Connection connection_;
     std::vector<Text> listed_;
+    const ScanAccount* scan_ = nullptr;
     AccountMaker found_;
 
     // What has been stored and not yet reached the disk.
@@ -213,6 +215,14 @@ void Load::EndUnit() {
 void Load::TakeAccount() {
     HeldFiles held;
     GuardedBy([&] { held = ReadHeldFiles(connection_); }, [](const Failure&) {});
+    if (scan_ != nullptr) {
+        listed_.clear();
+        for (const ScannedFile& file : scan_->files) {
+            listed_.push_back(file.name);
+            found_.AddScanned(file, held.contains(UpperCase(file.name)));
+        }
+        account.notices = NoticesOf(*scan_);
+    }
     account.files = found_.FilesOf(listed_, held);
 }
 
@@ -285,9 +295,10 @@ void Load::Move(const Text& name) {
 }  // namespace
 
 ImportAccount LoadFromXml(TextView catalogue, TextView database, TextView inn, TextView kpp,
-                          TextView move_folder) {
+                          TextView move_folder, const ScanAccount* scan) {
     constexpr TextView kTitle = u"Ошибка в функции LoadFromXml";
     Load load(catalogue, inn, kpp, move_folder);
+    load.Know(scan);
     GuardedBy(
         [&] {
             load.Run(database);

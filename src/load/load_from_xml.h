@@ -10,14 +10,16 @@
 // the document and ends the load; what was loaded before stays.
 #pragma once
 
+#include "convert/scan_account.h"
 #include "load/account.h"
 
 namespace tav {
 
 // `catalogue`: full path of listfiles.xml, whose folder is the source files' too. `inn`: the taxpayer's INN,
 // or several between "|". `kpp`: a KPP; 16 characters or more match any. `move_folder`: empty when nothing is
-// to be moved.
+// to be moved. `scan`: what the scan before it knows of the folder, for the account; without it the account tells
+// what the catalogue lists.
 ImportAccount LoadFromXml(TextView catalogue, TextView database, TextView inn, TextView kpp,
-                          TextView move_folder);
+                          TextView move_folder, const ScanAccount* scan = nullptr);
 
 }  // namespace tav

@@ -41,8 +41,9 @@ void RefuseDuringImport() {
     if (running) throw FileInUse(getbase());
 }
 
-ImportAccount LoadCatalogue(TextView catalogue, TextView inn, TextView kpp, TextView move_folder) {
-    ImportAccount account = LoadFromXml(catalogue, getbase(), inn, kpp, move_folder);
+ImportAccount LoadCatalogue(TextView catalogue, TextView inn, TextView kpp, TextView move_folder,
+                            const ScanAccount* scan) {
+    ImportAccount account = LoadFromXml(catalogue, getbase(), inn, kpp, move_folder, scan);
     if (account.complete || account.documents > 0) ConstrTabTypeOper(getbase());
     return account;
 }
@@ -51,12 +52,13 @@ ImportResult RunImport(const ImportFolders& folders, TextView inn, TextView kpp)
     ImportResult result;
     if (running || folders.import.empty() || !PassCancelGuard()) return result;
     const RunningImport this_one;
-    const Text catalogue = CheckXml(folders.import).catalogue;
+    const ScanAccount scan = CheckXml(folders.import, folders.acts_as_xml);
+    const Text& catalogue = scan.catalogue;
     if (catalogue.empty()) {
         result.outcome = CancelStamp() != 0 ? ImportOutcome::Cancelled : ImportOutcome::NoCatalogue;
         return result;
     }
-    result.account = LoadCatalogue(catalogue, inn, kpp, folders.move_to);
+    result.account = LoadCatalogue(catalogue, inn, kpp, folders.move_to, &scan);
     result.outcome = ImportOutcome::Done;
     return result;
 }

@@ -1,14 +1,17 @@
 // One unattended import, from a folder of documents to the database.
 #pragma once
 
+#include <optional>
+
 #include "common/text.h"
 #include "load/load_from_xml.h"
 
 namespace tav {
 
 struct ImportFolders {
-    Text import;   // scanned; empty: there is nothing to import
-    Text move_to;  // loaded documents are moved there; empty: they stay
+    Text import;                           // scanned; empty: there is nothing to import
+    Text move_to;                          // loaded documents are moved there; empty: they stay
+    std::optional<bool> acts_as_xml = {};  // whether acts as XML are listed; none: as the setting says
 };
 
 // The folders as the settings have them: ImportPath, and OutPath when ChkOut is true (TEMP when OutPath is
@@ -35,8 +38,10 @@ bool ImportRunning();
 void RefuseDuringImport();
 
 // Loads a catalogue (LoadFromXml) and numbers the new operation types, but where the database itself stopped
-// the load before anything was stored: what it has to say has been shown by then.
-ImportAccount LoadCatalogue(TextView catalogue, TextView inn, TextView kpp, TextView move_folder);
+// the load before anything was stored: what it has to say has been shown by then. `scan`: what the scan that wrote the
+// catalogue has said; none when the catalogue is all there is.
+ImportAccount LoadCatalogue(TextView catalogue, TextView inn, TextView kpp, TextView move_folder,
+                            const ScanAccount* scan = nullptr);
 
 // Scans the folder, loads the catalogue for the taxpayer, numbers the new operation types. What fails is
 // shown by the procedures themselves.
