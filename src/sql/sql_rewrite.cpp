@@ -366,7 +366,7 @@ TextView Parameter::Where(const SqlText& sql) const {
 }
 
 std::optional<TextView> Parameter::WholeValue(const SqlText& sql) const {
-    if (kind != TokenKind::String || end_value - first_value != 1 || before != 1 || behind != 1) {
+    if (kind != TokenKind::String || end_value - first_value != 1 || before != 1 || after != 1) {
         return std::nullopt;
     }
     const SqlText::Span& value = sql.values()[first_value];
@@ -384,7 +384,7 @@ Text Parameter::Words(const SqlText& sql) const {
         words.append(text.substr(value.begin, value.length));
         at = value.begin + value.length;
     }
-    return words.append(WithoutDoubling(text.substr(at, behind - 1)));
+    return words.append(WithoutDoubling(text.substr(at, after - 1)));
 }
 
 Value Parameter::Read(const SqlText& sql) const {
