@@ -199,21 +199,6 @@ TEST_F(Loader, KeepsOneCurrentVersionOfASeries) {
     EXPECT_THAT(Shown(), IsEmpty());
 }
 
-TEST_F(Loader, KeepsSupersededStatementsUntilTheirFileHasLeft) {
-    Load({{u"a", StatementPart({}, {u"p10=1.00"})},
-          {u"b", StatementPart({.end = u"30.06.2011"}, {u"p10=2.00"})},
-          {u"act", ActPart({}, u"p0011=1.00")}});
-    const std::string before = ReadFile(database_);
-    EXPECT_EQ(Load().Count(Finding::Superseded), 1);
-    EXPECT_EQ(ReadFile(database_), before);
-    Load({{u"b", u""}});
-    EXPECT_THAT(Rows(u"select id from tav_operations_header order by id"), ElementsAre("2", "3"));
-    EXPECT_THAT(Rows(u"select id from tav_operations order by id"), ElementsAre("2"));
-    Load({{u"c", StatementPart({.end = u"30.09.2011"}, {u"p10=3.00"})}});
-    EXPECT_THAT(Rows(u"select id, vid from tav_operations_header order by id"),
-                ElementsAre("2|-", "3|-", "4|1"));
-}
-
 // The fourth statement would have superseded the first one.
 TEST_F(Loader, UndoesAFaultyDocumentAndNoOther) {
     const Text broken = StatementPart({.end = u"30.06.2011"}, {u"p10=1.00"}) +
