@@ -43,6 +43,10 @@ class RecordingEngine : public Engine {
         return engine_->Execute(sql);
     }
     void EndUnit() override { engine_->EndUnit(); }
+    void SetSavepoint() override { engine_->SetSavepoint(); }
+    void ReleaseSavepoint() override { engine_->ReleaseSavepoint(); }
+    void RollBackToSavepoint() override { engine_->RollBackToSavepoint(); }
+    std::vector<TextSize> TextSizes(TextView table) override { return engine_->TextSizes(table); }
     std::uint64_t RoomLeft() const override { return engine_->RoomLeft(); }
     void Close() override { engine_->Close(); }
 
