@@ -20,6 +20,7 @@ TEST(Holdings, AreCountedWithThoseWhosePeriodNoOtherMeets) {
             TextView line = GetNext(lines, u"\n");
             HeldDocument document;
             document.act = GetNext(line, u" ") == u"акт";
+            document.current = !document.act;
             for (Text* field : {&document.inn, &document.kpp, &document.code, &document.okato})
                 *field = GetNext(line, u" ");
             document.begin = Day(GetNext(line, u" "));

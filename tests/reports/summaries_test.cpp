@@ -349,7 +349,7 @@ TEST_F(Summaries, ShowAFailureOnce) {
     ShowNothingToSumUp();
     ASSERT_EQ(shown_.messages.size(), 1U);
     EXPECT_EQ(shown_.messages[0].title, u"Ошибка в функции GetFiles");
-    EXPECT_EQ(GetFilesAct(database_, u"x'", kKpp, out_), u"");
+    EXPECT_EQ(GetFilesAct(folder_ / u"none.mdb", kInn, kKpp, out_), u"");
     ASSERT_EQ(shown_.messages.size(), 2U);
     EXPECT_EQ(shown_.messages[1].title, u"Ошибка в функции GetFilesAct");
 }

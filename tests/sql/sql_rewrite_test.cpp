@@ -102,9 +102,9 @@ TEST(SqlShape, FixedPiecesAndKindsOfValuesDecide) {
 
 TEST(SqlShape, LiteralsOfAPlainTextBecomeValues) {
     const SqlText sql = WithValues(SqlText(u"select 1 from t where a='x''y' and b=5 and c<>2 order by 1"));
-    EXPECT_EQ(sql.text(), u"select 1 from t where a='x''y' and b=5 and c<>2 order by 1");
+    EXPECT_EQ(sql.text(), u"select 1 from t where a='x'y' and b=5 and c<>2 order by 1");
     ASSERT_EQ(sql.values().size(), 2U);
-    EXPECT_EQ(sql.text().substr(sql.values()[0].begin, sql.values()[0].length), u"x''y");
+    EXPECT_EQ(sql.text().substr(sql.values()[0].begin, sql.values()[0].length), u"x'y");
     EXPECT_EQ(sql.text().substr(sql.values()[1].begin, sql.values()[1].length), u"5");
 }
 

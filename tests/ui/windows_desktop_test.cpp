@@ -52,9 +52,11 @@ TEST_F(Windows, ImportsFromTheMainWindow) {
                                EndsWith(" Выписка")));
     EXPECT_TRUE(IsEnabled(Main("Command3")));
     EXPECT_TRUE(IsEnabled(Main("Command6")));
-    EXPECT_THAT(RowsOf(Main("lstFile")), Contains(EndsWith("v0000.rtf   загружен")));
+    EXPECT_THAT(RowsOf(Main("lstFile")), AllOf(Contains(EndsWith("v0000.rtf   заменена")),
+                                               Contains(EndsWith("v0001.rtf   загружен"))));
     EXPECT_THAT(TextOf(Main("txtAbout")),
-                AllOf(HasSubstr("Загружено документов: 9."), HasSubstr("Загружено: 9; Не распознано: 1")));
+                AllOf(HasSubstr("Загружено документов: 9."),
+                      HasSubstr("Загружено: 7; Заменено другими выписками: 2; Не распознано: 1")));
     EXPECT_THAT(Shown(), IsEmpty());
 }
 
