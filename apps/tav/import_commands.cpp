@@ -46,16 +46,25 @@ Text ExistingFolder(const Text& folder, TextView setting = {}) {
     throw Failure(RunTimeError::PathNotFound, folder + where);
 }
 
+Text PathOrNothing(const std::string& typed) {
+    return typed.empty() ? Text() : PathArgument(typed);
+}
+
+void NeedFolder(const ImportOptions& options) {
+    if (!options.folder.empty() || !SettingText(u"ImportPath").empty()) return;
+    throw WrongUsage("не задана папка документов: --folder ПАПКА или параметр ImportPath");
+}
+
+// The folder of the documents, of the option or of the setting.
+Text DocumentsFolder(const ImportOptions& options) {
+    if (!options.folder.empty()) return ExistingFolder(PathArgument(options.folder));
+    return ExistingFolder(SettingText(u"ImportPath"), u"ImportPath");
+}
+
 void Import(Context& context, const ImportOptions& options) {
-    if (options.folder.empty() && SettingText(u"ImportPath").empty()) {
-        throw WrongUsage("не задана папка документов: --folder ПАПКА или параметр ImportPath");
-    }
+    NeedFolder(options);
     Guarded(u"Ошибка в функции import", [&] {
-        const auto path = [](const std::string& typed) {
-            return typed.empty() ? Text() : PathArgument(typed);
-        };
-        const ImportFolders folders = ChooseFolders(path(options.folder), path(options.move_to));
-        ExistingFolder(folders.import, options.folder.empty() ? TextView(u"ImportPath") : TextView());
+        const ImportFolders folders = ChooseFolders(DocumentsFolder(options), PathOrNothing(options.move_to));
         WithProgress(context, [&] {
             const ImportResult result = RunImport(folders, FromUtf8(options.inn), FromUtf8(options.kpp));
             const bool nothing = result.outcome == ImportOutcome::NoCatalogue && !context.box.failed();
@@ -78,8 +87,8 @@ void Scan(Context& context, const std::string& folder) {
 
 void Load(Context& context, const std::string& catalogue, const ImportOptions& options) {
     WithProgress(context, [&] {
-        const Text move_to = options.move_to.empty() ? Text() : PathArgument(options.move_to);
-        Tell(LoadCatalogue(PathArgument(catalogue), FromUtf8(options.inn), FromUtf8(options.kpp), move_to),
+        Tell(LoadCatalogue(PathArgument(catalogue), FromUtf8(options.inn), FromUtf8(options.kpp),
+                           PathOrNothing(options.move_to)),
              options);
         return false;
     });
