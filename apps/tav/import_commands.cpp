@@ -1,6 +1,7 @@
 // tav import, scan, load: from a folder of documents to the database.
 
 #include <memory>
+#include <optional>
 
 #include "account_output.h"
 #include "commands.h"
@@ -22,6 +23,9 @@ struct ImportOptions {
     std::string folder;
     std::string move_to;
     bool json = false;
+    bool acts_as_xml = false;
+
+    std::optional<bool> ActsAsXml() const { return acts_as_xml ? std::optional(true) : std::nullopt; }
 };
 
 // Runs `action` under a progress bar, with Ctrl-C as its cancel button. `action` tells whether it was
@@ -64,7 +68,8 @@ Text DocumentsFolder(const ImportOptions& options) {
 void Import(Context& context, const ImportOptions& options) {
     NeedFolder(options);
     Guarded(u"Ошибка в функции import", [&] {
-        const ImportFolders folders = ChooseFolders(DocumentsFolder(options), PathOrNothing(options.move_to));
+        ImportFolders folders = ChooseFolders(DocumentsFolder(options), PathOrNothing(options.move_to));
+        folders.acts_as_xml = options.ActsAsXml();
         WithProgress(context, [&] {
             const ImportResult result = RunImport(folders, FromUtf8(options.inn), FromUtf8(options.kpp));
             const bool nothing = result.outcome == ImportOutcome::NoCatalogue && !context.box.failed();
@@ -74,11 +79,11 @@ void Import(Context& context, const ImportOptions& options) {
     });
 }
 
-void Scan(Context& context, const std::string& folder) {
+void Scan(Context& context, const std::string& folder, const ImportOptions& options) {
     Guarded(u"Ошибка в функции CheckXml", [&] {
         const Text path = ExistingFolder(PathArgument(folder));
         WithProgress(context, [&] {
-            const Text catalogue = CheckXml(path).catalogue;
+            const Text catalogue = CheckXml(path, options.ActsAsXml()).catalogue;
             if (!catalogue.empty()) PrintLine(catalogue);
             return catalogue.empty() && CancelStamp() != 0;
         });
@@ -92,6 +97,10 @@ void Load(Context& context, const std::string& catalogue, const ImportOptions& o
              options);
         return false;
     });
+}
+
+void AddActsOption(CLI::App& command, ImportOptions& options) {
+    command.add_flag("--acts-xml", options.acts_as_xml, "Читать и акты в формате XML (файлы *.xml)");
 }
 
 void AddJsonOption(CLI::App& command, ImportOptions& options) {
@@ -111,6 +120,7 @@ void AddImportCommands(CLI::App& app, Context& context) {
         .type_name("ПАПКА");
     AddPath(import_command, "--move-to", options->move_to, "Куда перенести загруженные (вместо OutPath)")
         .type_name("ПАПКА");
+    AddActsOption(import_command, *options);
     AddJsonOption(import_command, *options);
     AddDatabaseOptions(import_command, context);
     import_command.callback([&context, options] { Import(context, *options); });
@@ -118,7 +128,8 @@ void AddImportCommands(CLI::App& app, Context& context) {
     CLI::App& scan = *app.add_subcommand(
         "scan", "Только прочитать папку: обновить её listfiles.xml и показать путь к нему");
     AddPath(scan, "ПАПКА", *place, "Папка документов").required();
-    scan.callback([&context, place] { Scan(context, *place); });
+    AddActsOption(scan, *options);
+    scan.callback([&context, options, place] { Scan(context, *place, *options); });
 
     CLI::App& load = *app.add_subcommand("load", "Только загрузить listfiles.xml в базу данных");
     AddPath(load, "КАТАЛОГ", *place, "Путь к listfiles.xml").required();
