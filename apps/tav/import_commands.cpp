@@ -1,4 +1,4 @@
-// tav import, scan, load: from a folder of documents to the database.
+// tav import, status, scan, load: from a folder of documents to the database.
 
 #include <memory>
 #include <optional>
@@ -7,6 +7,7 @@
 #include "commands.h"
 #include "common/guard.h"
 #include "convert/check_xml.h"
+#include "load/account_of_folder.h"
 #include "load/run_import.h"
 #include "platform/environment.h"
 #include "platform/files.h"
@@ -79,6 +80,15 @@ void Import(Context& context, const ImportOptions& options) {
     });
 }
 
+void Status(const ImportOptions& options) {
+    NeedFolder(options);
+    Guarded(u"Состояние папки", [&] {
+        Tell(AccountOfFolder(DocumentsFolder(options), getbase(), FromUtf8(options.inn),
+                             FromUtf8(options.kpp)),
+             options);
+    });
+}
+
 void Scan(Context& context, const std::string& folder, const ImportOptions& options) {
     Guarded(u"Ошибка в функции CheckXml", [&] {
         const Text path = ExistingFolder(PathArgument(folder));
@@ -124,6 +134,14 @@ void AddImportCommands(CLI::App& app, Context& context) {
     AddJsonOption(import_command, *options);
     AddDatabaseOptions(import_command, context);
     import_command.callback([&context, options] { Import(context, *options); });
+
+    CLI::App& status = *app.add_subcommand(
+        "status", "Что стало с каждым файлом папки документов; ничего не загружается и не пишется");
+    AddTaxpayerOptions(status, options->inn, options->kpp, false);
+    AddPath(status, "--folder", options->folder, "Папка документов (вместо ImportPath)").type_name("ПАПКА");
+    AddJsonOption(status, *options);
+    AddDatabaseOptions(status, context);
+    status.callback([options] { Status(*options); });
 
     CLI::App& scan = *app.add_subcommand(
         "scan", "Только прочитать папку: обновить её listfiles.xml и показать путь к нему");
