@@ -2,6 +2,9 @@
 #
 # Fails when a source includes a header of a room that its own does not say it uses, or when a room says that it uses what
 # it does not. A room is a folder; one made before another cannot use it, so the arrows have no circle.
+#
+# Fails, too, when a source has no header of its name, with or without the system it is for (X_linux.cpp, X.h), or when
+# two headers have one name: who looks for a thing finds it by the name of its file.
 
 cmake_minimum_required(VERSION 3.25)
 string(REPLACE " " ";" ROOMS "${ROOMS}")
@@ -42,6 +45,25 @@ foreach(room ${names})
       string(APPEND failures "${room} says that it uses ${used}, and does not\n")
     endif()
   endforeach()
+endforeach()
+
+file(GLOB_RECURSE headers RELATIVE ${SOURCES} ${SOURCES}/*.h)
+set(stems "")
+foreach(header ${headers})
+  get_filename_component(stem ${header} NAME_WE)
+  if(stem IN_LIST stems)
+    string(APPEND failures "${header}: another header has that name\n")
+  endif()
+  list(APPEND stems ${stem})
+endforeach()
+
+file(GLOB_RECURSE sources RELATIVE ${SOURCES} ${SOURCES}/*.cpp)
+foreach(source ${sources})
+  get_filename_component(stem ${source} NAME_WE)
+  string(REGEX REPLACE "_(linux|windows)$" "" plain ${stem})
+  if(NOT stem IN_LIST stems AND NOT plain IN_LIST stems)
+    string(APPEND failures "${source}: no header has its name\n")
+  endif()
 endforeach()
 
 if(failures)

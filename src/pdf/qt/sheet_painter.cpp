@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "pdf/qt/charts.h"
 #include "pdf/qt/page_links.h"
-#include "pdf/qt/pictures.h"
 #include "pdf/qt/sheet_layout.h"
 
 namespace tav {

@@ -1,4 +1,4 @@
-#include "pdf/qt/pictures.h"
+#include "pdf/qt/charts.h"
 
 #include <algorithm>
 #include <cmath>
