@@ -175,6 +175,7 @@ Recordset Executor::State::Execute(const SqlText& sql) {
     RequireChangeable();
     ChangeLog& log = prepared.changed->log();
     const std::size_t changes = log.Length();
+    prepared.changed->SetUnnamed(prepared.rewritten.unnamed);
     database.file().BeginStatement();
     try {
         Run(prepared);

@@ -75,7 +75,7 @@ class Rewriter {
         out_.changed = statement_.Changed();
         const Scope& outermost = statement_.Outermost();
         out_.sorts_by_columns = outermost.distinct && outermost.order.begin == 0;
-        if (out_.kind == StatementKind::Insert) CheckInsertColumns();
+        if (out_.kind == StatementKind::Insert) ReadInsertColumns();
         CheckDepth();
         for (std::size_t i = 0; i < tokens_.size(); ++i) Emit(i);
         return std::move(out_);
@@ -92,7 +92,7 @@ class Rewriter {
         }
     }
 
-    void CheckInsertColumns() const {
+    void ReadInsertColumns() {
         std::vector<Text> seen;
         for (std::size_t i = 4; At(3).Is(u"(") && i < tokens_.size() && !At(i).Is(u")"); ++i) {
             if (!IsName(At(i))) continue;
@@ -109,6 +109,10 @@ class Rewriter {
         const auto twice = std::adjacent_find(seen.begin(), seen.end());
         if (twice != seen.end()) {
             throw Failure(Text(u"Duplicate output destination '").append(LowerCase(*twice)).append(u"'."));
+        }
+        for (std::size_t i = 0; !seen.empty() && i < out_.changed->columns.size(); ++i) {
+            const Text name = UpperCase(out_.changed->columns[i].name);
+            if (!std::binary_search(seen.begin(), seen.end(), name)) out_.unnamed.push_back(i);
         }
     }
 

@@ -50,7 +50,8 @@ struct Parameter {
 struct Rewritten {
     StatementKind kind = StatementKind::Select;
     const TableDefinition* changed = nullptr;
-    bool sorts_by_columns = false;  // select distinct without an order
+    std::vector<std::size_t> unnamed;  // columns of `changed` that an insert does not name
+    bool sorts_by_columns = false;     // select distinct without an order
     std::string sql;
     std::vector<Parameter> parameters;
 };

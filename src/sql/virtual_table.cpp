@@ -196,13 +196,6 @@ const sqlite3_module kModule = [] {
     return module;
 }();
 
-// A blob that stands for no value: binary ones are longer, dates do not begin so.
-constexpr const char* kDefaultMark = "x'FFFF'";
-
-bool IsDefaultMark(sqlite3_value* value) {
-    return sqlite3_value_type(value) == SQLITE_BLOB && sqlite3_value_bytes(value) == 2;
-}
-
 std::string Quoted(TextView name) {
     return '"' + ToUtf8(ReplaceAll(name, u"\"", u"\"\"")) + '"';
 }
@@ -219,15 +212,14 @@ void VirtualTable::Register(sqlite3* database) {
     }
 }
 
-// Without types, so that SQLite converts nothing on its own; texts with their collation. What SQLite stores
-// where an insert does not name a column is a mark for its default.
+// Without types, so that SQLite converts nothing on its own; texts with their collation. SQLite drops the
+// defaults of a virtual table's columns, so Insert puts them in.
 std::string VirtualTable::Declaration() const {
     std::string sql = "create table t(";
     for (const Column& column : table_.definition().columns) {
         if (sql.back() != '(') sql += ',';
         sql += Quoted(column.name);
         if (column.IsText()) sql.append(" collate ").append(kCollation);
-        if (!column.default_value.empty()) sql.append(" default ").append(kDefaultMark);
     }
     return sql + ')';
 }
@@ -236,10 +228,6 @@ std::string VirtualTable::Declaration() const {
 void VirtualTable::Take(std::size_t column_at, sqlite3_value* value) {
     const Column& column = table_.definition().columns[column_at];
     Value& place = row_[column_at];
-    if (IsDefaultMark(value)) {
-        place = DefaultOf(table_.definition(), column);
-        return;
-    }
     const bool text = sqlite3_value_type(value) == SQLITE_TEXT;
     Value& taken = column.IsText() && text ? place : literal_;
     if (!text) {
@@ -253,6 +241,10 @@ void VirtualTable::Take(std::size_t column_at, sqlite3_value* value) {
 
 RowId VirtualTable::Insert(sqlite3_value** values) {
     for (std::size_t i = 0; i < row_.size(); ++i) Take(i, values[i]);
+    for (const std::size_t i : unnamed_) {
+        const Column& column = table_.definition().columns[i];
+        if (!column.default_value.empty()) row_[i] = DefaultOf(table_.definition(), column);
+    }
     const RowId id = table_.Insert(row_);
     log_.Inserted(id);
     // Read again: the table gives autonumber columns their values.

@@ -3,6 +3,7 @@
 
 #include <sqlite3.h>
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,8 @@ class VirtualTable {
     // "create table" as SQLite wants it declared.
     std::string Declaration() const;
 
+    // Which columns the inserts that follow do not name: they get their defaults.
+    void SetUnnamed(std::span<const std::size_t> columns) { unnamed_ = columns; }
     RowId Insert(sqlite3_value** values);
     void Update(RowId id, sqlite3_value** values);
     void Delete(RowId id);
@@ -40,6 +43,7 @@ class VirtualTable {
     Callbacks& callbacks_;
     TableSearch search_;
     ChangeLog log_{table_, search_};
+    std::span<const std::size_t> unnamed_;
     std::vector<Value> row_;  // of the change being made; kept, so that its texts keep their memory
     Value literal_;
 };

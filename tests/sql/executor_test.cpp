@@ -140,5 +140,19 @@ TEST(Executor, ColumnsOfEveryKind) {
     });
 }
 
+// In a table that the database's own program made: a number with the default 0.
+TEST(Executor, ColumnsThatAnInsertDoesNotNameGetTheirDefaults) {
+    TAV_NEEDS_SAMPLES();
+    const test::TempFolder folder;
+    Executor executor(test::CopySample(folder, "testIndexPropertiesV2000.mdb"), Database::Access::Write);
+    executor.Execute(SqlText(u"insert into TableUnique2_temp (row,data1) values ('new1','x')"));
+    executor.Execute(SqlText(u"insert into TableUnique2_temp (row,data1,data2) values ('new2','y',Null)"));
+    Recordset rows = executor.Execute(SqlText(u"select data2 from TableUnique2_temp where row in ('new1','new2')"));
+    ASSERT_EQ(rows.RecordCount(), 2);
+    EXPECT_EQ(rows.Field(0), Value(std::int64_t{0}));
+    rows.MoveNext();
+    EXPECT_TRUE(IsNull(rows.Field(0)));
+}
+
 }  // namespace
 }  // namespace tav::jet
