@@ -147,7 +147,8 @@ TEST(Executor, ColumnsThatAnInsertDoesNotNameGetTheirDefaults) {
     Executor executor(test::CopySample(folder, "testIndexPropertiesV2000.mdb"), Database::Access::Write);
     executor.Execute(SqlText(u"insert into TableUnique2_temp (row,data1) values ('new1','x')"));
     executor.Execute(SqlText(u"insert into TableUnique2_temp (row,data1,data2) values ('new2','y',Null)"));
-    Recordset rows = executor.Execute(SqlText(u"select data2 from TableUnique2_temp where row in ('new1','new2')"));
+    Recordset rows =
+        executor.Execute(SqlText(u"select data2 from TableUnique2_temp where row in ('new1','new2')"));
     ASSERT_EQ(rows.RecordCount(), 2);
     EXPECT_EQ(rows.Field(0), Value(std::int64_t{0}));
     rows.MoveNext();
