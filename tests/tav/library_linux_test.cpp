@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <csignal>
 #include <fstream>
-#include <regex>
 #include <set>
 
 #include "common/windows1251.h"
@@ -143,11 +142,19 @@ TEST_F(Outside, ViewOpensTheStatementOfANumber) {
     EXPECT_TRUE(FileExists(folder_ / u"reports/vipis.doc"));
 }
 
+// "1 234 567,89": from each comma to the left, groups of three digits.
 std::multiset<std::string> AmountsIn(const std::string& text) {
-    static const std::regex amount("[0-9]{1,3}( [0-9]{3})*,[0-9]{2}");
-    const std::sregex_iterator first(text.begin(), text.end(), amount);
+    const auto digit = [&](std::size_t at) { return at < text.size() && text[at] >= '0' && text[at] <= '9'; };
     std::multiset<std::string> amounts;
-    for (auto match = first; match != std::sregex_iterator(); ++match) amounts.insert(match->str());
+    for (std::size_t comma = text.find(','); comma != text.npos; comma = text.find(',', comma + 1)) {
+        if (!digit(comma - 1) || !digit(comma + 1) || !digit(comma + 2)) continue;
+        std::size_t begin = comma;
+        for (std::size_t end = comma;; end = --begin) {
+            while (end - begin < 3 && begin > 0 && digit(begin - 1)) --begin;
+            if (end - begin < 3 || begin < 2 || text[begin - 1] != ' ' || !digit(begin - 2)) break;
+        }
+        amounts.insert(text.substr(begin, comma + 3 - begin));
+    }
     return amounts;
 }
 
