@@ -146,14 +146,16 @@ TEST_F(Outside, ViewOpensTheStatementOfANumber) {
 std::multiset<std::string> AmountsIn(const std::string& text) {
     const auto digit = [&](std::size_t at) { return at < text.size() && text[at] >= '0' && text[at] <= '9'; };
     std::multiset<std::string> amounts;
+    std::size_t last = 0;  // the end of the amount before
     for (std::size_t comma = text.find(','); comma != text.npos; comma = text.find(',', comma + 1)) {
         if (!digit(comma - 1) || !digit(comma + 1) || !digit(comma + 2)) continue;
         std::size_t begin = comma;
         for (std::size_t end = comma;; end = --begin) {
-            while (end - begin < 3 && begin > 0 && digit(begin - 1)) --begin;
-            if (end - begin < 3 || begin < 2 || text[begin - 1] != ' ' || !digit(begin - 2)) break;
+            while (end - begin < 3 && begin > last && digit(begin - 1)) --begin;
+            if (end - begin < 3 || begin < last + 2 || text[begin - 1] != ' ' || !digit(begin - 2)) break;
         }
-        amounts.insert(text.substr(begin, comma + 3 - begin));
+        last = comma + 3;
+        amounts.insert(text.substr(begin, last - begin));
     }
     return amounts;
 }
