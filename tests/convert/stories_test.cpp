@@ -5,7 +5,7 @@
 //   put NAME: KIND       a document of that kind (Documents below), or of the text behind the word "text"
 //   remove NAME, rename NAME > NAME, link NAME > TARGET
 //   catalogue            its text: the lines that follow and begin with "|"
-//   break OLD > NEW      replaces a text in the catalogue, which keeps its time
+//   break OLD > NEW      replaces a text in the catalogue
 //   scan, scan with acts, scan cancelled at NAME, glance
 
 #include <gtest/gtest.h>
@@ -104,9 +104,7 @@ class Story {
         std::string bytes = Catalogue();
         const std::string old = test::Bytes(GetNext(words, u" > "));
         ASSERT_NE(bytes.find(old), bytes.npos) << old;
-        const auto time = fs::last_write_time(test::NativePath(folder_ / kCatalogueName));
         folder_.Write(kCatalogueName, bytes.replace(bytes.find(old), old.size(), test::Bytes(words)));
-        fs::last_write_time(test::NativePath(folder_ / kCatalogueName), time);
     }
 
     Text Scan(TextView words) {
