@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "commands.h"
+#include "common/concat.h"
 #include "common/guard.h"
 #include "convert/document_glance.h"
 #include "convert/load_rtf_file.h"
@@ -17,7 +18,7 @@ namespace {
 
 std::string ConvertXml(const Text& folder, const Text& name) {
     const Conversion act = LoadXMLFile(folder, name);
-    if (!act.unreadable && !act.reason.empty()) throw Failure(Text(name).append(u": ").append(act.reason));
+    if (!act.unreadable && !act.reason.empty()) throw Failure(Concat(name, u": ", act.reason));
     return act.entry;
 }
 

@@ -5,6 +5,7 @@
 
 #include "account_output.h"
 #include "commands.h"
+#include "common/concat.h"
 #include "common/guard.h"
 #include "convert/check_xml.h"
 #include "load/account_of_folder.h"
@@ -47,7 +48,7 @@ void Tell(const ImportAccount& account, const ImportOptions& options) {
 // A folder that has to be there: named in the message when it is not, with the setting it comes from.
 Text ExistingFolder(const Text& folder, TextView setting = {}) {
     if (FolderExists(folder)) return folder;
-    const Text where = setting.empty() ? Text() : Text(u" (параметр ").append(setting).append(u")");
+    const Text where = setting.empty() ? Text() : Concat(u" (параметр ", setting, u")");
     throw Failure(RunTimeError::PathNotFound, folder + where);
 }
 

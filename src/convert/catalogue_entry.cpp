@@ -3,6 +3,7 @@
 #include <utility>
 #include <vector>
 
+#include "common/concat.h"
 #include "common/windows1251.h"
 
 namespace tav {
@@ -31,7 +32,7 @@ std::string_view NameFrom(std::string_view text, std::size_t at) {
 }
 
 Text Markup(TextView opening, std::string_view name) {
-    return Text(opening).append(FromWindows1251(name)).append(u">");
+    return Concat(opening, FromWindows1251(name), u">");
 }
 
 class EntryReader {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "common/concat.h"
 #include "common/database_failure.h"
 #include "common/guard.h"
 #include "common/regional.h"
@@ -77,7 +78,7 @@ class AdoEngine : public Engine {
     }
     std::vector<TextSize> TextSizes(TextView table) override {
         constexpr long kTexts[] = {129, 130, 200, 202};  // the kinds of text that have a size
-        Object set = Ask(SqlText(Text(u"select * from ").append(table).append(u" where id=0")));
+        Object set = Ask(SqlText(Concat(u"select * from ", table, u" where id=0")));
         Object fields(set.Get(L"Fields"));
         std::vector<TextSize> sizes;
         const long count = fields.Get(L"Count").lVal;

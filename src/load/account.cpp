@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "common/concat.h"
+
 namespace tav {
 namespace {
 
@@ -28,7 +30,7 @@ constexpr std::array kOwn = {Finding::New, Finding::Loaded, Finding::Superseded,
                              Finding::Failed};
 
 bool IsOneOf(TextView inn, TextView inns) {
-    return Text(u"|").append(inns).append(u"|").find(Text(u"|").append(inn).append(u"|")) != Text::npos;
+    return Concat(u"|", inns, u"|").find(Concat(u"|", inn, u"|")) != Text::npos;
 }
 
 // "7701, 7702 и ещё 3": the different texts in the order of their first occurrence.
@@ -64,9 +66,8 @@ Text NothingOfTheTaxpayer(const ImportAccount& account) {
         }
     }
     if (inns.empty()) {
-        return Text(u"В папке нет ни выписок, ни актов: не распознано файлов ")
-            .append(Digits(static_cast<long long>(account.files.size())))
-            .append(u".");
+        return Concat(u"В папке нет ни выписок, ни актов: не распознано файлов ",
+                      Digits(static_cast<long long>(account.files.size())), u".");
     }
     Text sentence = Text(u"В папке нет документов налогоплательщика с ИНН ").append(account.inn);
     if (kpps.empty()) return sentence.append(u", есть с ИНН ").append(inns.Joined()).append(u".");
@@ -78,7 +79,7 @@ Text NothingOfTheTaxpayer(const ImportAccount& account) {
 }
 
 Text Counted(TextView before, int number) {
-    return Text(before).append(Digits(number)).append(u".");
+    return Concat(before, Digits(number), u".");
 }
 
 }  // namespace

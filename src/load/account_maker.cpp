@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "common/concat.h"
+
 namespace tav {
 
 void AccountMaker::Add(const Text& file, Remark remark) {
@@ -37,14 +39,12 @@ void AccountMaker::AddScanned(const ScannedFile& file, bool held) {
 std::vector<Text> NoticesOf(const ScanAccount& scan) {
     std::vector<Text> notices;
     if (!scan.unnamable.empty()) {
-        notices.push_back(Text(u"Файлов с именами, которые нельзя записать в каталог: ")
-                              .append(Digits(static_cast<long long>(scan.unnamable.size())))
-                              .append(u"."));
+        notices.push_back(Concat(u"Файлов с именами, которые нельзя записать в каталог: ",
+                                 Digits(static_cast<long long>(scan.unnamable.size())), u"."));
     }
     if (scan.unlisted_acts > 0) {
-        notices.push_back(Text(u"Файлов XML, похожих на акты: ")
-                              .append(Digits(scan.unlisted_acts))
-                              .append(u"; их загружает параметр ActXml (tav import --acts-xml)."));
+        notices.push_back(Concat(u"Файлов XML, похожих на акты: ", Digits(scan.unlisted_acts),
+                                 u"; их загружает параметр ActXml (tav import --acts-xml)."));
     }
     return notices;
 }

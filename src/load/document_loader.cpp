@@ -1,10 +1,12 @@
 #include "load/document_loader.h"
 
+#include "common/concat.h"
+
 namespace tav {
 namespace {
 
 Remark OtherTaxpayer(const Text& inn, const Text& kpp) {
-    return {Finding::OtherTaxpayer, Text(u"ИНН ").append(inn).append(u", КПП ").append(kpp), inn, kpp};
+    return {Finding::OtherTaxpayer, Concat(u"ИНН ", inn, u", КПП ", kpp), inn, kpp};
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "common/concat.h"
 #include "common/database_failure.h"
 #include "common/guard.h"
 #include "common/progress.h"
@@ -266,14 +267,13 @@ void Load::LoadFile(const Catalogue& catalogue, const Text& name, PartLoader& pa
 void Load::TakeBack(const Text& name, Finding finding, const Failure& failure) {
     found_.Forget(name);
     found_.Add(name, {finding, failure.description()});
-    failed.push_back(Text(name).append(u": ").append(failure.description()));
+    failed.push_back(Concat(name, u": ", failure.description()));
 }
 
 void Load::CheckRoom(const Text& name) const {
     if (connection_.RoomLeft() >= kRoomForFile) return;
-    throw Failure(Text(u"В файле базы данных не осталось места, импорт остановлен перед файлом ")
-                      .append(name)
-                      .append(u". Очистите базу данных или сожмите её файл"));
+    throw Failure(Concat(u"В файле базы данных не осталось места, импорт остановлен перед файлом ", name,
+                         u". Очистите базу данных или сожмите её файл"));
 }
 
 // The file in the move folder is replaced by one rename. A source that is gone leaves it alone; a name that
@@ -308,9 +308,8 @@ ImportAccount LoadFromXml(TextView catalogue, TextView database, TextView inn, T
             if (load.unmovable.empty()) {
                 ShowFailure(kTitle, failure);
             } else {
-                ShowMessage(
-                    u"Запрет",
-                    Text(u"Файл ").append(load.unmovable).append(u" используется и не может быть перемещён"));
+                ShowMessage(u"Запрет",
+                            Concat(u"Файл ", load.unmovable, u" используется и не может быть перемещён"));
             }
         });
     if (!load.failed.empty()) ShowFailure(kTitle, Failure(FirstLines(load.failed)));

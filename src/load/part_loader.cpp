@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "common/concat.h"
 #include "common/failure.h"
 #include "common/regional.h"
 #include "db/literals.h"
@@ -85,9 +86,9 @@ BalanceLine BalancesOf(const ColumnValues& row) {
 // " and perb= #01/01/2011#". The year stands bare in the statement, so it must be one.
 Text FirstOfJanuary(TextView year) {
     const bool digits = std::ranges::all_of(year, [](char16_t c) { return c >= u'0' && c <= u'9'; });
-    const Text condition = Text(u" and perb= #01/01/").append(year).append(u"#");
+    const Text condition = Concat(u" and perb= #01/01/", year, u"#");
     if (year.size() == kYearCharacters && digits) return condition;
-    throw Failure(Text(u"Syntax error in date in query expression '").append(condition).append(u"'."));
+    throw Failure(Concat(u"Syntax error in date in query expression '", condition, u"'."));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "load/taxpayer_choice.h"
 
+#include "common/concat.h"
 #include "settings/session.h"
 
 namespace tav {
@@ -19,7 +20,7 @@ TaxpayerChoice TaxpayerChoice::Everybody() {
 }
 
 bool TaxpayerChoice::HasInn(TextView inn) const {
-    return inn == inn_ || inn_.find(Text(u"|").append(UpperCase(inn)).append(u"|")) != inn_.npos;
+    return inn == inn_ || inn_.find(Concat(u"|", UpperCase(inn), u"|")) != inn_.npos;
 }
 
 bool TaxpayerChoice::HasKpp(TextView kpp) const {

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 
+#include "common/concat.h"
 #include "common/failure.h"
 #include "common/regional.h"
 #include "db/literals.h"
@@ -79,7 +80,7 @@ Text ActAmountText(Money amount) {
     constexpr TextView kBlank = u"&nbsp;";
     if (amount.ten_thousandths == 0) return Text(u"-").append(kBlank);
     if (amount.ten_thousandths > 0) return FormatAmount(amount).append(kBlank);
-    return Text(u"(").append(FormatAmount(Money{-amount.ten_thousandths})).append(u")").append(kBlank);
+    return Concat(u"(", FormatAmount(Money{-amount.ten_thousandths}), u")", kBlank);
 }
 
 Text OpeningText(const ActAmounts& amounts) {

@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "common/concat.h"
 #include "common/failure.h"
 #include "common/regional.h"
 
@@ -91,7 +92,7 @@ bool TakeCode(TextView item, Text& attributes, Cell& cell) {
 // The top rule joins the styles that the element's attributes have already, or is their first style.
 void AddTopBorder(Text& attributes, std::size_t begin) {
     if (Sticky().top_border == 0) return;
-    const Text rule = Text(u"border-top-width:").append(Digits(Sticky().top_border)).append(u"px; ");
+    const Text rule = Concat(u"border-top-width:", Digits(Sticky().top_border), u"px; ");
     if (attributes.find(u"style", begin) == attributes.npos) {
         attributes.append(kStyle).append(rule).append(u"\"");
         return;

@@ -1,5 +1,6 @@
 #include "reports/get_files.h"
 
+#include "common/concat.h"
 #include "db/literals.h"
 #include "platform/files.h"
 #include "reports/cells.h"
@@ -47,9 +48,8 @@ constexpr std::size_t kEnd = 3;
 
 void AddHeading(ReportPage& page, const Recordset& group, bool consolidated) {
     const auto text = [&](TextView field) { return isns(group.Field(field)); };
-    const Text title = Text(u"<h3>Сводная справка по выпискам операций, импортированным из ТАВ")
-                           .append(consolidated ? u" по консолидированному налогоплательщику" : u"")
-                           .append(u"</h3>");
+    const Text title = Concat(u"<h3>Сводная справка по выпискам операций, импортированным из ТАВ",
+                              consolidated ? u" по консолидированному налогоплательщику" : u"", u"</h3>");
     std::optional<CodeAndTax> code;
     if (consolidated) code = {text(u"kpp"), text(u"h7")};
     AddSummaryHeading(page, title, {text(u"inn"), text(u"kpp"), text(u"name")}, code);
@@ -97,13 +97,9 @@ struct Group {
 // The totals are those of the page built last.
 void AddSummaryRow(ReportPage& page, const Group& group, TextView file, bool first, int sheet) {
     const auto total = [](TextView column, int mode) { return GetMoney(nullptr, column, mode); };
-    const Text link = Text(u"<a href=\"")
-                          .append(HtmlText(NameOf(file)))
-                          .append(u"\">")
-                          .append(HtmlText(group.label))
-                          .append(u"</a>");
+    const Text link = Concat(u"<a href=\"", HtmlText(NameOf(file)), u"\">", HtmlText(group.label), u"</a>");
     const Text okato = HtmlText(group.okato);
-    const Text period = Text(group.begin).append(u"-").append(group.end);
+    const Text period = Concat(group.begin, u"-", group.end);
     const Text opening = total(u"9", kOpening);
     const Text closing = total(u"9", kClosing);
     Text turnovers[8];

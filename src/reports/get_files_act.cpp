@@ -3,6 +3,7 @@
 #include <array>
 #include <vector>
 
+#include "common/concat.h"
 #include "common/progress.h"
 #include "db/literals.h"
 #include "reports/act_amounts.h"
@@ -47,10 +48,10 @@ Recordset Acts(Connection& connection, Summary& summary) {
 void AddHeading(ReportPage& page, const Recordset& act, bool consolidated) {
     const auto text = [&](TextView field) { return isns(act.Field(field)); };
     const Text title =
-        Text(u"<h3>Сводная справка по актам совместной сверки")
-            .append(consolidated ? u", импортированным из ТАВ по консолидированному налогоплательщику"
-                                 : u" по налогам, пеням и штрафам, импортированным из ТАВ")
-            .append(u"</h3>");
+        Concat(u"<h3>Сводная справка по актам совместной сверки",
+               consolidated ? u", импортированным из ТАВ по консолидированному налогоплательщику"
+                            : u" по налогам, пеням и штрафам, импортированным из ТАВ",
+               u"</h3>");
     std::optional<CodeAndTax> code;
     if (consolidated) code = {text(u"h7"), text(u"h2")};
     AddSummaryHeading(page, title, {text(u"h1"), text(u"h2"), text(u"h3")}, code);

@@ -1,5 +1,6 @@
 #include "reports/get_vipis.h"
 
+#include "common/concat.h"
 #include "common/failure.h"
 #include "reports/page.h"
 #include "reports/paper.h"
@@ -16,7 +17,7 @@ Text StatementOf(TextView database, std::int32_t id, Sheet* copy) {
     Recordset headers = connection.Execute(sql.Number(id).Fixed(u" order by perb"));
     // An act has a header too, without what only statements have.
     if (headers.Eof() || (IsNull(headers.Field(u"h6")) && IsNull(headers.Field(u"vid")))) {
-        throw Failure(Text(u"Выписка с номером ").append(Digits(id)).append(u" в базе данных не найдена"));
+        throw Failure(Concat(u"Выписка с номером ", Digits(id), u" в базе данных не найдена"));
     }
     return StatementPage(connection, headers, copy, ChosenTaxpayer());
 }

@@ -1,5 +1,6 @@
 #include "reports/page.h"
 
+#include "common/concat.h"
 #include "common/guard.h"
 #include "common/windows1251.h"
 #include "platform/environment.h"
@@ -25,7 +26,7 @@ class RunningReport {
  public:
     explicit RunningReport(TextView database) {
         if (running) {
-            throw Failure(Text(u"Could not use '").append(database).append(u"'; file already in use."));
+            throw Failure(Concat(u"Could not use '", database, u"'; file already in use."));
         }
         running = true;
     }

@@ -3,6 +3,7 @@
 #include <set>
 #include <utility>
 
+#include "common/concat.h"
 #include "common/message_box.h"
 #include "reports/page.h"
 
@@ -23,15 +24,11 @@ std::vector<Text> CodesOf(const std::vector<SummaryDocument>& documents) {
 }
 
 void ShowCancelled(const CancelledSummary& cancelled, TextView folder) {
-    ShowMessage(u"Сводная справка",
-                Text(u"Прервано пользователем. Готовы страницы выписок: ")
-                    .append(Digits(cancelled.done))
-                    .append(u" из ")
-                    .append(Digits(cancelled.of))
-                    .append(u"; они остаются в папке ")
-                    .append(folder)
-                    .append(u". Сводная справка не записана."),
-                MessageIcon::Information);
+    ShowMessage(
+        u"Сводная справка",
+        Concat(u"Прервано пользователем. Готовы страницы выписок: ", Digits(cancelled.done), u" из ",
+               Digits(cancelled.of), u"; они остаются в папке ", folder, u". Сводная справка не записана."),
+        MessageIcon::Information);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <charconv>
 #include <optional>
 
+#include "common/concat.h"
 #include "common/failure.h"
 #include "jet/table/column_conversion.h"
 #include "platform/environment.h"
@@ -59,13 +60,8 @@ std::optional<Value> Read(TextView expression) {
 Value DefaultOf(const TableDefinition& table, const Column& column) {
     if (const std::optional<Value> value = Read(column.default_value))
         return ConvertForColumn(column, *value);
-    throw Failure(Text(u"The default value '")
-                      .append(column.default_value)
-                      .append(u"' of column '")
-                      .append(column.name)
-                      .append(u"' of table '")
-                      .append(table.name)
-                      .append(u"' is not supported."));
+    throw Failure(Concat(u"The default value '", column.default_value, u"' of column '", column.name,
+                         u"' of table '", table.name, u"' is not supported."));
 }
 
 }  // namespace tav::jet

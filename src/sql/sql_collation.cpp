@@ -7,6 +7,7 @@
 #include <optional>
 #include <utility>
 
+#include "common/concat.h"
 #include "common/failure.h"
 #include "common/regional.h"
 #include "jet/index/text_codes.h"
@@ -129,7 +130,7 @@ Value NumberOf(sqlite3_value* argument) {
     } else if (!std::holds_alternative<Date>(value) && !std::holds_alternative<Binary>(value)) {
         return value;
     }
-    throw Failure(RunTimeError::DataTypeMismatch, Text(u"'").append(ValueText(value)).append(u"'"));
+    throw Failure(RunTimeError::DataTypeMismatch, Concat(u"'", ValueText(value), u"'"));
 }
 
 // A function of one argument; of Null it is Null.

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <utility>
 
+#include "common/concat.h"
 #include "common/failure.h"
 #include "sql/sql_collation.h"
 #include "sql/sql_operand.h"
@@ -98,17 +99,17 @@ class Rewriter {
             if (!IsName(At(i))) continue;
             const TextView name = At(i).text;
             if (!out_.changed->FindColumn(name)) {
-                throw Failure(Text(u"The INSERT INTO statement contains the following unknown field name: '")
-                                  .append(name)
-                                  .append(u"'. Make sure you have typed the name correctly, and try the "
-                                          u"operation again."));
+                throw Failure(
+                    Concat(u"The INSERT INTO statement contains the following unknown field name: '", name,
+                           u"'. Make sure you have typed the name correctly, and try the "
+                           u"operation again."));
             }
             seen.push_back(UpperCase(name));
         }
         std::sort(seen.begin(), seen.end());
         const auto twice = std::adjacent_find(seen.begin(), seen.end());
         if (twice != seen.end()) {
-            throw Failure(Text(u"Duplicate output destination '").append(LowerCase(*twice)).append(u"'."));
+            throw Failure(Concat(u"Duplicate output destination '", LowerCase(*twice), u"'."));
         }
         for (std::size_t i = 0; !seen.empty() && i < out_.changed->columns.size(); ++i) {
             const Text name = UpperCase(out_.changed->columns[i].name);
@@ -145,7 +146,7 @@ class Rewriter {
 
     void Name(TextView name) {
         if (name.find(u'"') != name.npos || name.find(u'\0') != name.npos) {
-            throw Failure(Text(u"'").append(name).append(u"' is not a valid name."));
+            throw Failure(Concat(u"'", name, u"' is not a valid name."));
         }
         out_.sql += '"' + ToUtf8(name) + "\" ";
     }
@@ -161,7 +162,7 @@ class Rewriter {
         const auto known = std::find_if(kFunctions.begin(), kFunctions.end(),
                                         [&](const Function& function) { return token.Is(function.name); });
         if (known == kFunctions.end()) {
-            throw Failure(Text(u"Undefined function '").append(token.text).append(u"' in expression."));
+            throw Failure(Concat(u"Undefined function '", token.text, u"' in expression."));
         }
         const TokenRange call = operands_.TermAfter(i);
         const bool reads_texts =
@@ -288,7 +289,7 @@ class Rewriter {
             const TableDefinition* table = statement_.TableAt(i);
             const auto same = [&](const Column& other) { return &other == column; };
             if (table == nullptr || std::ranges::none_of(table->columns, same)) continue;
-            return Text(u" (").append(table->name).append(u".").append(column->name).append(u")");
+            return Concat(u" (", table->name, u".", column->name, u")");
         }
         return {};
     }

@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "common/concat.h"
 #include "common/failure.h"
 #include "jet/table/column_conversion.h"
 #include "sql/default_value.h"
@@ -65,10 +66,8 @@ int Connect(sqlite3* database, void* table, int, const char* const*, sqlite3_vta
         const int declared = sqlite3_declare_vtab(database, declaration.c_str());
         declares = false;
         if (declared != SQLITE_OK) {
-            throw Failure(Text(u"Table '")
-                              .append(virtual_table.table().definition().name)
-                              .append(u"' cannot be used in a statement: ")
-                              .append(FromUtf8(sqlite3_errmsg(database))));
+            throw Failure(Concat(u"Table '", virtual_table.table().definition().name,
+                                 u"' cannot be used in a statement: ", FromUtf8(sqlite3_errmsg(database))));
         }
         auto made = std::make_unique<Handle>();
         made->table = &virtual_table;

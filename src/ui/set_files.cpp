@@ -25,21 +25,10 @@ ImportAccount folder_account;
 // Up to the months the row, its gaps turned into "_", is how the name of its page ends in the folder of
 // reports.
 Text RowOf(const HeldDocument& document) {
-    return Text(document.code)
-        .append(kGap)
-        .append(document.okato)
-        .append(kGap)
-        .append(YearAndMonth(document.begin))
-        .append(kTo)
-        .append(YearAndMonth(document.end))
-        .append(u" (")
-        .append(isns(document.begin))
-        .append(kTo)
-        .append(isns(document.end))
-        .append(u") ")
-        .append(document.tax)
-        .append(document.Superseded() ? u" (заменена)" : u"")
-        .append(document.act ? u" Акт" : u" Выписка");
+    return Concat(document.code, kGap, document.okato, kGap, YearAndMonth(document.begin), kTo,
+                  YearAndMonth(document.end), u" (", isns(document.begin), kTo, isns(document.end), u") ",
+                  document.tax, document.Superseded() ? u" (заменена)" : u"",
+                  document.act ? u" Акт" : u" Выписка");
 }
 
 ListRow ListRowOf(const HeldDocument& document) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "common/concat.h"
 #include "common/failure.h"
 #include "jet/file/bitmap.h"
 #include "jet/file/header.h"
@@ -21,7 +22,7 @@ Pointer OnPageOne(const PageFile& file, Pointer map) {
 }
 
 [[noreturn]] void Full(const PageFile& file) {
-    throw Failure(Text(u"The database '").append(file.path()).append(u"' has reached its maximum size."));
+    throw Failure(Concat(u"The database '", file.path(), u"' has reached its maximum size."));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <string_view>
 
+#include "common/concat.h"
 #include "jet/file/header_mask.h"
 
 namespace tav::jet {
@@ -27,7 +28,7 @@ bool HasPassword(const std::uint8_t* plain, double created) {
 }  // namespace
 
 Text WhyForeign(TextView path, const std::uint8_t* header) {
-    const Text unrecognized = Text(u"Unrecognized database format '").append(path).append(u"'.");
+    const Text unrecognized = Concat(u"Unrecognized database format '", path, u"'.");
     const auto starts_with = [&](std::string_view magic) {
         return std::equal(magic.begin(), magic.end(), header,
                           [](char a, std::uint8_t b) { return static_cast<std::uint8_t>(a) == b; });
@@ -43,14 +44,14 @@ Text WhyForeign(TextView path, const std::uint8_t* header) {
     std::copy_n(header, kHeaderSize, plain.begin());
     for (std::size_t i = 0; i < kMaskedSize; ++i) plain[kMaskedBegin + i] ^= kHeaderMask[i];
     if (U32(plain.data() + kDatabaseKeyAt) != 0) {
-        return Text(u"The database '").append(path).append(u"' is encrypted and cannot be opened.");
+        return Concat(u"The database '", path, u"' is encrypted and cannot be opened.");
     }
     const double created = DoubleAt(plain.data() + kCreatedAt);
     if (!std::isfinite(created) || std::fabs(created) > 1e7) {
         return unrecognized + u" Its creation date is damaged.";
     }
     if (HasPassword(plain.data(), created)) {
-        return Text(u"Not a valid password. The database '").append(path).append(u"' asks for one.");
+        return Concat(u"Not a valid password. The database '", path, u"' asks for one.");
     }
     return {};
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "common/concat.h"
 #include "jet/file/bitmap.h"
 #include "jet/file/page_file.h"
 
@@ -11,7 +12,7 @@ MapRecord::MapRecord(PageFile& file, Pointer at) : file_(&file), at_(at) {
     const Page& page = ReadDataPage(file, at.page, at.page == kGlobalPage ? kGlobalPage : 0);
     record_ = RecordAt(file, at.page, page, at.slot);
     if (record_.flags != 0 || record_.size < kInlineHead || page[record_.begin] > 1) {
-        file.Damaged(at.page, Text(u"slot ").append(Digits(at.slot)).append(u" holds no usage map"));
+        file.Damaged(at.page, Concat(u"slot ", Digits(at.slot), u" holds no usage map"));
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "common/concat.h"
 #include "jet/file/global_map.h"
 #include "jet/file/page_file.h"
 
@@ -59,7 +60,7 @@ PageNumber AllocatePage(PageFile& file, PageNumber above) {
 void FreePage(PageFile& file, PageNumber page) {
     Allocation& known = Known(file);
     if (page < kSystemPages || page >= file.PageCount()) {
-        file.Damaged(kGlobalPage, Text(u"page ").append(Digits(page)).append(u" cannot be freed"));
+        file.Damaged(kGlobalPage, Concat(u"page ", Digits(page), u" cannot be freed"));
     }
     GlobalMap map(file);
     if (!map.Covers(page)) map.Cover(page);

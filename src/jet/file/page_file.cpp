@@ -6,6 +6,7 @@
 #include <thread>
 #include <vector>
 
+#include "common/concat.h"
 #include "common/database_failure.h"
 #include "jet/file/header.h"
 #include "jet/file/page_allocation.h"
@@ -21,7 +22,7 @@ constexpr std::uint64_t kMostPages = 524288;    // 2 GB
 constexpr std::size_t kSpareImages = 64;        // buffers for page images kept between statements
 
 Text Quoted(TextView before, TextView path, TextView after) {
-    return Text(before).append(u"'").append(path).append(u"'").append(after);
+    return Concat(before, u"'", path, u"'", after);
 }
 
 std::chrono::seconds patience_of_all{0};

@@ -4,6 +4,7 @@
 #include <bit>
 #include <string_view>
 
+#include "common/concat.h"
 #include "common/failure.h"
 #include "platform/files.h"
 
@@ -168,12 +169,10 @@ void RollbackJournal::Recover(TextView database_path, LockedFile& file) {
     journal.bytes_ = ReadFile(journal.path_);
     if (!journal.IsWhole()) return DeleteFile(journal.path_);
     if (!journal.IsOf(file)) {
-        throw Failure(Text(u"The journal '")
-                          .append(journal.path_)
-                          .append(u"' was written for another state of the database '")
-                          .append(database_path)
-                          .append(u"'. If this database is the right one, move the journal away; otherwise "
-                                  u"put back the database that was here when the journal was written."));
+        throw Failure(Concat(u"The journal '", journal.path_,
+                             u"' was written for another state of the database '", database_path,
+                             u"'. If this database is the right one, move the journal away; otherwise "
+                             u"put back the database that was here when the journal was written."));
     }
     journal.PlayBack(file);
     journal.Delete();

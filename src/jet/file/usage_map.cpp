@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "common/concat.h"
 #include "jet/file/bitmap.h"
 #include "jet/file/map_record.h"
 #include "jet/file/page_allocation.h"
@@ -15,9 +16,8 @@ namespace {
 PageNumber InFile(const PageFile& file, Pointer record, PageNumber first, PageNumber at) {
     const PageNumber page = first + at;
     if (page < first || page >= file.PageCount()) {
-        file.Damaged(record.page, Text(u"the usage map of slot ")
-                                      .append(Digits(record.slot))
-                                      .append(u" lists a page beyond the end of the file"));
+        file.Damaged(record.page, Concat(u"the usage map of slot ", Digits(record.slot),
+                                         u" lists a page beyond the end of the file"));
     }
     return page;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "common/concat.h"
 #include "jet/file/page_file.h"
 #include "jet/schema/definition_layout.h"
 
@@ -51,7 +52,7 @@ void CheckColumn(const Damage& damaged, const TableDefinition& table, const Colu
     if (column.type == ColumnType::Numeric &&
         (column.precision() < 1 || column.precision() > kMostPrecision ||
          column.scale() > column.precision())) {
-        damaged(Text(u"column '").append(column.name).append(u"' has an impossible precision or scale"));
+        damaged(Concat(u"column '", column.name, u"' has an impossible precision or scale"));
     }
     if (column.type == ColumnType::Boolean) return;
     if (column.IsFixed() && column.IsLongValue()) damaged(u"a long value is said to be fixed");

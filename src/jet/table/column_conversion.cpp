@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 
+#include "common/concat.h"
 #include "common/failure.h"
 #include "common/regional.h"
 #include "jet/table/row.h"
@@ -14,7 +15,7 @@ namespace {
 constexpr double kMoneyScale = 10000;
 
 Text Describe(const Column& column, const Value& value) {
-    return Text(column.name).append(u" = '").append(ValueText(value)).append(u"'");
+    return Concat(column.name, u" = '", ValueText(value), u"'");
 }
 
 [[noreturn]] void Mismatch(const Column& column, const Value& value) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "common/concat.h"
 #include "common/failure.h"
 #include "jet/table/pages_in_use.h"
 #include "jet/table/table_properties.h"
@@ -76,9 +77,8 @@ Database::Database(TextView path, Access access) : file_(path, access) {
 Table* Database::FindTable(TextView name) {
     const auto same = [&](const Text& other) { return EqualNoCase(other, name); };
     if (std::any_of(linked_.begin(), linked_.end(), same)) {
-        throw Failure(Text(u"Table '")
-                          .append(name)
-                          .append(u"' is linked from another database, which is not supported."));
+        throw Failure(
+            Concat(u"Table '", name, u"' is linked from another database, which is not supported."));
     }
     const auto entry = std::find_if(tables_.begin(), tables_.end(),
                                     [&](const TableEntry& table) { return same(table.name); });

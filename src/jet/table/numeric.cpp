@@ -5,6 +5,7 @@
 #include <cmath>
 #include <string_view>
 
+#include "common/concat.h"
 #include "common/failure.h"
 #include "jet/file/format.h"
 
@@ -96,7 +97,7 @@ void AppendNumeric(std::string& out, const TableDefinition& table, const Column&
     if (decimal.digits.size() > static_cast<std::size_t>(column.precision())) {
         throw Failure(
             u"The decimal field's precision is too small to accept the numeric you attempted to add.")
-            .In(Text(table.name).append(u".").append(column.name));
+            .In(Concat(table.name, u".", column.name));
     }
     std::array<std::uint32_t, 4> words{};  // the most significant first
     for (const char digit : decimal.digits) {

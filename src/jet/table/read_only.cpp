@@ -1,5 +1,6 @@
 #include "jet/table/read_only.h"
 
+#include "common/concat.h"
 #include "jet/index/index_key.h"
 
 namespace tav::jet {
@@ -19,18 +20,13 @@ Text ColumnsOf(const TableDefinition& table, const LogicalIndex& index) {
 Text WhyReadOnly(const TableDefinition& table) {
     for (const LogicalIndex& index : table.logical_indexes) {
         if (index.type == 2 || index.relationship != 0) {
-            return Text(u"Cannot update table '")
-                .append(table.name)
-                .append(u"': it takes part in the relationship '")
-                .append(index.name)
-                .append(u"' by ")
-                .append(ColumnsOf(table, index))
-                .append(u", which is not enforced here.");
+            return Concat(u"Cannot update table '", table.name, u"': it takes part in the relationship '",
+                          index.name, u"' by ", ColumnsOf(table, index), u", which is not enforced here.");
         }
     }
     for (const RealIndex& index : table.indexes) {
         const Text why = WhyNoKeys(table, index);
-        if (!why.empty()) return Text(u"Cannot update table '").append(table.name).append(u"': ").append(why);
+        if (!why.empty()) return Concat(u"Cannot update table '", table.name, u"': ", why);
     }
     return {};
 }

@@ -1,5 +1,6 @@
 #include "jet/table/row.h"
 
+#include "common/concat.h"
 #include "jet/file/page_file.h"
 #include "jet/table/long_value.h"
 #include "jet/table/numeric.h"
@@ -25,7 +26,7 @@ bool IsDatabaseDate(Date date) {
 Row::Row(PageFile& file, const TableDefinition& definition, RowId id, std::span<const std::uint8_t> bytes)
     : file_(&file), definition_(&definition), id_(id), bytes_(bytes) {
     const auto damaged = [&](TextView reason) {
-        file.Damaged(id.page, Text(u"row ").append(Digits(id.slot)).append(u" ").append(reason));
+        file.Damaged(id.page, Concat(u"row ", Digits(id.slot), u" ", reason));
     };
     if (bytes.size() < 2) damaged(u"is too short");
     column_count_ = U16(bytes.data());
@@ -39,12 +40,7 @@ Row::Row(PageFile& file, const TableDefinition& definition, RowId id, std::span<
 }
 
 void Row::Damaged(const Column& column, TextView reason) const {
-    file_->Damaged(id_.page, Text(u"row ")
-                                 .append(Digits(id_.slot))
-                                 .append(u", column '")
-                                 .append(column.name)
-                                 .append(u"' ")
-                                 .append(reason));
+    file_->Damaged(id_.page, Concat(u"row ", Digits(id_.slot), u", column '", column.name, u"' ", reason));
 }
 
 bool Row::IsPresent(const Column& column) const {

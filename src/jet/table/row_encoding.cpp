@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 
+#include "common/concat.h"
 #include "common/failure.h"
 #include "jet/table/long_value.h"
 #include "jet/table/numeric.h"
@@ -55,9 +56,7 @@ void AppendDate(std::string& out, const Column& column, Date date) {
 }
 
 [[noreturn]] void RefuseText(const Column& column) {
-    throw Failure(Text(u"A text that begins with U+FEFF cannot be stored in column '")
-                      .append(column.name)
-                      .append(u"'."));
+    throw Failure(Concat(u"A text that begins with U+FEFF cannot be stored in column '", column.name, u"'."));
 }
 
 void AppendTextValue(std::string& out, const Column& column, const Text& text) {
@@ -176,9 +175,8 @@ class RowEncoder {
             case ColumnType::Numeric:
                 return AppendNumeric(out, table_, column, value);
             default:
-                throw Failure(Text(u"Values of column '")
-                                  .append(column.name)
-                                  .append(u"' cannot be written: its type is not supported."));
+                throw Failure(Concat(u"Values of column '", column.name,
+                                     u"' cannot be written: its type is not supported."));
         }
     }
 
@@ -218,13 +216,9 @@ void RefuseNulls(const TableDefinition& table, std::span<const Value> values) {
     for (std::size_t i = 0; i < values.size(); ++i) {
         const Column& column = table.columns[i];
         if (!column.required || column.type == ColumnType::Boolean || !IsNull(values[i])) continue;
-        throw Failure(
-            Text(u"The field '")
-                .append(table.name)
-                .append(u".")
-                .append(column.name)
-                .append(u"' cannot contain a Null value because the Required property for this field "
-                        u"is set to True. Enter a value in this field."));
+        throw Failure(Concat(u"The field '", table.name, u".", column.name,
+                             u"' cannot contain a Null value because the Required property for this field "
+                             u"is set to True. Enter a value in this field."));
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "common/concat.h"
 #include "common/database_failure.h"
 #include "jet/file/page_file.h"
 #include "jet/file/usage_map.h"
@@ -36,7 +37,7 @@ RowPlace Table::FindPlace(RowId id) const {
     };
     RowPlace place{id, id, record_at(id)};
     if ((place.record.flags & kSlotBody) != 0) {
-        throw Failure(Text(u"Record is deleted. (").append(definition_.name).append(u")"));
+        throw Failure(Concat(u"Record is deleted. (", definition_.name, u")"));
     }
     if (place.record.flags == 0) return place;
     if (place.record.size < 4) file_->Damaged(id.page, u"a moved row does not say where it is");
@@ -57,7 +58,7 @@ Row Table::RowAt(const RowPlace& place) const {
 
 RowPlace Table::FindOwnPlace(RowId id) const {
     if (!space_.pages().Owns(id.page)) {
-        file_->Damaged(id.page, Text(u"table '").append(definition_.name).append(u"' has no rows there"));
+        file_->Damaged(id.page, Concat(u"table '", definition_.name, u"' has no rows there"));
     }
     return FindPlace(id);
 }
@@ -181,11 +182,8 @@ RecordSpace& Table::LongSpace(std::size_t column) {
     if (known != long_spaces_.end()) return known->second;
     const auto maps = std::ranges::find(definition_.long_values, number, &LongValueMaps::column_number);
     if (maps == definition_.long_values.end() || maps->owned.page == 0) {
-        throw Failure(Text(u"Cannot update table '")
-                          .append(definition_.name)
-                          .append(u"': column '")
-                          .append(definition_.columns[column].name)
-                          .append(u"' has no pages for long values."));
+        throw Failure(Concat(u"Cannot update table '", definition_.name, u"': column '",
+                             definition_.columns[column].name, u"' has no pages for long values."));
     }
     return long_spaces_
         .emplace(number,
@@ -215,11 +213,8 @@ std::vector<Table::LongRecord> Table::LongRecords(const Row& row, Wanted wanted)
         if (column == definition_.columns.end() || !wanted(position)) continue;
         for (const Pointer record : row.LongRecords(position)) {
             if (!LongSpace(position).Owns(record.page)) {
-                file_->Damaged(record.page, Text(u"it has no long values of column '")
-                                                .append(column->name)
-                                                .append(u"' of table '")
-                                                .append(definition_.name)
-                                                .append(u"'"));
+                file_->Damaged(record.page, Concat(u"it has no long values of column '", column->name,
+                                                   u"' of table '", definition_.name, u"'"));
             }
             records.push_back({position, record});
         }
