@@ -1,5 +1,7 @@
 #include "reports/get_files.h"
 
+#include <vector>
+
 #include "common/concat.h"
 #include "db/literals.h"
 #include "platform/files.h"
@@ -60,30 +62,13 @@ void AddColumnHeadings(ReportPage& page, bool consolidated) {
                             u"#w25%", u"#r2", u"ОКАТО", u"#w8%", u"#r2", u"За период", u"#w7%", u"#r2",
                             u"Сальдо на начало", u"Начислено", u"#l2", u"#c4", u"Уплачено (уменьшено)",
                             u"#l2", u"#c4", u"Сальдо на конец", u"#l2", u"#ac"});
-    page.AddColumnHeadings({u"Переплата (+)/ Недоимка(-)",
-                            u"#w7%",
-                            u"Налог",
-                            u"#l2",
-                            u"#w6%",
-                            u"Пеня",
-                            u"#w6%",
-                            u"Штраф",
-                            u"#w5%",
-                            u"Итого",
-                            u"#w6%",
-                            u"Налог",
-                            u"#l2",
-                            u"#w6%",
-                            u"Пеня",
-                            u"#w6%",
-                            u"Штраф",
-                            u"#w5%",
-                            u"Итого",
-                            u"#w6%",
-                            u"Переплата (+)/ Недоимка(-)",
-                            u"#l2",
-                            u"#w7%",
-                            u"#ac"});
+    constexpr TextView kBalance = u"Переплата (+)/ Недоимка(-)";
+    constexpr TextView kAmounts[] = {u"Налог", u"#l2",  u"#w6%",  u"Пеня", u"#w6%",
+                                     u"Штраф", u"#w5%", u"Итого", u"#w6%"};
+    std::vector<TextView> items = {kBalance, u"#w7%"};
+    for (int part = 0; part < 2; ++part) items.insert(items.end(), std::begin(kAmounts), std::end(kAmounts));
+    items.insert(items.end(), {kBalance, u"#l2", u"#w7%", u"#ac"});
+    page.AddColumnHeadings(items);
 }
 
 // One statement series on its way into the summary.
