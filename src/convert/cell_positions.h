@@ -2,7 +2,7 @@
 //
 // In the pages' plain text a positioned frame's line begins with "posx" and the
 // position. Known positions become the tags that the line reader knows; a
-// position that is not known becomes "##|" with its digits left behind the tag.
+// position that is not known becomes "##|" with its digits left after the tag.
 #pragma once
 
 #include <cstddef>
@@ -16,7 +16,7 @@ struct CellPosition {
     std::string_view tag;
 };
 
-// The table in the order in which it is defined to apply: every "posx" with these digits behind it is
+// The table in the order in which it is defined to apply: every "posx" with these digits after it is
 // replaced over the whole text, then the next line's; at last every "posx" left becomes "##|".
 extern const CellPosition kCellPositions[26];
 

@@ -74,7 +74,7 @@ struct Landmarks {
 Landmarks FindLandmarks(std::string_view head) {
     Landmarks found;
     for (std::size_t at = 1; (at = head.find(kFrame, at)) != head.npos; at += kFrame.size()) {
-        // Only behind a control word does a position begin its line.
+        // Only after a control word does a position begin its line.
         if (!IsLetterOrDigit(head[at - 1])) continue;
         const std::string tag = ReplaceCellPositions(head.substr(at + 1, kPositionSize));
         if (tag.starts_with(kActHeader)) found.act.push_back(at);

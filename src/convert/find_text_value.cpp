@@ -115,7 +115,7 @@ class Unescaped {
 
     std::string kept_;
     std::vector<int> joined_at_;  // for each character kept
-    int gap_ = 0;                 // the latest removal behind the last one
+    int gap_ = 0;                 // the latest removal after the last one
 };
 
 std::string WithoutLineEnds(std::string_view text) {
@@ -140,7 +140,7 @@ std::string_view ValueOfWord(std::int32_t& pos, std::string_view text, std::stri
     return text.substr(begin, end == text.npos ? end : end - begin);
 }
 
-// What stands behind the blank that ends the last control word.
+// What follows the space that ends the last control word.
 std::string_view TextBehindLastWord(std::string_view segment) {
     const std::size_t word = segment.rfind('\\');
     if (word == segment.npos) throw Failure(RunTimeError::InvalidProcedureCall);

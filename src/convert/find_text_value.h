@@ -18,10 +18,10 @@
 namespace tav {
 
 // The text of the group that begins at `pos`, and of the groups that follow it without a gap ("}{"). A group
-// ends at the next closing brace; `pos` moves behind the last one, or becomes 0 when one is missing.
+// ends at the next closing brace; `pos` moves past the last one, or becomes 0 when one is missing.
 //
 // Decoded are \'b9 to \'ff in lower-case digits, and \u1001 to \u1103 and \u8470 with a fallback of that
-// kind; no-break blanks vanish, a "\_" anywhere puts one "-" before everything. Any other escape ends the run
+// kind; no-break spaces vanish, a "\_" anywhere puts one "-" before everything. Any other escape ends the run
 // that it stands in. Failures: "Ошибка в функции FindTextValue".
 std::string FindTextValue(std::int32_t& pos, std::string_view text);
 
@@ -29,8 +29,8 @@ std::string FindTextValue(std::int32_t& pos, std::string_view text);
 std::string FindTextValueQuietly(std::int32_t& pos, std::string_view text);
 
 // What stands between the control word `key`, searched from `pos` on, and the next backslash or the end of
-// the text. The key has no backslash, but the blank that ends it ("cf1 "); letter case counts. `pos` moves to
-// that backslash, or just behind the key when there is none, or becomes 0 when the key is missing.
+// the text. The key has no backslash, but the space that ends it ("cf1 "); letter case counts. `pos` moves to
+// that backslash, or just after the key when there is none, or becomes 0 when the key is missing.
 // Failures: "Ошибка в функции getbase", which is the title on purpose.
 std::string GetKeyValue(std::int32_t& pos, std::string_view text, std::string_view key);
 

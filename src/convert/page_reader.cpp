@@ -13,7 +13,7 @@ constexpr std::string_view kPageEnd = "}\\par }\\sect }";
 constexpr std::ptrdiff_t kGroupsClosedAround = 2;  // more than these open
 constexpr std::size_t kBraceSearch = 10;
 
-// Where the word stands at or behind `from`, npos when it does not. The search goes by one letter of the
+// Where the word stands at or after `from`, npos when it does not. The search goes by one letter of the
 // word: backslashes, with which both words begin, are everywhere in an RTF.
 std::size_t FindByLetter(std::string_view text, std::string_view word, char letter, std::size_t from) {
     const std::size_t offset = word.find(letter);

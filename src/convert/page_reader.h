@@ -1,9 +1,9 @@
 // A printed form, page by page, as plain text in which every frame's line tells the frame's position.
 //
-// In: the bytes of an RTF. Every "\posx" becomes " posx": the blank ends the control word before it, and the
+// In: the bytes of an RTF. Every "\posx" becomes " posx": the space ends the control word before it, and the
 // position becomes the first visible text of the frame's line. The document is cut at every "\page", also
 // inside a longer word; each page is wrapped into a document of its own (code page 1251, no font table) and
-// converted for itself. A page whose text begins behind a brace, that is with "}" among the first ten
+// converted for itself. A page whose text begins after a brace, that is with "}" among the first ten
 // characters left of the document, gets the group that this brace closes.
 #pragma once
 
@@ -29,7 +29,7 @@ class PageReader {
     std::string_view Next();
     // The document of its own that the page last read was made.
     std::string_view page() const { return page_; }
-    // Whether the page last read had visible text behind its outermost closing brace, where none shows.
+    // Whether the page last read had visible text after its outermost closing brace, where none shows.
     bool dropped_text() const { return converter_.dropped_text(); }
     // Whether the pages read so far end inside a group.
     bool inside_group() const { return open_groups_ > 0; }

@@ -176,7 +176,7 @@ void RichText::ReadSymbol() {
     }
 }
 
-// The word at its backslash, with its number and the blank that ends it.
+// The word at its backslash, with its number and the space that ends it.
 RichText::Word RichText::ReadWord() {
     const char* const name = ++at_;
     while (at_ != end_ && IsLetter(*at_)) ++at_;

@@ -16,7 +16,7 @@ enum class RtfAction : std::uint8_t {
     Cell,         // the end of a table cell
     Row,          // the end of a table row
     Unicode,      // a character by its number
-    UnicodeSkip,  // how many items stand behind it for readers that know no Unicode
+    UnicodeSkip,  // how many items follow it for readers that know no Unicode
     Binary,       // so many raw bytes follow
     Drop,         // the rest of the group is not text
     FontTable,    // neither is this; it gives the fonts' charsets

@@ -30,7 +30,7 @@ class StatementLines {
     static LineKind KindOf(std::string_view line);
 
     // Takes the next line. A line that does not fit is a Failure: "Subscript out of range" for an act row
-    // before the act's header is complete, "Overflow" for a taxpayer line with its slash behind position
+    // before the act's header is complete, "Overflow" for a taxpayer line with its slash after position
     // 32767, "Invalid procedure call or argument" for one with its slash before position 20, "Type mismatch"
     // for a cell whose tag has no number.
     void Add(std::string_view line);

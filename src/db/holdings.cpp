@@ -24,7 +24,7 @@ struct Period {
     double end = 0;
 };
 
-// Periods sorted by begin: one is alone when it begins behind every end before it and ends before the next
+// Periods sorted by begin: one is alone when it begins after every end before it and ends before the next
 // begin.
 int CountAlone(std::vector<Period> periods) {
     std::sort(periods.begin(), periods.end(),
@@ -32,9 +32,9 @@ int CountAlone(std::vector<Period> periods) {
     int alone = 0;
     double latest_end = -std::numeric_limits<double>::infinity();
     for (std::size_t i = 0; i < periods.size(); ++i) {
-        const bool behind = i == 0 || periods[i].begin > latest_end;
+        const bool after = i == 0 || periods[i].begin > latest_end;
         const bool before = i + 1 == periods.size() || periods[i].end < periods[i + 1].begin;
-        if (behind && before) ++alone;
+        if (after && before) ++alone;
         latest_end = std::max(latest_end, periods[i].end);
     }
     return alone;

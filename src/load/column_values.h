@@ -2,7 +2,7 @@
 //
 // An element's name becomes a column's by keeping its first letter and the number behind it without leading
 // zeros: h01 is h1, p0211 is p211; a name without a number (perb, pere) is its own column. An element that
-// occurs twice gives one column, at the place of its first occurrence: the texts joined with one blank; in a
+// occurs twice gives one column, at the place of its first occurrence: the texts joined with one space; in a
 // number or date column the last text that converts, or the last one if none does.
 #pragma once
 

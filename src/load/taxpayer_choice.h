@@ -8,7 +8,7 @@ namespace tav {
 class TaxpayerChoice {
  public:
     // `inn`: one INN, or several between "|", to which any KPP belongs. `kpp`: 16 characters or more stand for
-    // any. Outer blanks are no part of either.
+    // any. Outer spaces are no part of either.
     TaxpayerChoice(TextView inn, TextView kpp);
     // Every document, whoever's it is.
     static TaxpayerChoice Everybody();

@@ -18,7 +18,7 @@ bool IsPlain(char16_t c) {
     return !control && kForbidden.find(c) == kForbidden.npos && IsWindows1251(TextView(&c, 1));
 }
 
-// Dots and blanks at either end are cut: they hide the file, or the system drops them.
+// Dots and spaces at either end are cut: they hide the file, or the system drops them.
 Text PlainField(TextView field, std::size_t room) {
     Text plain;
     for (const char16_t c : field) {

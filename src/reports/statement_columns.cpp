@@ -5,7 +5,7 @@
 namespace tav {
 namespace {
 
-// Two blanks before the parenthesis belong to the form.
+// Two spaces before the parenthesis belong to the form.
 constexpr std::array<StatementColumn, 14> kColumns = {{
     {{u"Дата записи", u"#w7%", u"#r2"}, {}, u"p1", u"p1", u"#ac", {}, {}},
     {{u"операция/вид документа", u"#w19%", u"#r2"}, {}, u"p3", u",p3", u"#al", {}, {}},

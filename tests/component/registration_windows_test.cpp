@@ -21,7 +21,7 @@ int Regsvr32(std::vector<std::string> arguments) {
     return test::RunProgram("regsvr32", arguments).status;
 }
 
-// The library in a folder with Cyrillic letters and blanks.
+// The library in a folder with Cyrillic letters and spaces.
 class Registration : public testing::Test {
  protected:
     Registration() {

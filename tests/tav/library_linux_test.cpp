@@ -160,7 +160,7 @@ std::multiset<std::string> AmountsIn(const std::string& text) {
     return amounts;
 }
 
-// Each amount in one piece, with plain blanks as pdftotext has it; pictures have some more numbers.
+// Each amount in one piece, with plain spaces as pdftotext has it; pictures have some more numbers.
 TEST_F(Outside, ReportsOnPaperHaveTheSameAmountsAndLinks) {
     ASSERT_EQ(Ask("import").status, 0);
     const Outcome made = Tav({"report", "statements", "--inn", kInn, "--kpp", kKpp, "--pdf"}, WithoutScreen);

@@ -6,7 +6,7 @@
 //     ! what it says on standard error
 //     = its exit status, unless that is 0
 //
-// "~" is the story's own folder, '...' holds blanks together; empty lines of an answer are left out. Besides
+// "~" is the story's own folder, '...' holds spaces together; empty lines of an answer are left out. Besides
 // `tav` and `make_samples` there are the few commands of the table below. With TAV_UPDATE_GOLDEN set the
 // answers are written anew.
 #include <chrono>

@@ -11,7 +11,7 @@ struct Layout {
     std::size_t columns = 0;
     std::size_t variables = 0;
     std::size_t mask = 0;     // offset of the null mask
-    std::size_t trailer = 0;  // offset behind which no value reaches
+    std::size_t trailer = 0;  // offset past which no value reaches
 };
 
 std::optional<Layout> FindParts(const TableDefinition& definition, Bytes row) {

@@ -14,7 +14,7 @@ bool IsDigit(char16_t c) {
     return c >= u'0' && c <= u'9';
 }
 
-// The length of the piece of text up to the next place where a line may end: after a blank or a slash, and
+// The length of the piece of text up to the next place where a line may end: after a space or a slash, and
 // after a hyphen between two digits, as periods have it.
 std::size_t PieceLength(TextView text) {
     for (std::size_t i = 0; i + 1 < text.size(); ++i) {
