@@ -8,6 +8,7 @@
 
 #include "component.h"
 #include "open_class_object_windows.h"
+#include "support/com_double_windows.h"
 
 namespace tav {
 namespace {
@@ -15,19 +16,8 @@ namespace {
 using test::Bstr;
 
 // Writes down what is called.
-struct Recorder final : OpenClassInterface {
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
-                                     UINT*) override {
-        return E_NOTIMPL;
-    }
+struct Recorder final : test::DispatchDouble<OpenClassInterface> {
+    Recorder() : DispatchDouble(kInterfaceId) {}
 
     HRESULT STDMETHODCALLTYPE start(BSTR inn, BSTR kpp, DATE vdm) override {
         return Note("start", inn, kpp, " " + std::to_string(vdm));

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/automation_windows.h"
+#include "support/com_double_windows.h"
 #include "support/machine_value_windows.h"
 
 namespace tav::test {
@@ -14,9 +15,6 @@ namespace tav::test {
 class AdoDouble {
  public:
     AdoDouble();
-    ~AdoDouble();
-    AdoDouble(const AdoDouble&) = delete;
-    AdoDouble& operator=(const AdoDouble&) = delete;
 
     // "CursorLocation=3", "Open text|user|password|options",
     // "Execute text", "Close", in the order of the calls.
@@ -26,7 +24,7 @@ class AdoDouble {
     const win32::ComUse com_;
     const MachineValue ado_;
     const MachineValue jet_;
-    unsigned long factory_ = 0;
+    ClassDouble class_;
 };
 
 }  // namespace tav::test

@@ -9,9 +9,6 @@
 #include "db/native_engine.h"
 #include "platform/automation_windows.h"
 
-// The system's interfaces have no virtual destructor: objects go by Release.
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-
 namespace tav::test {
 namespace {
 
@@ -21,28 +18,11 @@ constexpr CLSID kDouble = {0x6b0d2c47, 0x5f7a, 0x4c55, {0x9e, 0x0b, 0x0c, 0x8a, 
 constexpr wchar_t kId[] = L"{6B0D2C47-5F7A-4C55-9E0B-0C8A6C1D7E21}";
 
 // An automation object of members by name. A Failure in one comes out as an automation exception.
-class Members : public IDispatch {
+class Members : public DispatchDouble<IDispatch> {
  public:
     using Member = std::function<Variant(const std::vector<VARIANT>& arguments)>;
-    virtual ~Members() = default;
+    Members() : DispatchDouble(IID_IDispatch) {}
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
-        const bool known = id == IID_IUnknown || id == IID_IDispatch;
-        *object = known ? this : nullptr;
-        if (known) AddRef();
-        return known ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG left = --references_;
-        if (left == 0) delete this;
-        return left;
-    }
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
-        *count = 0;
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID, DISPID* numbers) override {
         for (std::size_t i = 0; i < members_.size(); ++i) {
             if (members_[i].first == names[0]) {
@@ -71,7 +51,6 @@ class Members : public IDispatch {
     void Add(const wchar_t* name, Member member) { members_.emplace_back(name, std::move(member)); }
 
  private:
-    ULONG references_ = 1;
     std::vector<std::pair<std::wstring, Member>> members_;
 };
 
@@ -226,26 +205,6 @@ class ConnectionDouble : public Members {
     Text state_;  // of the last error
 };
 
-class Factory : public IClassFactory {
- public:
-    virtual ~Factory() = default;
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
-        const bool known = id == IID_IUnknown || id == IID_IClassFactory;
-        *object = known ? this : nullptr;
-        return known ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 1; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
-    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID id, void** object) override {
-        auto* made = new ConnectionDouble;
-        const HRESULT result = made->QueryInterface(id, object);
-        made->Release();
-        return result;
-    }
-    HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
-};
-Factory factory;
-
 }  // namespace
 
 std::vector<Text>& AdoDouble::Calls() {
@@ -256,13 +215,9 @@ std::vector<Text>& AdoDouble::Calls() {
 // The machine has the first key, its own class in it, and lacks the second.
 AdoDouble::AdoDouble()
     : ado_(L"Software\\Classes\\ADODB.Connection\\CLSID", kId),
-      jet_(L"Software\\Classes\\Microsoft.Jet.OLEDB.4.0\\CLSID", kId) {
+      jet_(L"Software\\Classes\\Microsoft.Jet.OLEDB.4.0\\CLSID", kId),
+      class_(kDouble, [] { return new ConnectionDouble; }) {
     Calls().clear();
-    ::CoRegisterClassObject(kDouble, &factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &factory_);
-}
-
-AdoDouble::~AdoDouble() {
-    ::CoRevokeClassObject(factory_);
 }
 
 }  // namespace tav::test

@@ -7,34 +7,14 @@
 
 #include "forms/probe_form.h"
 #include "platform/automation_windows.h"
-
-// The system's interfaces have no virtual destructor.
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+#include "support/com_double_windows.h"
 
 namespace tav::test {
 namespace {
 
-// The class and its one object.
-class Services final : public IClassFactory, public IAccPropServices {
+class Services final : public ComDouble<IAccPropServices> {
  public:
-    Services() {
-        EXPECT_EQ(::CoRegisterClassObject(CLSID_AccPropServices, static_cast<IClassFactory*>(this),
-                                          CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &registered_),
-                  S_OK);
-    }
-    ~Services() { ::CoRevokeClassObject(registered_); }
-
-    HRESULT WINAPI QueryInterface(REFIID id, void** object) override {
-        *object = id == IID_IAccPropServices ? static_cast<void*>(static_cast<IAccPropServices*>(this))
-                                             : static_cast<IClassFactory*>(this);
-        return S_OK;
-    }
-    ULONG WINAPI AddRef() override { return 2; }
-    ULONG WINAPI Release() override { return 1; }
-    HRESULT WINAPI CreateInstance(IUnknown*, REFIID id, void** object) override {
-        return QueryInterface(id, object);
-    }
-    HRESULT WINAPI LockServer(BOOL) override { return S_OK; }
+    Services() : ComDouble(IID_IAccPropServices) {}
 
     HRESULT WINAPI SetHwndPropStr(HWND window, DWORD object, DWORD child, MSAAPROPID property,
                                   LPCWSTR name) override {
@@ -79,14 +59,15 @@ class Services final : public IClassFactory, public IAccPropServices {
     HRESULT WINAPI DecomposeHmenuIdentityString(Bytes, DWORD, HMENU*, DWORD*) override { return E_NOTIMPL; }
 
     std::map<HWND, std::string> names;
-
- private:
-    DWORD registered_ = 0;
 };
 
 TEST(Readers, AreToldNamesWhileTheWindowLives) {
     const win32::ComUse com;
     Services services;
+    const ClassDouble registered(CLSID_AccPropServices, [&] {
+        services.AddRef();
+        return &services;
+    });
     Recorder events;
     OwnedWindow window = CurrentToolkit().Create(kPlan, events);
     std::map<int, std::string> told;
