@@ -1,6 +1,6 @@
-// The sample databases: files made by the database engine itself, with their expected contents.
-//
-// They lie in the folder that TAV_MDB_SAMPLES names; tests that need them are skipped where it is not set.
+// The sample databases with their expected contents: a small one of our own in tests/jet/samples, whose rows
+// are those that other readers of the format find in it, and files made by the original engine in the folder
+// that TAV_MDB_SAMPLES names; tests that need one of these are skipped where it is not set.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -20,22 +20,26 @@ inline std::string SampleFolder() {
     return folder == nullptr ? std::string() : std::string(folder);
 }
 
+// A file of either folder.
 inline Text SamplePath(std::string_view name) {
-    return WithSeparator(FromUtf8(SampleFolder())) + FromUtf8(name);
+    const Text own = FromUtf8(TAV_TEST_DIR "/jet/samples/") + FromUtf8(name);
+    return FileExists(own) ? own : WithSeparator(FromUtf8(SampleFolder())) + FromUtf8(name);
 }
 
-inline Text SampleDatabase(const std::string& stem) {
-    return SamplePath(stem + ".mdb");
-}
-
-// The file names of all sample databases, sorted.
+// All sample databases, by their paths.
 inline std::vector<Text> SampleDatabases() {
-    return ListFiles(FromUtf8(SampleFolder()), u".mdb");
+    std::vector<Text> paths;
+    for (const std::string& folder : {std::string(TAV_TEST_DIR "/jet/samples/"), SampleFolder()}) {
+        if (folder.empty()) continue;
+        const Text path = WithSeparator(FromUtf8(folder));
+        for (const Text& name : ListFiles(path, u".mdb")) paths.push_back(path + name);
+    }
+    return paths;
 }
 
 // A copy to work on.
-inline Text CopySample(const TempFolder& folder, std::string_view name) {
-    return folder.Write(FromUtf8(name), ReadFile(SamplePath(name)));
+inline Text CopySample(const TempFolder& folder, TextView path) {
+    return folder.Write(NameOf(path), ReadFile(path));
 }
 
 }  // namespace tav::test

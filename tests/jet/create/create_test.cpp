@@ -29,7 +29,7 @@ const std::set<std::size_t> kMeaningless = [] {
 
 TEST(EmptyDatabase, EqualsWhatTheDatabaseEngineMakes) {
     TAV_NEEDS_SAMPLES();
-    const std::string expected = ReadFile(tav::test::SampleDatabase("adox_jet4"));
+    const std::string expected = ReadFile(tav::test::SamplePath("adox_jet4.mdb"));
 
     const std::string made = EmptyDatabase({});
 

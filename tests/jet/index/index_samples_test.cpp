@@ -52,11 +52,10 @@ void CompareIndex(PageFile& file, Table& table, std::size_t number, Count& count
 }
 
 TEST(IndexSamples, EveryEntryIsTheKeyOfItsRow) {
-    TAV_NEEDS_SAMPLES();
     Count count;
-    for (const Text& name : test::SampleDatabases()) {
-        SCOPED_TRACE(ToUtf8(name));
-        Database database(test::SamplePath(ToUtf8(name)), Database::Access::Read);
+    for (const Text& sample : test::SampleDatabases()) {
+        SCOPED_TRACE(ToUtf8(sample));
+        Database database(sample, Database::Access::Read);
         for (PageNumber page = 2; page <= 5; ++page) {
             Table table(database.file(), ReadTableDefinition(database.file(), page, u"system table"));
             for (std::size_t i = 0; i < table.definition().indexes.size(); ++i) {
@@ -70,10 +69,7 @@ TEST(IndexSamples, EveryEntryIsTheKeyOfItsRow) {
             }
         }
     }
-    RecordProperty("indexes", count.indexes);
-    RecordProperty("entries", count.entries);
-    RecordProperty("refused", count.refused);
-    EXPECT_GT(count.entries, 1000);
+    EXPECT_GT(count.entries, test::SampleFolder().empty() ? 60 : 1000);
     EXPECT_LT(count.refused, count.entries / 20);
 }
 

@@ -213,10 +213,9 @@ TEST(Changing, StatementIsTakenBackByteForByte) {
 }
 
 TEST(Changing, AutonumberAndCountersFollow) {
-    TAV_NEEDS_SAMPLES();
     TempFolder folder;
-    Database database(CopySample(folder, "testUnicodeCompV2003.mdb"), Database::Access::Write);
-    Table& table = *database.FindTable(u"Table");
+    Database database(CopySample(folder, SamplePath("own.mdb")), Database::Access::Write);
+    Table& table = *database.FindTable(u"numbered");
     const auto definition = [&] { return database.file().Read(table.definition().page).data(); };
     ASSERT_EQ(U32(definition() + 20), 8u);
     const RowId id = table.Insert(Values{Null(), Text(u"Мир")});
@@ -238,12 +237,11 @@ TEST(Changing, AutonumberAndCountersFollow) {
 
 // Every sample table that may be changed: its rows once more, each changed, every third deleted.
 TEST(Changing, SamplesStaySound) {
-    TAV_NEEDS_SAMPLES();
     TempFolder folder;
     int changed = 0;
-    for (const Text& name : test::SampleDatabases()) {
-        SCOPED_TRACE(ToUtf8(name));
-        const Text path = CopySample(folder, ToUtf8(name));
+    for (const Text& sample : test::SampleDatabases()) {
+        SCOPED_TRACE(ToUtf8(sample));
+        const Text path = CopySample(folder, sample);
         {
             Database database(path, Database::Access::Write);
             for (const TableEntry& entry : database.Tables()) {
@@ -270,14 +268,18 @@ TEST(Changing, SamplesStaySound) {
         }
         ExpectSound(path);
     }
-    EXPECT_GT(changed, 800);
+    EXPECT_GT(changed, test::SampleFolder().empty() ? 40 : 800);
 }
 
-// What the engine wrote and what we write for the same values are the same bytes, padding apart.
+// What stands in the samples and what we write for the same values are the same bytes, padding apart.
 TEST(Changing, RowsAreEncodedAsTheyWere) {
-    TAV_NEEDS_SAMPLES();
-    int compared = 0;
-    for (const char* name : {"MultiRead.mdb", "testUnicodeCompV2003.mdb", "compIndexTestV2000.mdb"}) {
+    const std::pair<const char*, int> samples[] = {{"own.mdb", 8},
+                                                   {"MultiRead.mdb", 77},
+                                                   {"testUnicodeCompV2003.mdb", 8},
+                                                   {"compIndexTestV2000.mdb", 512}};
+    for (const auto& [name, rows] : samples) {
+        if (!FileExists(SamplePath(name))) continue;
+        int compared = 0;
         Database database(SamplePath(name), Database::Access::Read);
         const Text table_name = database.Tables().front().name;
         Table& table = *database.FindTable(table_name);
@@ -293,20 +295,24 @@ TEST(Changing, RowsAreEncodedAsTheyWere) {
                       std::string(page.begin() + record.begin, page.begin() + record.begin + record.size))
                 << name << " row " << id.page << ":" << static_cast<int>(id.slot);
         }
+        EXPECT_EQ(compared, rows) << name;
     }
-    EXPECT_EQ(compared, 77 + 8 + 512);
 }
 
 TEST(Changing, RelatedTablesAreRefused) {
-    TAV_NEEDS_SAMPLES();
-    TempFolder folder;
-    Database related(CopySample(folder, "TestData.mdb"), Database::Access::Write);
-    for (const TextView name : {u"Person", u"Doctor", u"Patient"}) {
+    const std::pair<const char*, TextView> tables[] = {{"own.mdb", u"related"},
+                                                       {"TestData.mdb", u"Person"},
+                                                       {"TestData.mdb", u"Doctor"},
+                                                       {"TestData.mdb", u"Patient"}};
+    for (const auto& [file, name] : tables) {
+        if (!FileExists(SamplePath(file))) continue;
+        TempFolder folder;
+        Database related(CopySample(folder, SamplePath(file)), Database::Access::Write);
         Table& table = *related.FindTable(name);
         const Values values = table.Rows().row().All();
         EXPECT_THAT(FailureOf([&] { table.Insert(values); }), testing::HasSubstr("relationship"));
+        EXPECT_FALSE(related.file().HasChanges());
     }
-    EXPECT_FALSE(related.file().HasChanges());
 }
 
 }  // namespace
