@@ -10,13 +10,13 @@
 //   </file>
 //   </all>
 //
-// Windows-1251, CR LF, values raw (catalogue_markup.h). It grows to hundreds of megabytes, so it is kept as its
-// bytes and read entry by entry (catalogue_entry.h) in one pass; only the entry asked for becomes a tree. An entry
-// that cannot be read harms no other.
+// Windows-1251, CR LF, values raw (catalogue_markup.h). It grows to hundreds of megabytes, so it is kept
+// as its bytes and read entry by entry (catalogue_entry.h) in one pass; only the entry asked for becomes
+// a tree. An entry that cannot be read harms no other.
 //
-// A catalogue that somebody edited may have another encoding or other line ends: as long as it is XML, it is
-// brought to the form above first. One without a readable frame (no <all>, neither XML nor Windows-1251) is an
-// XmlFailure that names the file and the reason.
+// A catalogue that somebody edited may have another encoding or other line ends: as long as it is XML,
+// it is brought to the form above first. One without a readable frame (no <all>, neither XML nor
+// Windows-1251) is an XmlFailure that names the file and the reason.
 #pragma once
 
 #include <optional>

@@ -12,7 +12,8 @@ namespace {
 constexpr std::string_view kFileClosing = "</file>";
 constexpr std::string_view kNameClosing = "</name>";
 
-// Where the closing tag of an element ends whose text begins at `at` and holds no "<"; npos when it has more in it.
+// Where the closing tag of an element ends whose text begins at `at` and holds no "<"; npos when it has
+// more in it.
 std::size_t EndOfValue(std::string_view text, std::size_t at, std::string_view name) {
     const std::size_t closing = text.find("<", at);
     if (closing == text.npos) return closing;

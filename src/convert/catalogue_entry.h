@@ -1,11 +1,12 @@
 // One entry of the catalogue, a `file` element, found and checked in the catalogue's bytes without a tree.
 //
-// An entry reaches from its <file> to its </file>. It can be read when its own tags (catalogue_markup.h) are all
-// closed in the reverse order of their opening. One that cannot is bounded all the same, so that it costs no
-// other entry anything: the next <file>, or the catalogue's end, ends it.
+// An entry reaches from its <file> to its </file>. It can be read when its own tags (catalogue_markup.h)
+// are all closed in the reverse order of their opening. One that cannot is bounded all the same, so that
+// it costs no other entry anything: the next <file>, or the catalogue's end, ends it.
 //
-// What a later scan must know of a document, and the catalogue has no element for, stands in the indentation of
-// </file>, which means nothing to other readers: the number of TABs is a sum of EntryNote.
+// What a later scan must know of a document, and the catalogue has no element for, stands in the
+// indentation of </file>, which means nothing to other readers: the number of TABs is a sum of
+// EntryNote.
 #pragma once
 
 #include <cstddef>
@@ -19,7 +20,7 @@ namespace tav {
 
 enum class EntryNote : unsigned {
     None = 0,
-    DroppedText = 1,  // a page hid visible text behind its last closing brace
+    DroppedText = 1,  // a page hid visible text after its last closing brace
     CutOff = 2,       // the document ended inside a group
 };
 
@@ -28,7 +29,7 @@ struct CatalogueEntry {
     std::size_t name_begin = 0;  // its bytes
     std::size_t name_end = 0;
     std::size_t begin = 0;  // at the "<" of <file>
-    std::size_t end = 0;    // behind </file>
+    std::size_t end = 0;    // after </file>
     bool has_part = false;
     bool dropped_text = false;
     bool cut_off = false;
@@ -44,11 +45,11 @@ CatalogueEntry ReadEntry(std::string_view catalogue, const MarkupTag& file);
 // A readable entry for a reader of XML. Its `name` is empty: any text is a name there.
 std::string AsXml(std::string_view catalogue, const CatalogueEntry& entry);
 
-// The entry, one element from <file> to the line end behind </file>, with its notes.
+// The entry, one element from <file> to the line end after </file>, with its notes.
 std::string WithNotes(std::string entry, bool dropped_text, bool cut_off);
 
-// The entry of a document that was cut off, all its elements closed. The row that was not finished goes, or of an
-// act the last amount: they may be half of what they were.
+// The entry of a document that was cut off, all its elements closed. The row that was not finished goes,
+// or of an act the last amount: they may be half of what they were.
 std::string WithAllClosed(std::string entry);
 
 }  // namespace tav

@@ -62,7 +62,8 @@ class ShownProgress {
     ShownProgress& operator=(const ShownProgress&) = delete;
 };
 
-// The file system's clock goes on in steps: a file that changed right now could change once more and look the same.
+// The file system's clock goes on in steps: a file that changed right now could change once more and
+// look the same.
 void WaitForFileClock(const std::vector<ListedDocument>& documents) {
     const auto now = std::chrono::system_clock::now().time_since_epoch();
     std::chrono::nanoseconds age = 2 * kFileClockStep;
@@ -116,8 +117,8 @@ class Scan {
     bool must_be_written_ = false;  // also when its bytes stay: a changed file gave what it had given before
 };
 
-// What is converted: every document that is not settled; beside them those whose names the catalogue has in other
-// letters' case only.
+// What is converted: every document that is not settled; beside them those whose names the catalogue has
+// in other letters' case only.
 std::vector<const ListedDocument*> Scan::Unsettled() const {
     std::vector<const ListedDocument*> documents;
     if (std::ranges::all_of(state_.documents, &ListedDocument::settled)) return documents;
@@ -203,8 +204,8 @@ std::string Scan::Opening() const {
     return text;
 }
 
-// The entries that stay, in their order. Of several under one name that is in the folder, only the last one is not
-// departed.
+// The entries that stay, in their order. Of several under one name that is in the folder, only the last
+// one is not departed.
 std::string Scan::Carried(bool without_departed) const {
     std::string text;
     if (!state_.catalogue) return text;

@@ -11,19 +11,20 @@
 namespace tav {
 
 struct Conversion {
-    // The document's entry in the catalogue, from <file> to the line end behind </file>, as Windows-1251. Empty
-    // when the document was rejected or could not be read, and after a cancel.
+    // The document's entry in the catalogue, from <file> to the line end after </file>, as
+    // Windows-1251. Empty when the document was rejected or could not be read, and after a cancel.
     std::string entry;
-    // For a person: why there is no entry, or no part in it, where more is known than that nothing was recognised.
+    // For a person: why there is no entry, or no part in it, where more is known than that nothing was
+    // recognised.
     Text reason;
     bool unreadable = false;  // the file could not be opened or read
     bool cut_off = false;     // the text ends inside a group
     std::vector<std::size_t>
-        dropped_pages;  // those that hide visible text behind their last closing brace, from 1
+        dropped_pages;  // those that hide visible text after their last closing brace, from 1
 };
 
-// "форма.rtf, страницы 3, 4: текст за последней закрывающей скобкой не показан"; the first ten pages. Empty when
-// there are none.
+// "форма.rtf, страницы 3, 4: текст за последней закрывающей скобкой не показан"; the first ten pages.
+// Empty when there are none.
 Text DroppedTextLine(TextView file_name, const std::vector<std::size_t>& pages);
 
 // Whether a failure says that a file cannot be opened or read; and why, for a person.

@@ -27,12 +27,12 @@ struct DocumentGlance {
 // Looks at the document of that path. Shows no message and throws nothing: what cannot be read, and what is
 // neither a statement nor an act, is Unknown and says why.
 //
-// An act as XML ("*.xml") is read whole. Of an RTF 64 KB are read, and 1 MB of a file where these have not shown all fields: tables of fonts and styles, or a
-// picture, may stand before the header.
+// An act as XML ("*.xml") is read whole. Of an RTF 64 KB are read, and 1 MB of a file where these have
+// not shown all fields: tables of fonts and styles, or a picture, may stand before the header.
 DocumentGlance GlanceAtDocument(TextView path);
 
-// Why a document in which the reader of whole documents found nothing is none, for a person; `cut_off` when its
-// text ends inside a group.
+// Why a document in which the reader of whole documents found nothing is none, for a person; `cut_off`
+// when its text ends inside a group.
 Text WhyNothing(TextView path, bool cut_off);
 
 // Whether an XML file has the look of an act, by its head; not when it cannot be read.

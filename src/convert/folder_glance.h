@@ -1,7 +1,8 @@
 // What the next scan of a folder will find, without changing anything and without a message.
 //
-// A settled document costs a look at its file; of every other one the head is read. Whether such a document is cut
-// off or drops text, and whether its entry will be readable, is known only when it has been converted.
+// A settled document costs a look at its file; of every other one the head is read. Whether such a
+// document is cut off or drops text, and whether its entry will be readable, is known only when it has
+// been converted.
 #pragma once
 
 #include <optional>

@@ -1,9 +1,9 @@
-// What an import folder holds, and what its catalogue knows of it: one look at each file and one pass over the
-// catalogue's bytes. Nothing is written, no document is opened.
+// What an import folder holds, and what its catalogue knows of it: one look at each file and one pass
+// over the catalogue's bytes. Nothing is written, no document is opened.
 //
-// A document is settled when the catalogue has an entry for it that can be read, or lists it and has none (it was
-// looked at and nothing was found), and its file was not changed since the catalogue was written. An entry under
-// the same name in other letters' case is an entry for it.
+// A document is settled when the catalogue has an entry for it that can be read, or lists it and has
+// none (it was looked at and nothing was found), and its file was not changed since the catalogue was
+// written. An entry under the same name in other letters' case is an entry for it.
 #pragma once
 
 #include <optional>
@@ -33,8 +33,8 @@ struct FolderState {
     bool all_settled = false;               // and listed in the same order: there is nothing to do
 };
 
-// The documents are "*.rtf", and "*.xml" when acts as XML are listed (CheckXml), but for the catalogue and the schema.
-// `folder` ends with its separator; one that is missing is empty.
+// The documents are "*.rtf", and "*.xml" when acts as XML are listed (CheckXml), but for the catalogue
+// and the schema. `folder` ends with its separator; one that is missing is empty.
 FolderState ReadFolderState(TextView folder, std::optional<bool> acts_as_xml);
 
 // How many of the XML files that are not listed look like acts.

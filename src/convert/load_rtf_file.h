@@ -6,8 +6,9 @@
 
 namespace tav {
 
-// Reads `folder` (which ends with the path separator) + `file_name`. What the user cancelled has no entry, nor
-// has what failed: the failure is shown ("Ошибка в функции LoadRtfFile"; the description names the document).
+// Reads `folder` (which ends with the path separator) + `file_name`. What the user cancelled has no
+// entry, nor has what failed: the failure is shown ("Ошибка в функции LoadRtfFile"; the description
+// names the document).
 //
 // Between pages the user interface processes its events (common/progress.h), and the cancel stamp is looked
 // at (settings/session.h).

@@ -14,10 +14,10 @@
 //     </part>
 //   </file>
 //
-// Values are the attributes' texts, neither escaped nor reformatted; an attribute that is not there writes
-// nothing. The part and its head are opened with h01, the head is closed and the body opened with pere, both
-// are closed with p0045: a document without one of these attributes yields an entry that cannot be read, and the
-// schema rejects such a document first.
+// Values are the attributes' texts, neither escaped nor reformatted; an attribute that is not there
+// writes nothing. The part and its head are opened with h01, the head is closed and the body opened with
+// pere, both are closed with p0045: a document without one of these attributes yields an entry that
+// cannot be read, and the schema rejects such a document first.
 #pragma once
 
 #include <string_view>
@@ -30,13 +30,13 @@ namespace tav {
 // The schema file's full path: its fixed name, beside the component.
 Text ActSchemaPath();
 
-// Reads `folder` + `file_name`. A document that the schema rejects has no entry, in silence; neither has one after
-// an unexpected failure, which is shown ("Ошибка в функции LoadXMLFile"): it cannot be read, or the schema file is
-// no schema.
+// Reads `folder` + `file_name`. A document that the schema rejects has no entry, in silence; neither has
+// one after an unexpected failure, which is shown ("Ошибка в функции LoadXMLFile"): it cannot be read,
+// or the schema file is no schema.
 Conversion LoadXMLFile(TextView folder, TextView file_name);
 
-// The entry of a document that was read, by the schema of that path (a file that is missing validates nothing).
-// Throws Failure: the schema file is no schema.
+// The entry of a document that was read, by the schema of that path (a file that is missing validates
+// nothing). Throws Failure: the schema file is no schema.
 Conversion ConvertAct(std::string_view document, TextView file_name, TextView schema_path);
 
 }  // namespace tav

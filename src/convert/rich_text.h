@@ -36,7 +36,8 @@ class RichText {
     std::string_view Read(std::string_view document);
     // Whether the last document had visible text behind its outermost closing brace.
     bool dropped_text() const { return dropped_text_; }
-    // How many groups the last document opened without closing them; below 0 when it closed more than it opened.
+    // How many groups the last document opened without closing them; below 0 when it closed more than it
+    // opened.
     std::ptrdiff_t open_groups() const { return open_groups_; }
 
  private:

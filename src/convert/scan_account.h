@@ -33,7 +33,7 @@ struct ScannedFile {
     // The text ends inside a group, as that of a file does which was not copied to its end: what is there is
     // converted, but for a row that was not finished.
     bool cut_off = false;
-    // Some page hides visible text behind its last closing brace; which pages, counted from 1, is known of
+    // Some page hides visible text after its last closing brace; which pages, counted from 1, is known of
     // documents that this scan converted.
     bool dropped_text = false;
     std::vector<std::size_t> dropped_pages = {};

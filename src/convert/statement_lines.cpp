@@ -243,8 +243,8 @@ void StatementLines::AddActHeaderField(std::string_view line) {
     }
 }
 
-// "##a<h@@>name 7701000000/ 770101001": the number before the slash has 10 characters, or 12 when they all are
-// digits, and a blank before it.
+// "##a<h@@>name 7701000000/ 770101001": the number before the slash has 10 characters, or 12 when they
+// all are digits, and a blank before it.
 void StatementLines::AddTaxpayer(std::string_view line) {
     const std::size_t found = line.find("/ ");
     const std::size_t position = found == line.npos ? 0 : found + 1;

@@ -103,8 +103,8 @@ std::int64_t Nanoseconds(const timespec& time) {
     return time.tv_sec * kNanoseconds + time.tv_nsec;
 }
 
-// A time of content in the future was set by somebody and says nothing. The time of the record is the system's own
-// and goes with every change of content.
+// A time of content in the future was set by somebody and says nothing. The time of the record is the
+// system's own and goes with every change of content.
 FileStamp StampOf(const struct stat& status) {
     const std::int64_t content = Nanoseconds(status.st_mtim);
     const std::int64_t record = Nanoseconds(status.st_ctim);
@@ -163,8 +163,8 @@ class ReplacementFile {
     bool renamed_ = false;
 };
 
-// Hands on the folder's wanted names: take(descriptor of the folder, entry, name). A folder that is not there has
-// none.
+// Hands on the folder's wanted names: take(descriptor of the folder, entry, name). A folder that is not
+// there has none.
 template <class Wanted, class Take>
 void ForEachName(TextView folder, Wanted&& wanted, Take take) {
     const Text prefix = WithSeparator(folder);

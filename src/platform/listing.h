@@ -15,7 +15,8 @@ class Listing {
     void Add(Text upper_cased_name, File file) {
         found_.emplace_back(std::move(upper_cased_name), std::move(file));
     }
-    // What was added, in the order of the upper-cased names; of two that differ in letter case only, in their own.
+    // What was added, in the order of the upper-cased names; of two that differ in letter case only, in
+    // their own.
     std::vector<File> Sorted() {
         std::ranges::sort(found_, [](const auto& a, const auto& b) {
             return a.first != b.first ? a.first < b.first : NameOf(a.second) < NameOf(b.second);

@@ -1,6 +1,6 @@
-// Stories of a folder: each file of stories/ puts documents in and takes them out, scans the folder or glances at it,
-// and has beneath each "scan" and "glance", indented, what became of every document. TAV_UPDATE_GOLDEN writes that
-// anew.
+// Stories of a folder: each file of stories/ puts documents in and takes them out, scans the folder or
+// glances at it, and has beneath each "scan" and "glance", indented, what became of every document.
+// TAV_UPDATE_GOLDEN writes that anew.
 //
 //   put NAME: KIND       a document of that kind (Documents below), or of the text behind the word "text"
 //   remove NAME, rename NAME > NAME, link NAME > TARGET
