@@ -1,5 +1,7 @@
 #include "convert/catalogue_entry.h"
 
+#include <algorithm>
+#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -26,6 +28,39 @@ std::size_t EndOfValue(std::string_view text, std::size_t at, std::string_view n
     return closing + size;
 }
 
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+// Where an element <p01>text</p01> ends whose tag begins at `at` and is so long; npos when none begins there.
+template <std::size_t TagSize>
+std::size_t EndOfPlainValue(std::string_view text, std::size_t at) {
+    const std::size_t closing = text.find('<', at + TagSize);
+    if (closing == text.npos || text.size() - closing <= TagSize || text[closing + 1] != '/')
+        return text.npos;
+    const bool closes = std::memcmp(text.data() + closing + 2, text.data() + at + 1, TagSize - 1) == 0;
+    return closes ? closing + TagSize + 1 : text.npos;
+}
+
+// Passes over the elements <p01>text</p01>, <h01> and <p0001>, of which nearly all of a catalogue
+// consists: where the first other tag at or after `at` begins; the text's end when there is none.
+std::size_t PassValues(std::string_view text, std::size_t at) {
+    constexpr std::size_t kShort = sizeof "<p01>" - 1;
+    constexpr std::size_t kLong = sizeof "<p0001>" - 1;
+    while (true) {
+        at = text.find('<', at);
+        if (at == text.npos || text.size() - at <= kLong) return std::min(at, text.size());
+        const char* const tag = text.data() + at;
+        if ((tag[1] != 'p' && tag[1] != 'h') || !IsDigit(tag[2]) || !IsDigit(tag[3])) return at;
+        std::size_t end = text.npos;
+        if (tag[kShort - 1] == '>') end = EndOfPlainValue<kShort>(text, at);
+        if (tag[kLong - 1] == '>' && IsDigit(tag[4]) && IsDigit(tag[5]))
+            end = EndOfPlainValue<kLong>(text, at);
+        if (end == text.npos) return at;
+        at = end;
+    }
+}
+
 // Any characters but line ends may stand in a file's name, whole tags too.
 std::string_view NameFrom(std::string_view text, std::size_t at) {
     const std::string_view line = text.substr(at, text.find_first_of("\r\n", at) - at);
@@ -46,7 +81,7 @@ class EntryReader {
 
     CatalogueEntry Read() {
         while (!open_.empty()) {
-            const MarkupTag tag = NextTag(text_, at_);
+            const MarkupTag tag = NextTag(text_, PassValues(text_, at_));
             if (EndsBefore(tag)) {
                 entry_.end = tag.name.empty() ? text_.size() : tag.begin;
                 Refuse(u"запись обрывается, не закрыт " + Markup(u"<", open_.back().name), entry_.end);

@@ -38,7 +38,7 @@ std::size_t NameLength(std::string_view text) {
         if (length >= kFewestDigits) return length + 1;
     }
     for (const std::string_view name : kNames) {
-        if (text.starts_with(name)) return name.size();
+        if (text.starts_with(name.front()) && text.starts_with(name)) return name.size();
     }
     return 0;
 }

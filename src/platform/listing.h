@@ -19,7 +19,8 @@ class Listing {
     // their own.
     std::vector<File> Sorted() {
         std::ranges::sort(found_, [](const auto& a, const auto& b) {
-            return a.first != b.first ? a.first < b.first : NameOf(a.second) < NameOf(b.second);
+            const int order = a.first.compare(b.first);
+            return order != 0 ? order < 0 : NameOf(a.second) < NameOf(b.second);
         });
         std::vector<File> files;
         files.reserve(found_.size());
