@@ -16,6 +16,7 @@ struct Context {
     std::string database = {};  // --database
     std::string patience = {};  // --wait, in seconds
     bool cancelled = false;     // by Ctrl-C
+    bool incomplete = false;    // text of a document was dropped, and told
 };
 
 // Wrong usage that the parser cannot see by itself (exit status 2).

@@ -74,6 +74,7 @@ void Import(Context& context, const ImportOptions& options) {
         folders.acts_as_xml = options.ActsAsXml();
         WithProgress(context, [&] {
             const ImportResult result = RunImport(folders, FromUtf8(options.inn), FromUtf8(options.kpp));
+            context.incomplete = result.drops_text;
             const bool nothing = result.outcome == ImportOutcome::NoCatalogue && !context.box.failed();
             if (nothing || result.outcome == ImportOutcome::Done) Tell(result.account, options);
             return result.outcome == ImportOutcome::Cancelled;
@@ -94,9 +95,10 @@ void Scan(Context& context, const std::string& folder, const ImportOptions& opti
     Guarded(u"Ошибка в функции CheckXml", [&] {
         const Text path = ExistingFolder(PathArgument(folder));
         WithProgress(context, [&] {
-            const Text catalogue = CheckXml(path, options.ActsAsXml()).catalogue;
-            if (!catalogue.empty()) PrintLine(catalogue);
-            return catalogue.empty() && CancelStamp() != 0;
+            const ScanAccount scan = CheckXml(path, options.ActsAsXml());
+            context.incomplete = scan.DropsText();
+            if (!scan.catalogue.empty()) PrintLine(scan.catalogue);
+            return scan.catalogue.empty() && CancelStamp() != 0;
         });
     });
 }

@@ -1,6 +1,7 @@
 // tav: the component for people without a host, and the way everything is tried from outside.
 //
-// Exit status 0: done; 1: a failure message was shown; 2: wrong usage; 130: cancelled by Ctrl-C.
+// Exit status 0: done; 1: a failure message was shown, or text of a document was dropped;
+// 2: wrong usage; 130: cancelled by Ctrl-C.
 
 #include <algorithm>
 #include <chrono>
@@ -109,7 +110,7 @@ int Run(std::vector<std::string> arguments) {
     } catch (...) {
         ShowFailure(u"tav", CurrentFailure());
     }
-    if (box.failed()) return 1;
+    if (box.failed() || context.incomplete) return 1;
     return context.cancelled ? 130 : 0;
 }
 

@@ -4,6 +4,7 @@
 // (folder_glance.h), where "converted" means that the next scan will do it.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <vector>
 
@@ -48,6 +49,12 @@ struct ScanAccount {
     std::vector<Text> unnamable;
     // XML files that look like acts while acts delivered as XML are not listed.
     int unlisted_acts = 0;
+
+    // Whether a document that was converted hides text; a message has named it.
+    bool DropsText() const {
+        return std::ranges::any_of(files,
+                                   [](const ScannedFile& file) { return !file.dropped_pages.empty(); });
+    }
 };
 
 }  // namespace tav

@@ -53,6 +53,7 @@ ImportResult RunImport(const ImportFolders& folders, TextView inn, TextView kpp)
     if (running || folders.import.empty() || !PassCancelGuard()) return result;
     const RunningImport this_one;
     const ScanAccount scan = CheckXml(folders.import, folders.acts_as_xml);
+    result.drops_text = scan.DropsText();
     const Text& catalogue = scan.catalogue;
     if (catalogue.empty()) {
         result.outcome = CancelStamp() != 0 ? ImportOutcome::Cancelled : ImportOutcome::NoCatalogue;

@@ -29,6 +29,7 @@ enum class ImportOutcome {
 struct ImportResult {
     ImportOutcome outcome = ImportOutcome::Nothing;
     ImportAccount account;
+    bool drops_text = false;  // the scan converted a document that hides text
 };
 
 // Events are processed while an import runs, so anything can be asked for meanwhile.
