@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <system_error>
@@ -25,6 +26,8 @@ constexpr Period kWinter{{2010, 10, 1}, {2011, 3, 31}};
 std::vector<StatementOptions> SampleStatements() {
     const auto& taxes = Taxes();
     return {
+        {.name = u"1.rtf", .tax = taxes[6], .period = kYear, .rows = 6, .seed = 21},
+        {.name = u"11.rtf", .tax = taxes[6], .period = kNextYear, .rows = 6, .seed = 22},
         {.name = u"Выписка 01 прибыль ФБ 1 полугодие 2010.rtf",
          .tax = taxes[0],
          .period = kHalfYear,
@@ -85,7 +88,12 @@ std::vector<Document> SampleSet() {
                                     .letters = Letters::UnicodeHex,
                                     .parts = 2,
                                     .seed = 13}));
+    documents.push_back(MakeActRtf(
+        {.name = u"Акт 04 предприниматель 2010.rtf", .taxpayer = SoleTrader(), .tax = taxes[6], .seed = 14}));
     for (const StatementOptions& options : SampleStatements()) documents.push_back(MakeStatement(options));
+    documents.push_back(MakeLetter(u"Письмо.rtf"));
+    documents.push_back({u"Пустой.rtf", {}, {}});
+    std::ranges::sort(documents, {}, [](const Document& document) { return UpperCase(document.name); });
     return documents;
 }
 

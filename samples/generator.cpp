@@ -229,6 +229,15 @@ Part PrintStatement(Form& form, const StatementOptions& options, const Tax& tax)
 
 }  // namespace
 
+Document MakeLetter(const Text& name) {
+    Form form(u"Письмо", kPortrait, Letters::LowerHex, Cut::None);
+    const std::vector<Text> lines{u"Уважаемый налогоплательщик!",
+                                  u"Сообщаем об изменении времени приёма в инспекции.",
+                                  u"С уважением, Межрайонная инспекция № 99"};
+    form.Frame({kLeft, form.y(), kMiddle, 3 * kHeaderHeight}, {.half_points = 24}, lines);
+    return {name, std::move(form).Finish(), {}};
+}
+
 Document MakeStatement(const StatementOptions& options) {
     CheckPeriod(options.period);
     CheckCount(options.rows, "rows");

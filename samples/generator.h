@@ -90,6 +90,8 @@ const Taxpayer& SampleTaxpayer();
 // A division of the sample taxpayer: same INN, own KPP.
 const Taxpayer& DivisionTaxpayer();
 const Taxpayer& OtherTaxpayer();
+// A sole trader: an INN of 12 digits.
+const Taxpayer& SoleTrader();
 // Taxes with their KBK codes, never fewer than six.
 const std::vector<Tax>& Taxes();
 
@@ -133,10 +135,14 @@ struct ActOptions {
 Document MakeStatement(const StatementOptions& options);
 Document MakeActRtf(const ActOptions& options);
 Document MakeActXml(const ActOptions& options);
+// A sheet of plain text, which is neither a statement nor an act.
+Document MakeLetter(const Text& name);
 
-// About a dozen documents of the sample taxpayer, in the order of their names: both layouts, several sheets,
-// a period that crosses the year end, two statements of one series of which the second supersedes the first,
-// a statement without any amount, acts as RTF and as XML, a division, and a statement of another taxpayer.
+// Some fifteen files: documents of the sample taxpayer in both layouts, of several sheets, with a period that
+// crosses the year end, two statements of one series of which the second supersedes the first, one without
+// any amount, files of which one's name ends with another's ("1.rtf" and "11.rtf"), acts as RTF and as XML,
+// a division. Beside them a statement of another taxpayer, an act of a sole trader, a letter and an empty
+// file.
 std::vector<Document> SampleSet();
 
 // What a reader has to return for the document, as the bytes of the catalogue, without indentation.

@@ -40,6 +40,11 @@ const Taxpayer& OtherTaxpayer() {
     return taxpayer;
 }
 
+const Taxpayer& SoleTrader() {
+    static const Taxpayer taxpayer{u"770123456789", u"000000000", u"ИП Осинин Пётр Ильич"};
+    return taxpayer;
+}
+
 const std::vector<Tax>& Taxes() {
     static const std::vector<Tax> taxes{
         {u"18210101011011000110", u"Налог на прибыль организаций, зачисляемый в федеральный бюджет",
