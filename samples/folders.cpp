@@ -23,6 +23,22 @@ constexpr Period kYear{{2010, 1, 1}, {2010, 12, 31}};
 constexpr Period kNextYear{{2011, 1, 1}, {2011, 9, 30}};
 constexpr Period kWinter{{2010, 10, 1}, {2011, 3, 31}};
 
+// A name of 300 characters: the columns of a new database take 255.
+const Tax& TaxOfLongName() {
+    static const Tax tax{
+        u"18210102010011000110",
+        u"Налог на доходы физических лиц с доходов, источником которых является налоговый агент, за исключением доходов, в отношении которых исчисление и уплата налога осуществляются в соответствии со статьями 227, 227.1 и 228 Налогового кодекса РФ (суммы платежей, перерасчёты, недоимка, задолженность и пени)",
+        u"Бюджет субъекта РФ"};
+    return tax;
+}
+
+// The sample taxpayer under another name.
+Taxpayer NameWithMarks() {
+    Taxpayer taxpayer = SampleTaxpayer();
+    taxpayer.name = u"ООО \"Д'Арк & О'Нил\"";
+    return taxpayer;
+}
+
 std::vector<StatementOptions> SampleStatements() {
     const auto& taxes = Taxes();
     return {
@@ -71,6 +87,19 @@ std::vector<StatementOptions> SampleStatements() {
          .tax = taxes[2],
          .period = kYear,
          .seed = 10},
+        {.name = u"Выписка 11 НДФЛ 2010.rtf",
+         .tax = TaxOfLongName(),
+         .okato = u"45286000000",
+         .period = kYear,
+         .rows = 6,
+         .seed = 23},
+        {.name = u"Выписка 12 имя со знаками 2010.rtf",
+         .taxpayer = NameWithMarks(),
+         .tax = taxes[4],
+         .okato = u"45286000000",
+         .period = kYear,
+         .rows = 6,
+         .seed = 25},
     };
 }
 

@@ -138,11 +138,12 @@ Document MakeActXml(const ActOptions& options);
 // A sheet of plain text, which is neither a statement nor an act.
 Document MakeLetter(const Text& name);
 
-// Some fifteen files: documents of the sample taxpayer in both layouts, of several sheets, with a period that
+// About twenty files: documents of the sample taxpayer in both layouts, of several sheets, with a period that
 // crosses the year end, two statements of one series of which the second supersedes the first, one without
-// any amount, files of which one's name ends with another's ("1.rtf" and "11.rtf"), acts as RTF and as XML,
-// a division. Beside them a statement of another taxpayer, an act of a sole trader, a letter and an empty
-// file.
+// any amount, one of a tax whose name is longer than a column of the database, one whose taxpayer's name has
+// "&" and apostrophes, files of which one's name ends with another's ("1.rtf" and "11.rtf"), acts as RTF and
+// as XML, a division. Beside them a statement of another taxpayer, an act of a sole trader, a letter and an
+// empty file.
 std::vector<Document> SampleSet();
 
 // What a reader has to return for the document, as the bytes of the catalogue, without indentation.

@@ -68,7 +68,7 @@ TEST_F(DocumentGlanceTest, ShowsWhatIsConverted) {
     EXPECT_EQ(Glance(act_.bytes),
               "акт|" + code_ + "|" + kOkato + "|01.01.2010|31.12.2010|" + ToUtf8(samples::Taxes()[0].name));
     for (const Document& document : samples::SampleSet())
-        if (document.name.ends_with(u".rtf")) ExpectAsConverted(document);
+        if (document.name.ends_with(u".rtf") && !document.parts.empty()) ExpectAsConverted(document);
     using samples::Letters;
     for (const Letters letters :
          {Letters::LowerHex, Letters::UpperHex, Letters::Unicode, Letters::UnicodeHex, Letters::Raw}) {

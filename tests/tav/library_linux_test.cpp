@@ -135,7 +135,7 @@ TEST_F(Outside, ViewOpensTheStatementOfANumber) {
         ::setenv("PATH", (Path(u"") + ":" + std::getenv("PATH")).c_str(), 1);
     };
     EXPECT_THAT(Tav({"view_v_id", "999"}, with_opener).err, HasSubstr("GetVipis"));
-    EXPECT_EQ(Tav({"view_v_id", "4"}, with_opener).err, "");
+    EXPECT_EQ(Tav({"view_v_id", "1"}, with_opener).err, "");
     for (int i = 0; i < 100 && !FileExists(folder_ / u"opened"); ++i) RunAny("sleep", {"0.1"});
     // Nothing is there for ".doc", so the copy on paper is opened.
     EXPECT_EQ(ReadFile(folder_ / u"opened"), Path(u"reports/vipis.pdf") + "\n");

@@ -47,14 +47,14 @@ TEST_F(Session, FromAnEmptyDatabaseToASummaryAndBack) {
     Start();
     ClickAt({"frmmain", "txtImport"});
     Send("type '" + ToUtf8(folder_ / u"in") + "'");
-    ASSERT_TRUE(WaitText("lblInfoFile", "Подлежат загрузке: 17"));
+    ASSERT_TRUE(WaitText("lblInfoFile", "Подлежат загрузке: 19"));
 
     // A Russian keyboard, for the mnemonics.
     ASSERT_EQ(std::system("setxkbmap ru"), 0);
     WaitFor(200);
     Send("key alt+Cyrillic_i");
-    ASSERT_TRUE(WaitText("lblInfoBase", "Выписок в базе данных: 8"));
-    EXPECT_THAT(RowsOf({"frmmain", "lstBase"}), SizeIs(12));
+    ASSERT_TRUE(WaitText("lblInfoBase", "Выписок в базе данных: 10"));
+    EXPECT_THAT(RowsOf({"frmmain", "lstBase"}), SizeIs(14));
 
     ClickAt({"frmmain", "Command3"});
     ASSERT_TRUE(WaitSettled("frmFilter"));

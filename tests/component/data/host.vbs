@@ -19,8 +19,8 @@ component.import inn, kpp
 Note "import"
 component.IMPORT inn, kpp
 Note "IMPORT"
-component.view_v_id 4
-Note "view_v_id 4"
+component.view_v_id 1
+Note "view_v_id 1"
 component.view_v_id 32000
 Note "view_v_id 32000"
 component.start inn, kpp
