@@ -40,14 +40,14 @@ inline Text Elements(TextView list) {
     return elements;
 }
 
-inline Text StatementPart(const Head& head, std::initializer_list<TextView> rows) {
+inline Text StatementPart(const Head& head, const std::vector<Text>& rows) {
     Text part = u"<part type=\"выписка\">\r\n<head>\r\n" +
                 Elements(u"h01=" + head.inn + u"|h02=" + head.kpp +
                          u"|h03=ООО Ромашка|h04=7701|h05=x|h06=НДС|h07=" + head.code +
                          u"|h08=Налог на прибыль|h09=y|h10=45286552000|h11=рубль Российской Федерации|h12=" +
                          head.end + u"|h13=" + head.begin) +
                 u"</head>\r\n<body>\r\n";
-    for (const TextView row : rows) part += u"<row>\r\n" + Elements(row) + u"</row>\r\n";
+    for (const Text& row : rows) part += u"<row>\r\n" + Elements(row) + u"</row>\r\n";
     return part + u"</body>\r\n</part>\r\n";
 }
 

@@ -4,15 +4,22 @@
 //   text NAME WORDS      cut NAME BYTES      remove NAME       a file with other contents, only its beginning, none
 //   switch NAME VALUE    sql STATEMENT                         a setting; what the host does to the database
 //   import [INN [KPP]]   status [INN [KPP]]                    the account: files that came in now with a "+"
-//   held                                                       the headers: number, file, vid
+//   list NAME statement|act [HEAD] / ROW / ROW                 an entry of the catalogue, its head and rows as the lists of
+//   list NAME text WORDS                                       db/database_fixture.h; after a load they begin anew
+//   load [INN [KPP]]                                           loads the catalogue as it is
+//   types        clear [INN KPP]                               operation types; clearing
+//   rows SELECT  held                                          what the database has; the headers: number, file, vid
 // After an import, "the same bytes" or "other bytes" tells whether it changed the database.
 
 #include <filesystem>
+#include <map>
 
 #include "common/get_next.h"
+#include "common/windows1251.h"
 #include "db/database_fixture.h"
 #include "load/account_of_folder.h"
 #include "load/run_import.h"
+#include "platform/environment.h"
 #include "samples/generator.h"
 
 namespace tav {
@@ -22,29 +29,48 @@ namespace fs = std::filesystem;
 
 class Story : public test::OperationsDatabase {
  protected:
-    Story() { UseDatabase(database_); }
-    ~Story() override { UseDatabase({}); }
+    Story() {
+        UseDatabase(database_);
+        SetClock([] { return LocalTime{{2011, 5, 9}, {14, 30, 7}}; });
+    }
+    ~Story() override {
+        UseDatabase({});
+        SetClock(nullptr);
+    }
 
+    // An empty folder and a new database.
+    void Begin() {
+        for (const Text& file : ListFiles(folder_ / u"in", u"")) DeleteFile(Path(file));
+        DeleteFile(database_);
+        CreateDatabase(database_);
+        listed_.clear();
+    }
     Text Tell(TextView lines) {
         Text answer;
         while (!lines.empty()) answer += Do(GetNext(lines, u"\n"));
         return answer;
     }
 
-    Text Path(TextView name) const { return folder_ / Text(u"in/").append(name); }
-
  private:
+    Text Path(TextView name) const { return folder_ / Text(u"in/").append(name); }
     Text Do(TextView line) {
         const Text verb(GetNext(line, u" "));
-        if (verb == u"import" || verb == u"status") return Account(verb == u"import", line);
-        if (verb == u"held") return Held();
+        if (verb == u"import" || verb == u"status" || verb == u"load") return Account(verb, line);
+        if (verb == u"rows") return Lines(Rows(line));
+        if (verb == u"held")
+            return Lines(Rows(u"select id, filename, vid from tav_operations_header order by id"));
         if (verb == u"sql") {
             Execute(line);
             return {};
         }
+        if (verb == u"types") return Failures([&] { ConstrTabTypeOper(database_); });
         const Text name(GetNext(line, u" "));
-        if (verb == u"put") folder_.Write(Text(u"in/").append(name), Document(line));
-        if (verb == u"text") folder_.Write(Text(u"in/").append(name), Bytes(line));
+        if (verb == u"clear")
+            return Failures(
+                [&] { name.empty() ? clearbaseAll(database_) : clearbase(database_, name, line); });
+        if (verb == u"list") List(name, line);
+        if (verb == u"put") WriteFileWhole(Path(name), Document(line));
+        if (verb == u"text") WriteFileWhole(Path(name), test::Bytes(line));
         if (verb == u"cut") fs::resize_file(test::NativePath(Path(name)), std::stoul(ToUtf8(line)));
         if (verb == u"remove") DeleteFile(Path(name));
         if (verb == u"switch") WriteSetting(name, line);
@@ -62,14 +88,47 @@ class Story : public test::OperationsDatabase {
         return samples::MakeStatement(options).bytes;
     }
 
-    Text Account(bool import, TextView taxpayer) {
+    void List(const Text& name, TextView line) {
+        if (std::exchange(loaded_, false)) listed_.clear();
+        const Text kind(GetNext(line, u" "));
+        Text part(line);
+        if (kind != u"text") {
+            const Text all = u" " + Said(line);
+            TextView rest = all;
+            test::Head head;
+            const std::map<TextView, Text*> fields = {{u"inn", &head.inn},
+                                                      {u"kpp", &head.kpp},
+                                                      {u"end", &head.end},
+                                                      {u"begin", &head.begin},
+                                                      {u"code", &head.code}};
+            for (TextView words = Trim(GetNext(rest, u" / ")); !words.empty();) {
+                const TextView field = GetNext(words, u"=");
+                *fields.at(field) = GetNext(words, u" ");
+            }
+            std::vector<Text> rows;
+            while (!rest.empty()) rows.emplace_back(GetNext(rest, u" / "));
+            part = kind == u"act" ? test::ActPart(head, rows.at(0)) : test::StatementPart(head, rows);
+        }
+        if (!listed_.empty() && listed_.back().first == name) {
+            listed_.back().second += part;
+        } else {
+            listed_.emplace_back(name, part);
+        }
+        Write(listed_);
+    }
+
+    Text Account(TextView verb, TextView taxpayer) {
         const samples::Taxpayer& sample = samples::SampleTaxpayer();
-        const Text inn = taxpayer.empty() ? sample.inn : Text(GetNext(taxpayer, u" "));
-        const Text kpp = taxpayer.empty() ? sample.kpp : Text(taxpayer);
+        const bool given = !taxpayer.empty();
+        const Text inn = given ? Said(GetNext(taxpayer, u" ")) : sample.inn;
+        const Text kpp = given ? Said(taxpayer) : sample.kpp;
         const std::string before = ReadFile(database_);
-        shown_.messages.clear();
-        const ImportAccount account = import ? RunImport({folder_ / u"in", {}}, inn, kpp).account
-                                             : AccountOfFolder(folder_ / u"in", database_, inn, kpp);
+        ImportAccount account;
+        const Text failures = Failures([&] {
+            account = verb == u"import" ? RunImport({folder_ / u"in", {}}, inn, kpp).account
+                      : verb == u"load" ? Load(inn, kpp)
+                                        : AccountOfFolder(folder_ / u"in", database_, inn, kpp);
+        });
         Text answer;
         for (const FileAccount& file : account.files) {
             answer.append(file.now ? u"+ " : u"  ")
@@ -78,28 +137,40 @@ class Story : public test::OperationsDatabase {
                 .append(file.Words())
                 .append(u"\n");
         }
-        answer.append(ClosingSentence(account)).append(u"\n");
-        for (const std::string& message : Shown())
-            answer.append(u"! ").append(Trim(FromUtf8(message))).append(u"\n");
-        answer = ReplaceAll(ReplaceAll(answer, folder_.path(), u"FOLDER/"), u"\r\n", u"\n");
+        answer.append(ClosingSentence(account)).append(u"\n").append(failures);
+        answer = ReplaceAll(answer, folder_.path(), u"FOLDER/");
+        loaded_ |= verb == u"load";
+        if (verb == u"load") return answer;
         return answer.append(ReadFile(database_) == before ? u"the same bytes\n" : u"other bytes\n");
     }
 
-    Text Held() const {
-        Text answer;
-        for (const std::string& row :
-             Rows(u"select id, filename, vid from tav_operations_header order by id")) {
-            answer.append(FromUtf8(row)).append(u"\n");
+    static Text Said(TextView pictured) { return FromWindows1251(test::Unpictured(pictured)); }
+
+    // What is shown meanwhile.
+    template <class Action>
+    Text Failures(Action action) {
+        shown_.messages.clear();
+        action();
+        Text lines;
+        for (const std::string& message : Shown()) {
+            const Text words = ReplaceAll(FromUtf8(message), u"\r\n", u"\n");
+            lines.append(u"! ").append(words).append(words.ends_with(u'\n') ? u"" : u"\n");
         }
+        return lines;
+    }
+    static Text Lines(const std::vector<std::string>& rows) {
+        Text answer;
+        for (const std::string& row : rows) answer.append(FromUtf8(row)).append(u"\n");
         return answer;
     }
-    static std::string Bytes(TextView words) { return test::Bytes(words); }
+
+    std::vector<std::pair<Text, Text>> listed_;  // entries of the catalogue
+    bool loaded_ = false;
 };
 
 TEST_F(Story, EveryDocumentIsAccountedFor) {
     for (const Text& name : ListFiles(FromUtf8(TAV_TEST_DIR) + u"/load/stories/", u".txt")) {
-        for (const Text& file : ListFiles(folder_ / u"in", u"")) DeleteFile(Path(file));
-        clearbaseAll(database_);
+        Begin();
         test::ExpectTranscript("load/stories/" + ToUtf8(name), [&](TextView lines) { return Tell(lines); });
     }
 }
