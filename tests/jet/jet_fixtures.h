@@ -17,29 +17,30 @@ namespace tav::test {
 
 using Values = std::vector<Value>;
 
-// A database with the tables `things` (two indexes) and `plain` (none, rows of up to a page).
+// A database with the tables `things` (of every kind of column, two indexes), `empty` (one column) and `plain`
+// (no index, rows of up to a page).
 inline Text NewDatabase(const TempFolder& folder) {
-    using jet::ColumnType;
-    const std::vector<jet::TablePlan> plans = {{u"things",
-                                                {{u"id", ColumnType::Long},
-                                                 {u"name", ColumnType::Text, 255},
-                                                 {u"amount", ColumnType::Double},
-                                                 {u"day", ColumnType::Date},
-                                                 {u"note", ColumnType::Text, 255}},
-                                                {{u"PrimaryKey", {u"id"}, true}, {u"byname", {u"name"}}}},
-                                               {u"plain",
-                                                {{u"a", ColumnType::Text, 255},
-                                                 {u"b", ColumnType::Text, 255},
-                                                 {u"c", ColumnType::Text, 255},
-                                                 {u"d", ColumnType::Text, 255},
-                                                 {u"e", ColumnType::Text, 255}},
-                                                {}}};
+    using enum jet::ColumnType;
+    std::vector<jet::TablePlan> plans = {{u"things",
+                                          {{u"id", Long},
+                                           {u"name", jet::ColumnType::Text, 255},
+                                           {u"amount", Double},
+                                           {u"day", jet::ColumnType::Date},
+                                           {u"note", jet::ColumnType::Text, 255},
+                                           {u"memo", Memo},
+                                           {u"data", Ole},
+                                           {u"done", Boolean}},
+                                          {{u"PrimaryKey", {u"id"}, true}, {u"byname", {u"name"}}}},
+                                         {u"empty", {{u"id", Long}}, {}},
+                                         {u"plain", {}, {}}};
+    for (const TextView name : {u"a", u"b", u"c", u"d", u"e"})
+        plans.back().columns.push_back({name, jet::ColumnType::Text, 255});
     return folder.Write(u"new.mdb", jet::EmptyDatabase(plans));
 }
 
 inline Values Thing(std::int64_t id, TextView name, Value note = Null()) {
-    return {id, Text(name), static_cast<double>(id) / 2, Date{40000.0 + static_cast<double>(id % 1000)},
-            std::move(note)};
+    const Date day{40000.0 + static_cast<double>(id % 1000)};
+    return {id, Text(name), static_cast<double>(id) / 2, day, std::move(note), Null(), Null(), id % 2 == 0};
 }
 
 // A row of `plain` that fills more than half a page.

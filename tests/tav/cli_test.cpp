@@ -3,6 +3,7 @@
 #include <chrono>
 #include <thread>
 
+#include "jet/bad_databases.h"
 #include "platform/locked_file.h"
 #include "tav/cli_fixture.h"
 
@@ -98,31 +99,19 @@ TEST_F(Cli, NamesOfEveryKind) {
     EXPECT_EQ(ListFiles(folder_ / u"in", u".rtf").size(), names.size());
 }
 
-struct BadDatabase {
-    const char* name;
-    std::string bytes;
-};
-
 TEST_F(Cli, DatabasesThatCannotBeUsed) {
     samples::SampleFolder(folder_ / u"in/");
     Create();
     const std::string good = ReadFile(folder_ / u"PlX_Base.mdb");
-    std::string jet3 = good;
-    jet3[0x14] = 0;
-    std::string encrypted = good;
-    encrypted[0x3E] = static_cast<char>(encrypted[0x3E] ^ 0x55);
-    std::string damaged = good;
-    std::fill(damaged.begin() + 2 * 4096, damaged.begin() + 3 * 4096, '\x5A');
-    for (const BadDatabase& bad :
-         {BadDatabase{"empty", ""}, BadDatabase{"text", "not a database"},
-          BadDatabase{"half", good.substr(0, good.size() / 2 + 100)}, BadDatabase{"jet3", jet3},
-          BadDatabase{"encrypted", encrypted}, BadDatabase{"damaged", damaged}}) {
+    std::vector<test::BadDatabase> all = test::BadDatabases(good);
+    all.push_back({"damaged", good.substr(0, 8192) + std::string(4096, 'Z') + good.substr(12288), "damaged"});
+    for (const test::BadDatabase& bad : all) {
         WriteFileWhole(folder_ / u"PlX_Base.mdb", bad.bytes);
         const Outcome outcome = Import();
-        EXPECT_EQ(outcome.status, 1) << bad.name;
-        EXPECT_THAT(outcome.err, HasSubstr("PlX_Base.mdb")) << bad.name;
-        EXPECT_EQ(ReadFile(folder_ / u"PlX_Base.mdb"), bad.bytes) << bad.name;
-        EXPECT_EQ(Tav({"db", "check", "--database", Database()}).status, 1) << bad.name;
+        EXPECT_EQ(outcome.status, 1) << bad.what;
+        EXPECT_THAT(outcome.err, HasSubstr("PlX_Base.mdb")) << bad.what;
+        EXPECT_EQ(ReadFile(folder_ / u"PlX_Base.mdb"), bad.bytes) << bad.what;
+        EXPECT_EQ(Tav({"db", "check", "--database", Database()}).status, 1) << bad.what;
     }
     DeleteFile(folder_ / u"PlX_Base.mdb");
     const Outcome missing = Import();

@@ -50,7 +50,7 @@ class Victim {
         Name("deleted", things.deleted);
         places_["row-end"] = EndOf(things.rows[10]) - 8;
         places_["cyrillic-end"] = EndOf(things.rows[12]) - 8;
-        places_["memo"] = places_["row"] + file_.Byte(0, places_["row-end"] + 1);
+        places_["memo"] = places_["row"] + file_.Byte(0, places_["row-end"] - 1);
         Name("root", index.root);
         Name("leaf", BigU32(file_.At(index.root, kEntriesAt + 9)));
         Name("last-leaf", U32(file_.At(index.root, 20)));

@@ -1,5 +1,5 @@
-// Samples with bytes changed at random: whatever they say, only Failures may come out, and findings of the
-// checker.
+// Samples, and a database that consists of index pages for the most part, with bytes changed at random: whatever
+// they say, only Failures may come out, which name the file, and findings of the checker.
 #include <algorithm>
 #include <random>
 
@@ -14,6 +14,23 @@ using test::FailureOf;
 using test::SampleDatabases;
 using test::TempFolder;
 using test::Values;
+
+// An index of three levels.
+std::string WithDeepIndex(std::mt19937& random) {
+    const TempFolder folder;
+    const Text path = test::NewDatabase(folder);
+    {
+        Database database(path, Database::Access::Write);
+        for (int id = 0; id < 200; ++id) {
+            Text name(200, u'а');
+            for (char16_t& letter : name) letter = static_cast<char16_t>(u'А' + random() % 20);
+            database.FindTable(u"things")->Insert(test::Thing(id, name));
+        }
+        database.file().Commit();
+        EXPECT_EQ(database.file().Read(database.FindTable(u"things")->definition().indexes[1].root)[26], 2);
+    }
+    return ReadFile(path);
+}
 
 std::string Damage(std::string bytes, std::mt19937& random) {
     const unsigned changes = 1 + random() % 24;
@@ -33,7 +50,11 @@ std::string Damage(std::string bytes, std::mt19937& random) {
 // Reads, inserts, updates and deletes. The number of failures met.
 int Use(Database& database, const TableEntry& entry) {
     int failures = 0;
-    const auto attempt = [&](auto body) { failures += FailureOf(body).empty() ? 0 : 1; };
+    const auto attempt = [&](auto body) {
+        const std::string words = FailureOf(body);
+        failures += words.empty() ? 0 : 1;
+        EXPECT_EQ(words.find("is damaged") == words.npos, words.find("victim.mdb") == words.npos) << words;
+    };
     Table* table = nullptr;
     attempt([&] { table = database.FindTable(entry.name); });
     if (table == nullptr) return failures;
@@ -46,7 +67,12 @@ int Use(Database& database, const TableEntry& entry) {
         }
     });
     for (std::size_t i = 0; i < table->definition().indexes.size(); ++i) {
-        attempt([&] { table->Index(i).HasKey("\x7F\x80"); });
+        IndexTree tree = table->Index(i);
+        attempt([&] {
+            for (IndexTree::Cursor at = tree.First(); !at.AtEnd(); at.Next()) {
+            }
+        });
+        attempt([&] { tree.Seek("\x7F\x80"); });
     }
     const auto statement = [&](auto body) {
         database.file().BeginStatement();
@@ -69,11 +95,12 @@ TEST(Damage, OnlyFailuresComeOut) {
     int failures = 0;
     int found = 0;
     int rounds_made = 0;
-    for (const Text& sample : SampleDatabases()) {
-        const std::string good = ReadFile(sample);
-        const int rounds = good.size() > (1 << 20) ? 20 : 60;
+    std::vector<std::string> files = {WithDeepIndex(random)};
+    for (const Text& sample : SampleDatabases()) files.push_back(ReadFile(sample));
+    for (const std::string& good : files) {
+        const int rounds = &good == files.data() ? 80 : good.size() > (1 << 20) ? 10 : 30;
         for (int round = 0; round < rounds; ++round, ++rounds_made) {
-            const Text path = folder.Write(u"damaged.mdb", Damage(good, random));
+            const Text path = folder.Write(u"victim.mdb", Damage(good, random));
             found += std::ranges::any_of(CheckDatabase(path), &Finding::error) ? 1 : 0;
             const std::string refusal = FailureOf([&] {
                 Database database(path, Database::Access::Write);

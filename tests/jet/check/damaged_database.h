@@ -3,10 +3,8 @@
 
 #include <string>
 
-#include "jet/create/create.h"
+#include "jet/jet_fixtures.h"
 #include "jet/table/database.h"
-#include "platform/files.h"
-#include "support/support.h"
 
 namespace tav::jet::test {
 
@@ -41,9 +39,8 @@ class FileBytes {
     std::string bytes_;
 };
 
-// Table "things" (id Long, key; name Text 100, indexed; day Date; amount Double; note Memo; done Boolean)
-// with 1500 rows, so that its indexes have nodes; among them a Null name, names that occur twice, Cyrillic
-// ones, a moved row, a deleted one. Table "empty" has one column and no rows.
+// The tables of NewDatabase, `things` with 700 rows, so that its indexes have nodes; among them a Null name, names
+// that occur twice, Cyrillic ones, a moved row, a deleted one.
 struct Things {
     Things();
 
@@ -55,30 +52,19 @@ struct Things {
     RowId deleted;
 };
 
-inline std::vector<Value> Thing(std::int64_t id, Value name) {
-    return {id,       std::move(name), Date{40000.0 + static_cast<double>(id)},
-            id / 4.0, Text(u"note"),   id % 2 == 0};
-}
-
 inline Things::Things() {
-    const std::vector<TablePlan> plans = {{u"things",
-                                           {{u"id", ColumnType::Long},
-                                            {u"name", ColumnType::Text, 100},
-                                            {u"day", ColumnType::Date},
-                                            {u"amount", ColumnType::Double},
-                                            {u"note", ColumnType::Memo},
-                                            {u"done", ColumnType::Boolean}},
-                                           {{u"PrimaryKey", {u"id"}, true}, {u"byname", {u"name"}}}},
-                                          {u"empty", {{u"id", ColumnType::Long}}, {}}};
+    using tav::test::Thing;
     const tav::test::TempFolder folder;
-    const Text path = folder.Write(u"things.mdb", EmptyDatabase(plans));
+    const Text path = tav::test::NewDatabase(folder);
     {
         Database database(path, Database::Access::Write);
         Table& things = *database.FindTable(u"things");
         for (std::int64_t id = 0; id < 700; ++id) {
-            const Text word = id % 3 == 0 ? u"Ромашка" : u"Thing";
-            const Value name = id == 7 ? Value(Null()) : Value(word + Digits(id / 2));
-            rows.push_back(things.Insert(Thing(id, name)));
+            tav::test::Values row =
+                Thing(id, (id % 3 == 0 ? u"Ромашка" : u"Thing") + Digits(id / 2), Text(u"note"));
+            if (id == 7) row[1] = Null();
+            row[5] = Text(u"memo");
+            rows.push_back(things.Insert(row));
         }
         moved = rows[20];
         things.Update(moved, Thing(20, Text(100, u'Ж')));

@@ -5,7 +5,6 @@
 #include <random>
 #include <set>
 
-#include "common/failure.h"
 #include "jet/index/index_probe.h"
 #include "jet/index/index_split.h"
 
@@ -107,41 +106,6 @@ TEST(IndexPage, SplitsInTheMiddleOrBehindTheLast) {
     EXPECT_EQ(CutNode(entries, true), 8u);
     EXPECT_EQ(CutLeaf(entries, false), 0u);
     EXPECT_EQ(CutNode(entries, false), 1u);
-}
-
-// Any bytes: what the page says is believed only as far as it agrees with itself.
-TEST(IndexPage, SurvivesFlippedBytes) {
-    std::mt19937 random(3);
-    int failures = 0;
-    int survived = 0;
-    for (int round = 0; round < 4000; ++round) {
-        Page page;
-        const bool leaf = random() % 2 == 0;
-        leaf ? IndexPageEditor::FormatLeaf(page, kTable) : IndexPageEditor::FormatNode(page, kTable, 9, 1);
-        std::set<std::string> entries;
-        for (auto i = random() % 150 + 1; i > 0; --i)
-            entries.insert(RandomEntry(random, 4) + (leaf ? "" : "\1\1\1\1"));
-        ASSERT_TRUE(IndexPageEditor(page, kNumber, u"a.mdb").Pack(Listed(entries)));
-        for (auto i = random() % 3 + 1; i > 0; --i) {
-            const std::size_t at = random() % 3 == 0 ? random() % 60 : random() % 1200;
-            page[at] = static_cast<std::uint8_t>(page[at] ^ 1 << random() % 8);
-        }
-        try {
-            IndexPageEditor editor(page, kNumber, u"a.mdb");
-            const std::string entry = RandomEntry(random, random() % 6) + (leaf ? "" : "\2\2\2\2");
-            const std::size_t place = editor.Find(entry);
-            if (!editor.IsEmpty()) editor.Child(editor.LastPlace());
-            if (random() % 2 == 0 && place < editor.Used()) editor.Erase(place);
-            if (!editor.Insert(place, entry)) editor.Pack(editor.With(place, entry).entries);
-            ++survived;
-        } catch (const Failure& failure) {
-            EXPECT_TRUE(
-                failure.description().starts_with(u"The database 'a.mdb' is damaged (page 5): index page: "));
-            ++failures;
-        }
-    }
-    EXPECT_GT(failures, 400);
-    EXPECT_GT(survived, 400);
 }
 
 }  // namespace

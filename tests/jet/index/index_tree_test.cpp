@@ -183,51 +183,5 @@ TEST_F(IndexTreeTest, RefusesWhatCannotBe) {
     EXPECT_EQ(Probe().entries, std::vector<std::string>{entry});
 }
 
-// Damaged trees: every operation ends, with a result or with a failure that names the file.
-TEST_F(IndexTreeTest, SurvivesFlippedBytes) {
-    std::mt19937 random(9);
-    const auto key = [&] { return std::string(random() % 900, 'k') + LongKey(random() % 1000); };
-    Entries entries;
-    while (entries.size() < 1500) {
-        const std::string entry = Entry(key(), {PageIn(random), 0});
-        if (entries.insert(entry).second) Add(entry);
-    }
-    const ProbedTree good = Probe();
-    ASSERT_GE(good.levels, 3u);
-    const std::vector<PageNumber> pages(good.pages.begin(), good.pages.end());
-
-    int failures = 0;
-    for (int round = 0; round < 400; ++round) {
-        file_->BeginStatement();
-        for (auto i = random() % 4 + 1; i > 0; --i) {
-            const PageNumber number =
-                random() % 3 == 0 ? table_.indexes[0].root : pages[random() % pages.size()];
-            Page& page = file_->Change(number);
-            const std::size_t at = random() % 2 == 0 ? random() % 30 : random() % kPageSize;
-            page[at] = random() % 2 == 0 ? static_cast<std::uint8_t>(random())
-                                         : static_cast<std::uint8_t>(page[at] ^ 1 << random() % 8);
-        }
-        const std::function<void()> operations[] = {
-            [&] { Walk(tree_->First()); }, [&] { Walk(tree_->Seek(key())); },
-            [&] {
-                Add(Entry(key(), {PageIn(random), 1}));
-            },
-            [&] {
-                Remove(*std::next(entries.begin(), static_cast<std::ptrdiff_t>(random() % entries.size())));
-            }};
-        for (int i = 0; i < 40; ++i) {
-            try {
-                operations[i < 2 ? i : 2 + random() % 2]();
-            } catch (const Failure& failure) {
-                EXPECT_NE(failure.description().find(u"a.mdb"), Text::npos) << ToUtf8(failure.description());
-                ++failures;
-            }
-        }
-        file_->RollBackStatement();
-    }
-    EXPECT_GT(failures, 400);
-    EXPECT_EQ(Probe().entries, good.entries);
-}
-
 }  // namespace
 }  // namespace tav::jet

@@ -1,8 +1,8 @@
 // What is refused at the door, and with which words; the checker has the same ones.
 #include <gmock/gmock.h>
 
+#include "jet/bad_databases.h"
 #include "jet/check/checker.h"
-#include "jet/file/header_mask.h"
 #include "jet/jet_fixtures.h"
 #include "jet/table/database.h"
 #include "platform/files.h"
@@ -33,35 +33,9 @@ std::string OpenFailure(const Text& path, Database::Access access = Database::Ac
 
 TEST(Opening, ForeignFilesAreRefusedByName) {
     TempFolder folder;
-    const std::string good = ReadFile(NewDatabase(folder));
-    const auto masked = [](std::size_t at) { return static_cast<char>(kHeaderMask[at - kMaskedBegin]); };
-    const auto infinite = [&](std::size_t at, int plain) { return static_cast<char>(masked(at) ^ plain); };
-    struct Case {
-        const char* what;
-        std::size_t offset;
-        std::string bytes;
-        std::string words;
-    };
-    const Case cases[] = {
-        {"text", 0, "hello", "Unrecognized database format '"},
-        {"older", 0x14, std::string(1, '\0'), "older version (Jet 3)"},
-        {"newer", 0x14, std::string(1, '\2'), "newer version (ACCDB)"},
-        {"other engine", 4, "Standard ACE DB", "newer version (ACCDB)"},
-        {"encrypted", 0x3E, std::string(1, static_cast<char>(masked(0x3E) ^ 5)), "is encrypted"},
-        {"password", 0x42, std::string(1, static_cast<char>(good[0x42] ^ 'x')), "Not a valid password."},
-        {"no date", 0x78, {infinite(0x78, 0xF0), infinite(0x79, 0x7F)}, "creation date is damaged"},
-        {"cut", good.size(), "x", "its size is wrong"},
-    };
-    for (const Case& item : cases) {
-        std::string bytes = good;
-        bytes.resize(std::max(bytes.size(), item.offset + item.bytes.size()));
-        bytes.replace(item.offset, item.bytes.size(), item.bytes);
-        const Text path = folder.Write(u"База.mdb", bytes);
-        EXPECT_THAT(OpenFailure(path), AllOf(HasSubstr(item.words), HasSubstr("База.mdb"))) << item.what;
-    }
-    for (const std::size_t size : {0, 100, 4096, 8192}) {
-        const Text path = folder.Write(u"short.mdb", good.substr(0, size));
-        EXPECT_THAT(OpenFailure(path), HasSubstr("Unrecognized database format")) << size;
+    for (const test::BadDatabase& bad : test::BadDatabases(ReadFile(NewDatabase(folder)))) {
+        const Text path = folder.Write(u"База.mdb", bad.bytes);
+        EXPECT_THAT(OpenFailure(path), AllOf(HasSubstr(bad.words), HasSubstr("База.mdb"))) << bad.what;
     }
 }
 
