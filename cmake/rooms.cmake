@@ -88,7 +88,9 @@ function(tav_forms_module)
   find_library(XCB_LIBRARY xcb REQUIRED)
   file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/forms/qt/*.cpp
        ${PROJECT_SOURCE_DIR}/src/pdf/qt/*.cpp)
-  list(APPEND sources ${PROJECT_SOURCE_DIR}/src/forms/form_stretch.cpp ${PROJECT_SOURCE_DIR}/src/forms/reader_names.cpp)
+  foreach(shared form_stretch list_table reader_names)
+    list(APPEND sources ${PROJECT_SOURCE_DIR}/src/forms/${shared}.cpp)
+  endforeach()
   add_library(tav_forms_qt MODULE ${sources})
   set_target_properties(
     tav_forms_qt

@@ -31,6 +31,7 @@ class FormControl {
     virtual void SetRows(std::vector<ListRow>&&) { Refuse(); }
     virtual int SelectedRow() const { Refuse(); }
     virtual void SelectRow(int) { Refuse(); }
+    virtual void ShowColumn(int, bool) { Refuse(); }
     virtual void SetNodes(std::vector<TreeNode>&&) { Refuse(); }
     virtual Text SelectedNode() const { Refuse(); }
     virtual void SelectNode(TextView) { Refuse(); }
@@ -61,6 +62,9 @@ class WindowOfControls : public FormWindow {
     }
     int SelectedRow(std::size_t control) const override { return At(control).SelectedRow(); }
     void SelectRow(std::size_t control, int row) override { At(control).SelectRow(row); }
+    void ShowColumn(std::size_t control, int column, bool shown) override {
+        At(control).ShowColumn(column, shown);
+    }
     void SetNodes(std::size_t control, std::vector<TreeNode> nodes) override {
         At(control).SetNodes(std::move(nodes));
     }

@@ -25,7 +25,7 @@ enum class ControlKind {
     Button,         // Click
     PictureButton,  // a Button with a picture for its caption
     CheckBox,       // Click
-    ListBox,        // rows, one selected; DblClick, also by Enter
+    ListBox,        // a table of rows, one selected; DblClick, also by Enter
     ComboBox,       // a drop-down list of rows, one selected; Click when the user chose another
     TreeView,       // nodes with pictures, one selected; DblClick, also by Enter
     ProgressBar,
@@ -33,7 +33,23 @@ enum class ControlKind {
     Timer,  // not seen
 };
 
-enum class Picture { None, Refresh, Erase, Warning, All, Year, Part, Quarter, Month };
+enum class Picture {
+    None,
+    Refresh,
+    Erase,
+    Warning,
+    All,
+    Year,
+    Part,
+    Quarter,
+    Month,
+    // What became of a document, the more it needs a person the later.
+    Waiting,
+    Done,
+    Passed,
+    Attention
+};
+inline constexpr int kPictures = static_cast<int>(Picture::Attention) + 1;
 
 // A row and a column, counted from 0, of the window's grid or of the frame named `parent`. Lists and
 // trees take the spare room in both directions; text boxes, memos, combo boxes, bars and labels without a
@@ -45,6 +61,16 @@ struct Place {
     TextView parent = {};
 };
 
+// By what a click on a column's title sorts the rows: as text without regard to letter case, or by the dates
+// (dd.mm.yyyy) in it.
+enum class ColumnOrder { Letters, Dates };
+
+struct ListColumn {
+    TextView title;
+    int width;  // at first, in digits of the form's font
+    ColumnOrder order = ColumnOrder::Letters;
+};
+
 struct ControlPlan {
     TextView name;
     ControlKind kind;
@@ -53,6 +79,8 @@ struct ControlPlan {
     Place place = {};
     char16_t mnemonic = 0;  // a letter of the caption that, with Alt, presses the control
     Picture picture = Picture::None;
+    std::span<const ListColumn> columns = {};  // of a ListBox
+    bool hidden = false;                       // known by its name alone
 };
 
 // The tab key goes through the controls in the plan's order; a frame comes before what is placed in it.
@@ -80,9 +108,13 @@ class FormEvents {
     virtual void OnCloseRequest() = 0;
 };
 
+// A row of a list or of a combo box. Handlers know a list's row by its text, which is also what is copied from
+// it; what is seen of it are its cells.
 struct ListRow {
     Text text;
     Text tool_tip;
+    std::vector<Text> cells = {};
+    Picture picture = Picture::None;  // before the first cell
 };
 
 struct TreeNode {
@@ -118,10 +150,13 @@ class FormWindow {
     virtual bool Checked(std::size_t control) const = 0;
     virtual void Check(std::size_t control, bool checked) = 0;
 
-    // ListBox, ComboBox. New rows keep no selection; rows count from 0, -1 is none.
+    // ListBox, ComboBox. New rows keep no selection; rows count from 0 as they came, whatever column the user
+    // has sorted them by; -1 is none.
     virtual void SetRows(std::size_t control, std::vector<ListRow> rows) = 0;
     virtual int SelectedRow(std::size_t control) const = 0;
     virtual void SelectRow(std::size_t control, int row) = 0;
+    // ListBox: whether a column is seen.
+    virtual void ShowColumn(std::size_t control, int column, bool shown) = 0;
 
     // TreeView. The key of the selected node, empty for none.
     virtual void SetNodes(std::size_t control, std::vector<TreeNode> nodes) = 0;

@@ -22,6 +22,7 @@ std::vector<TextView> NamesForReaders(std::span<const ControlPlan> plans) {
     const ControlPlan* before = nullptr;
     for (const ControlPlan& plan : plans) {
         TextView& name = names.emplace_back();
+        if (plan.hidden) continue;
         const bool picture = plan.kind == ControlKind::PictureButton || plan.kind == ControlKind::Picture;
         const TextView around = frames[plan.place.parent];
         if (plan.kind == ControlKind::Frame) {

@@ -1,5 +1,6 @@
 #include "ui/folder_rows.h"
 
+#include <algorithm>
 #include <optional>
 #include <unordered_map>
 
@@ -37,15 +38,32 @@ Seen Look(const Text& path, const SeenFiles& before) {
 
 ListRow RowOf(const FolderRow& file, const DocumentGlance& glance) {
     if (glance.kind == DocumentKind::Unknown) {
-        return {file.name, Concat(file.path, u"\n", glance.reason)};
+        return {file.name, Concat(file.path, u"\n", glance.reason), {{}, {}, {}, {}, {}, file.name, {}}};
     }
-    const Text row = Concat(glance.code, kGap, glance.okato, kGap, glance.period_begin, u" - ",
-                            glance.period_end, kGap, file.name);
-    const TextView kind = glance.kind == DocumentKind::Act ? u"Акт: " : u"Выписка: ";
-    return {row, Concat(row, u"\n", kind, glance.tax, u"\n", file.path)};
+    const Text period = Concat(glance.period_begin, u" - ", glance.period_end);
+    const Text row = Concat(glance.code, kGap, glance.okato, kGap, period, kGap, file.name);
+    const Text kind = glance.kind == DocumentKind::Act ? u"Акт" : u"Выписка";
+    return {row,
+            Concat(row, u"\n", kind, u": ", glance.tax, u"\n", file.path),
+            {glance.code, glance.okato, period, glance.tax, kind, file.name, {}}};
 }
 
 }  // namespace
+
+Picture PictureOf(Finding finding) {
+    switch (finding) {
+        case Finding::New:
+            return Picture::Waiting;
+        case Finding::Loaded:
+            return Picture::Done;
+        case Finding::Superseded:
+        case Finding::AllZero:
+        case Finding::OtherTaxpayer:
+            return Picture::Passed;
+        default:
+            return Picture::Attention;
+    }
+}
 
 std::vector<ListRow> ListFolder(TextView folder, const std::function<bool()>& go_on) {
     Listing listing;
@@ -68,8 +86,14 @@ void AddStates(std::vector<ListRow>& rows, const ImportAccount& account) {
     for (std::size_t i = 0; i < rows.size(); ++i) {
         const auto found = by_name.find(FolderRows()[i].name);
         if (found == by_name.end() || found->second->remarks.empty()) continue;
-        rows[i].text.append(kGap).append(TextOf(found->second->remarks.front().finding).state);
+        const std::vector<Remark>& remarks = found->second->remarks;
+        rows[i].text.append(kGap).append(TextOf(remarks.front().finding).state);
         rows[i].tool_tip.append(u"\n").append(found->second->Words());
+        Text& state = rows[i].cells[kStateColumn];
+        for (const Remark& remark : remarks) {
+            state.append(state.empty() ? u"" : u"; ").append(TextOf(remark.finding).state);
+            rows[i].picture = std::max(rows[i].picture, PictureOf(remark.finding));
+        }
     }
 }
 

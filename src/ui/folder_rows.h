@@ -14,6 +14,14 @@ struct FolderRow {
     Text path;
 };
 
+// The columns of both lists of the main window are code, OKATO, period, tax and kind, then the file's name or the
+// KPP, then the state.
+inline constexpr int kNameColumn = 5;
+inline constexpr int kStateColumn = 6;
+
+// The picture that stands for what is said of a document.
+Picture PictureOf(Finding finding);
+
 // One row per "*.rtf" file of the folder, in the order of the scan: code, OKATO and
 // period of a document that is recognised, and the file's name. A file that cannot be
 // read says why in its tool-tip. A folder that is not there has no rows. `go_on` is

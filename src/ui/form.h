@@ -135,6 +135,7 @@ class ListBox : public Control {
     void SetRows(std::vector<ListRow> rows);
     int Selected() const { return window().SelectedRow(index()); }
     void Select(int row) { window().SelectRow(index(), row); }
+    void ShowColumn(int column, bool shown) { window().ShowColumn(index(), column, shown); }
     // The selected row's text, empty when none is.
     Text SelectedText() const;
 

@@ -16,6 +16,7 @@
 #include "reports/get_files_act.h"
 #include "settings/session.h"
 #include "settings/settings.h"
+#include "ui/folder_rows.h"
 #include "ui/frmDialog.h"
 #include "ui/frmFilter.h"
 #include "ui/frmmain_plan.h"
@@ -101,6 +102,7 @@ void frmmain::Form_Load() {
     load([&] { txtExport.Set(SettingText(u"ExportPath")); });
     load([&] { txtOut.Set(SettingText(u"OutPath")); });
     load([&] { chkImportPath.Check(SettingTruth(u"ChkOut")); });
+    lstBase.ShowColumn(kNameColumn, false);
     chkImportPath_Click();
     ShowAbout(false);
     for (const Failure& failure : failures) ShowFailure(kLoadTitle, failure);
@@ -333,6 +335,7 @@ void frmmain::Browse(TextView title, TextControl& box) {
 
 void frmmain::chkKons_Click() {
     Guarded(u"Ошибка в функции chkKons_Click", [&] { ShowTaxpayer(); });
+    lstBase.ShowColumn(kNameColumn, chkKons.Checked());
     Refill();
 }
 

@@ -8,6 +8,19 @@ constexpr TextView kCaption =
 // "КБК", 38 spaces, "ОКАТО", 12 spaces, "Период".
 constexpr TextView kColumns = u"КБК                                      ОКАТО            Период";
 
+constexpr ColumnOrder kDates = ColumnOrder::Dates;
+constexpr ListColumn kFileColumns[] = {{u"КБК", 24}, {u"ОКАТО", 12}, {u"Период", 22, kDates}, {u"Налог", 27},
+                                       {u"Вид", 9},  {u"Файл", 16},  {u"Состояние", 16}};
+constexpr ListColumn kBaseColumns[] = {{u"КБК", 24}, {u"ОКАТО", 12}, {u"Период", 22, kDates}, {u"Налог", 27},
+                                       {u"Вид", 9},  {u"КПП", 10},   {u"Состояние", 16}};
+constexpr ControlPlan ListOf(TextView name, const Place& place, std::span<const ListColumn> columns) {
+    return {name, ControlKind::ListBox, {}, {}, place, 0, Picture::None, columns};
+}
+// What a plain list has above it; a table says it itself.
+constexpr ControlPlan HeadingOf(TextView name, TextView frame) {
+    return {name, ControlKind::Label, kColumns, {}, {0, 0, 1, frame}, 0, Picture::None, {}, true};
+}
+
 constexpr ControlPlan kControls[] = {
     {u"Frame4", ControlKind::Frame, {}, {}, {0, 0, 2}},
     {u"lblInfoName", ControlKind::Label, {}, {}, {0, 0, 1, u"Frame4"}},
@@ -34,22 +47,22 @@ constexpr ControlPlan kControls[] = {
      {0, 3, 1, u"Frame2"},
      0,
      Picture::Refresh},
-    {u"Label4", ControlKind::Label, kColumns, {}, {1, 0, 4, u"Frame2"}},
-    {u"lstFile", ControlKind::ListBox, {}, {}, {2, 0, 4, u"Frame2"}},
-    {u"lblInfoFile", ControlKind::Label, {}, {}, {3, 0, 4, u"Frame2"}},
+    HeadingOf(u"Label4", u"Frame2"),
+    ListOf(u"lstFile", {1, 0, 4, u"Frame2"}, kFileColumns),
+    {u"lblInfoFile", ControlKind::Label, {}, {}, {2, 0, 4, u"Frame2"}},
     {u"chkImportPath",
      ControlKind::CheckBox,
      u"Переносить импортированные файлы в папку:",
      {},
-     {4, 0, 1, u"Frame2"},
+     {3, 0, 1, u"Frame2"},
      u'е'},
-    {u"txtOut", ControlKind::TextBox, {}, {}, {4, 1, 1, u"Frame2"}},
+    {u"txtOut", ControlKind::TextBox, {}, {}, {3, 1, 1, u"Frame2"}},
     {u"cmdOut",
      ControlKind::Button,
      u"...",
      u"Выбор папки, куда будут перенесены импортированные в базу данных файлы",
-     {4, 2, 1, u"Frame2"}},
-    {u"Frame5", ControlKind::Frame, {}, {}, {5, 0, 4, u"Frame2"}},
+     {3, 2, 1, u"Frame2"}},
+    {u"Frame5", ControlKind::Frame, {}, {}, {4, 0, 4, u"Frame2"}},
     {u"PBar", ControlKind::ProgressBar, {}, {}, {0, 0, 1, u"Frame5"}},
     {u"Command1",
      ControlKind::Button,
@@ -63,14 +76,14 @@ constexpr ControlPlan kControls[] = {
      u"Акты сверки и выписки операций, импортированные в базу данных",
      {},
      {2, 0, 2}},
-    {u"Label3", ControlKind::Label, kColumns, {}, {0, 0, 2, u"Frame1"}},
-    {u"lstBase", ControlKind::ListBox, {}, {}, {1, 0, 2, u"Frame1"}},
-    {u"lblInfoBase", ControlKind::Label, {}, {}, {2, 0, 1, u"Frame1"}},
+    HeadingOf(u"Label3", u"Frame1"),
+    ListOf(u"lstBase", {0, 0, 2, u"Frame1"}, kBaseColumns),
+    {u"lblInfoBase", ControlKind::Label, {}, {}, {1, 0, 1, u"Frame1"}},
     {u"Command2",
      ControlKind::PictureButton,
      {},
      u"Очистить базу данных от импортированных актов и выписок",
-     {2, 1, 1, u"Frame1"},
+     {1, 1, 1, u"Frame1"},
      0,
      Picture::Erase},
 
@@ -109,6 +122,6 @@ constexpr ControlPlan kControls[] = {
 
 }  // namespace
 
-const FormPlan kMainPlan = {u"frmmain", kCaption, kControls, 150, 48, {}, u"Command5"};
+const FormPlan kMainPlan = {u"frmmain", kCaption, kControls, 180, 54, {}, u"Command5"};
 
 }  // namespace tav

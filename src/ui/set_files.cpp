@@ -33,7 +33,12 @@ Text RowOf(const HeldDocument& document) {
 
 ListRow ListRowOf(const HeldDocument& document) {
     const Text row = RowOf(document);
-    return {row, Concat(row, u"\nКПП: ", document.kpp, u"\nФайл: ", document.file_name)};
+    const Finding state = document.Superseded() ? Finding::Superseded : Finding::Loaded;
+    return {row,
+            Concat(row, u"\nКПП: ", document.kpp, u"\nФайл: ", document.file_name),
+            {document.code, document.okato, Concat(isns(document.begin), kTo, isns(document.end)),
+             document.tax, document.act ? u"Акт" : u"Выписка", document.kpp, Text(TextOf(state).state)},
+            PictureOf(state)};
 }
 
 std::vector<HeldDocument> DocumentsOf(Connection& connection, TextView inn, TextView kpp) {

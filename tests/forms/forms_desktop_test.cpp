@@ -96,6 +96,25 @@ TEST_F(Forms, RowsAndNodesAreReplacedWithoutASelection) {
     EXPECT_EQ(events.Take(), Heard());
 }
 
+// A click on a title sorts upwards, downwards, and not at all; rows keep their numbers, and stay selected.
+TEST_F(Forms, AListIsSortedByItsColumns) {
+    window->SetRows(kRows, {{u"0", {}, {u"б", u"01.02.2010 - 1"}},
+                            {u"1", {}, {u"А", u"02.01.2011"}},
+                            {u"2", {}, {u"в", u"01.12.2009"}},
+                            {u"3", {}, {}}});
+    window->SelectRow(kRows, 0);
+    const auto sorted = [&](int column) {
+        ClickTitle(In("Rows"), column);
+        std::string order;
+        for (const std::string& row : RowsOf(In("Rows"))) order += row;
+        return order + " " + std::to_string(window->SelectedRow(kRows));
+    };
+    std::string seen;
+    for (const int column : {0, 0, 0, 1, 1, 0}) seen += sorted(column) + "; ";
+    EXPECT_EQ(seen, "3102 0; 2013 0; 0123 0; 3201 0; 1023 0; 3102 0; ");
+    EXPECT_EQ(events.Take(), Heard());
+}
+
 TEST_F(Forms, AComboBoxTellsOfAnotherChoiceOnly) {
     Focus(In("Kind"));
     Press(Key::Down);

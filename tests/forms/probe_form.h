@@ -28,6 +28,7 @@ enum Control : std::size_t {
     kCancel
 };
 
+inline constexpr ListColumn kColumns[] = {{u"Имя", 10}, {u"День", 12, ColumnOrder::Dates}};
 inline const std::vector<ControlPlan> kControls = {
     {.name = u"Box", .kind = ControlKind::Frame, .caption = u"Папка & период", .place = {.column_span = 2}},
     {.name = u"Ask",
@@ -49,7 +50,7 @@ inline const std::vector<ControlPlan> kControls = {
      .tool_tip = u"Все",
      .place = {1, 0, 2, u"Box"},
      .mnemonic = u'd'},
-    {.name = u"Rows", .kind = ControlKind::ListBox, .place = {1, 0}},
+    {.name = u"Rows", .kind = ControlKind::ListBox, .place = {1, 0}, .columns = kColumns},
     {.name = u"Kind", .kind = ControlKind::ComboBox, .place = {2, 0}},
     {.name = u"Tree", .kind = ControlKind::TreeView, .place = {1, 1}},
     {.name = u"Bar", .kind = ControlKind::ProgressBar, .place = {3, 0}},

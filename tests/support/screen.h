@@ -57,6 +57,8 @@ void Click(const Spot& button);
 void Type(const Spot& spot, TextView text);
 // A double click on a row, or below the last for -1.
 void DoubleClickRow(const Spot& list, int row);
+// On the title of a list's column.
+void ClickTitle(const Spot& list, int column);
 // On the first node whose text begins so.
 void ChooseNode(const Spot& tree, TextView text);
 void DoubleClickNode(const Spot& tree, TextView text);

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QGroupBox>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -35,7 +36,9 @@ void AddNodes(const QAbstractItemModel& model, const QModelIndex& parent, std::s
               std::vector<std::string>& lines) {
     for (int row = 0; row < model.rowCount(parent); ++row) {
         const QModelIndex node = model.index(row, 0, parent);
-        lines.push_back(std::string(depth, ' ') + node.data().toString().toStdString());
+        const QVariant text = node.data(Qt::UserRole);  // of a table's row
+        lines.push_back(std::string(depth, ' ') +
+                        (text.isValid() ? text : node.data()).toString().toStdString());
         AddNodes(model, node, depth + 1, lines);
     }
 }
@@ -168,6 +171,12 @@ void Type(const Spot& spot, TextView text) {
 void DoubleClickRow(const Spot& list, int row) {
     auto* view = In<QAbstractItemView>(list);
     DoubleClick(*view, view->model()->index(row, 0));
+}
+
+void ClickTitle(const Spot& list, int column) {
+    QHeaderView& header = *In<QTreeView>(list)->header();
+    QTest::mouseClick(header.viewport(), Qt::LeftButton, {},
+                      {header.sectionViewportPosition(column) + 8, header.height() / 2});
 }
 
 void ChooseNode(const Spot& tree, TextView text) {

@@ -282,6 +282,15 @@ void DoubleClickRow(const Spot& list, int row) {
     DoubleClick(window, MAKELPARAM(place.left + 4, (place.top + place.bottom) / 2));
 }
 
+void ClickTitle(const Spot& list, int column) {
+    const auto header = reinterpret_cast<HWND>(Send(Find(list), LVM_GETHEADER));
+    RECT place{};
+    Send(header, HDM_GETITEMRECT, static_cast<WPARAM>(column), Pointer(place));
+    const LPARAM at = MAKELPARAM((place.left + place.right) / 2, (place.top + place.bottom) / 2);
+    Send(header, WM_LBUTTONDOWN, MK_LBUTTON, at);
+    Send(header, WM_LBUTTONUP, 0, at);
+}
+
 void ChooseNode(const Spot& tree, TextView text) {
     Choose(Find(tree), text);
 }

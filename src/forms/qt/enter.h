@@ -1,11 +1,14 @@
-// A list or a tree whose selected row is opened by Enter as by a double click. Without a selected row Enter
-// is left to the window's default button.
+// A list or a tree whose selected row is opened by Enter as by a double click, and copied as its text says.
+// Without a selected row Enter is left to the window's default button.
 #pragma once
 
 #include <QAbstractItemView>
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
 
+#include "forms/qt/table_model.h"
 #include "forms/qt/widget_control.h"
 
 namespace tav {
@@ -31,7 +34,10 @@ class OpenedByEnter : public View {
  protected:
     void keyPressEvent(QKeyEvent* event) override {
         const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-        if (!enter) {
+        const QVariant row = SelectedIndex(*this).data(kRowText);
+        if (row.isValid() && event->matches(QKeySequence::Copy)) {
+            QGuiApplication::clipboard()->setText(row.toString());
+        } else if (!enter) {
             View::keyPressEvent(event);
         } else if (SelectedIndex(*this).isValid()) {
             event->accept();

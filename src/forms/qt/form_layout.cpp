@@ -59,6 +59,10 @@ void LayOut(QWidget& window, std::span<const ControlPlan> plans, std::span<const
     for (const MadeControl& control : controls) {
         const ControlPlan& plan = control->plan();
         if (control->widget() == nullptr) continue;
+        if (plan.hidden) {
+            control->widget()->hide();
+            continue;
+        }
         Grid(*control->widget()->parentWidget())
             .addWidget(control->widget(), plan.place.row, plan.place.column, 1, plan.place.column_span);
         if (plan.kind == ControlKind::Frame) LetGrow(*control->widget(), stretches.at(plan.name));

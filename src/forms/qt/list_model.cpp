@@ -1,7 +1,5 @@
 #include "forms/qt/list_model.h"
 
-#include <algorithm>
-#include <limits>
 #include <utility>
 
 #include "forms/qt/qt_text.h"
@@ -12,21 +10,6 @@ void ListModelQt::SetRows(std::vector<ListRow> rows) {
     beginResetModel();
     rows_ = std::move(rows);
     endResetModel();
-}
-
-// Every character is measured once, not every row: thousands of rows are measured in a millisecond or two.
-double ListModelQt::Widest(const QFontMetricsF& metrics) const {
-    std::vector<float> widths(std::numeric_limits<char16_t>::max() + 1U, -1.0F);
-    double widest = 0;
-    for (const ListRow& row : rows_) {
-        double width = 0;
-        for (const char16_t c : row.text) {
-            if (widths[c] < 0) widths[c] = static_cast<float>(metrics.horizontalAdvance(QChar(c)));
-            width += widths[c];
-        }
-        widest = std::max(widest, width);
-    }
-    return widest;
 }
 
 int ListModelQt::rowCount(const QModelIndex& parent) const {

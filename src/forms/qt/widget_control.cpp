@@ -16,9 +16,10 @@
 #include <array>
 #include <utility>
 
+#include "forms/qt/combo_view.h"
 #include "forms/qt/icons.h"
-#include "forms/qt/list_views.h"
 #include "forms/qt/qt_text.h"
+#include "forms/qt/table_view.h"
 #include "forms/qt/tree_view.h"
 #include "forms/reader_names.h"
 

@@ -4,7 +4,8 @@
 #include <cmath>
 
 #include "forms/win32/buttons.h"
-#include "forms/win32/list_boxes.h"
+#include "forms/win32/combo_box.h"
+#include "forms/win32/list_box.h"
 #include "forms/win32/pictures.h"
 #include "forms/win32/tree_control.h"
 

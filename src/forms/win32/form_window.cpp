@@ -106,6 +106,10 @@ void FormWindowWin::MakeControls() {
         if (control.hwnd() == nullptr) continue;
         ControlWin* frame = frames.at(plan.place.parent);
         control.SetFrame(frame);
+        if (plan.hidden) {
+            ::ShowWindow(control.hwnd(), SW_HIDE);
+            continue;
+        }
         (frame == nullptr ? grid_ : *frame->grid()).Add(control, plan);
         if (!names[i].empty()) reader_names_.emplace_back(control.hwnd(), names[i]);
         if (!plan.tool_tip.empty()) AddToolTip(tool_tips_, control.hwnd(), plan.tool_tip);

@@ -1,5 +1,6 @@
 #include "forms/win32/pictures.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
@@ -9,7 +10,7 @@ namespace tav {
 namespace {
 
 // What a point of a picture is drawn in.
-enum class Ink { None, Line, Fill, Rest, Red };
+enum class Ink { None, Line, Fill, Rest, Red, Green, Grey, Orange, White };
 
 // Points lie between -1 and 1, y downwards.
 struct Point {
@@ -61,8 +62,39 @@ Ink Cross(Point at) {
     return stroke && std::max(std::abs(at.x), std::abs(at.y)) < 0.78 ? Ink::Red : Ink::None;
 }
 
+// Half of a stroke's width.
+constexpr double kStroke = 0.14;
+
+bool OnStroke(Point at, Point from, Point to) {
+    const double dx = to.x - from.x;
+    const double dy = to.y - from.y;
+    const double along = ((at.x - from.x) * dx + (at.y - from.y) * dy) / (dx * dx + dy * dy);
+    const double part = std::clamp(along, 0.0, 1.0);
+    return std::hypot(at.x - from.x - part * dx, at.y - from.y - part * dy) < kStroke;
+}
+
+// What became of a document: a disc with a sign in it, told apart by its sign as well as by its colour.
+Ink Sign(Point at, Ink colour, bool on_sign) {
+    if (at.Radius() > 0.94) return Ink::None;
+    return on_sign ? Ink::White : colour;
+}
+Ink Waiting(Point at) {
+    return at.Radius() < 0.8 && at.Radius() > 0.6 ? Ink::Line : Ink::None;
+}
+Ink Done(Point at) {
+    const bool tick = OnStroke(at, {-0.45, 0.05}, {-0.12, 0.4}) || OnStroke(at, {-0.12, 0.4}, {0.48, -0.32});
+    return Sign(at, Ink::Green, tick);
+}
+Ink Passed(Point at) {
+    return Sign(at, Ink::Grey, OnStroke(at, {-0.45, 0}, {0.45, 0}));
+}
+Ink Attention(Point at) {
+    return Sign(at, Ink::Orange,
+                OnStroke(at, {0, -0.56}, {0, 0.12}) || Point{at.x, at.y - 0.52}.Radius() < kStroke);
+}
+
 using Shape = Ink (*)(Point);
-constexpr std::array<std::pair<Picture, Shape>, 7> kShapes = {{
+constexpr std::array<std::pair<Picture, Shape>, 11> kShapes = {{
     {Picture::Refresh, RefreshArrow},
     {Picture::Erase, Cross},
     {Picture::All, SeveralYears},
@@ -70,6 +102,10 @@ constexpr std::array<std::pair<Picture, Shape>, 7> kShapes = {{
     {Picture::Part, Period<6>},
     {Picture::Quarter, Period<3>},
     {Picture::Month, Period<1>},
+    {Picture::Waiting, Waiting},
+    {Picture::Done, Done},
+    {Picture::Passed, Passed},
+    {Picture::Attention, Attention},
 }};
 
 COLORREF ColourOf(Ink ink) {
@@ -80,6 +116,14 @@ COLORREF ColourOf(Ink ink) {
             return ::GetSysColor(COLOR_HIGHLIGHT);
         case Ink::Rest:
             return ::GetSysColor(COLOR_WINDOW);
+        case Ink::Green:
+            return RGB(0x2e, 0x8b, 0x57);
+        case Ink::Grey:
+            return RGB(0x80, 0x86, 0x8b);
+        case Ink::Orange:
+            return RGB(0xd9, 0x6c, 0x06);
+        case Ink::White:
+            return RGB(255, 255, 255);
         default:
             return RGB(200, 40, 40);
     }
@@ -147,7 +191,6 @@ Icon::~Icon() {
 }
 
 HIMAGELIST PictureList(int size) {
-    constexpr int kPictures = static_cast<int>(Picture::Month) + 1;
     const HIMAGELIST list = ::ImageList_Create(size, size, ILC_COLOR32, kPictures, 0);
     ::ImageList_SetImageCount(list, kPictures);
     for (const auto& [picture, shape] : kShapes) {

@@ -25,7 +25,8 @@ ScopedTheme::ScopedTheme() {
     active_ = context != INVALID_HANDLE_VALUE && ::ActivateActCtx(context, &cookie_);
     static const bool registered = [] {
         const INITCOMMONCONTROLSEX controls{sizeof controls, ICC_STANDARD_CLASSES | ICC_TREEVIEW_CLASSES |
-                                                                 ICC_PROGRESS_CLASS | ICC_BAR_CLASSES};
+                                                                 ICC_LISTVIEW_CLASSES | ICC_PROGRESS_CLASS |
+                                                                 ICC_BAR_CLASSES};
         return ::InitCommonControlsEx(&controls) != FALSE;
     }();
     static_cast<void>(registered);  // a class that is missing shows when its window is created
