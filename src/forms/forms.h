@@ -136,11 +136,14 @@ class FormWindow {
     // Whether it is still there: a host may destroy windows that are not its own, or end their thread.
     virtual bool Exists() const { return true; }
 
-    // Modeless, in front, with the input focus; of no owner.
-    virtual void Show() = 0;
+    // Modeless, in front, with the input focus; it stays in front of its owner, if it has one.
+    virtual void Show(FormWindow* owner = nullptr) = 0;
     // Returns when the window has been hidden. While it is shown, the other windows take no input.
     virtual void ShowModal(FormWindow* owner) = 0;
     virtual void Hide() = 0;
+
+    // The window's own, in place of the plan's.
+    virtual void SetCaption(TextView caption) = 0;
 
     // A caption, or a TextBox's, Memo's text.
     virtual Text GetText(std::size_t control) const = 0;

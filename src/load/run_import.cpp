@@ -11,11 +11,18 @@ namespace tav {
 namespace {
 
 bool running = false;
+Text running_inn;
 
 class RunningImport {
  public:
-    RunningImport() { running = true; }
-    ~RunningImport() { running = false; }
+    explicit RunningImport(TextView inn) {
+        running = true;
+        running_inn = Trim(inn);
+    }
+    ~RunningImport() {
+        running = false;
+        running_inn.clear();
+    }
     RunningImport(const RunningImport&) = delete;
     RunningImport& operator=(const RunningImport&) = delete;
 };
@@ -37,6 +44,10 @@ bool ImportRunning() {
     return running;
 }
 
+Text RunningInn() {
+    return running_inn;
+}
+
 void RefuseDuringImport() {
     if (running) throw FileInUse(getbase());
 }
@@ -51,7 +62,7 @@ ImportAccount LoadCatalogue(TextView catalogue, TextView inn, TextView kpp, Text
 ImportResult RunImport(const ImportFolders& folders, TextView inn, TextView kpp) {
     ImportResult result;
     if (running || folders.import.empty() || !PassCancelGuard()) return result;
-    const RunningImport this_one;
+    const RunningImport this_one(inn);
     const ScanAccount scan = CheckXml(folders.import, folders.acts_as_xml);
     result.drops_text = scan.DropsText();
     const Text& catalogue = scan.catalogue;

@@ -34,6 +34,8 @@ struct ImportResult {
 
 // Events are processed while an import runs, so anything can be asked for meanwhile.
 bool ImportRunning();
+// Whose documents the import that runs loads; empty when none runs.
+Text RunningInn();
 // Whatever changes or reads the database is refused meanwhile: throws "Could not use '...'; file already in
 // use." when an import runs.
 void RefuseDuringImport();

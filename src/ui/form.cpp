@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "common/concat.h"
 #include "common/guard.h"
@@ -20,8 +21,15 @@ TextView EventName(Event event) {
 // While one of the form's handlers runs, its window stays.
 class Form::Running {
  public:
-    explicit Running(Form& form) : form_(form) { ++form_.running_; }
+    explicit Running(Form& form) : form_(form), outer_(std::exchange(Innermost(), &form)) {
+        ++form_.running_;
+    }
+    static Form*& Innermost() {
+        static Form* innermost = nullptr;
+        return innermost;
+    }
     ~Running() {
+        Innermost() = outer_;
         if (--form_.running_ > 0 || !form_.unloaded_) return;
         form_.unloaded_ = false;
         form_.window_.reset();
@@ -31,7 +39,12 @@ class Form::Running {
 
  private:
     Form& form_;
+    Form* const outer_;
 };
+
+Form* Form::Handling() {
+    return Running::Innermost();
+}
 
 Form::Form(const FormPlan& plan, TextView load_title) : plan_(plan), load_title_(load_title) {}
 
@@ -43,9 +56,10 @@ void Form::Load() {
     Guarded(load_title_, [&] { again ? Form_Again() : Form_Load(); });
 }
 
-void Form::Show() {
+void Form::Show(Form* owner) {
     Load();
-    if (Loaded()) window_->Show();
+    const bool owned = owner != nullptr && owner != this && owner->Loaded();
+    if (Loaded()) window_->Show(owned ? owner->window_.get() : nullptr);
 }
 
 void Form::ShowModal(Form& owner) {
@@ -97,9 +111,11 @@ void Form::OnEvent(std::size_t control, Event event) {
     Guarded(found->second.title, found->second.run);
 }
 
-void Form::OnCloseRequest() {
+void Form::Close() {
     const Running running(*this);
-    Unload();
+    bool may = true;
+    Guarded(u"Ошибка в функции Form_QueryUnload", [&] { may = Form_QueryUnload(); });
+    if (may) Unload();
 }
 
 void ListBox::SetRows(std::vector<ListRow> rows) {

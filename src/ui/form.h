@@ -27,12 +27,14 @@ class Form : public FormEvents {
     // Creates the window and runs Form_Load; a window that exists gets
     // Form_Again. Without a toolkit: a Failure, and nothing has changed.
     void Load();
-    // Loads it, and shows it modeless, without an owner.
-    void Show();
+    // Loads it, and shows it modeless, in front of its owner, if it has one.
+    void Show(Form* owner = nullptr);
     // Loads it, and returns when the user is done with it.
     void ShowModal(Form& owner);
     // Runs Form_Unload and takes the window away.
     void Unload();
+    // The form whose handler runs, the innermost one; null when none does.
+    static Form* Handling();
     // With the shell; what that asks or says belongs to this window.
     void OpenDocument(TextView path);
 
@@ -61,7 +63,13 @@ class Form : public FormEvents {
 
     virtual void Form_Load() {}
     virtual void Form_Again() {}
+    // Whether the window may be closed that the user wants to close.
+    virtual bool Form_QueryUnload() { return true; }
     virtual void Form_Unload() {}
+
+    // As the user's close button does.
+    void Close();
+    void SetCaption(TextView caption) { window().SetCaption(caption); }
 
  private:
     friend class Control;
@@ -71,7 +79,7 @@ class Form : public FormEvents {
     std::size_t IndexOf(TextView control) const;
     FormWindow& window() const;
     void OnEvent(std::size_t control, Event event) override;
-    void OnCloseRequest() override;
+    void OnCloseRequest() override { Close(); }
 
     struct Procedure {
         Text title;

@@ -1,6 +1,7 @@
 #include "ui/frmShortImport.h"
 
 #include "common/concat.h"
+#include "load/run_import.h"
 #include "settings/session.h"
 #include "settings/settings.h"
 
@@ -14,11 +15,22 @@ constexpr ControlPlan kControls[] = {
     {u"CancelButton", ControlKind::Button, u"Отмена", {}, {3, 1}, u'О'},
     {u"Timer1", ControlKind::Timer},
 };
-constexpr FormPlan kPlan = {u"frmShortImport", u"Импорт файлов, полученных из ТАВ", kControls, 70, 6, {},
-                            u"CancelButton"};
+struct WorkText {
+    TextView caption;
+    TextView label;  // before the file's name
+};
+constexpr WorkText kImport = {u"Импорт файлов, полученных из ТАВ", u"Производится чтение файла: "};
+constexpr WorkText kSummary = {u"Формирование сводной справки", u"Формируется файл: "};
 
-constexpr TextView kReading = u"Производится чтение файла: ";
+constexpr FormPlan kPlan = {u"frmShortImport", kImport.caption, kControls, 70, 6, {}, u"CancelButton"};
+
 constexpr TextView kOfTaxpayer = u"по налогоплательщику ";
+
+// The host's name for the taxpayer, if it is this one.
+Text NameOfTaxpayer(const Text& inn) {
+    const NamedTaxpayer named = TaxpayerSetting();
+    return named.name.empty() || (!named.inn.empty() && named.inn != inn) ? inn : named.name;
+}
 
 }  // namespace
 
@@ -27,16 +39,17 @@ frmShortImport::frmShortImport() : Form(kPlan) {
                                  {u"Timer1", Event::Timer, &frmShortImport::Timer1_Timer}});
 }
 
-void frmShortImport::Form_Load() {
-    Form_Again();
-    const Text name = TaxpayerSetting().name;
-    Label2.Set(Concat(kOfTaxpayer, name.empty() ? Taxpayer().inn : name));
+void frmShortImport::Begin(Work work) {
+    work_ = work;
+    Show(Handling());
 }
 
-void frmShortImport::Form_Again() {
+void frmShortImport::Form_Load() {
     Timer1.SetInterval(0);
-    Label1.Set(kReading);
-    PBar.Set(0);
+    const bool import = work_ == Work::Import;
+    SetCaption((import ? kImport : kSummary).caption);
+    ShowProgress({}, 0);
+    Label2.Set(Concat(kOfTaxpayer, NameOfTaxpayer(import ? RunningInn() : Taxpayer().inn)));
     reading_ = true;
 }
 
@@ -47,7 +60,7 @@ void frmShortImport::Form_Unload() {
 
 void frmShortImport::ShowProgress(TextView file, double part) {
     if (!Loaded()) return;
-    Label1.Set(Concat(kReading, file));
+    Label1.Set(Concat((work_ == Work::Import ? kImport : kSummary).label, file));
     PBar.Set(part);
 }
 

@@ -1,5 +1,5 @@
-// The window shown while an import reads files: the file's name, whose documents they are, a bar, and the
-// button that cancels. The readers turn pages into plain text by themselves (convert/rich_text.h), so the
+// The window shown while an import reads files, or a summary writes pages: the file's name, whose documents they
+// are, a bar, and the button that cancels. The readers turn pages into plain text by themselves (convert/rich_text.h), so the
 // window carries no rich-text control.
 #pragma once
 
@@ -11,6 +11,9 @@ class frmShortImport : public Form {
  public:
     frmShortImport();
 
+    enum class Work { Import, Summary };
+    // In front of the form whose handler has begun the work.
+    void Begin(Work work);
     // Nothing when the window is not shown.
     void ShowProgress(TextView file, double part);
     // Through the window's timer: the user sees the full bar for a moment.
@@ -18,7 +21,7 @@ class frmShortImport : public Form {
 
  private:
     void Form_Load() override;
-    void Form_Again() override;
+    void Form_Again() override { Form_Load(); }
     void Form_Unload() override;
     void CancelButton_Click();
     void Timer1_Timer();
@@ -27,6 +30,7 @@ class frmShortImport : public Form {
     TextControl Label2{*this, u"Label2"};
     ProgressBar PBar{*this, u"PBar"};
     Timer Timer1{*this, u"Timer1"};
+    Work work_ = Work::Import;
     bool reading_ = false;
 };
 

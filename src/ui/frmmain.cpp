@@ -118,6 +118,15 @@ void frmmain::Form_Again() {
     ScheduleRefresh();
 }
 
+// Whoever closes the window while an import runs asks for its cancel first.
+bool frmmain::Form_QueryUnload() {
+    if (!ImportRunning() || CancelStamp() != 0) return true;
+    RequestCancel();
+    outcome_ = u"Импорт прерывается.";
+    ShowAbout(false);
+    return false;
+}
+
 void frmmain::Form_Unload() {
     if (!SaveFolders()) throw Failure(Concat(u"Папки не сохранены. ", LastRegistryFailure()));
 }
@@ -153,7 +162,7 @@ void frmmain::Refill() {
     ScheduleRefresh();
 }
 
-void frmmain::ShowLoaded(double part) {
+void frmmain::ShowProgress(double part) {
     if (Loaded()) PBar.Set(part);
 }
 
@@ -344,7 +353,7 @@ void frmmain::chkImportPath_Click() {
 }
 
 void frmmain::Command5_Click() {
-    Unload();
+    Close();
 }
 
 }  // namespace tav

@@ -17,12 +17,13 @@ class frmmain : public Form {
     // For the windows around this one; nothing when it is not loaded. The
     // list of the database is filled again, and everything is refreshed.
     void Refill();
-    // The part of an import's new files that has been looked at by the loader, on the bar.
-    void ShowLoaded(double part);
+    // On the bar, from 0 to 1.
+    void ShowProgress(double part);
 
  private:
     void Form_Load() override;
     void Form_Again() override;
+    bool Form_QueryUnload() override;
     void Form_Unload() override;
     void Timer1_Timer();
     void Timer2_Timer();

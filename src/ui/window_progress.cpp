@@ -10,13 +10,23 @@
 
 namespace tav {
 
-void WindowProgress::Show(int files) {
+void WindowProgress::Begin(int files) {
     files_ = files;
     done_ = 0;
     fraction_ = 0;
+    loaded_ = 0;
     label_.clear();
     drawn_ = {};
-    Shared<frmShortImport>().Show();
+}
+
+void WindowProgress::Show(int files) {
+    Begin(files);
+    Shared<frmShortImport>().Begin(frmShortImport::Work::Import);
+}
+
+void WindowProgress::ShowPages(int pages) {
+    Begin(pages);
+    Shared<frmShortImport>().Begin(frmShortImport::Work::Summary);
 }
 
 void WindowProgress::SetLabel(TextView file) {
@@ -34,6 +44,9 @@ void WindowProgress::SetFraction(double fraction) {
 
 void WindowProgress::Close() {
     Shared<frmShortImport>().CloseSoon();
+    if (ImportRunning()) return;
+    files_ = 0;
+    Shared<frmmain>().ShowProgress(0);
 }
 
 void WindowProgress::SetLoaded(int files, int of) {
@@ -53,7 +66,8 @@ void WindowProgress::ProcessEvents() {
 void WindowProgress::Draw() {
     const double read = files_ == 0 ? 0 : std::clamp((done_ + fraction_) / files_, 0.0, 1.0);
     Shared<frmShortImport>().ShowProgress(label_, read);
-    Shared<frmmain>().ShowLoaded(ImportRunning() ? loaded_ : 0);
+    // Reading is the one half of an import, loading the other.
+    Shared<frmmain>().ShowProgress(ImportRunning() ? (read + loaded_) / 2 : read);
 }
 
 }  // namespace tav

@@ -11,6 +11,7 @@ namespace tav {
 class WindowProgress : public Progress {
  public:
     void Show(int files) override;
+    void ShowPages(int pages) override;
     void SetLabel(TextView file) override;
     void SetFilesDone(int files) override;
     void SetFraction(double fraction) override;
@@ -20,6 +21,7 @@ class WindowProgress : public Progress {
     void ProcessEvents() override;
 
  private:
+    void Begin(int files);
     void Draw();
 
     int files_ = 0;

@@ -127,23 +127,27 @@ void FormWindowQt::Appear() {
     Shown().Enter(this);
 }
 
-void FormWindowQt::Show() {
+void FormWindowQt::Show(FormWindow* owner) {
     if (!isVisible()) {
         setWindowModality(Qt::NonModal);
-        setWindowFlags(Qt::Window);
+        setWindowFlags(owner == nullptr ? Qt::Window : Qt::Dialog);
+        SetOwner(owner);
     }
     Appear();
+}
+
+void FormWindowQt::SetOwner(FormWindow* owner) {
+    winId();  // makes the window handle
+    const auto* window = static_cast<FormWindowQt*>(owner);
+    windowHandle()->setTransientParent(window == nullptr ? nullptr : window->windowHandle());
+    if (window != nullptr) move(window->frameGeometry().center() - rect().center());
 }
 
 void FormWindowQt::ShowModal(FormWindow* owner) {
     Hide();  // whether a window is modal is settled when it appears
     setWindowModality(Qt::ApplicationModal);
     setWindowFlags(Qt::Dialog);
-    winId();  // makes the window handle
-    if (const auto* window = static_cast<FormWindowQt*>(owner); window != nullptr) {
-        windowHandle()->setTransientParent(window->windowHandle());
-        move(window->frameGeometry().center() - rect().center());
-    }
+    SetOwner(owner);
     QEventLoop loop;
     modal_loop_ = &loop;
     Appear();
@@ -157,6 +161,10 @@ void FormWindowQt::Hide() {
     hide();
     if (QEventLoop* loop = std::exchange(modal_loop_, nullptr); loop != nullptr) loop->quit();
     Shown().Leave(this);
+}
+
+void FormWindowQt::SetCaption(TextView caption) {
+    setWindowTitle(ToQt(caption));
 }
 
 // The form decides. Whoever asked learns whether the window

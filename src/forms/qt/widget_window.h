@@ -19,9 +19,10 @@ class FormWindowQt final : public QWidget, public WindowOfControls {
     ~FormWindowQt() override;
 
     void Discard() override;
-    void Show() override;
+    void Show(FormWindow* owner) override;
     void ShowModal(FormWindow* owner) override;
     void Hide() override;
+    void SetCaption(TextView caption) override;
 
  protected:
     bool event(QEvent* event) override;
@@ -33,6 +34,7 @@ class FormWindowQt final : public QWidget, public WindowOfControls {
     void MakeControls(const FormPlan& plan);
     QAbstractButton* FindButton(TextView name) const;
     void Appear();
+    void SetOwner(FormWindow* owner);
     void Tell(const std::function<void(FormEvents&)>& what);
 
     FormEvents* events_;  // null when the window has been discarded

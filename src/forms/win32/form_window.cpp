@@ -325,10 +325,15 @@ void FormWindowWin::Appear() {
     if (!::IsChild(hwnd_, ::GetFocus())) TakeFocus();
 }
 
-void FormWindowWin::Show() {
+void FormWindowWin::Show(FormWindow* owner) {
     if (hwnd_ == nullptr) return;
-    if (modal_done_ == nullptr) SetOwner(hwnd_, nullptr);
+    if (modal_done_ == nullptr) SetOwner(hwnd_, WindowOf(owner));
+    if (WindowOf(owner) != nullptr && !::IsWindowVisible(hwnd_)) Centre(hwnd_, WindowOf(owner));
     Appear();
+}
+
+void FormWindowWin::SetCaption(TextView caption) {
+    ::SetWindowTextW(hwnd_, win32::Wide(caption).c_str());
 }
 
 void FormWindowWin::DisableOthers() {

@@ -23,9 +23,10 @@ class FormWindowWin final : public WindowOfControls, public FormHost {
 
     void Discard() override;
     bool Exists() const override;
-    void Show() override;
+    void Show(FormWindow* owner) override;
     void ShowModal(FormWindow* owner) override;
     void Hide() override;
+    void SetCaption(TextView caption) override;
 
     void Enable(std::size_t control, bool enabled) override;
 
