@@ -26,6 +26,8 @@ class WrongUsage : public CLI::ParseError {
 };
 
 void AddDatabaseCommand(CLI::App& app, Context& context);
+// Of the command db.
+void AddExportCommand(CLI::App& db, Context& context);
 void AddSettingsCommand(CLI::App& app, Context& context);
 void AddImportCommands(CLI::App& app, Context& context);
 void AddConvertCommand(CLI::App& app, Context& context);

@@ -1,12 +1,12 @@
-// tav db: create, check, dump.
+// tav db: create, check, dump; export is export_command.cpp.
 
 #include <nlohmann/json.hpp>
 
 #include "commands.h"
 #include "common/guard.h"
-#include "common/regional.h"
 #include "db/empty_database.h"
 #include "db/engine.h"
+#include "exports/value_text.h"
 #include "jet/check/checker.h"
 #include "jet/table/database.h"
 #include "settings/settings.h"
@@ -16,26 +16,6 @@ namespace tav::cli {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-std::string IsoDate(Date date) {
-    const CivilDate day = CivilFromDate(date);
-    Text text = Digits(day.year, 4) + u"-" + Digits(day.month, 2) + u"-" + Digits(day.day, 2);
-    const ClockTime time = TimeFromDate(date);
-    if (time.hour != 0 || time.minute != 0 || time.second != 0) {
-        text += u" " + Digits(time.hour, 2) + u":" + Digits(time.minute, 2) + u":" + Digits(time.second, 2);
-    }
-    return ToUtf8(text);
-}
-
-std::string HexDigits(const std::string& bytes) {
-    constexpr std::string_view kDigits = "0123456789abcdef";
-    std::string out;
-    for (const char c : bytes) {
-        const auto byte = static_cast<unsigned char>(c);
-        out += {kDigits[byte >> 4], kDigits[byte & 15U]};
-    }
-    return out;
-}
 
 Json JsonOf(const Value& value) {
     struct Converter {
@@ -120,7 +100,7 @@ void Create() {
 }  // namespace
 
 void AddDatabaseCommand(CLI::App& app, Context& context) {
-    CLI::App& db = *app.add_subcommand("db", "Файл базы данных: создать, проверить, показать содержимое");
+    CLI::App& db = *app.add_subcommand("db", "Файл базы данных: создать, проверить, показать, выгрузить");
     db.require_subcommand(1);
     struct Action {
         const char* name;
@@ -136,6 +116,7 @@ void AddDatabaseCommand(CLI::App& app, Context& context) {
         AddDatabaseOptions(command, context);
         command.callback(action.run);
     }
+    AddExportCommand(db, context);
 }
 
 }  // namespace tav::cli

@@ -1,0 +1,29 @@
+// A folder for work that is to appear elsewhere when it is complete: temporary, beside the target, so that a
+// rename can bring what is in it there. A kill leaves it; its name begins with ".tav-".
+#pragma once
+
+#include "common/text.h"
+
+namespace tav {
+
+class WorkFolder {
+ public:
+    // A new folder beside `target`. A missing parent, or one that must not be written, is a Failure as of
+    // files.h.
+    explicit WorkFolder(TextView target);
+    ~WorkFolder();  // with all that is still in it
+    WorkFolder(const WorkFolder&) = delete;
+    WorkFolder& operator=(const WorkFolder&) = delete;
+
+    // With a separator at its end.
+    const Text& path() const { return path_; }
+
+    // Gives the file `name` of this folder, or the folder itself where `name` is empty, the name `target`. What
+    // has that name already stays, and a Failure says so.
+    void Publish(TextView name, TextView target) const;
+
+ private:
+    Text path_;
+};
+
+}  // namespace tav
