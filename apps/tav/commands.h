@@ -35,6 +35,7 @@ void AddListCommand(CLI::App& app, Context& context);
 void AddReportCommand(CLI::App& app, Context& context);
 void AddClearCommand(CLI::App& app, Context& context);
 void AddWindowCommands(CLI::App& app, Context& context);
+void AddDescribeCommands(CLI::App& app, Context& context);
 
 // An option or argument that names a file or a folder; empty text is wrong usage.
 CLI::Option& AddPath(CLI::App& command, const std::string& name, std::string& target,

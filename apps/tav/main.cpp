@@ -99,6 +99,7 @@ int Run(std::vector<std::string> arguments) {
     AddReportCommand(app, context);
     AddClearCommand(app, context);
     AddWindowCommands(app, context);
+    AddDescribeCommands(app, context);
 
     try {
         std::reverse(arguments.begin(), arguments.end());  // as the parser takes them
