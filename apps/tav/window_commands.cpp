@@ -8,7 +8,9 @@
 #include "host/open_class.h"
 #include "reports/summary_documents.h"
 #include "settings/session.h"
+#include "settings/settings.h"
 #include "terminal_output.h"
+#include "ui/screen.h"
 
 namespace tav::cli {
 namespace {
@@ -25,7 +27,21 @@ void ServeWindows() {
     if (ToolkitLoaded()) CurrentToolkit().RunUntilClosed();
 }
 
-void Start(const WindowOptions& options) {
+// Without --inn and --kpp, as a person starts it from a menu, the taxpayer is that of the setting. A person who
+// sees no terminal is told by a window what is missing.
+void Start(WindowOptions options) {
+    if (options.inn.empty() != options.kpp.empty()) throw WrongUsage("нужны и --inn, и --kpp");
+    if (options.inn.empty()) {
+        const NamedTaxpayer taxpayer = TaxpayerSetting();
+        options.inn = ToUtf8(taxpayer.inn);
+        options.kpp = ToUtf8(taxpayer.kpp);
+    }
+    if (options.inn.empty() || options.kpp.empty()) {
+        UseWindowsIfAny();
+        ShowMessage(u"tav start",
+                    u"Не указан налогоплательщик: нужны --inn и --kpp или параметр NameINNKPP.");
+        return;
+    }
     Date date = OpenClass::kNoDateLimit;
     if (!options.date.empty()) {
         const auto given = ParseDate(FromUtf8(options.date));
@@ -55,8 +71,9 @@ void AddWindowCommands(CLI::App& app, Context& context) {
         return command;
     };
 
-    CLI::App& start = add("start", "Главное окно");
-    AddTaxpayerOptions(start, options->inn, options->kpp, true);
+    CLI::App& start =
+        add("start", "Главное окно; без --inn и --kpp — налогоплательщика из параметра NameINNKPP");
+    AddTaxpayerOptions(start, options->inn, options->kpp, false);
     start.add_option("--date", options->date, "Рабочая дата, дд.мм.гггг")->type_name("ДАТА");
     start.add_flag("--import", options->import_at_once, "Сразу импортировать и закрыть окно");
     start.callback([options] { Start(*options); });

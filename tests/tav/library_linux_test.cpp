@@ -124,6 +124,7 @@ TEST_F(Outside, WithoutAScreenReportsAreWrittenAndWindowsAreAFailure) {
         EXPECT_THAT(view.err, HasSubstr("Ошибка в функции View_"));
     }
     EXPECT_EQ(Tav({"start", "--inn", "1", "--kpp", "2", "--date", "32.01.2011"}).status, 2);
+    EXPECT_THAT(Tav({"start"}).err, HasSubstr("NameINNKPP"));
 }
 
 TEST_F(Outside, ViewOpensTheStatementOfANumber) {
