@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 
+#include "common/concat.h"
 #include "common/guard.h"
 #include "common/windows1251.h"
 #include "convert/act_fields.h"
@@ -56,7 +57,10 @@ std::string Part(const Document& document) {
 }  // namespace
 
 Text ActSchemaPath() {
-    return ComponentFolder() + u"IU_AKTSVP_1_862_01_05_01_01.xsd";
+    constexpr TextView kName = u"IU_AKTSVP_1_862_01_05_01_01.xsd";
+    const Text beside = Concat(ComponentFolder(), kName);
+    if (FileExists(beside)) return beside;
+    return Concat(ComponentFolder(), u"../share/TAV_OperationImport/", kName);
 }
 
 Conversion ConvertAct(std::string_view document, TextView file_name, TextView schema_path) {

@@ -27,7 +27,8 @@
 
 namespace tav {
 
-// The schema file's full path: its fixed name, beside the component.
+// The schema file's full path: its fixed name, beside the component, else in share/TAV_OperationImport of where it is
+// installed.
 Text ActSchemaPath();
 
 // Reads `folder` + `file_name`. A document that the schema rejects has no entry, in silence; neither has
