@@ -47,13 +47,17 @@ std::string_view TakePosition(std::string_view& text) {
 
 std::string ReplaceCellPositions(std::string_view text) {
     std::string out;
-    out.reserve(text.size() + text.size() / 8);
+    AppendWithTags(out, text);
+    return out;
+}
+
+void AppendWithTags(std::string& out, std::string_view text) {
     for (std::size_t at; (at = text.find(kFrame)) != text.npos;) {
         out.append(text.substr(0, at));
         text.remove_prefix(at + kFrame.size());
         out.append(TakePosition(text));
     }
-    return out.append(text);
+    out.append(text);
 }
 
 }  // namespace tav

@@ -23,5 +23,7 @@ extern const CellPosition kCellPositions[26];
 // What those replacements make of the text, in one pass. No position's digits begin with another's, and no
 // tag can become part of a "posx", so each "posx" is decided by the digits that follow it alone.
 std::string ReplaceCellPositions(std::string_view text);
+// The same, appended to `out`.
+void AppendWithTags(std::string& out, std::string_view text);
 
 }  // namespace tav

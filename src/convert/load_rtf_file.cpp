@@ -1,9 +1,9 @@
 #include "convert/load_rtf_file.h"
 
 #include <algorithm>
-#include <optional>
+#include <exception>
+#include <string>
 #include <string_view>
-#include <utility>
 
 #include "common/get_next.h"
 #include "common/guard.h"
@@ -38,42 +38,49 @@ class FileProgress {
     std::size_t steps_ = 0;
 };
 
-// First pass: the plain text of all pages, each followed by its mark. No value when the user cancelled.
-std::optional<std::string> PlainText(PageReader& reader, FileProgress& progress, Conversion& conversion) {
-    std::string text;
-    for (std::size_t page = 1; reader.More(); ++page) {
-        if (!FileProgress::GoOn()) return std::nullopt;
-        text.append(reader.Next()).append(kLineEnd).append(kPageMark);
-        if (reader.dropped_text()) conversion.dropped_pages.push_back(page);
-        progress.Step();
-    }
-    conversion.cut_off = reader.inside_group();
-    return text;
-}
-
-// Second pass: the catalogue parts of the lines. No value when the user cancelled.
-std::optional<std::string> Parts(std::string_view text, FileProgress& progress) {
-    StatementLines lines;
+// The catalogue parts of lines of plain text, added to `lines`. False when the user cancelled.
+bool ReadLines(std::string_view text, FileProgress& progress, StatementLines& lines) {
     while (!text.empty()) {
         const std::string_view line = GetNext(text, kLineEnd);
         if (StatementLines::KindOf(line) == StatementLines::LineKind::PageMark) {
-            if (!FileProgress::GoOn()) return std::nullopt;
+            if (!FileProgress::GoOn()) return false;
             progress.Step();
         } else {
             lines.Add(line);
         }
     }
-    return lines.TakeOutput();
+    return true;
 }
 
-std::optional<std::string> Convert(std::string bytes, Conversion& conversion) {
-    std::optional<PageReader> reader(std::in_place, std::move(bytes));
-    FileProgress progress(reader->pages());
-    std::optional<std::string> text = PlainText(*reader, progress, conversion);
-    reader.reset();  // the document itself is needed no more, and may be large
-    if (!text) return std::nullopt;
-    text = ReplaceCellPositions(*text);
-    return Parts(*text, progress);
+// Page by page: its plain text, then the catalogue parts of its lines. A page's mark stands before the first line
+// of the next one and hides it. A line that does not fit ends the reading of lines; what the other pages hide is
+// still found. False when the user cancelled.
+bool ReadPages(PageReader& reader, StatementLines& lines, Conversion& conversion) {
+    FileProgress progress(reader.pages());
+    std::exception_ptr failure;
+    std::string text;
+    const auto read_lines = [&] {
+        if (failure) return true;
+        try {
+            return ReadLines(text, progress, lines);
+        } catch (...) {
+            failure = std::current_exception();
+            return true;
+        }
+    };
+    for (std::size_t page = 1; reader.More(); ++page) {
+        if (!FileProgress::GoOn()) return false;
+        AppendWithTags(text, reader.Next());
+        text.append(kLineEnd);
+        if (reader.dropped_text()) conversion.dropped_pages.push_back(page);
+        progress.Step();
+        if (!read_lines()) return false;
+        text = kPageMark;
+    }
+    conversion.cut_off = reader.inside_group();
+    if (!read_lines()) return false;
+    if (failure) std::rethrow_exception(failure);
+    return true;
 }
 
 }  // namespace
@@ -81,19 +88,16 @@ std::optional<std::string> Convert(std::string bytes, Conversion& conversion) {
 Conversion LoadRtfFile(TextView folder, TextView file_name) {
     Conversion conversion;
     Guarded(u"Ошибка в функции LoadRtfFile", [&] {
-        std::string bytes = ReadDocument(Text(folder).append(file_name), conversion);
-        std::optional<std::string> parts;
+        PageReader reader(ReadDocument(Text(folder).append(file_name), conversion));
+        StatementLines lines("<file>\r\n\t<name>" + ToWindows1251(file_name) + "</name>\r\n");
         try {
-            parts = Convert(std::move(bytes), conversion);
+            if (!ReadPages(reader, lines, conversion)) return;
         } catch (...) {
             const Failure failure = CurrentFailure();
             conversion.reason = u"Документ не разобран: " + failure.description();
             throw failure.In(file_name);
         }
-        if (!parts) return;
-        std::string& entry = conversion.entry;
-        entry.append("<file>\r\n\t<name>").append(ToWindows1251(file_name)).append("</name>\r\n");
-        entry.append(*parts).append("</file>\r\n");
+        conversion.entry = lines.TakeOutput() + "</file>\r\n";
     });
     return conversion;
 }

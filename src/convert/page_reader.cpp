@@ -24,28 +24,28 @@ std::size_t FindByLetter(std::string_view text, std::string_view word, char lett
     return text.npos;
 }
 
-std::size_t FindPage(std::string_view text, std::size_t from) {
-    return FindByLetter(text, kPage, 'g', from);
-}
-
 }  // namespace
 
 PageReader::PageReader(std::string document) : document_(std::move(document)), rest_(document_) {
-    for (std::size_t at = 0; (at = FindByLetter(rest_, kFrame, 'x', at)) != rest_.npos; at += kFrame.size()) {
-        document_[at] = ' ';
+    for (std::size_t at = 0; (at = FindByLetter(rest_, kPage, 'g', at)) != rest_.npos; at += kPage.size()) {
+        page_ends_.push_back(at);
     }
-    for (std::size_t at = 0; (at = FindPage(rest_, at)) != rest_.npos; at += kPage.size()) ++pages_;
 }
 
 std::string_view PageReader::Next() {
-    const bool begins_behind_brace = rest_.substr(0, kBraceSearch).find('}') != rest_.npos;
-    const std::size_t end = FindPage(rest_, 0);
+    const bool begins_after_brace = rest_.substr(0, kBraceSearch).find('}') != rest_.npos;
+    const bool last = next_page_ == page_ends_.size();
+    const std::size_t size =
+        last ? rest_.size() : page_ends_[next_page_++] - (document_.size() - rest_.size());
     page_.assign(kPageStart);
-    if (begins_behind_brace) page_ += '{';
-    page_.append(rest_.substr(0, end)).append(kPageEnd);
-    rest_.remove_prefix(end == rest_.npos ? rest_.size() : end + kPage.size());
+    if (begins_after_brace) page_ += '{';
+    std::size_t at = page_.size();
+    page_.append(rest_.substr(0, size));
+    for (; (at = FindByLetter(page_, kFrame, 'x', at)) != page_.npos; at += kFrame.size()) page_[at] = ' ';
+    page_.append(kPageEnd);
+    rest_.remove_prefix(last ? size : size + kPage.size());
     const std::string_view text = converter_.Read(page_);
-    open_groups_ += converter_.open_groups() + kGroupsClosedAround - (begins_behind_brace ? 1 : 0);
+    open_groups_ += converter_.open_groups() + kGroupsClosedAround - (begins_after_brace ? 1 : 0);
     return text;
 }
 

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "convert/rich_text.h"
 
@@ -22,7 +23,7 @@ class PageReader {
     PageReader& operator=(const PageReader&) = delete;
 
     // The number of "\page" and one.
-    std::size_t pages() const { return pages_; }
+    std::size_t pages() const { return page_ends_.size() + 1; }
     // Whether text remains.
     bool More() const { return !rest_.empty(); }
     // The next page's text, Windows-1251 with CR LF; valid until the next call.
@@ -37,7 +38,8 @@ class PageReader {
  private:
     std::string document_;
     std::string_view rest_;
-    std::size_t pages_ = 1;
+    std::vector<std::size_t> page_ends_;  // where each "\page" begins
+    std::size_t next_page_ = 0;
     std::string page_;
     RichText converter_;
     std::ptrdiff_t open_groups_ = 0;

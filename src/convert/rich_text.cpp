@@ -67,7 +67,7 @@ void RichText::Begin(std::string_view document) {
     at_ = document.data();
     end_ = at_ + document.size();
     if (capacity_ < document.size() + 1) {
-        capacity_ = document.size() + 1;
+        capacity_ = 2 * document.size() + 1;
         buffer_ = std::make_unique_for_overwrite<char[]>(capacity_);
     }
     out_ = paragraph_ = buffer_.get();
@@ -178,9 +178,8 @@ void RichText::ReadSymbol() {
 
 // The word at its backslash, with its number and the space that ends it.
 RichText::Word RichText::ReadWord() {
-    const char* const name = ++at_;
-    while (at_ != end_ && IsLetter(*at_)) ++at_;
-    Word word{&FindRtfWord({name, static_cast<std::size_t>(at_ - name)}), 0, false};
+    ++at_;
+    Word word{&TakeRtfWord(at_, end_), 0, false};
 
     const bool negative = end_ - at_ >= 2 && at_[0] == '-' && IsDigit(at_[1]);
     if (negative) ++at_;

@@ -34,7 +34,7 @@ struct RtfWord {
     char character = 0;  // Windows-1251
 };
 
-// The word of that name, of one letter at least; one with the action None when there is none.
-const RtfWord& FindRtfWord(std::string_view name);
+// The word whose letters begin at `at`, which moves past them; one with the action None when there is none.
+const RtfWord& TakeRtfWord(const char*& at, const char* end);
 
 }  // namespace tav

@@ -18,6 +18,9 @@ namespace tav {
 
 class StatementLines {
  public:
+    // What is written follows `before`.
+    explicit StatementLines(std::string before = {}) : output_(std::move(before)) {}
+
     enum class LineKind {
         Trailer,
         PageMark,
