@@ -1,26 +1,16 @@
-#include <gmock/gmock.h>
-
 #include <functional>
 
 #include "common/failure.h"
-#include "common/get_next.h"
 #include "common/progress.h"
 #include "common/regional.h"
-#include "common/windows1251.h"
-#include "db/connection.h"
-#include "db/empty_database.h"
-#include "platform/environment.h"
-#include "platform/files.h"
 #include "reports/act_amounts.h"
-#include "reports/cells.h"
 #include "reports/get_files.h"
 #include "reports/get_files_act.h"
 #include "reports/get_vipis.h"
 #include "reports/page_names.h"
+#include "reports/report_database.h"
 #include "reports/summary_documents.h"
 #include "settings/session.h"
-#include "settings/settings.h"
-#include "support/support.h"
 
 namespace tav {
 namespace {
@@ -33,74 +23,11 @@ constexpr TextView kKpp = u"770101001";
 constexpr TextView kCode = u"18210101011011000110";
 constexpr TextView kFirstCode = u"00000000000000000000";
 
-class Summaries : public testing::Test {
+class Summaries : public test::ReportDatabase {
  protected:
-    Summaries() {
-        SetClock([] { return LocalTime{{2011, 5, 9}, {14, 30, 7}}; });
-        GetHS(u"td", {u"#al", u"#b0", u"#u0"});
-        CreateDatabase(database_);
-        Connection connection;
-        connection.Open(ConnectionString(database_));
-        // id, KPP, h6, code, tax, OKATO, begin, end, vid. Statement 4 is superseded, 5 differs from 1 in h6
-        // only.
-        for (const TextView header :
-             {u"1,'770101001','1','18210101011011000110','Налог на \"прибыль\"_ФБ','45286552000',"
-              u"'01.01.2011','31.03.2011',1",
-              u"2,'770101001','1','18210301000011000110','НДС','45286552000','01.01.2010','31.12.2010',2",
-              u"3,'770201001','1','18210101011011000110','Налог на прибыль','46000000000','01.01.2011',"
-              u"'30.06.2011',3",
-              u"4,'770101001','1','18210101011011000110','НДС','45286552000','01.01.2009','31.12.2009',Null",
-              u"5,'770101001','2','18210101011011000110','Налог на \"прибыль\"_ФБ','45286552000',"
-              u"'01.01.2011','31.03.2011',4",
-              u"6,'770101001',Null,'18210101011011000110','Транспортный & <иной>','45286552000','01.01.2011',"
-              u"'30.06.2011',Null",
-              u"7,'770101001',Null,'18210301000011000110','НДС','45286552000','01.01.2011','31.03.2011',Null",
-              u"8,'770201001',Null,'18210101011011000110','Налог','46000000000','01.01.2010','31.12.2010',"
-              u"Null",
-              u"9,'770101001',Null,'18210301000011000110','НДС','45286552000','01.01.2008','31.12.2008',"
-              u"Null"}) {
-            connection.Execute(
-                Text(u"insert into tav_operations_header (id,h2,h6,h7,h8,h10,perb,pere,vid,h1,h3)"
-                     u" values (")
-                    .append(header)
-                    .append(u",'7701234567','ООО \"Ромашка\"')"));
-        }
-        for (const TextView statement :
-             {u"(id,p3,p9,p13) values (1,'Сальдо на 01.01.2011','налог','-1000,5')",
-              u"(id,p3,p9,p13) values (1,'Сальдо на 01.01.2011','пеня','20')",
-              u"(id,p1,p3,p9,p10,p14) values (1,'15.01.2011','Начислено','налог','1234567,8','-1235548,3')",
-              u"(id,p1,p3,p9,p11,p14) values (1,'02.02.2011','Уплата','налог','2000000','764451,7')",
-              u"(id,p1,p3,p9,p11,p14) values (3,'02.02.2011','Уплата','штраф','7','7')"}) {
-            connection.Execute(Text(u"insert into tav_operations ").append(statement));
-        }
-        // Every summed field of act 6 is another power or multiple; 7 has debt against debt, 8 negatives; 9
-        // is all Null.
-        for (const TextView act :
-             {u"(id,p11,p112,p113,p114,p115,p121,p125,p211,p215,p221,p225,p231,p233,p24,p244,p251,p255,p26,"
-              u"p27,"
-              u"p281,p284,p291,p295,p31,p32,p312,p314,p321,p325,p1111,p41) values (6,'0,1','0,2','1000',"
-              u"'20000','300000','5','6','11,11','0,89','22','1','33','1','44','1','55','1','66','77','88','"
-              u"1',"
-              u"'99','1','1000000','0,5','0,25','0,25','1000001','0,01','9999999','9999999')",
-              u"(id,p11,p121,p211,p31,p321) values (7,'100','100','0,004','200','200')",
-              u"(id,p121,p211,p26,p31,p321) values (8,'-3','-1234567,895','0','-5','-7')",
-              u"(id) values (9)"}) {
-            connection.Execute(Text(u"insert into tav_acts ").append(act));
-        }
-        connection.Close();
-    }
-    ~Summaries() override { SetClock(nullptr); }
+    Summaries() : ReportDatabase("summaries.sql") {}
 
-    void ExpectReport(const Text& path, const std::string& golden) const {
-        EXPECT_TRUE(shown_.messages.empty());
-        test::ExpectGolden("reports/golden/" + golden, ToUtf8(FromWindows1251(ReadFile(path))));
-    }
-
-    const test::OwnSettings settings_;
-    const test::TempFolder folder_;
-    const Text database_ = folder_ / u"PlX_Base.mdb";
     const Text out_ = folder_ / u"out/";
-    test::MessageList shown_;
 };
 
 TEST_F(Summaries, OfStatementsIsTheGoldenOne) {
@@ -122,7 +49,7 @@ TEST_F(Summaries, OfStatementsIsTheGoldenOne) {
 
 TEST_F(Summaries, OfStatementsConsolidated) {
     EXPECT_EQ(GetFiles(database_, kInn, kFirstCode, out_), out_ + u"index.doc");
-    ExpectReport(out_ + u"index.doc", "statements_consolidated.html");
+    ExpectReport(out_ + u"index.doc", "statements_consolidated.txt", "statements.html");
     EXPECT_EQ(ReadFile(GetFiles(database_, kInn, kCode, folder_ / u"other")).size(),
               ReadFile(out_ + u"index.doc").size());
 }
@@ -135,7 +62,7 @@ TEST_F(Summaries, OfActsIsTheGoldenOne) {
 }
 
 TEST_F(Summaries, OfActsConsolidated) {
-    ExpectReport(GetFilesAct(database_, kInn, kFirstCode, out_), "acts_consolidated.html");
+    ExpectReport(GetFilesAct(database_, kInn, kFirstCode, out_), "acts_consolidated.txt", "acts.html");
 }
 
 TEST_F(Summaries, LinkToTheFilesThatWereWritten) {

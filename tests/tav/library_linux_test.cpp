@@ -1,32 +1,21 @@
 // The component as other programs have it: the installed library under a host in C, and the operations of the
 // command line that show windows.
 
-#include <gmock/gmock.h>
-
 #include <algorithm>
 #include <csignal>
 #include <fstream>
 #include <set>
 
 #include "common/windows1251.h"
-#include "platform/files.h"
-#include "samples/generator.h"
-#include "support/process.h"
-#include "support/support.h"
+#include "tav/cli_fixture.h"
 
 namespace tav {
 namespace {
 
-using test::Outcome;
 using testing::AllOf;
 using testing::Contains;
-using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
-
-const std::string kInn = ToUtf8(samples::SampleTaxpayer().inn);
-const std::string kKpp = ToUtf8(samples::SampleTaxpayer().kpp);
 
 Outcome RunAny(const std::string& program, const std::vector<std::string>& arguments,
                const std::function<void()>& in_child = {}) {
@@ -38,7 +27,7 @@ void WithoutScreen() {
     for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) ::unsetenv(name);
 }
 
-class Outside : public testing::Test {
+class Outside : public Cli {
  protected:
     Outside() {
         samples::SampleFolder(folder_ / u"in");
@@ -47,17 +36,13 @@ class Outside : public testing::Test {
         EXPECT_EQ(Tav({"settings", "set", "ExportPath", Path(u"reports")}).status, 0);
         EXPECT_EQ(Tav({"db", "create"}).status, 0);
     }
-    std::string Path(TextView name) const { return ToUtf8(folder_ / name); }
-    static Outcome Tav(const std::vector<std::string>& arguments,
-                       const std::function<void()>& in_child = WithoutScreen) {
-        return test::RunProgram("tav", arguments, in_child);
+    Outcome Tav(const std::vector<std::string>& arguments,
+                const std::function<void()>& in_child = WithoutScreen) const {
+        return Cli::Tav(arguments, in_child);
     }
-    static Outcome Ask(const std::string& operation, const std::function<void()>& in_child = WithoutScreen) {
+    Outcome Ask(const std::string& operation, const std::function<void()>& in_child = WithoutScreen) const {
         return Tav({operation, "--inn", kInn, "--kpp", kKpp}, in_child);
     }
-
-    const test::OwnSettings settings_;
-    const test::TempFolder folder_;
 };
 
 TEST_F(Outside, AHostInCBuildsAgainstTheInstalledLibraryAndImports) {
