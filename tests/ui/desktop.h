@@ -71,8 +71,8 @@ class Desktop : public testing::Test {
         options.name = u"акт.rtf";
         samples::WriteDocument(folder_ / u"in", samples::MakeActRtf(options));
     }
-    void Import() {
-        host_.import(kInn, kKpp);
+    void Import(TextView kpp = kKpp) {
+        host_.import(kInn, kpp);
         ASSERT_TRUE(WaitGone("frmShortImport"));
     }
     static Spot Main(const std::string& control) { return {"frmmain", control}; }

@@ -1,19 +1,13 @@
 #include "db/connection.h"
-#include "platform/locked_file.h"
-#include "samples/generator.h"
-#include "ui/desktop.h"
+#include "ui/session.h"
 
 namespace tav {
 namespace {
 
 using namespace test;
 using testing::AllOf;
-using testing::Contains;
 using testing::ElementsAre;
-using testing::EndsWith;
 using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
 using testing::SizeIs;
 using testing::StartsWith;
 
@@ -26,39 +20,6 @@ class Windows : public Desktop {
         ASSERT_TRUE(WaitCounts("lblInfoFile", "загрузке: 300"));
     }
 };
-
-TEST_F(Windows, ImportsFromTheMainWindow) {
-    WriteStatements(8);
-    WriteAct();
-    folder_.Write(u"in/чужой.rtf", "{\\rtf1 nothing}");
-    WriteSetting(u"NameINNKPP", u"ООО <b>Ромашка</b>|7701234567|770101001|лишнее");
-    Start();
-    ASSERT_TRUE(WaitCounts("lblInfoFile", "Подлежат загрузке: 10"));
-    EXPECT_EQ(TextOf(Main("lblInfoName")), "ООО <b>Ромашка</b>");
-    EXPECT_EQ(TextOf(Main("Label5")), "ИНН: 7701234567     КПП: 770101001");
-    EXPECT_FALSE(IsEnabled(Main("Command3")));
-    const auto listed = RowsOf(Main("lstFile"));
-    ASSERT_THAT(listed, SizeIs(10));
-    EXPECT_EQ(listed[0],
-              "18210101011011000110   45280000000   01.01.2009 - 28.03.2009   v0000.rtf   ещё не загружен");
-    EXPECT_THAT(listed, Contains("чужой.rtf   не распознан"));
-
-    Click(Main("Command1"));
-    ASSERT_TRUE(WaitCounts("lblInfoBase", "Выписок в базе данных: 6\r\nАктов в базе данных: 1"));
-    ASSERT_TRUE(WaitCounts("lblInfoFile", "Подлежат загрузке: 1"));
-    const auto held = RowsOf(Main("lstBase"));
-    ASSERT_THAT(held, SizeIs(9));
-    EXPECT_THAT(held[0], AllOf(StartsWith("18210101011011000110   45280000000   200901 - 200903 "),
-                               EndsWith(" Выписка")));
-    EXPECT_TRUE(IsEnabled(Main("Command3")));
-    EXPECT_TRUE(IsEnabled(Main("Command6")));
-    EXPECT_THAT(RowsOf(Main("lstFile")), AllOf(Contains(EndsWith("v0000.rtf   заменена")),
-                                               Contains(EndsWith("v0001.rtf   загружен"))));
-    EXPECT_THAT(TextOf(Main("txtAbout")),
-                AllOf(HasSubstr("Загружено документов: 9."),
-                      HasSubstr("Загружено: 7; Заменено другими выписками: 2; Не распознано: 1")));
-    EXPECT_THAT(Shown(), IsEmpty());
-}
 
 // By the button, and by closing the main window, which stays.
 TEST_F(Windows, CancelInTheMiddleOfAnImportLosesNothing) {
@@ -108,72 +69,6 @@ TEST_F(Windows, AnImportSurvivesAnotherTaxpayer) {
     EXPECT_TRUE(WaitCounts("lblInfoBase", "Выписок в базе данных: 225"));
 }
 
-// The lists follow what happens behind the window's back: an import of the host, a database that was busy.
-TEST_F(Windows, CatchesUp) {
-    Start();
-    ASSERT_TRUE(WaitCounts("lblInfoFile", "Файлов в папке: 0"));
-    WriteStatements(2);
-    Import();
-    ASSERT_TRUE(WaitCounts("lblInfoBase", "Выписок в базе данных: 1"));
-    EXPECT_THAT(RowsOf(Main("lstBase")), SizeIs(2));
-    {
-        const LockedFile other(folder_ / u"PlX_Base.mdb", LockedFile::Access::Write);
-        Click(Main("chkKons"));
-        EXPECT_TRUE(Wait([] { return TextOf(Main("txtAbout")).find("занята") != std::string::npos; }));
-        EXPECT_THAT(RowsOf(Main("lstBase")), SizeIs(2));
-        EXPECT_THAT(TextOf(Main("lblInfoBase")), StartsWith("Выписок в базе данных: 1"));
-        EXPECT_FALSE(IsEnabled(Main("Command3")));
-    }
-    EXPECT_TRUE(Wait([] { return IsEnabled(Main("Command3")); }));
-    EXPECT_THAT(TextOf(Main("txtAbout")), Not(HasSubstr("занята")));
-    EXPECT_THAT(Shown(), IsEmpty());
-}
-
-TEST_F(Windows, ClearsAfterAsking) {
-    WriteStatements(2);
-    Import();
-    Start();
-    for (const auto& [button, left] : {std::pair{"Command3", 2}, {"Command1", 0}}) {
-        ASSERT_TRUE(Wait([] { return IsEnabled(Main("Command2")); }));
-        WhenShown("frmDialog", [name = button] { Click({"frmDialog", name}); });
-        Click(Main("Command2"));
-        EXPECT_FALSE(OnScreen("frmDialog"));
-        EXPECT_TRUE(WaitCounts("lblInfoBase", "Выписок в базе данных: " + std::to_string(left / 2)));
-        EXPECT_THAT(RowsOf(Main("lstBase")), SizeIs(left));
-    }
-    EXPECT_TRUE(Wait([] { return !IsEnabled(Main("Command2")); }));
-}
-
-TEST_F(Windows, NarrowsASummaryToAPeriodAndACode) {
-    WriteStatements(16);
-    Import();
-    host_.view_v(kInn, kKpp);
-    ASSERT_TRUE(WaitActive("frmFilter"));
-    EXPECT_THAT(NodesOf({"frmFilter", "TreeView1"}), Contains(StartsWith(" 20")).Times(2));
-    EXPECT_THAT(RowsOf({"frmFilter", "cmbKBK"}), SizeIs(3));
-    ChooseNode({"frmFilter", "TreeView1"}, u"2 полугодие");
-    Focus({"frmFilter", "cmbKBK"});
-    Press(Key::Down);
-    Press(Key::Down);  // the period stays
-    Click({"frmFilter", "Command1"});
-    const std::string opened = Opened("index");
-    EXPECT_THAT(opened, HasSubstr(ToUtf8(folder_ / u"reports/index")));
-    const std::string page = ReadFile(FromUtf8(opened.substr(0, opened.find('\n'))));
-    const auto times = [&](TextView text) {
-        const std::string bytes = Bytes(text);
-        int count = 0;
-        for (std::size_t at = 0; (at = page.find(bytes, at)) != std::string::npos; ++at) ++count;
-        return count;
-    };
-    EXPECT_EQ(times(u"<a href="), 2);
-    EXPECT_EQ(times(samples::Taxes()[1].kbk), 2);
-    EXPECT_EQ(times(u"01.07.2009-"), 1);
-    Click({"frmFilter", "Check1"});
-    EXPECT_TRUE(SettingTruth(u"ChkFilter"));
-    Press(Key::Escape);
-    EXPECT_FALSE(OnScreen("frmFilter"));
-}
-
 // The box, the tree and the report are of the same code, whatever becomes of the database meanwhile.
 TEST_F(Windows, KeepsToTheCodeWhosePeriodsItShows) {
     WriteStatements(5);
@@ -214,31 +109,6 @@ TEST_F(Windows, KeepsToTheCodeWhosePeriodsItShows) {
     Focus(codes);
     Press(Key::Down);
     EXPECT_EQ(shown(), second);
-}
-
-TEST_F(Windows, SaysWhenThereIsNothing) {
-    host_.view_a(kInn, kKpp);
-    EXPECT_FALSE(OnScreen("frmFilter"));
-    EXPECT_THAT(Shown(),
-                ElementsAre("Сводная справка: В базе данных для выбранного налогоплательщика отсутствует "
-                            "информация по импортированным актам сверки.\r\nСводная справка не может "
-                            "быть сформирована."));
-}
-
-TEST_F(Windows, KeepsTheSettings) {
-    WriteSetting(u"ChkOut", u"0");
-    Start();
-    EXPECT_FALSE(IsEnabled(Main("txtOut")));
-    Click(Main("chkImportPath"));
-    EXPECT_TRUE(IsEnabled(Main("txtOut")));
-    Type(Main("txtOut"), u"/куда");
-    Type(Main("txtExport"), u"C:\\отчёты");
-    Click(Main("Command5"));
-    EXPECT_FALSE(OnScreen("frmmain"));
-    EXPECT_EQ(SettingText(u"ExportPath"), u"C:\\отчёты");
-    EXPECT_EQ(SettingText(u"OutPath"), u"/куда");
-    EXPECT_TRUE(SettingTruth(u"ChkOut"));
-    EXPECT_EQ(SettingText(u"ImportPath"), folder_ / u"in");
 }
 
 TEST_F(Windows, ASettingOfAnotherKindStaysAsItIsAndTheOthersAreKept) {
@@ -294,59 +164,16 @@ TEST_F(Windows, LivesOnWhenTheFolderVanishes) {
     EXPECT_THAT(Shown(), ElementsAre(HasSubstr("Path not found")));
 }
 
-// Bad surroundings: no dead window, one clear message, not one per keystroke.
-TEST_F(Windows, LivesWithoutFolderAndDatabase) {
-    WriteSetting(u"ImportPath", folder_ / u"gone");
-    DeleteFile(folder_ / u"PlX_Base.mdb");
-    Start();
-    ASSERT_TRUE(WaitCounts("lblInfoFile", "Файлов в папке: 0 (папка не найдена)"));
-    Type(Main("txtImport"), u"abc");
-    WaitFor(300);
-    EXPECT_THAT(Shown(),
-                ElementsAre(AllOf(StartsWith("Ошибка в функции SetFiles: "), HasSubstr("PlX_Base.mdb"))));
-    for (const char* list : {"lstFile", "lstBase"}) DoubleClickRow(Main(list), -1);
-    for (const char* button : {"Command1", "Command2", "Command3", "Command6"}) {
-        EXPECT_FALSE(IsEnabled(Main(button))) << button;
-    }
-    CreateDatabase(folder_ / u"PlX_Base.mdb");
-    WriteStatements(1);
-    Type(Main("txtImport"), folder_ / u"in");
-    EXPECT_TRUE(WaitCounts("lblInfoFile", "Подлежат загрузке: 1"));
-    EXPECT_THAT(Shown(), SizeIs(1));
+class Sessions : public Session, public testing::WithParamInterface<const char*> {};
+
+TEST_P(Sessions, GoAsTheyAreWritten) {
+    Play(GetParam());
 }
 
-TEST_F(Windows, OpensWhatIsDoubleClicked) {
-    WriteStatements(1);
-    Import();
-    folder_.Write(u"in/Налог_18210101011011000110_45280000000_200901-200903.doc", "x");
-    folder_.Write(u"reports/Налог_18210101011011000110_45280000000_200901-200903.doc", "x");
-    Start();
-    ASSERT_TRUE(WaitCounts("lblInfoFile", "Файлов в папке: 1"));
-    for (const auto& [list, end] :
-         {std::pair{"lstFile", u"in/v0000.rtf"},
-          {"lstBase", u"reports/Налог_18210101011011000110_45280000000_200901-200903.doc"}}) {
-        DoubleClickRow(Main(list), 0);
-        EXPECT_THAT(Opened(ToUtf8(folder_ / end)), EndsWith(ToUtf8(folder_ / end) + "\n"));
-    }
-}
-
-TEST_F(Windows, ShowsAllSubdivisions) {
-    WriteStatements(1);
-    samples::StatementOptions division;
-    division.name = u"division.rtf";
-    division.taxpayer = samples::DivisionTaxpayer();
-    samples::WriteDocument(folder_ / u"in", samples::MakeStatement(division));
-    host_.import(kInn, kAllSubdivisions);
-    Start();
-    EXPECT_THAT(RowsOf(Main("lstBase")), SizeIs(1));
-    Click(Main("chkKons"));
-    EXPECT_THAT(RowsOf(Main("lstBase")), SizeIs(2));
-    EXPECT_EQ(TextOf(Main("Label5")), "ИНН: 7701234567");
-    ASSERT_TRUE(Wait([] { return IsEnabled(Main("Command3")); }));
-    Click(Main("Command3"));
-    ASSERT_TRUE(WaitShown("frmFilter"));
-    EXPECT_THAT(Shown(), IsEmpty());
-}
+INSTANTIATE_TEST_SUITE_P(Desktop, Sessions,
+                         testing::Values("session", "import", "catches_up", "summary", "nothing", "settings",
+                                         "surroundings", "double_click", "subdivisions"),
+                         [](const auto& session) { return session.param; });
 
 }  // namespace
 }  // namespace tav
