@@ -16,6 +16,7 @@
 #include "jet/jet_samples.h"
 #include "jet/table/column_conversion.h"
 #include "sql/sql_collation.h"
+#include "support/failure_of.h"
 #include "support/support.h"
 
 namespace tav::jet {
@@ -153,6 +154,27 @@ TEST(Executor, ColumnsThatAnInsertDoesNotNameGetTheirDefaults) {
     EXPECT_EQ(rows.Field(0), Value(std::int64_t{0}));
     rows.MoveNext();
     EXPECT_TRUE(IsNull(rows.Field(0)));
+}
+
+// In a table of the same origin whose names may not be empty. Then another property becomes a rule: its
+// value, the number 109, is an "m".
+TEST(Executor, RulesOfATableAreKeptOrItIsRefused) {
+    TAV_NEEDS_SAMPLES();
+    const test::TempFolder folder;
+    std::string bytes = ReadFile(test::SamplePath("MultiRead.mdb"));
+    const auto said = [&] {
+        Executor executor(folder.Write(u"rules.mdb", bytes), Database::Access::Write);
+        return test::FailureOf(
+            [&] { executor.Execute(SqlText(u"insert into Products (ProductName) values ('')")); });
+    };
+    EXPECT_EQ(said(), "The field 'Products.ProductName' cannot be a zero-length string.");
+    const std::string property("D\0i\0s\0p\0l\0a\0y\0C\0o\0n\0t\0r\0o\0l\0", 28);
+    const std::string rule("V\0a\0l\0i\0d\0a\0t\0i\0o\0n\0R\0u\0l\0e\0", 28);
+    for (std::size_t at = 0; (at = bytes.find(property, at)) != bytes.npos;) bytes.replace(at, 28, rule);
+    EXPECT_EQ(
+        said(),
+        "Cannot update table 'Products': the validation rule 'm' of column 'ProductName' is not enforced "
+        "here.");
 }
 
 }  // namespace

@@ -40,9 +40,11 @@ struct Column {
     std::uint8_t sort_version = 0;
     std::uint8_t flags = 0;
     std::uint8_t extended_flags = 0;
-    bool required = false;  // takes no Null
-    Text
-        default_value;  // what an insert that does not name the column stores, as the table's designer wrote it
+    // What the table's designer has set; expressions are as they were written.
+    bool required = false;       // takes no Null
+    bool refuses_empty = false;  // takes no text without characters
+    Text default_value;          // what an insert that does not name the column stores
+    Text validation_rule;        // empty when there is none
 
     // Of a numeric column: decimal digits at most, and how many of them are decimals.
     int precision() const { return sort_order & 0xFF; }
@@ -100,6 +102,7 @@ struct TableDefinition {
     std::vector<RealIndex> indexes;
     std::vector<LogicalIndex> logical_indexes;
     std::vector<LongValueMaps> long_values;
+    Text validation_rule;  // of the rows; empty when there is none
     Pointer owned_map;
     Pointer free_map;
     std::uint16_t fixed_size = 0;  // bytes of the fixed area

@@ -18,17 +18,26 @@ Text ColumnsOf(const TableDefinition& table, const LogicalIndex& index) {
 }  // namespace
 
 Text WhyReadOnly(const TableDefinition& table) {
+    const auto because = [&](TextView why) {
+        return Concat(u"Cannot update table '", table.name, u"': ", why);
+    };
     for (const LogicalIndex& index : table.logical_indexes) {
         if (index.type == 2 || index.relationship != 0) {
-            return Concat(u"Cannot update table '", table.name, u"': it takes part in the relationship '",
-                          index.name, u"' by ", ColumnsOf(table, index), u", which is not enforced here.");
+            return because(Concat(u"it takes part in the relationship '", index.name, u"' by ",
+                                  ColumnsOf(table, index), u", which is not enforced here."));
         }
     }
     for (const RealIndex& index : table.indexes) {
-        const Text why = WhyNoKeys(table, index);
-        if (!why.empty()) return Concat(u"Cannot update table '", table.name, u"': ", why);
+        if (const Text why = WhyNoKeys(table, index); !why.empty()) return because(why);
     }
-    return {};
+    const auto rule = [&](TextView owner, TextView text) {
+        return because(Concat(u"the validation rule '", text, u"' of ", owner, u" is not enforced here."));
+    };
+    for (const Column& column : table.columns) {
+        if (!column.validation_rule.empty())
+            return rule(Concat(u"column '", column.name, u"'"), column.validation_rule);
+    }
+    return table.validation_rule.empty() ? Text() : rule(u"the table", table.validation_rule);
 }
 
 }  // namespace tav::jet

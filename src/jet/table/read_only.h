@@ -5,8 +5,8 @@
 
 namespace tav::jet {
 
-// The reason for which rows of this table cannot be changed safely (a relationship, a text index in an unknown
-// sort order, ...) with the names of table and column, or empty.
+// The reason for which rows of this table cannot be changed safely (a relationship, a text index in an
+// unknown sort order, a validation rule, ...) with the names of table and column, or empty.
 Text WhyReadOnly(const TableDefinition& table);
 
 }  // namespace tav::jet

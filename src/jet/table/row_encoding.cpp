@@ -212,13 +212,22 @@ class RowEncoder {
     std::size_t inline_limit_;
 };
 
-void RefuseNulls(const TableDefinition& table, std::span<const Value> values) {
+[[noreturn]] void RefuseValue(const TableDefinition& table, const Column& column, TextView why) {
+    throw Failure(Concat(u"The field '", table.name, u".", column.name, u"' ", why));
+}
+
+void RefuseMissing(const TableDefinition& table, std::span<const Value> values, const OldRow& old) {
     for (std::size_t i = 0; i < values.size(); ++i) {
         const Column& column = table.columns[i];
-        if (!column.required || column.type == ColumnType::Boolean || !IsNull(values[i])) continue;
-        throw Failure(Concat(u"The field '", table.name, u".", column.name,
-                             u"' cannot contain a Null value because the Required property for this field "
-                             u"is set to True. Enter a value in this field."));
+        if (column.required && column.type != ColumnType::Boolean && IsNull(values[i])) {
+            RefuseValue(table, column,
+                        u"cannot contain a Null value because the Required property for this field is set to "
+                        u"True. Enter a value in this field.");
+        }
+        const auto* text = column.refuses_empty ? std::get_if<Text>(&values[i]) : nullptr;
+        if (text != nullptr && text->empty() && !old.Keeps(i, values[i])) {
+            RefuseValue(table, column, u"cannot be a zero-length string.");
+        }
     }
 }
 
@@ -229,7 +238,7 @@ void EncodeRow(const TableDefinition& definition, std::span<const Value> values,
     if (values.size() != definition.columns.size()) {
         throw Failure(u"Number of query values and destination fields are not the same.");
     }
-    RefuseNulls(definition, values);
+    RefuseMissing(definition, values, old);
     // Many long values that would each go into the row may be too much for it together.
     for (const std::size_t inline_limit : {kLongestInlineValue, std::size_t{0}}) {
         RowEncoder(definition, values, old, out, inline_limit).Encode();

@@ -39,8 +39,8 @@ struct OldRow {
 };
 
 // Encodes values (in the order of definition.columns) into `out`. What a column cannot hold is a Failure with
-// the database engine's usual words: a Null in a required column, texts that are too long, numbers out of range,
-// kinds that were not converted, records that are too long.
+// the database engine's usual words: a Null in a required column, an empty text where none may be, texts that
+// are too long, numbers out of range, kinds that were not converted, records that are too long.
 void EncodeRow(const TableDefinition& definition, std::span<const Value> values, EncodedRow& out,
                const OldRow& old = {});
 

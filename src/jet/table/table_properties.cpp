@@ -9,6 +9,7 @@ namespace {
 
 constexpr std::string_view kMark{"MR2\0", 4};
 constexpr std::uint16_t kNames = 0x80;
+constexpr std::uint16_t kOfTable = 0;
 constexpr std::uint16_t kOfColumn = 1;
 
 // Takes fields off the front; what runs over the end gives zeros and empty pieces.
@@ -48,25 +49,47 @@ class Pieces {
     std::string_view bytes_;
 };
 
+Text TextOf(std::string_view data) {
+    return DecodeText(reinterpret_cast<const std::uint8_t*>(data.data()), data.size()).value_or(Text());
+}
+
 void TakeValue(Column& column, TextView property, std::string_view data) {
+    const bool set = !data.empty() && data[0] != '\0';
     if (property == u"Required") {
-        column.required = column.required || (!data.empty() && data[0] != '\0');
+        column.required = column.required || set;
+    } else if (property == u"AllowZeroLength") {
+        column.refuses_empty = !set;
     } else if (property == u"DefaultValue") {
-        const auto* bytes = reinterpret_cast<const std::uint8_t*>(data.data());
-        column.default_value = DecodeText(bytes, data.size()).value_or(Text());
+        column.default_value = TextOf(data);
+    } else if (property == u"ValidationRule") {
+        column.validation_rule = TextOf(data);
     }
 }
 
-void TakeColumn(Pieces chunk, const std::vector<Text>& names, TableDefinition& table) {
-    const Text name = chunk.Sized(4).Name();
-    const std::optional<std::size_t> column = table.FindColumn(name);
-    while (column && !chunk.AtEnd()) {
-        Pieces value = chunk.Sized(2);
+// Calls take(property, data) for the values of one part.
+template <class Take>
+void ForEachValue(Pieces& part, const std::vector<Text>& names, Take take) {
+    while (!part.AtEnd()) {
+        Pieces value = part.Sized(2);
         value.Take(2);
         const std::size_t property = value.Number(2);
         const std::string_view data = value.Take(value.Number(2));
-        if (property < names.size()) TakeValue(table.columns[*column], names[property], data);
+        if (property < names.size()) take(names[property], data);
     }
+}
+
+void TakePart(Pieces part, bool of_column, const std::vector<Text>& names, TableDefinition& table) {
+    const Text name = part.Sized(4).Name();
+    if (!of_column) {
+        return ForEachValue(part, names, [&](TextView property, std::string_view data) {
+            if (property == u"ValidationRule") table.validation_rule = TextOf(data);
+        });
+    }
+    const std::optional<std::size_t> column = table.FindColumn(name);
+    if (!column) return;
+    ForEachValue(part, names, [&](TextView property, std::string_view data) {
+        TakeValue(table.columns[*column], property, data);
+    });
 }
 
 }  // namespace
@@ -81,8 +104,8 @@ void TakeProperties(std::string_view properties, TableDefinition& table) {
         if (kind == kNames) {
             names.clear();
             while (!chunk.AtEnd()) names.push_back(chunk.Name());
-        } else if (kind == kOfColumn) {
-            TakeColumn(chunk, names, table);
+        } else if (kind == kOfTable || kind == kOfColumn) {
+            TakePart(chunk, kind == kOfColumn, names, table);
         }
     }
 }

@@ -6,8 +6,9 @@
 //                  column's name; then values: u16 size of the value, u8 0 or 1, u8 column type, u16 place
 //                  of the property's name, u16 size and bytes of the data
 //
-// Found in files of the database's own program, where two of them tell what an insert may store: "Required"
-// (a boolean: one byte, not zero) and "DefaultValue" (a memo: an expression).
+// Found in files of the database's own program, where these tell what an insert may store: "Required" and
+// "AllowZeroLength" (booleans: one byte, not zero), "DefaultValue" and "ValidationRule" (memos: expressions;
+// a table may have a rule too). A column that says nothing of empty texts takes them.
 #pragma once
 
 #include <string_view>
@@ -16,7 +17,7 @@
 
 namespace tav::jet {
 
-// Puts the columns' properties into the definition. What is not in this form has none.
+// Puts them into the definition. What is not in this form has none.
 void TakeProperties(std::string_view properties, TableDefinition& table);
 
 }  // namespace tav::jet
