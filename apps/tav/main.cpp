@@ -10,7 +10,7 @@
 #include "commands.h"
 #include "common/guard.h"
 #include "common/regional.h"
-#include "jet/file/page_file.h"
+#include "jet/file/locked_database.h"
 #include "platform/files.h"
 #include "platform/terminal.h"
 #include "settings/settings.h"
@@ -57,7 +57,7 @@ void AddDatabaseOptions(CLI::App& command, Context& context) {
             const auto number = ParseInteger(FromUtf8(seconds));
             if (!number || *number < 0 || *number > kLongestPatience)
                 throw WrongUsage("--wait: нужно целое число секунд от 0 до 86400, а не " + seconds);
-            jet::PageFile::SetPatience(std::chrono::seconds(*number));
+            jet::SetPatience(std::chrono::seconds(*number));
         });
 }
 

@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,6 +22,8 @@ namespace tav {
 // What separates the names of a path: "/" on Linux, "\" and "/" on Windows. The first is the one written.
 extern const TextView kPathSeparators;
 extern const char16_t kPathSeparator;
+// Whether a lock stops only those who ask for it.
+extern const bool kLocksAreAdvisory;
 
 // The folder with one separator at its end; empty text stays empty.
 Text WithSeparator(TextView folder);
@@ -87,10 +90,23 @@ void WriteFileWhole(TextView path, std::string_view bytes, std::chrono::nanoseco
 // and its removal, unless somebody still writes it.
 bool IsLeftover(TextView name);
 void RemoveLeftover(TextView path);
-// Writes a new file under its own name, with the rights of the file `like`;
-// it and its entry in the folder are on the disk when this returns. A file of
-// that name is deleted first. A failure leaves no file, a kill part of one.
-void WriteFileLike(TextView like, TextView path, std::string_view bytes);
+// A new file, written from its beginning to its end under its own name, with the rights of the file `like`. A
+// file that is there already is a Failure. Without Finish no file is left, but a kill leaves a part of it.
+class NewFile {
+ public:
+    NewFile(TextView like, TextView path);
+    ~NewFile();
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
+
+    void Write(std::string_view bytes);
+    // The file and its entry in the folder are on the disk when this returns.
+    void Finish();
+
+ private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
 void DeleteFile(TextView path);
 
 // Whether another program has the file locked, by either kind of lock; also when that cannot be seen.

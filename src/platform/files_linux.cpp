@@ -21,6 +21,7 @@ using posix::Refuse;
 
 const TextView kPathSeparators = u"/";
 const char16_t kPathSeparator = u'/';
+const bool kLocksAreAdvisory = true;
 
 namespace posix {
 
@@ -47,6 +48,12 @@ void Refuse(int error, TextView path) {
             throw Failure(RunTimeError::PathFileAccess,
                           Concat(path, u" (", FromUtf8(std::strerror(error)), u")"));
     }
+}
+
+bool IsRangeHeld(const Descriptor& file) {
+    struct flock range {};
+    range.l_type = F_WRLCK;
+    return ::fcntl(file.number(), F_OFD_GETLK, &range) == 0 && range.l_type != F_UNLCK;
 }
 
 void WriteAll(const Descriptor& file, std::string_view bytes, TextView path) {
@@ -329,21 +336,37 @@ void RemoveLeftover(TextView path) {
     if (file && ::flock(file.number(), LOCK_EX | LOCK_NB) == 0) ::unlink(native.c_str());
 }
 
-void WriteFileLike(TextView like, TextView path, std::string_view bytes) {
-    const std::string native = Native(path);
-    ::unlink(native.c_str());
-    const Descriptor file(::open(native.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-    if (!file) Refuse(errno, path);
-    try {
-        if (::fchmod(file.number(), ModeFor(like) & 0777) != 0) Refuse(errno, path);
-        posix::WriteAll(file, bytes, path);
-        if (::fsync(file.number()) != 0) Refuse(errno, path);
-        const Text folder = FolderOf(path);
-        if (const int error = SyncFolder(folder); error != 0) Refuse(error, folder);
-    } catch (const Failure&) {
-        ::unlink(native.c_str());
-        throw;
-    }
+struct NewFile::State {
+    Text path;
+    std::string native;
+    Descriptor file;
+    bool finished = false;
+};
+
+NewFile::NewFile(TextView like, TextView path) : state_(std::make_unique<State>()) {
+    state_->path = path;
+    state_->native = Native(path);
+    state_->file = Descriptor(::open(state_->native.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (!state_->file) Refuse(errno, path);
+    if (::fchmod(state_->file.number(), ModeFor(like) & 0777) == 0) return;
+    const int error = errno;
+    ::unlink(state_->native.c_str());
+    Refuse(error, path);
+}
+
+NewFile::~NewFile() {
+    if (!state_->finished) ::unlink(state_->native.c_str());
+}
+
+void NewFile::Write(std::string_view bytes) {
+    posix::WriteAll(state_->file, bytes, state_->path);
+}
+
+void NewFile::Finish() {
+    if (::fsync(state_->file.number()) != 0) Refuse(errno, state_->path);
+    const Text folder = FolderOf(state_->path);
+    if (const int error = SyncFolder(folder); error != 0) Refuse(error, folder);
+    state_->finished = true;
 }
 
 void DeleteFile(TextView path) {
@@ -355,10 +378,7 @@ bool IsHeld(TextView path) {
     Descriptor file(::open(native.c_str(), O_RDWR | O_CLOEXEC));
     if (!file) file = Descriptor(::open(native.c_str(), O_RDONLY | O_CLOEXEC));
     if (!file) return true;
-    struct flock range {};
-    range.l_type = F_WRLCK;
-    const bool held = ::fcntl(file.number(), F_GETLK, &range) == 0 && range.l_type != F_UNLCK;
-    return held || ::flock(file.number(), LOCK_EX | LOCK_NB) != 0;
+    return posix::IsRangeHeld(file) || ::flock(file.number(), LOCK_EX | LOCK_NB) != 0;
 }
 
 void MoveFileOver(TextView source, TextView target) {

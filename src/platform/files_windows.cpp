@@ -15,9 +15,11 @@ using win32::Handle;
 using win32::NativePath;
 using win32::OpenFile;
 using win32::Refuse;
+using win32::TemporaryName;
 
 const TextView kPathSeparators = u"\\/";
 const char16_t kPathSeparator = u'\\';
+const bool kLocksAreAdvisory = false;
 
 namespace {
 
@@ -86,8 +88,9 @@ void SetBack(const Handle& file, std::chrono::nanoseconds time, TextView path) {
 
 constexpr TextView kTemporary = u".tav-";
 
-// A name in the folder of `target` that nobody uses.
-Text TemporaryName(TextView target) {
+}  // namespace
+
+Text win32::TemporaryName(TextView target) {
     static unsigned counter = 0;
     for (;;) {
         const auto ticks = static_cast<long long>(::GetTickCount64());
@@ -96,6 +99,8 @@ Text TemporaryName(TextView target) {
         if (!Attributes(name)) return name;
     }
 }
+
+namespace {
 
 // A file that goes at the end of the scope, unless it has become another by then.
 class TemporaryFile {
@@ -336,23 +341,35 @@ void RemoveLeftover(TextView path) {
     ::DeleteFileW(NativePath(path).c_str());
 }
 
+struct NewFile::State {
+    Text path;
+    Handle file;
+    bool finished = false;
+};
+
 // The system writes the folder's entry through with the file.
-void WriteFileLike(TextView like, TextView path, std::string_view bytes) {
-    const std::wstring native = NativePath(path);
-    ::DeleteFileW(native.c_str());
+NewFile::NewFile(TextView like, TextView path) : state_(std::make_unique<State>()) {
     std::string rights = RightsOf(like);
     SECURITY_ATTRIBUTES security{sizeof security, rights.empty() ? nullptr : rights.data(), FALSE};
-    const Handle file(::CreateFileW(native.c_str(), GENERIC_WRITE | DELETE, 0, &security, CREATE_NEW,
-                                    FILE_FLAG_WRITE_THROUGH, nullptr));
-    if (!file) Refuse(::GetLastError(), path);
-    try {
-        WriteAll(file, bytes, path);
-        Sync(file, path);
-    } catch (const Failure&) {
-        FILE_DISPOSITION_INFO gone{TRUE};
-        ::SetFileInformationByHandle(file.get(), FileDispositionInfo, &gone, sizeof gone);
-        throw;
-    }
+    state_->path = path;
+    state_->file = Handle(::CreateFileW(NativePath(path).c_str(), GENERIC_WRITE | DELETE, 0, &security,
+                                        CREATE_NEW, FILE_FLAG_WRITE_THROUGH, nullptr));
+    if (!state_->file) Refuse(::GetLastError(), path);
+}
+
+NewFile::~NewFile() {
+    if (state_->finished) return;
+    FILE_DISPOSITION_INFO gone{TRUE};
+    ::SetFileInformationByHandle(state_->file.get(), FileDispositionInfo, &gone, sizeof gone);
+}
+
+void NewFile::Write(std::string_view bytes) {
+    WriteAll(state_->file, bytes, state_->path);
+}
+
+void NewFile::Finish() {
+    Sync(state_->file, state_->path);
+    state_->finished = true;
 }
 
 void DeleteFile(TextView path) {

@@ -1,6 +1,7 @@
 // An open file, read and written by position. The lock is taken when the file is opened and held until it is
 // closed: readers share it, a writer has it alone. A file that somebody else holds is "Permission denied" at
-// once. What else the system refuses is a Failure as in files.h.
+// once. On Linux the lock is of both kinds, of the whole file and of all its bytes, those beyond the end too:
+// a file server shows the latter to its clients. What else the system refuses is a Failure as in files.h.
 #pragma once
 
 #include <cstddef>
@@ -16,6 +17,9 @@ class LockedFile {
     enum class Access { Read, Write };
 
     LockedFile(TextView path, Access access);
+    // A file without a name in the folder of `beside`, for what memory should not hold; it is gone when it is
+    // closed, after a kill too.
+    static LockedFile Temporary(TextView beside);
     ~LockedFile();
     LockedFile(LockedFile&&) noexcept;
     LockedFile& operator=(LockedFile&&) noexcept;
@@ -33,6 +37,7 @@ class LockedFile {
 
  private:
     struct State;
+    LockedFile();
     std::unique_ptr<State> state_;
 };
 

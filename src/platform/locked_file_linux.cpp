@@ -2,7 +2,10 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 
+#include <string>
+
 #include "common/concat.h"
+#include "platform/files.h"
 #include "platform/locked_file.h"
 #include "platform/posix_linux.h"
 
@@ -10,6 +13,18 @@ namespace tav {
 
 using posix::Descriptor;
 using posix::Refuse;
+
+namespace {
+
+// All bytes of the file, for this open file. A file system may have no such locks.
+void LockRange(const Descriptor& file, short type, TextView path) {
+    struct flock range {};
+    range.l_type = type;
+    if (::fcntl(file.number(), F_OFD_SETLK, &range) == 0) return;
+    if (errno == EAGAIN || errno == EACCES) Refuse(EWOULDBLOCK, path);
+}
+
+}  // namespace
 
 struct LockedFile::State {
     Descriptor file;
@@ -27,6 +42,19 @@ LockedFile::LockedFile(TextView path, Access access) : state_(std::make_unique<S
     if (!S_ISREG(status.st_mode)) throw Failure(RunTimeError::PathFileAccess, path);
     if (::flock(state_->file.number(), (access == Access::Write ? LOCK_EX : LOCK_SH) | LOCK_NB) != 0)
         Refuse(errno, path);
+    LockRange(state_->file, access == Access::Write ? F_WRLCK : F_RDLCK, path);
+}
+
+LockedFile::LockedFile() : state_(std::make_unique<State>()) {}
+
+LockedFile LockedFile::Temporary(TextView beside) {
+    LockedFile made;
+    made.state_->path = FolderOf(beside) + u".tav-";
+    std::string native = ToUtf8(made.state_->path) + std::string(6, 'X');
+    made.state_->file = Descriptor(::mkostemp(native.data(), O_CLOEXEC));
+    if (!made.state_->file) Refuse(errno, made.state_->path);
+    ::unlink(native.c_str());
+    return made;
 }
 
 LockedFile::~LockedFile() = default;
@@ -74,7 +102,7 @@ void LockedFile::Sync() {
 }
 
 bool LockedFile::TryExclusive() {
-    return ::flock(state_->file.number(), LOCK_EX | LOCK_NB) == 0;
+    return !posix::IsRangeHeld(state_->file) && ::flock(state_->file.number(), LOCK_EX | LOCK_NB) == 0;
 }
 
 }  // namespace tav

@@ -38,6 +38,18 @@ LockedFile::LockedFile(TextView path, Access access) : state_(std::make_unique<S
         throw Failure(RunTimeError::PathFileAccess, path);
 }
 
+LockedFile::LockedFile() : state_(std::make_unique<State>()) {}
+
+LockedFile LockedFile::Temporary(TextView beside) {
+    LockedFile made;
+    made.state_->path = win32::TemporaryName(beside);
+    made.state_->file = Handle(::CreateFileW(win32::NativePath(made.state_->path).c_str(),
+                                             GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                                             FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr));
+    if (!made.state_->file) Refuse(::GetLastError(), made.state_->path);
+    return made;
+}
+
 LockedFile::~LockedFile() = default;
 LockedFile::LockedFile(LockedFile&&) noexcept = default;
 LockedFile& LockedFile::operator=(LockedFile&&) noexcept = default;

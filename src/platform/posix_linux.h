@@ -38,4 +38,7 @@ class Descriptor {
 // Writes everything, or refuses.
 void WriteAll(const Descriptor& file, std::string_view bytes, TextView path);
 
+// Whether somebody else has a lock on any byte of the file.
+bool IsRangeHeld(const Descriptor& file);
+
 }  // namespace tav::posix

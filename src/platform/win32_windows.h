@@ -88,4 +88,7 @@ Text ErrorWords(DWORD error);
 // Opens an existing file, or refuses. `share` says what others may do meanwhile.
 Handle OpenFile(TextView path, DWORD access, DWORD share);
 
+// A name in the folder of `target` that nobody uses.
+Text TemporaryName(TextView target);
+
 }  // namespace tav::win32

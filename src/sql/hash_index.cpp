@@ -35,6 +35,7 @@ HashIndex::HashIndex(Table& table, std::vector<std::size_t> columns) : columns_(
         const auto hash = HashOf(columns_.size(),
                                  [&](std::size_t i) -> const Value& { return value = row.Get(columns_[i]); });
         if (hash) found.emplace_back(*hash, row.id().Word());
+        table.Trim();
     }
     std::sort(found.begin(), found.end());
     entries_.insert(found.begin(), found.end());

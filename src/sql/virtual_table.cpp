@@ -27,8 +27,16 @@ struct Cursor : sqlite3_vtab_cursor {
     std::vector<RowId> found;
     std::size_t next = 0;
     std::optional<Table::Row> row;  // nothing after the last one
+    std::uint64_t trims = 0;        // of the file, when the row was read
+
+    // The present row's bytes, wherever they are by now.
+    const Table::Row& Present() {
+        if (trims != table->table().Trims()) Show();
+        return *row;
+    }
 
     void Show() {
+        trims = table->table().Trims();
         row.reset();
         if (scan) {
             if (!scan->AtEnd()) row = scan->row();
@@ -136,6 +144,7 @@ int Filter(sqlite3_vtab_cursor* handle, int plan, const char*, int count, sqlite
 int Next(sqlite3_vtab_cursor* handle) {
     Cursor& cursor = CursorOf(handle);
     return Guarded(cursor.table->callbacks(), [&] {
+        cursor.table->table().Trim();
         if (cursor.scan) {
             cursor.scan->Next();
         } else {
@@ -154,7 +163,7 @@ int ColumnValue(sqlite3_vtab_cursor* handle, sqlite3_context* context, int colum
     if (sqlite3_vtab_nochange(context) != 0) return SQLITE_OK;
     Cursor& cursor = CursorOf(handle);
     return Guarded(cursor.table->callbacks(),
-                   [&] { SetResult(context, cursor.row->Get(static_cast<std::size_t>(column))); });
+                   [&] { SetResult(context, cursor.Present().Get(static_cast<std::size_t>(column))); });
 }
 
 int Rowid(sqlite3_vtab_cursor* cursor, sqlite3_int64* id) {
@@ -168,6 +177,7 @@ int Change(sqlite3_vtab* handle, int count, sqlite3_value** arguments, sqlite3_i
         return RowId::FromWord(static_cast<std::uint32_t>(sqlite3_value_int64(arguments[0])));
     };
     return Guarded(table.callbacks(), [&] {
+        table.table().Trim();
         if (count == 1) {
             table.Delete(row());
         } else if (sqlite3_value_type(arguments[0]) == SQLITE_NULL) {

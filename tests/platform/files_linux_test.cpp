@@ -56,10 +56,7 @@ TEST(LinuxFiles, AreWrittenWithTheRightsOfAnother) {
     const TempFolder folder;
     const Text like = folder.Write(u"like", "");
     ASSERT_EQ(::chmod(ToUtf8(like).c_str(), 0662), 0);
-    for (const std::string_view bytes : {"long", "new"}) {
-        WriteFileLike(like, folder / u"x", bytes);
-        EXPECT_EQ(ReadFile(folder / u"x"), bytes);
-    }
+    NewFile(like, folder / u"x").Finish();
     struct stat status {};
     ASSERT_EQ(::stat(ToUtf8(folder / u"x").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777, 0662u);
@@ -109,7 +106,7 @@ TEST(LinuxFiles, FullDiskLeavesTheOldFile) {
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
     const std::string large(100000, 'x');
     EXPECT_EQ(ErrorOf([&] { WriteFileWhole(path, large); }), RunTimeError::DiskFull);
-    EXPECT_EQ(ErrorOf([&] { WriteFileLike(path, folder / u"y", large); }), RunTimeError::DiskFull);
+    EXPECT_EQ(ErrorOf([&] { NewFile(path, folder / u"y").Write(large); }), RunTimeError::DiskFull);
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &old), 0);
     EXPECT_EQ(ReadFile(path), "old");
     EXPECT_EQ(ListFiles(folder.path(), u"").size(), 1u);

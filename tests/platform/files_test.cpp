@@ -52,10 +52,15 @@ TEST(Files, AreWrittenWhole) {
     EXPECT_EQ(ReadFile(path), "two");
     for (const std::size_t most : {0, 1, 3, 9})
         EXPECT_EQ(ReadFileHead(path, most), std::string("two").substr(0, most));
-    WriteFileLike(path, folder / u"отчёт-journal", "three");
-    WriteFileLike(path, folder / u"отчёт-journal", "four");
-    EXPECT_EQ(ReadFile(folder / u"отчёт-journal"), "four");
-    EXPECT_EQ(ListFiles(folder.path(), u"").size(), 2u);  // nothing temporary is left
+    {
+        NewFile journal(path, folder / u"отчёт-journal");
+        for (const char* piece : {"thr", "ee"}) journal.Write(piece);
+        journal.Finish();
+    }
+    EXPECT_EQ(ReadFile(folder / u"отчёт-journal"), "three");
+    EXPECT_NE(ErrorOf([&] { NewFile(path, folder / u"отчёт-journal"); }), RunTimeError::Other);
+    { NewFile unfinished(path, folder / u"x"); }
+    EXPECT_EQ(ListFiles(folder.path(), u"").size(), 2u);  // nothing else is left
 }
 
 TEST(Files, HeldByAnotherAreNotReplaced) {

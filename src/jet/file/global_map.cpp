@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "common/concat.h"
-#include "common/failure.h"
+#include "common/database_failure.h"
 #include "jet/file/bitmap.h"
 #include "jet/file/header.h"
 #include "jet/file/page_file.h"
@@ -22,7 +22,7 @@ Pointer OnPageOne(const PageFile& file, Pointer map) {
 }
 
 [[noreturn]] void Full(const PageFile& file) {
-    throw Failure(Concat(u"The database '", file.path(), u"' has reached its maximum size."));
+    throw DatabaseFailure(Concat(u"The database '", file.path(), u"' has reached its maximum size."));
 }
 
 }  // namespace

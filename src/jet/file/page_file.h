@@ -6,19 +6,15 @@
 // that and deletes it. The unit is done when the journal is invalid. A kill or a power loss anywhere in
 // between leaves either the old or the new state after the next open, which rolls back what a journal that
 // was written whole says (rollback_journal.h). Page 0 is never written. Inside a unit each statement can be
-// taken back on its own, and so can all of them since a savepoint.
+// taken back on its own, and so can all of them since a savepoint. Neither the journal nor the changed pages
+// need to fit into memory.
 //
 // A path that goes through links is resolved first: lock, journal and ".ldb" are those of the real file, and
 // messages name it.
 //
-// The file is locked from open to close (platform/files.h): readers share it, a writer has it alone. A file
-// that does not look like a Jet 4 database, is encrypted or asks for a password is refused here, before
-// anything else is read. So is one that other programs hold, if it is to be written or rolled back: by a
-// lock, or by a ".ldb" file beside it that is locked or cannot be deleted. And so is one whose journal tells
-// of another state of the database.
+// The file is locked from open to close; what is refused then, and why, is told in locked_database.h.
 #pragma once
 
-#include <chrono>
 #include <cstddef>
 #include <memory>
 
@@ -33,10 +29,6 @@ struct Allocation;
 class PageFile {
  public:
     using Access = LockedFile::Access;
-
-    // How long an open waits for others to let go of the file; at once refused unless set. Ctrl-C that is
-    // watched for (platform/environment.h) ends the wait.
-    static void SetPatience(std::chrono::seconds patience);
 
     PageFile(TextView path, Access access);
     ~PageFile();  // rolls back what was not committed
@@ -62,7 +54,8 @@ class PageFile {
     void RollBackStatement();
 
     // Several statements: what they changed since SetSavepoint is taken back by RollBackToSavepoint, byte for
-    // byte, or kept. There is one savepoint at a time, set between statements; a new one and Commit release it.
+    // byte, or kept. There is one savepoint at a time, set between statements; a new one and Commit release
+    // it.
     void SetSavepoint();
     void ReleaseSavepoint();
     void RollBackToSavepoint();
@@ -83,9 +76,12 @@ class PageFile {
     // The Failure of a page that contradicts itself: "The database '...' is damaged (page 17): reason."
     [[noreturn]] void Damaged(PageNumber page, TextView reason) const;
 
-    // Lets go of unchanged pages when the cache holds more than its share. Called between statements only,
-    // never inside one, where references to pages are held. (A check, which has none, calls it between rows.)
+    // Lets go of pages when the cache holds more than its share; changed ones go into a temporary file until
+    // the unit ends. So a statement about a large file, which calls it between rows, needs little memory. No
+    // reference to a page is valid after it.
     void Trim();
+    // Grows when Trim has let pages go: whoever holds bytes of a page while others read reads them again.
+    std::uint64_t Trims() const;
 
  private:
     struct State;

@@ -1,8 +1,10 @@
 #include "jet/file/rollback_journal.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
-#include <string_view>
+#include <optional>
+#include <string>
 
 #include "common/concat.h"
 #include "common/failure.h"
@@ -25,99 +27,195 @@ constexpr std::size_t kSector = 512;  // the least that a disk writes whole
 constexpr std::size_t kOriginalAt = 8;
 constexpr std::size_t kChangedAt = kOriginalAt + kPageSize;
 constexpr std::size_t kImageSize = kChangedAt + kPageSize / kSector * kChecksumSize;
+constexpr std::size_t kPiece = 1 << 20;  // is written at once: the system may put every piece on the disk
+using Image = std::array<std::uint8_t, kImageSize>;
 
-// Of whole words: every part of a journal is a multiple of 8 bytes long. Each step is a bijection, so that no
-// change of one word is lost.
-std::uint64_t Checksum(const std::uint8_t* bytes, std::size_t size) {
-    std::uint64_t sum = 0xCBF29CE484222325;
+// Of whole words: every part of a journal is a multiple of 8 bytes long, so that the checksum of a part goes
+// on where that of the part before ended. Each step is a bijection: no change of one word is lost.
+constexpr std::uint64_t kNoChecksum = 0xCBF29CE484222325;
+std::uint64_t Checksum(const std::uint8_t* bytes, std::size_t size, std::uint64_t sum = kNoChecksum) {
     for (std::size_t at = 0; at + 8 <= size; at += 8) {
         sum = std::rotl((sum ^ U64(bytes + at)) * 0x9E3779B97F4A7C15, 29);
     }
     return sum;
 }
 
-const std::uint8_t* Data(const std::string& bytes) {
-    return reinterpret_cast<const std::uint8_t*>(bytes.data());
-}
-std::uint8_t* Data(std::string& bytes) {
-    return reinterpret_cast<std::uint8_t*>(bytes.data());
+std::string_view View(const std::uint8_t* bytes, std::size_t size) {
+    return {reinterpret_cast<const char*>(bytes), size};
 }
 
 std::uint64_t Offset(PageNumber page) {
     return static_cast<std::uint64_t>(page) * kPageSize;
 }
 
-// Calls take(image) until one is refused; whether none was.
-template <class Take>
-bool ForEachImage(const std::string& bytes, Take take) {
-    const std::uint8_t* image = Data(bytes) + kImagesAt;
-    for (std::uint32_t left = U32(Data(bytes) + kImageCountAt); left > 0; --left, image += kImageSize) {
-        if (!take(image)) return false;
-    }
-    return true;
-}
-
 // Whether a commit that was interrupted may have left the page so: each sector is the old or the new one.
-bool IsOldOrNew(const std::uint8_t* image, const Page& page) {
+bool IsOldOrNew(const Image& image, const Page& page) {
     for (std::size_t at = 0; at < kPageSize; at += kSector) {
-        if (std::memcmp(page.data() + at, image + kOriginalAt + at, kSector) == 0) continue;
-        const std::uint64_t changed = U64(image + kChangedAt + at / kSector * kChecksumSize);
+        if (std::memcmp(page.data() + at, image.data() + kOriginalAt + at, kSector) == 0) continue;
+        const std::uint64_t changed = U64(image.data() + kChangedAt + at / kSector * kChecksumSize);
         if (Checksum(page.data() + at, kSector) != changed) return false;
     }
     return true;
 }
 
-}  // namespace
-
-RollbackJournal::RollbackJournal(TextView database_path, const std::uint8_t* header, PageNumber old_count,
-                                 PageNumber new_count)
-    : database_path_(database_path), path_(PathFor(database_path)), bytes_(kMagic) {
-    bytes_.resize(kImagesAt);
-    PutU32(Data(bytes_) + kOldCountAt, old_count);
-    PutU32(Data(bytes_) + kNewCountAt, new_count);
-    PutU64(Data(bytes_) + kOwnerAt, Checksum(header, kHeaderSize));
-}
-
-void RollbackJournal::Add(PageNumber page, const Page& original, const Page& changed) {
-    const std::size_t end = bytes_.size();
-    bytes_.resize(end + kImageSize);
-    std::uint8_t* image = Data(bytes_) + end;
-    PutU32(image, page);
-    std::memcpy(image + kOriginalAt, original.data(), kPageSize);
-    for (std::size_t at = 0; at < kPageSize; at += kSector) {
-        PutU64(image + kChangedAt + at / kSector * kChecksumSize, Checksum(changed.data() + at, kSector));
+// A journal as it lies on the disk.
+class StoredJournal {
+ public:
+    explicit StoredJournal(TextView path) : file_(path, LockedFile::Access::Read), size_(file_.Size()) {
+        head_.fill(0);
+        file_.ReadAt(0, head_.data(), std::min<std::uint64_t>(size_, head_.size()));
     }
-    PutU32(Data(bytes_) + kImageCountAt, U32(Data(bytes_) + kImageCountAt) + 1);
-}
 
-void RollbackJournal::Write() {
-    const std::size_t body = bytes_.size();
-    bytes_.resize(body + kChecksumSize);
-    PutU64(Data(bytes_) + body, Checksum(Data(bytes_), body));
-    WriteFileLike(database_path_, path_, bytes_);
-}
+    bool IsValid() const { return Starts(kMagic) && IsWhole(); }
+    // Whether it was made here: whole, invalid, or the beginning of one.
+    bool IsOurs() const {
+        if (size_ < kMagic.size()) return kMagic.starts_with(View(head_.data(), size_));
+        return Starts(kMagic) || (Starts(kNoMagic) && (IsWhole() || IsEmpty()));
+    }
 
-void RollbackJournal::PlayBack(LockedFile& file) const {
-    ForEachImage(bytes_, [&](const std::uint8_t* image) {
-        file.WriteAt(Offset(U32(image)), image + kOriginalAt, kPageSize);
+    // Calls take(image) until one is refused; whether none was.
+    template <class Take>
+    bool ForEachImage(Take take) const {
+        Image image;
+        for (std::uint64_t i = 0; i < ImageCount(); ++i) {
+            file_.ReadAt(kImagesAt + i * kImageSize, image.data(), kImageSize);
+            if (!take(image)) return false;
+        }
         return true;
-    });
-    file.Truncate(Offset(U32(Data(bytes_) + kOldCountAt)));
-    file.Sync();
-}
+    }
 
-void RollbackJournal::Mark(std::string_view magic) const {
-    LockedFile file(path_, LockedFile::Access::Write);
+    // Whether the file is in the state that this journal was made for, or on the way from there to the next.
+    bool IsOf(const LockedFile& database) const {
+        const PageNumber old_count = OldCount();
+        const std::uint64_t size = database.Size();
+        if (size < Offset(old_count) || size > Offset(U32(&head_[kNewCountAt]))) return false;
+        Page page;
+        database.ReadAt(0, page.data(), kHeaderSize);
+        if (U64(&head_[kOwnerAt]) != Checksum(page.data(), kHeaderSize)) return false;
+        return ForEachImage([&](const Image& image) {
+            if (U32(image.data()) >= old_count) return false;
+            database.ReadAt(Offset(U32(image.data())), page.data(), kPageSize);
+            return IsOldOrNew(image, page);
+        });
+    }
+
+    void PlayBack(LockedFile& database) const {
+        ForEachImage([&](const Image& image) {
+            database.WriteAt(Offset(U32(image.data())), image.data() + kOriginalAt, kPageSize);
+            return true;
+        });
+        database.Truncate(Offset(OldCount()));
+        database.Sync();
+    }
+
+ private:
+    PageNumber OldCount() const { return U32(&head_[kOldCountAt]); }
+    std::uint64_t ImageCount() const { return U32(&head_[kImageCountAt]); }
+    bool Starts(std::string_view magic) const { return View(head_.data(), magic.size()) == magic; }
+
+    // By its checksum, which an invalid journal still has.
+    bool IsWhole() const {
+        if (size_ != kImagesAt + ImageCount() * kImageSize + kChecksumSize) return false;
+        std::array<std::uint8_t, kImagesAt> head = head_;
+        std::copy(kMagic.begin(), kMagic.end(), head.begin());
+        std::uint64_t sum = Checksum(head.data(), head.size());
+        ForEachImage([&](const Image& image) {
+            sum = Checksum(image.data(), image.size(), sum);
+            return true;
+        });
+        std::array<std::uint8_t, kChecksumSize> end{};
+        file_.ReadAt(size_ - kChecksumSize, end.data(), end.size());
+        return U64(end.data()) == sum;
+    }
+    // Whether there is nothing in it: a power loss may leave a file's length without its bytes.
+    bool IsEmpty() const {
+        Page piece;
+        for (std::uint64_t at = 0; at < size_; at += kPageSize) {
+            const std::size_t size = std::min<std::uint64_t>(size_ - at, kPageSize);
+            file_.ReadAt(at, piece.data(), size);
+            if (std::any_of(piece.begin(), piece.begin() + size,
+                            [](std::uint8_t byte) { return byte != 0; })) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    LockedFile file_;
+    std::uint64_t size_;
+    std::array<std::uint8_t, kImagesAt> head_;
+};
+
+void Mark(TextView path, std::string_view magic) {
+    LockedFile file(path, LockedFile::Access::Write);
     file.WriteAt(0, magic.data(), magic.size());
     file.Sync();
 }
 
+[[noreturn]] void RefuseForeign(TextView journal, TextView database_path) {
+    throw Failure(Concat(u"The file '", journal,
+                         u"' is not a journal of this program. It has to be moved away before the database '",
+                         database_path, u"' can be used."));
+}
+
+}  // namespace
+
+RollbackJournal::RollbackJournal(TextView database_path, const std::uint8_t* header, PageNumber old_count,
+                                 PageNumber new_count, std::size_t images)
+    : path_(PathFor(database_path)), checksum_(kNoChecksum) {
+    if (FileExists(path_)) {  // an invalid one that did not go
+        if (!StoredJournal(path_).IsOurs()) RefuseForeign(path_, database_path);
+        DeleteFile(path_);
+    }
+    file_ = std::make_unique<NewFile>(database_path, path_);
+    std::array<std::uint8_t, kImagesAt> head{};
+    std::copy(kMagic.begin(), kMagic.end(), head.begin());
+    PutU32(&head[kOldCountAt], old_count);
+    PutU32(&head[kNewCountAt], new_count);
+    PutU32(&head[kImageCountAt], static_cast<std::uint32_t>(images));
+    PutU64(&head[kOwnerAt], Checksum(header, kHeaderSize));
+    Put(View(head.data(), head.size()));
+}
+
+RollbackJournal::~RollbackJournal() = default;
+
+void RollbackJournal::Put(std::string_view bytes) {
+    checksum_ = Checksum(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size(), checksum_);
+    unwritten_.append(bytes);
+    if (unwritten_.size() < kPiece) return;
+    file_->Write(unwritten_);
+    unwritten_.clear();
+}
+
+void RollbackJournal::Add(PageNumber page, const Page& original, const Page& changed) {
+    Image image{};
+    PutU32(image.data(), page);
+    std::memcpy(image.data() + kOriginalAt, original.data(), kPageSize);
+    for (std::size_t at = 0; at < kPageSize; at += kSector) {
+        PutU64(image.data() + kChangedAt + at / kSector * kChecksumSize,
+               Checksum(changed.data() + at, kSector));
+    }
+    Put(View(image.data(), image.size()));
+}
+
+void RollbackJournal::Finish() {
+    std::array<std::uint8_t, kChecksumSize> end{};
+    PutU64(end.data(), checksum_);
+    file_->Write(unwritten_.append(View(end.data(), end.size())));
+    file_->Finish();
+    file_.reset();
+}
+
+void RollbackJournal::PlayBack(LockedFile& file) const {
+    StoredJournal(path_).PlayBack(file);
+}
+
 void RollbackJournal::Invalidate() const {
-    Mark(kNoMagic);
+    Mark(path_, kNoMagic);
 }
 
 void RollbackJournal::Validate() const {
-    Mark(kMagic);
+    Mark(path_, kMagic);
 }
 
 void RollbackJournal::Remove() const noexcept {
@@ -134,48 +232,31 @@ void RollbackJournal::Delete() const {
 }
 
 Text RollbackJournal::PathFor(TextView database_path) {
-    return Text(database_path).append(u"-journal");
+    return Concat(database_path, u"-journal");
 }
 
 bool RollbackJournal::Exists(TextView database_path) {
     return FileExists(PathFor(database_path));
 }
 
-bool RollbackJournal::IsWhole() const {
-    if (bytes_.size() < kImagesAt + kChecksumSize || !bytes_.starts_with(kMagic)) return false;
-    const std::uint64_t images = U32(Data(bytes_) + kImageCountAt);
-    if (bytes_.size() != kImagesAt + images * kImageSize + kChecksumSize) return false;
-    const std::size_t body = bytes_.size() - kChecksumSize;
-    return U64(Data(bytes_) + body) == Checksum(Data(bytes_), body);
-}
-
-// Whether the file is in the state that this journal was made for, or on the way from there to the next one.
-bool RollbackJournal::IsOf(const LockedFile& file) const {
-    const PageNumber old_count = U32(Data(bytes_) + kOldCountAt);
-    const std::uint64_t size = file.Size();
-    if (size < Offset(old_count) || size > Offset(U32(Data(bytes_) + kNewCountAt))) return false;
-    Page page;
-    file.ReadAt(0, page.data(), kHeaderSize);
-    if (U64(Data(bytes_) + kOwnerAt) != Checksum(page.data(), kHeaderSize)) return false;
-    return ForEachImage(bytes_, [&](const std::uint8_t* image) {
-        if (U32(image) >= old_count) return false;
-        file.ReadAt(Offset(U32(image)), page.data(), kPageSize);
-        return IsOldOrNew(image, page);
-    });
-}
-
 void RollbackJournal::Recover(TextView database_path, LockedFile& file) {
-    RollbackJournal journal(database_path, std::array<std::uint8_t, kHeaderSize>{}.data(), 0, 0);
-    journal.bytes_ = ReadFile(journal.path_);
-    if (!journal.IsWhole()) return DeleteFile(journal.path_);
-    if (!journal.IsOf(file)) {
-        throw Failure(Concat(u"The journal '", journal.path_,
-                             u"' was written for another state of the database '", database_path,
-                             u"'. If this database is the right one, move the journal away; otherwise "
-                             u"put back the database that was here when the journal was written."));
+    const Text path = PathFor(database_path);
+    {
+        const StoredJournal journal(path);
+        if (!journal.IsOurs()) RefuseForeign(path, database_path);
+        if (journal.IsValid()) {
+            if (!journal.IsOf(file)) {
+                throw Failure(
+                    Concat(u"The journal '", path, u"' was written for another state of the database '",
+                           database_path,
+                           u"'. If this database is the right one, move the journal away; otherwise "
+                           u"put back the database that was here when the journal was written."));
+            }
+            journal.PlayBack(file);
+        }
     }
-    journal.PlayBack(file);
-    journal.Delete();
+    Mark(path, kNoMagic);
+    DeleteFile(path);
 }
 
 }  // namespace tav::jet

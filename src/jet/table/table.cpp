@@ -31,6 +31,14 @@ IndexTree Table::Index(std::size_t real_index) {
     return IndexTree(*file_, definition_, definition_.indexes.at(real_index));
 }
 
+void Table::Trim() {
+    file_->Trim();
+}
+
+std::uint64_t Table::Trims() const {
+    return file_->Trims();
+}
+
 RowPlace Table::FindPlace(RowId id) const {
     const auto record_at = [&](Pointer at) {
         return RecordAt(*file_, at.page, ReadDataPage(*file_, at.page, definition_.page), at.slot);

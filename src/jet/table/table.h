@@ -24,6 +24,10 @@ class Table {
     Table& operator=(const Table&) = delete;
 
     const TableDefinition& definition() const { return definition_; }
+    // Those of the file (page_file.h): called between rows, a statement about a large table needs little
+    // memory.
+    void Trim();
+    std::uint64_t Trims() const;
     IndexTree Index(std::size_t real_index);
 
     using Row = jet::Row;

@@ -102,5 +102,59 @@ TEST_F(Growth, FreedPagesAreTakenAgainButNotBelowTheLastOne) {
     EXPECT_THAT(FailureOf([&] { FreePage(file_, 2); }), testing::HasSubstr("cannot be freed"));
 }
 
+// More changed pages than memory keeps, in statements that are taken back, alone and to a savepoint, and in
+// units.
+TEST_F(Growth, ChangedPagesMayBeMoreThanMemoryKeeps) {
+    constexpr PageNumber kPages = 9000;
+    const PageNumber first = file_.PageCount();
+    const auto fill = [&](std::uint8_t value) {
+        for (PageNumber page = first; page < first + kPages; ++page) {
+            file_.Change(page).fill(static_cast<std::uint8_t>(value + page % 7));
+            file_.Trim();
+        }
+    };
+    const auto fill_in_statement = [&](std::uint8_t value) {
+        file_.BeginStatement();
+        fill(value);
+    };
+    const auto expect = [&](std::uint8_t value) {
+        int wrong = 0;
+        for (PageNumber page = first; page < first + kPages; ++page) {
+            wrong += file_.Read(page)[4095] != static_cast<std::uint8_t>(value + page % 7);
+            file_.Trim();
+        }
+        EXPECT_EQ(wrong, 0) << int{value};
+    };
+    while (file_.PageCount() < first + kPages) file_.Append();
+    fill(1);
+    for (const bool committed : {false, true}) {
+        file_.SetSavepoint();
+        fill_in_statement(100);
+        file_.RollBackStatement();
+        expect(1);
+        fill_in_statement(50);
+        file_.KeepStatement();
+        fill_in_statement(90);
+        file_.Append();
+        file_.RollBackStatement();
+        expect(50);
+        fill_in_statement(30);
+        file_.RollBackToSavepoint();
+        expect(1);
+        EXPECT_EQ(file_.PageCount(), first + kPages);
+        if (!committed) file_.Commit();
+    }
+    EXPECT_FALSE(file_.HasChanges());
+    EXPECT_GT(file_.Trims(), 0u);
+    fill_in_statement(50);
+    file_.KeepStatement();
+    file_.RollBack();
+    expect(1);
+    fill(70);
+    file_.Commit();
+    expect(70);
+    EXPECT_EQ(ListFiles(folder_.path(), u"").size(), kLocksAreAdvisory ? 2u : 1u);  // the spill has no name
+}
+
 }  // namespace
 }  // namespace tav::jet

@@ -84,8 +84,12 @@ class Journal : public testing::Test {
                 std::copy_n(bytes.begin() + page * kPageSize, kPageSize, found.begin());
             return found;
         };
+        std::size_t images = 0;
+        for (PageNumber page = 0; page < PagesOf(before_); ++page) {
+            images += page_of(before_, page) != page_of(after_, page);
+        }
         RollbackJournal journal(path_, reinterpret_cast<const std::uint8_t*>(before_.data()),
-                                PagesOf(before_), PagesOf(after_));
+                                PagesOf(before_), PagesOf(after_), images);
         std::string half = before_;
         for (PageNumber page = 0; page < PagesOf(after_); ++page) {
             const Page original = page_of(before_, page);
@@ -100,7 +104,7 @@ class Journal : public testing::Test {
         }
         all_written_ = written > 0;
         WriteFileWhole(path_, half);
-        journal.Write();
+        journal.Finish();
         return ReadFile(JournalOf(path_));
     }
 

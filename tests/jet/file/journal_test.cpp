@@ -25,7 +25,7 @@ TEST_F(Journal, TornJournalIsIgnoredAndDeleted) {
     const std::string journal = Interrupt(0);
     std::vector<std::string> useless = {"", journal.substr(0, 20), journal.substr(0, journal.size() - 1),
                                         journal + "x", journal.substr(0, journal.size() / 2)};
-    for (const std::size_t at : {0u, 17u, 21u, 25u, 33u, 1000u}) {
+    for (const std::size_t at : {17u, 21u, 25u, 33u, 1000u}) {
         useless.push_back(journal);
         useless.back()[at] = static_cast<char>(useless.back()[at] ^ 1);
     }
@@ -35,6 +35,23 @@ TEST_F(Journal, TornJournalIsIgnoredAndDeleted) {
         { Database database(path_, Database::Access::Read); }
         EXPECT_EQ(ReadFile(path_), after_);
         EXPECT_FALSE(FileExists(JournalOf(path_)));
+    }
+}
+
+TEST_F(Journal, SomebodyElsesFileOfItsNameIsReportedAndLeft) {
+    const std::string journal = Interrupt(0);
+    const std::string zeros(16, '\0');
+    for (const std::string& foreign :
+         {std::string("notes"), "T" + journal, zeros + "notes", zeros + journal}) {
+        WriteFileWhole(path_, after_);
+        WriteFileWhole(JournalOf(path_), foreign);
+        for (const auto access : {Database::Access::Read, Database::Access::Write}) {
+            EXPECT_THAT(FailureOf([&] { Database(path_, access); }),
+                        testing::AllOf(testing::HasSubstr("'" + ToUtf8(JournalOf(path_)) + "'"),
+                                       testing::HasSubstr("not a journal of this program")));
+        }
+        EXPECT_EQ(ReadFile(path_), after_);
+        EXPECT_EQ(ReadFile(JournalOf(path_)), foreign);
     }
 }
 

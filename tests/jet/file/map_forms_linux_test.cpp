@@ -100,6 +100,17 @@ void MakeReferenceGlobal(Forms& f, std::size_t size = kReferenceSize) {
     f.SetGlobal(References({bitmap}, size), f.Released());
 }
 
+// Of the table; the page of its bitmap.
+PageNumber MakeReferenceOwned(Forms& f) {
+    const Bytes record(f.file.Record(f.owned), f.file.Record(f.owned) + kReferenceSize);
+    const PageNumber bitmap = f.Append();
+    MakeBitmap(f.file.At(bitmap, 0), 0,
+               [&](PageNumber page) { return page < 512 && Bit(record.data() + 5, page); });
+    f.file.SetBit({1, 0}, bitmap, false);
+    std::ranges::copy(References({bitmap}), f.file.Record(f.owned));
+    return bitmap;
+}
+
 const Form kForms[] = {
     {"short", [](Forms& f) { f.SetGlobal(Inline(0, 13, f.FreeBits()), f.Released()); }},
     {"window", [](Forms& f) { f.SetGlobal(Inline(200, kReferenceSize, f.FreeBits()), f.Released()); }},
@@ -127,16 +138,7 @@ const Form kForms[] = {
          f.file.Byte(0, 0x18) ^= 1;
          f.file.Byte(0, 0x1C) ^= 1;
      }},
-    {"table's map of references",
-     [](Forms& f) {
-         const Bytes record(f.file.Record(f.owned), f.file.Record(f.owned) + kReferenceSize);
-         const PageNumber bitmap = f.Append();
-         MakeBitmap(f.file.At(bitmap, 0), 0,
-                    [&](PageNumber page) { return page < 512 && Bit(record.data() + 5, page); });
-         f.file.SetBit({1, 0}, bitmap, false);
-         const Bytes references = References({bitmap});
-         std::copy(references.begin(), references.end(), f.file.Record(f.owned));
-     }},
+    {"table's map of references", [](Forms& f) { MakeReferenceOwned(f); }},
     {"table's map from an odd page",
      [](Forms& f) {
          const Bytes old(f.file.Record(f.owned), f.file.Record(f.owned) + kReferenceSize);
@@ -164,6 +166,9 @@ const Form kForms[] = {
          f.SetGlobal(References({f.file.PageCount() - 1}), References({f.file.PageCount() - 1}));
      },
      "two ranges have this bitmap", 5},
+    {"bitmap of a table's map",
+     [](Forms& f) { f.SetGlobal(References({MakeReferenceOwned(f)}), f.Released()); },
+     "a bitmap of the map of free pages is used twice", 5},
     {"kind of the released map", [](Forms& f) { f.SetGlobal(Inline(0, 69, f.FreeBits()), Bytes(69, 2)); },
      "holds no usage map", 4},
     {"maps on another page", [](Forms& f) { f.file.Byte(0, 0x19) ^= 2; }, "where the map of free pages is",

@@ -69,7 +69,7 @@ TEST(Opening, LockedFileIsInUse) {
 TEST(Opening, ListOfUsersIsStaleWhenNobodyHoldsIt) {
     TempFolder folder;
     const Text path = NewDatabase(folder);
-    const Text users = folder.Write(u"new.ldb", "users");
+    const Text users = folder.Write(u"NEW.Ldb", "users");
     {
         const LockedFile user(users, LockedFile::Access::Read);
         EXPECT_THAT(OpenFailure(path, Database::Access::Write), HasSubstr("file already in use"));
