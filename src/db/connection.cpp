@@ -3,6 +3,7 @@
 #include "common/concat.h"
 #include "common/guard.h"
 #include "db/engine.h"
+#include "db/patience.h"
 
 namespace tav {
 
@@ -22,7 +23,13 @@ void Connection::OpenForReading(TextView connection_string) {
 
 void Connection::Open(const OpenRequest& request) {
     if (engine_ != nullptr) throw Failure(u"Operation is not allowed when the object is open.");
-    engine_ = OpenEngine(request);
+    for (Attempts attempts; engine_ == nullptr;) {
+        try {
+            engine_ = OpenEngine(request);
+        } catch (const Failure& failure) {
+            if (failure.error() != RunTimeError::FileInUse || !attempts.Again()) throw;
+        }
+    }
 }
 
 Engine& Connection::Opened() const {

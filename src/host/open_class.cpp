@@ -4,6 +4,7 @@
 
 #include "common/guard.h"
 #include "common/regional.h"
+#include "db/patience.h"
 #include "forms/shell.h"
 #include "load/run_import.h"
 #include "reports/get_files.h"
@@ -13,6 +14,7 @@
 #include "settings/session.h"
 #include "settings/settings.h"
 #include "ui/frmFilter.h"
+#include "ui/frmShortImport.h"
 #include "ui/frmmain.h"
 #include "ui/screen.h"
 
@@ -26,10 +28,12 @@ using Summarise = Text (*)(TextView database, TextView inn, TextView kpp, TextVi
 void View(Summarise summarise, TextView inn, TextView kpp) {
     UseWindowsIfAny();
     RefuseDuringImport();
+    const DatabasePatience wait;
     const Text folder = ExportFolder();
     Taxpayer().inn = inn;
     Taxpayer().kpp = kpp;
     const Text path = summarise(getbase(), inn, kpp, folder, {});
+    Shared<frmShortImport>().CloseNow();
     if (path.empty()) {
         ShowNothingToSumUp();
         return;
@@ -76,6 +80,7 @@ void OpenClass::view_v_id(std::int16_t id) {
     Guarded(u"Ошибка в функции View_V_ID", [&] {
         const bool windows = UseWindowsIfAny();
         RefuseDuringImport();
+        const DatabasePatience wait;
         const Text path = GetVipis(getbase(), id, ExportFolder());
         if (path.empty()) return;
         const Text document = ToOpen(path);
@@ -86,7 +91,9 @@ void OpenClass::view_v_id(std::int16_t id) {
 void OpenClass::import(TextView inn, TextView kpp) {
     Guarded(u"Ошибка в функции import", [&] {
         UseWindowsIfAny();
+        const DatabasePatience wait;
         RunImport(ChooseFolders({}, {}), inn, kpp);
+        Shared<frmShortImport>().CloseNow();  // the host may not serve its timer
         Shared<frmmain>().Refill();
     });
 }

@@ -72,6 +72,10 @@ void frmShortImport::CloseSoon() {
     Timer1.SetInterval(kMilliseconds);
 }
 
+void frmShortImport::CloseNow() {
+    if (Loaded() && !reading_) Timer1_Timer();
+}
+
 void frmShortImport::CancelButton_Click() {
     RequestCancel();
 }

@@ -18,6 +18,8 @@ class frmShortImport : public Form {
     void ShowProgress(TextView file, double part);
     // Through the window's timer: the user sees the full bar for a moment.
     void CloseSoon();
+    // At once; not while files are read.
+    void CloseNow();
 
  private:
     void Form_Load() override;

@@ -8,6 +8,7 @@
 #include "common/guard.h"
 #include "common/progress.h"
 #include "common/regional.h"
+#include "db/patience.h"
 #include "load/run_import.h"
 #include "platform/environment.h"
 #include "platform/files.h"
@@ -263,6 +264,7 @@ void frmmain::Command1_Click() {
     Command1.Enable(false);
     const Text move_to = chkImportPath.Checked() ? UserPath(txtOut.Get()) : Text();
     const Text inn = Taxpayer().inn;  // the host may go on to another meanwhile
+    const DatabasePatience wait;
     const ImportResult result = RunImport({UserPath(txtImport.Get()), move_to}, inn, Kpp());
     outcome_ = result.outcome == ImportOutcome::Nothing     ? Text()
                : result.outcome == ImportOutcome::Cancelled ? Text(u"Импорт прерван.")

@@ -3,8 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "common/regional.h"
 #include "db/empty_database.h"
+#include "db/patience.h"
 #include "platform/files.h"
 #include "support/failure_of.h"
 #include "support/support.h"
@@ -94,6 +97,17 @@ TEST_F(ConnectionTest, OpenAndClosed) {
     EXPECT_NE(FailureOf([&] { connection_.Open(ConnectionString(folder_ / u"none.mdb")); }), "");
     connection_.Open(ConnectionString(path_));
     EXPECT_EQ(First(u"select count(*) from tav_acts"), u"0");
+}
+
+TEST_F(ConnectionTest, WaitsAWhileForWhoeverHoldsTheFile) {
+    std::thread holder([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        connection_.Close();
+    });
+    const DatabasePatience patience;
+    Connection second;
+    EXPECT_NO_THROW(second.Open(ConnectionString(path_)));
+    holder.join();
 }
 
 TEST_F(ConnectionTest, FieldsOfARecordset) {
