@@ -4,6 +4,7 @@
 
 #include "module_windows.h"
 #include "open_class_object_windows.h"
+#include "platform/floating_point_windows.h"
 
 namespace tav {
 namespace {
@@ -28,6 +29,7 @@ class Factory final : public IClassFactory {
     }
 
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID id, void** object) override {
+        const win32::OwnFloatingPoint own;
         if (object == nullptr) return E_POINTER;
         *object = nullptr;
         if (outer != nullptr) return CLASS_E_NOAGGREGATION;

@@ -5,6 +5,7 @@
 #include "class_factory_windows.h"
 #include "identity_windows.h"
 #include "module_windows.h"
+#include "platform/floating_point_windows.h"
 #include "registration_windows.h"
 
 namespace {
@@ -12,6 +13,7 @@ namespace {
 // No exception gets across the border.
 template <class Work>
 HRESULT Guarded(Work&& work) noexcept {
+    const tav::win32::OwnFloatingPoint own;
     try {
         return work();
     } catch (...) {

@@ -1,39 +1,71 @@
 #include "one_thread_windows.h"
 
 #include <mutex>
+#include <vector>
 
+#include "common/concat.h"
 #include "forms/win32/shown_forms.h"
+#include "load/run_import.h"
 
 namespace tav {
 namespace {
 
 std::mutex guard;
-DWORD owner = 0;     // the last thread that was let in
-int operations = 0;  // of it, that run now, one inside another
+// The last thread that was let in. A handle, because the number of a thread that has ended is given again.
+DWORD owner = 0;
+win32::Handle owner_thread;
+std::vector<TextView> operations;  // of it, that run now, one inside another
 
-bool Enter() {
+bool OwnerEnded() {
+    return owner_thread && ::WaitForSingleObject(owner_thread.get(), 0) == WAIT_OBJECT_0;
+}
+
+bool Enter(TextView operation) {
     const std::lock_guard lock(guard);
     const DWORD present = ::GetCurrentThreadId();
-    if (owner != 0 && owner != present && (operations > 0 || HasForms(owner))) return false;
-    owner = present;
-    ++operations;
+    const bool ended = OwnerEnded();
+    if (ended) {  // perhaps in the middle of something
+        operations.clear();
+        ForgetImport();
+    } else if (owner != 0 && owner != present && (!operations.empty() || HasForms(owner))) {
+        return false;
+    }
+    if (owner != present || ended) {
+        owner_thread = win32::Handle(::OpenThread(SYNCHRONIZE, FALSE, present));
+        owner = present;
+    }
+    operations.push_back(operation);
     return true;
+}
+
+// "поток 1234: открыто окно «...», выполняется import".
+Text WhatIsOpen() {
+    const std::lock_guard lock(guard);
+    Text what = Concat(u"поток ", Digits(owner), u":");
+    TextView comma;
+    for (const Text& caption : FormCaptions(owner)) {
+        what += Concat(comma, u" открыто окно «", caption, u"»");
+        comma = u",";
+    }
+    if (!operations.empty()) what += Concat(comma, u" выполняется ", operations.front());
+    return what;
 }
 
 }  // namespace
 
-OneThread::OneThread() : entered_(Enter()) {}
+OneThread::OneThread(TextView operation) : entered_(Enter(operation)) {}
 
 OneThread::~OneThread() {
     const std::lock_guard lock(guard);
-    if (entered_) --operations;
+    if (entered_ && !operations.empty()) operations.pop_back();
 }
 
 void ShowWrongThread(TextView title) {
-    ::MessageBoxW(nullptr,
-                  L"Компонентом пользуется другой поток этой программы. Закройте окна компонента и "
-                  L"повторите; вызывать его нужно из того потока, где открыты его окна.",
-                  win32::Wide(title).c_str(), MB_OK | MB_ICONERROR | MB_TASKMODAL | MB_SETFOREGROUND);
+    const Text words = Concat(u"Компонентом пользуется другой поток этой программы (", WhatIsOpen(),
+                              u"). Закройте окна компонента и повторите; вызывать его нужно из того потока, "
+                              u"где открыты его окна.");
+    ::MessageBoxW(nullptr, win32::Wide(words).c_str(), win32::Wide(title).c_str(),
+                  MB_OK | MB_ICONERROR | MB_TASKMODAL | MB_SETFOREGROUND);
 }
 
 }  // namespace tav

@@ -1,6 +1,6 @@
 // The rule that the component works on one thread at a time: the one whose operation runs, or whose windows
 // are there. Its state and its windows are for one thread; COM holds to that only hosts that pass objects on
-// by its rules. When nothing runs and no window is left, another thread may be the next.
+// by its rules. When nothing runs and no window is left, or the thread has ended, another may be the next.
 #pragma once
 
 #include "common/text.h"
@@ -10,7 +10,8 @@ namespace tav {
 // An operation of the present thread, for as long as it lives.
 class OneThread {
  public:
-    OneThread();
+    // `operation`: its name, for whoever is refused meanwhile. It outlives the operation.
+    explicit OneThread(TextView operation);
     ~OneThread();
     OneThread(const OneThread&) = delete;
     OneThread& operator=(const OneThread&) = delete;
@@ -22,7 +23,8 @@ class OneThread {
     const bool entered_;
 };
 
-// Tells the user that the operation was refused, in a box of the present thread.
+// Tells the user, in a box of the present thread, that the operation was refused, which
+// thread has the component and what it has open.
 void ShowWrongThread(TextView title);
 
 }  // namespace tav

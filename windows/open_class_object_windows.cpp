@@ -1,8 +1,10 @@
 #include "open_class_object_windows.h"
 
+#include "common/concat.h"
 #include "common/guard.h"
 #include "dispatch_windows.h"
 #include "one_thread_windows.h"
+#include "platform/floating_point_windows.h"
 #include "type_library_windows.h"
 #include "ui/screen.h"
 
@@ -24,9 +26,11 @@ Date DateOf(DATE date) {
 
 // The border: not even a failure to show a failure gets across.
 template <class Operation>
-HRESULT Succeed(TextView title, Operation&& operation) noexcept {
+HRESULT Succeed(TextView name, Operation&& operation) noexcept {
+    const win32::OwnFloatingPoint own;
     try {
-        if (const OneThread thread; thread) {
+        const Text title = Concat(u"Ошибка в функции ", name);
+        if (const OneThread thread(name); thread) {
             UseWindowsIfAny();  // for what is wrong with an argument, too
             Guarded(title, operation);
         } else {
@@ -83,36 +87,37 @@ HRESULT OpenClassObject::GetClassInfo(ITypeInfo** info) {
 }
 
 HRESULT OpenClassObject::GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID, DISPID* ids) {
+    const win32::OwnFloatingPoint own;
     if (reserved != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
     return dispatch::IdsOfNames(names, count, ids);
 }
 
 HRESULT OpenClassObject::Invoke(DISPID member, REFIID reserved, LCID locale, WORD flags,
                                 DISPPARAMS* arguments, VARIANT* result, EXCEPINFO*, UINT* wrong_argument) {
+    const win32::OwnFloatingPoint own;  // arguments are converted here
     if (reserved != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
     if (result != nullptr) ::VariantInit(result);
     return dispatch::Invoke(*this, member, locale, flags, arguments, wrong_argument);
 }
 
 HRESULT OpenClassObject::start(BSTR inn, BSTR kpp, DATE vdm) {
-    return Succeed(u"Ошибка в функции Start",
-                   [&] { component_.start(TextOf(inn), TextOf(kpp), DateOf(vdm)); });
+    return Succeed(u"Start", [&] { component_.start(TextOf(inn), TextOf(kpp), DateOf(vdm)); });
 }
 
 HRESULT OpenClassObject::view_v_id(SHORT id) {
-    return Succeed(u"Ошибка в функции View_V_ID", [&] { component_.view_v_id(id); });
+    return Succeed(u"View_V_ID", [&] { component_.view_v_id(id); });
 }
 
 HRESULT OpenClassObject::import(BSTR inn, BSTR kpp) {
-    return Succeed(u"Ошибка в функции import", [&] { component_.import(TextOf(inn), TextOf(kpp)); });
+    return Succeed(u"import", [&] { component_.import(TextOf(inn), TextOf(kpp)); });
 }
 
 HRESULT OpenClassObject::view_v(BSTR inn, BSTR kpp) {
-    return Succeed(u"Ошибка в функции View_V", [&] { component_.view_v(TextOf(inn), TextOf(kpp)); });
+    return Succeed(u"View_V", [&] { component_.view_v(TextOf(inn), TextOf(kpp)); });
 }
 
 HRESULT OpenClassObject::view_a(BSTR inn, BSTR kpp) {
-    return Succeed(u"Ошибка в функции View_A", [&] { component_.view_a(TextOf(inn), TextOf(kpp)); });
+    return Succeed(u"View_A", [&] { component_.view_a(TextOf(inn), TextOf(kpp)); });
 }
 
 }  // namespace tav

@@ -63,6 +63,8 @@ Failure CurrentFailure() {
         return Failure(RunTimeError::OutOfMemory);
     } catch (const std::exception& other) {
         return Failure(FromUtf8(other.what()));
+    } catch (...) {  // of another language, or of the processor
+        return Failure(u"Application-defined or object-defined error");
     }
 }
 

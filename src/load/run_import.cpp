@@ -48,6 +48,11 @@ Text RunningInn() {
     return running_inn;
 }
 
+void ForgetImport() {
+    running = false;
+    running_inn.clear();
+}
+
 void RefuseDuringImport() {
     if (running) throw FileInUse(getbase());
 }
@@ -59,10 +64,10 @@ ImportAccount LoadCatalogue(TextView catalogue, TextView inn, TextView kpp, Text
     return account;
 }
 
-ImportResult RunImport(const ImportFolders& folders, TextView inn, TextView kpp) {
+namespace {
+
+ImportResult ScanAndLoad(const ImportFolders& folders, TextView inn, TextView kpp) {
     ImportResult result;
-    if (running || folders.import.empty() || !PassCancelGuard()) return result;
-    const RunningImport this_one(inn);
     const ScanAccount scan = CheckXml(folders.import, folders.acts_as_xml);
     result.drops_text = scan.DropsText();
     const Text& catalogue = scan.catalogue;
@@ -73,6 +78,20 @@ ImportResult RunImport(const ImportFolders& folders, TextView inn, TextView kpp)
     result.account = LoadCatalogue(catalogue, inn, kpp, folders.move_to, &scan);
     result.outcome = ImportOutcome::Done;
     return result;
+}
+
+}  // namespace
+
+ImportResult RunImport(const ImportFolders& folders, TextView inn, TextView kpp) {
+    if (running || folders.import.empty() || !PassCancelGuard()) return {};
+    const RunningImport this_one(inn);
+    try {
+        return ScanAndLoad(folders, inn, kpp);
+    } catch (...) {
+        // What the processor raises leaves functions as they are, down to the next catch: without it the mark
+        // would stay.
+        throw CurrentFailure();
+    }
 }
 
 }  // namespace tav

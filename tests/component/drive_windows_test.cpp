@@ -9,6 +9,9 @@ namespace tav {
 namespace {
 
 using namespace test;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 class Drive : public Session {
@@ -18,7 +21,7 @@ class Drive : public Session {
         if (process_) process_->Kill();
     }
     void Begin() override {
-        process_.emplace("test_host", std::vector{std::string("start"), ToUtf8(kInn), ToUtf8(kKpp)});
+        process_.emplace("test_host", std::vector{kind_, std::string("start"), ToUtf8(kInn), ToUtf8(kKpp)});
         HWND window = nullptr;
         ASSERT_TRUE(
             Wait([&] { return (window = ::FindWindowW(L"TAV_OperationImport", nullptr)) != nullptr; }));
@@ -31,6 +34,8 @@ class Drive : public Session {
         const Outcome outcome = process_->Wait();
         EXPECT_EQ(outcome.status, 0) << outcome.err;
     }
+
+    std::string kind_ = "unmasked";  // of the host's floating point
 
  private:
     std::optional<Process> process_;
@@ -45,6 +50,7 @@ TEST_F(Drive, ImportCancelFilterClear) {
 // In the system's own window, which begins where it likes when there is no such folder.
 TEST_F(Drive, AFolderIsChosen) {
     WriteSetting(u"ImportPath", folder_ / u"gone");
+    kind_ = "single";
     Begin();
     Click(Main("cmdImport"));
     ASSERT_TRUE(Wait([] { return BoxOnScreen().has_value(); }));
@@ -56,11 +62,24 @@ TEST_F(Drive, AFolderIsChosen) {
     ExpectHostLeaves();
 }
 
+TEST_F(Drive, NothingGrowsInAHostThatLoadsOpensAndClosesAgainAndAgain) {
+    const Outcome outcome = RunProgram("test_host", {"cycles", ToUtf8(kInn), ToUtf8(kKpp)});
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_EQ(outcome.out, "");
+}
+
 TEST_F(Drive, AHostWithoutWindowsLeavesAtOnce) {
     Somebody somebody;
     EXPECT_EQ(RunProgram("test_host", {"view_a", ToUtf8(kInn), ToUtf8(kKpp)}).status, 0);
+    for (const char* kind : {"unmasked", "single"}) {
+        WriteStatements(3);
+        const Outcome outcome = RunProgram("test_host", {kind, "import", ToUtf8(kInn), ToUtf8(kKpp)});
+        EXPECT_EQ(outcome.status, 0) << kind << outcome.err;
+        DeleteFile(folder_ / u"in/listfiles.xml");  // throws when it is missing
+    }
     EXPECT_THAT(somebody.Leave(),
-                StartsWith("Сводная справка: В базе данных для выбранного налогоплательщика"));
+                AllOf(StartsWith("Сводная справка: В базе данных для выбранного налогоплательщика"),
+                      Not(HasSubstr("Ошибка"))));
     EXPECT_EQ(RunProgram("test_host", {"view_x"}).status, 1);
 }
 

@@ -40,7 +40,7 @@ class Host : public testing::Test {
         WriteSetting(u"ImportPath", folder_ / u"in");
         WriteSetting(u"ExportPath", u"C:\\отчёты");
         Make()->import(inn_.get(), kpp_.get());
-        WaitUntilGone();
+        EXPECT_EQ(library_.CanUnloadNow(), S_OK);  // the progress window has not waited for messages
     }
     void WaitUntilGone() const {
         EXPECT_TRUE(test::Wait([&] { return library_.CanUnloadNow() == S_OK; }));
@@ -110,7 +110,28 @@ TEST_F(Host, OfASecondThreadIsRefusedWhileTheFirstHasWindows) {
     WaitUntilGone();
     OnAnotherThread([&] { Make()->import(inn_.get(), kpp_.get()); });
     EXPECT_THAT(somebody_.Leave(), AllOf(StartsWith("Ошибка в функции import: Компонентом пользуется другой"),
+                                         HasSubstr("поток " + std::to_string(::GetCurrentThreadId()) +
+                                                   ": открыто окно «Групповой импорт"),
                                          Not(HasSubstr("\nОшибка"))));
+}
+
+// As by another process: the component waits for a while, and says it once.
+TEST_F(Host, OfASecondProcessIsToldOnceThatTheDatabaseIsHeld) {
+    const auto hold = [&] { return win32::OpenFile(folder_ / u"PlX_Base.mdb", GENERIC_READ, 0); };
+    {
+        win32::Handle holder = hold();
+        std::thread lets_go([&] {
+            ::Sleep(1500);
+            holder.Close();
+        });
+        Make()->import(inn_.get(), kpp_.get());
+        lets_go.join();
+    }
+    const win32::Handle holder = hold();
+    Make()->import(inn_.get(), kpp_.get());
+    const std::string said = somebody_.Leave();
+    EXPECT_THAT(said, AllOf(StartsWith("Ошибка в функции LoadFromXml: "), HasSubstr("file already in use"),
+                            Not(HasSubstr("\nОшибка"))));
 }
 
 // A host may destroy what it finds on its thread.

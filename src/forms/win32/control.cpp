@@ -3,6 +3,7 @@
 #include <array>
 
 #include "common/concat.h"
+#include "platform/floating_point_windows.h"
 
 namespace tav {
 
@@ -23,6 +24,7 @@ void ControlWin::MakeWindow(const wchar_t* window_class, DWORD style, DWORD ex_s
 
 // No exception may cross the system's code between two of our procedures. Only memory can be short here.
 LRESULT CALLBACK ControlWin::Procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam) {
+    const win32::OwnFloatingPoint own;
     auto& control = *reinterpret_cast<ControlWin*>(::GetWindowLongPtrW(hwnd, GWLP_USERDATA));
     const Running running(control.host_);
     try {

@@ -8,6 +8,7 @@
 #include "forms/win32/shown_forms.h"
 #include "forms/win32/theme.h"
 #include "forms/win32/tool_tips.h"
+#include "platform/floating_point_windows.h"
 
 namespace tav {
 namespace {
@@ -121,6 +122,7 @@ void FormWindowWin::MakeControls() {
 }
 
 LRESULT CALLBACK FormWindowWin::Procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam) {
+    const win32::OwnFloatingPoint own;
     if (message == WM_NCCREATE) {
         auto* form = static_cast<FormWindowWin*>(reinterpret_cast<CREATESTRUCTW*>(lparam)->lpCreateParams);
         form->hwnd_ = hwnd;

@@ -4,6 +4,7 @@
 
 #include "forms/win32/form_window.h"
 #include "forms/win32/message_loop.h"
+#include "platform/floating_point_windows.h"
 
 namespace tav {
 namespace {
@@ -22,6 +23,7 @@ Forms& All() {
 
 // A key that a form has used up reaches the host's loop as a message that means nothing.
 LRESULT CALLBACK OnMessageTaken(int code, WPARAM removed, LPARAM taken) {
+    const win32::OwnFloatingPoint own;
     auto& message = *reinterpret_cast<MSG*>(taken);
     if (code == HC_ACTION && (removed & PM_REMOVE) != 0 && message.message >= WM_KEYFIRST &&
         message.message <= WM_KEYLAST) {
@@ -45,6 +47,17 @@ int OpenForms() {
 
 bool HasForms(DWORD thread) {
     return std::ranges::any_of(win32::ThreadWindows(thread), IsOurs);
+}
+
+std::vector<Text> FormCaptions(DWORD thread) {
+    std::vector<Text> captions;
+    for (HWND window : win32::ThreadWindows(thread)) {
+        wchar_t caption[256] = L"";
+        if (!IsOurs(window) || !::IsWindowVisible(window)) continue;
+        const int length = ::InternalGetWindowText(window, caption, static_cast<int>(std::size(caption)));
+        captions.push_back(win32::FromWide({caption, static_cast<std::size_t>(length)}));
+    }
+    return captions;
 }
 
 void FormMade(FormWindowWin* form) {

@@ -14,6 +14,8 @@ int OpenForms();
 inline constexpr wchar_t kFormClass[] = L"TAV_OperationImport";
 // Whether that thread has windows of forms; to be asked by any thread.
 bool HasForms(DWORD thread);
+// The captions of those on the screen; asks nothing of that thread, which may be busy.
+std::vector<Text> FormCaptions(DWORD thread);
 
 void FormMade(FormWindowWin* form);
 void FormGone(FormWindowWin* form);
