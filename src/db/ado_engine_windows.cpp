@@ -7,6 +7,8 @@
 #include "common/database_failure.h"
 #include "common/guard.h"
 #include "common/regional.h"
+#include "db/literals.h"
+#include "db/qualified_columns.h"
 #include "platform/automation_windows.h"
 
 namespace tav {
@@ -26,6 +28,12 @@ constexpr TextView kStatesOfStatement[] = {u"3022", u"3058", u"3061", u"3075", u
                                            u"3163", u"3190", u"3200", u"3201", u"3314", u"3315",
                                            u"3316", u"3317", u"3349", u"3421", u"3464"};
 
+// Those of an open or a statement that somebody else's use of the file is in the way of.
+constexpr TextView kStatesOfUse[] = {u"3006", u"3045", u"3050", u"3196", u"3356"};
+
+// A clear of a large database locks every page of a table at once; a provider begins with 9,500 locks.
+constexpr long kMostLocks = 1'000'000;
+
 // The connection string, whose opening names Jet, with another provider.
 Text With(TextView connection_string, TextView provider) {
     constexpr TextView kJet = u"Microsoft.Jet.OLEDB.4.0";
@@ -37,7 +45,7 @@ Text With(TextView connection_string, TextView provider) {
 }
 
 // A statement that returns no rows returns a closed record set.
-ResultTable ReadAll(Object& set) {
+ResultTable ReadAll(Object set) {
     constexpr long kOpen = 1;
     ResultTable table;
     if (!set || (set.Get(L"State").lVal & kOpen) == 0) return table;
@@ -69,13 +77,17 @@ class AdoEngine : public Engine {
         const Variant text(With(request.connection_string, provider));
         const Variant nobody(u"");
         const Variant options(kUnspecified);
-        connection_.Call(L"Open", {&text, &nobody, &nobody, &options});
+        try {
+            connection_.Call(L"Open", {&text, &nobody, &nobody, &options});
+        } catch (const Failure& failure) {
+            if (IsAmong(kStatesOfUse)) throw Failure(RunTimeError::FileInUse, failure.description());
+            throw;
+        }
+        if (!request.for_reading) AllowManyLocks();
+        RefuseForeignReading();
     }
 
-    Recordset Execute(const SqlText& sql) override {
-        Object set = Ask(sql);
-        return Recordset(ReadAll(set));
-    }
+    Recordset Execute(const SqlText& sql) override { return Recordset(ReadAll(Ask(sql))); }
     std::vector<TextSize> TextSizes(TextView table) override {
         constexpr long kTexts[] = {129, 130, 200, 202};  // the kinds of text that have a size
         Object set = Ask(SqlText(Concat(u"select * from ", table, u" where id=0")));
@@ -99,18 +111,53 @@ class AdoEngine : public Engine {
 
  private:
     Object Ask(const SqlText& sql) {
-        const Variant text(sql.Doubled());
+        const Variant text(QualifiedColumns(sql.Doubled()));
         try {
             return Object(connection_.Call(L"Execute", {&text}));
         } catch (const Failure& failure) {
-            if (IsOfStatement()) throw failure.In(provider_);
+            if (IsAmong(kStatesOfStatement)) throw failure.In(provider_);
             throw DatabaseFailure(failure.In(provider_));
         }
     }
 
-    // Whether the provider's last error is one of the statement and its values; what says nothing about itself
-    // is taken for one of the database.
-    bool IsOfStatement() {
+    // A provider that lacks the property does without it.
+    void AllowManyLocks() {
+        GuardedBy(
+            [&] {
+                Object properties(connection_.Get(L"Properties"));
+                const Variant name(u"Jet OLEDB:Max Locks Per File");
+                Object(properties.Get(L"Item", {&name})).Put(L"Value", Variant(kMostLocks));
+            },
+            [](const Failure&) {});
+    }
+
+    // Dates and numbers stand in the statements as texts, which the provider reads by settings of its own: a
+    // month taken for a day would be stored without a word.
+    void RefuseForeignReading() {
+        const Text number = ToLocalNumber(u"1.5");
+        bool right = false;
+        Text why;
+        GuardedBy(
+            [&] {
+                const ResultTable answer =
+                    ReadAll(Ask(SqlText(Concat(u"select cdate('01.02.2011'), cdbl('", number, u"')"))));
+                const auto* date = std::get_if<Date>(&answer.rows.at(0).at(0));
+                const auto* half = std::get_if<double>(&answer.rows.at(0).at(1));
+                right = date != nullptr && *date == DateFromCivil({2011, 2, 1}) && half != nullptr &&
+                        *half == 1.5;
+            },
+            [&](const Failure& failure) { why = Concat(u": ", failure.description()); });
+        if (right) return;
+        throw Failure(
+            Concat(u"Провайдер читает даты и числа иначе, чем они записаны в документах (1 февраля 2011 — "
+                   u"01.02.2011, полтора — ",
+                   number, u"); проверьте региональные настройки", why));
+    }
+
+    // Whether the number of the provider's last error is one of these. What says nothing about itself is none
+    // of them, and a statement's failure then one of the database.
+    template <std::size_t count>
+    bool IsAmong(const TextView (&states)[count]) {
         bool found = false;
         GuardedBy(
             [&] {
@@ -119,7 +166,7 @@ class AdoEngine : public Engine {
                 const Variant first(0L);
                 Object error(errors.Get(L"Item", {&first}));
                 const Text state = ValueText(win32::ValueOf(error.Get(L"SQLState")));
-                found = std::ranges::find(kStatesOfStatement, state) != std::end(kStatesOfStatement);
+                found = std::ranges::find(states, state) != std::end(states);
             },
             [](const Failure&) {});
         return found;

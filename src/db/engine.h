@@ -49,7 +49,8 @@ struct OpenRequest {
 // The best engine there is.
 std::unique_ptr<Engine> OpenEngine(const OpenRequest& request);
 
-// Which one that is: the provider's name, or "native".
+// Which one that is for the database of the settings: the provider's name, or "native"; after it, in
+// parentheses, why a provider that the machine has is not used for it.
 Text EngineInUse();
 
 // "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=", which the full path of the database file follows.

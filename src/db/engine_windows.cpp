@@ -1,30 +1,62 @@
-#include "common/failure.h"
+#include "common/concat.h"
+#include "common/guard.h"
 #include "db/ado_engine_windows.h"
+#include "db/connection.h"
 #include "db/engine.h"
 #include "db/native_engine.h"
 #include "platform/win32_windows.h"
+#include "settings/settings.h"
 
 namespace tav {
 namespace {
 
 constexpr TextView kNative = u"native";
 
-}  // namespace
+// TAV_ENGINE=native has the native one also where there is a provider: for trials.
+Text FirstChoice() {
+    const Text provider = win32::Variable(L"TAV_ENGINE") == kNative ? Text() : AdoProvider();
+    return provider.empty() ? Text(kNative) : provider;
+}
 
-// A machine without a provider has nobody to share the file with either: the native engine opens it alone.
-std::unique_ptr<Engine> OpenEngine(const OpenRequest& request) {
-    const Text engine = EngineInUse();
+struct Opened {
+    std::unique_ptr<Engine> engine;
+    Text name;
+};
+
+// A machine without a provider has nobody to share the file with either: the native engine opens it alone. It
+// does so, too, where the provider is no use for this file (a form it does not know, texts that it reads by
+// other settings); but a file that somebody holds is for whoever shares it.
+Opened Open(const OpenRequest& request) {
+    const Text provider = FirstChoice();
     try {
-        return engine == kNative ? OpenNativeEngine(request) : OpenAdoEngine(request, engine);
+        if (provider != kNative) return {OpenAdoEngine(request, provider), provider};
     } catch (const Failure& failure) {
-        throw failure.In(engine);
+        if (failure.error() == RunTimeError::FileInUse) throw failure.In(provider);
+        try {
+            const Text why = Concat(kNative, u" (", provider, u": ", failure.description(), u")");
+            return {OpenNativeEngine(request), why};
+        } catch (const Failure&) {
+            throw failure.In(provider);
+        }
+    }
+    try {
+        return {OpenNativeEngine(request), provider};
+    } catch (const Failure& failure) {
+        throw failure.In(provider);
     }
 }
 
-// TAV_ENGINE=native has the native one also where there is a provider: for trials.
+}  // namespace
+
+std::unique_ptr<Engine> OpenEngine(const OpenRequest& request) {
+    return Open(request).engine;
+}
+
 Text EngineInUse() {
-    const Text provider = win32::Variable(L"TAV_ENGINE") == kNative ? Text() : AdoProvider();
-    return provider.empty() ? Text(kNative) : provider;
+    Text name = FirstChoice();
+    const Text connection_string = ConnectionString(getbase());
+    GuardedBy([&] { name = Open({connection_string, 2, true}).name; }, [](const Failure&) {});
+    return name;
 }
 
 }  // namespace tav

@@ -8,6 +8,7 @@
 #include "common/get_next.h"
 #include "common/regional.h"
 #include "db/connection.h"
+#include "db/literals.h"
 #include "settings/session.h"
 
 namespace tav {
@@ -81,8 +82,7 @@ std::vector<HeldDocument> HeldDocuments(TextView database, TextView inn, TextVie
     std::vector<HeldDocument> documents;
     for (Recordset rows = connection.Execute(sql); !rows.Eof(); rows.MoveNext()) {
         HeldDocument document = HeldDocumentOf(rows);
-        const auto* id = std::get_if<std::int64_t>(&rows.Field(u"id"));
-        document.id = id == nullptr ? 0 : *id;
+        document.id = WholeNumberOf(rows.Field(u"id")).value_or(0);
         document.inn = ValueText(rows.Field(u"h1"));
         documents.push_back(std::move(document));
     }

@@ -1,5 +1,7 @@
 #include "db/literals.h"
 
+#include <cmath>
+
 #include "common/concat.h"
 #include "common/guard.h"
 #include "common/regional.h"
@@ -73,6 +75,15 @@ Value isn(const Value& value) {
         if (!IsNull(value)) result = value;
     });
     return result;
+}
+
+std::optional<std::int64_t> WholeNumberOf(const Value& value) {
+    constexpr double kExact = 9007199254740992;  // whole numbers below are exact
+    if (const auto* whole = std::get_if<std::int64_t>(&value)) return *whole;
+    const auto* number = std::get_if<double>(&value);
+    if (number == nullptr || !(std::abs(*number) <= kExact) || *number != std::trunc(*number))
+        return std::nullopt;
+    return static_cast<std::int64_t>(*number);
 }
 
 Text isns(const Value& value) {

@@ -10,6 +10,8 @@
 // 0, empty text or false.
 #pragma once
 
+#include <optional>
+
 #include "common/text.h"
 #include "common/value.h"
 
@@ -17,6 +19,10 @@ namespace tav {
 
 // 0 for Null, every other value unchanged.
 Value isn(const Value& value);
+
+// A whole number, of whatever kind its column is ("id" may be a Double in a host's table); none for anything
+// else.
+std::optional<std::int64_t> WholeNumberOf(const Value& value);
 
 // The value as text, empty for Null.
 Text isns(const Value& value);

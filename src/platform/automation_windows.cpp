@@ -53,7 +53,8 @@ Value ValueOf(const VARIANT& variant) {
         case VT_I4:
         case VT_UI4:
         case VT_I8:
-        case VT_INT: {
+        case VT_INT:
+        case VT_UINT: {
             Variant number;
             if (FAILED(::VariantChangeType(&number, &source, 0, VT_I8))) break;
             return std::int64_t{number.llVal};
@@ -61,13 +62,14 @@ Value ValueOf(const VARIANT& variant) {
         case VT_R4:
         case VT_R8:
         case VT_CY:
+        case VT_UI8:
         case VT_DECIMAL: {
             Variant number;
             if (FAILED(::VariantChangeType(&number, &source, 0, VT_R8))) break;
             return number.dblVal;
         }
-        default:
-            break;
+        default:  // bytes, objects, what a host's table has besides
+            return Null{};
     }
     throw Failure(RunTimeError::TypeMismatch);
 }

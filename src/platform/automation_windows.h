@@ -44,6 +44,7 @@ class Variant : public VARIANT {
 };
 
 // What a field of a record set holds: Null, whole number, double, date or text; a truth value is -1 or 0.
+// Bytes and objects are Null: no procedure asks for them.
 Value ValueOf(const VARIANT& variant);
 
 // A reference to an object. What an object refuses is a Failure with its own description.

@@ -11,7 +11,7 @@ Text FieldText(const Recordset& row, TextView field) {
 }
 
 std::int64_t WholeNumber(const Recordset& row, TextView field) {
-    if (const auto* number = std::get_if<std::int64_t>(&row.Field(field))) return *number;
+    if (const auto number = WholeNumberOf(row.Field(field))) return *number;
     throw Failure(RunTimeError::TypeMismatch, field);
 }
 

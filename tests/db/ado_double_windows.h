@@ -12,12 +12,21 @@
 
 namespace tav::test {
 
+// How strict the provider is, beyond what the native engine asks for.
+struct ProviderHabits {
+    bool month_first = false;    // reads "01.02.2011" as the second of January, and "1,5" as fifteen
+    bool circular = false;       // refuses a column whose name an alias of its select has
+    bool whole_doubles = false;  // gives whole numbers as doubles
+    Text refusal = {};           // what it says instead of opening a file
+    Text refusal_state = {};     // the number of that
+};
+
 class AdoDouble {
  public:
-    AdoDouble();
+    explicit AdoDouble(const ProviderHabits& habits = {});
 
-    // "CursorLocation=3", "Open text|user|password|options",
-    // "Execute text", "Close", in the order of the calls.
+    // "CursorLocation=3", "Open text|user|password|options", "Max Locks=1000000", "Execute text", "Close", in
+    // the order of the calls, without the question how the provider reads texts.
     static std::vector<Text>& Calls();
 
  private:

@@ -4,7 +4,9 @@
 #include <map>
 #include <memory>
 
+#include "common/concat.h"
 #include "common/database_failure.h"
+#include "common/get_next.h"
 #include "common/regional.h"
 #include "db/native_engine.h"
 #include "platform/automation_windows.h"
@@ -67,12 +69,42 @@ Variant Truth(bool truth) {
     return variant;
 }
 
+ProviderHabits& Habits() {
+    static ProviderHabits habits;
+    return habits;
+}
+
+// The texts of a select list in front of each of which is a column that one of its aliases names.
+void RefuseCircular(TextView sql) {
+    constexpr TextView kFrom = u" from ";
+    for (std::size_t at = 0; (at = sql.find(u"select ", at)) != TextView::npos; ++at) {
+        const TextView list = sql.substr(at, sql.find(kFrom, at) - at);
+        TextView rest = list;
+        for (GetNext(rest, u" as "); !rest.empty(); GetNext(rest, u" as ")) {
+            const TextView alias = rest.substr(0, rest.find_first_of(u" ,"));
+            for (const TextView before : {u" ", u",", u"("}) {
+                const Text used = Concat(before, alias);
+                for (const TextView after : {u" ", u",", u")"}) {
+                    const auto found = list.find(Concat(used, after));
+                    if (found == TextView::npos || list.substr(0, found).ends_with(u" as")) continue;
+                    throw Failure(Concat(u"Circular reference caused by alias '", alias,
+                                         u"' in query definition's SELECT list."));
+                }
+            }
+        }
+    }
+}
+
 // As the provider gives them: whole numbers as VT_I4, dates as VT_DATE.
 Variant VariantOf(const Value& value) {
     Variant variant;
     variant.vt = VT_NULL;
     if (const auto* text = std::get_if<Text>(&value)) return Variant(*text);
-    if (const auto* number = std::get_if<std::int64_t>(&value)) return Variant(static_cast<long>(*number));
+    if (const auto* number = std::get_if<std::int64_t>(&value)) {
+        Variant whole(static_cast<long>(*number));
+        if (Habits().whole_doubles) ::VariantChangeType(&whole, &whole, 0, VT_R8);
+        return whole;
+    }
     if (const auto* number = std::get_if<double>(&value)) {
         variant.vt = VT_R8;
         variant.dblVal = *number;
@@ -144,6 +176,30 @@ class ErrorsDouble : public Members {
     }
 };
 
+class PropertyDouble : public Members {
+ public:
+    explicit PropertyDouble(const Text& name) {
+        Add(L"Value", [=](const auto& arguments) {
+            AdoDouble::Calls().push_back(Concat(name, u"=", TextOf(arguments.at(0))));
+            return Variant();
+        });
+    }
+};
+
+class PropertiesDouble : public Members {
+ public:
+    PropertiesDouble() {
+        Add(L"Item",
+            [](const auto& arguments) { return Given(new PropertyDouble(TextOf(arguments.at(0)))); });
+    }
+};
+
+Recordset HowTextsAreRead() {
+    const bool wrong = Habits().month_first;
+    const Date date = *DateFromCivil({2011, wrong ? 1 : 2, wrong ? 2 : 1});
+    return Recordset({{u"Expr1000", u"Expr1001"}, {{date, wrong ? 15.0 : 1.5}}});
+}
+
 class ConnectionDouble : public Members {
  public:
     ConnectionDouble() {
@@ -155,13 +211,18 @@ class ConnectionDouble : public Members {
             Text call = u"Open ";
             for (const VARIANT& argument : arguments) call += TextOf(argument) + u"|";
             AdoDouble::Calls().push_back(call);
+            state_ = Habits().refusal_state;
+            if (!Habits().refusal.empty()) throw Failure(Habits().refusal);
             const Text text = TextOf(arguments.at(0));
             engine_ = OpenNativeEngine({text, 2, false});
             return Variant();
         });
         Add(L"Execute", [this](const auto& arguments) {
             const Text text = TextOf(arguments.at(0));
+            if (text.starts_with(u"select cdate('01.02.2011')"))
+                return Given(new RecordsetDouble(HowTextsAreRead(), {}));
             AdoDouble::Calls().push_back(u"Execute " + text);
+            if (Habits().circular) RefuseCircular(text);
             state_.clear();
             try {
                 return Given(new RecordsetDouble(engine_->Execute(SqlText(text)), SizesOf(text)));
@@ -170,6 +231,7 @@ class ConnectionDouble : public Members {
                 throw;
             }
         });
+        Add(L"Properties", [](const auto&) { return Given(new PropertiesDouble); });
         Add(L"Errors", [this](const auto&) { return Given(new ErrorsDouble(state_)); });
         Add(L"BeginTrans", [this](const auto&) { return Noted(u"BeginTrans", &Engine::SetSavepoint); });
         Add(L"CommitTrans", [this](const auto&) { return Noted(u"CommitTrans", &Engine::ReleaseSavepoint); });
@@ -213,11 +275,12 @@ std::vector<Text>& AdoDouble::Calls() {
 }
 
 // The machine has the first key, its own class in it, and lacks the second.
-AdoDouble::AdoDouble()
+AdoDouble::AdoDouble(const ProviderHabits& habits)
     : ado_(L"Software\\Classes\\ADODB.Connection\\CLSID", kId),
       jet_(L"Software\\Classes\\Microsoft.Jet.OLEDB.4.0\\CLSID", kId),
       class_(kDouble, [] { return new ConnectionDouble; }) {
     Calls().clear();
+    Habits() = habits;
 }
 
 }  // namespace tav::test

@@ -2,6 +2,8 @@
 
 #include "db/ado_double_windows.h"
 #include "db/database_fixture.h"
+#include "db/holdings.h"
+#include "db/literals.h"
 #include "db/native_engine.h"
 #include "platform/win32_windows.h"
 
@@ -14,6 +16,7 @@ using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::SizeIs;
 
 class Ado : public OperationsDatabase {
  protected:
@@ -69,16 +72,56 @@ TEST_F(Ado, ReadingSetsTheCursorsFirstAndGivesTheValuesTheirKinds) {
     EXPECT_EQ(AdoDouble::Calls().front(), u"CursorLocation=3");
 }
 
-TEST_F(Ado, AnImportEndsAsWithTheNativeEngine) {
+// Also with a provider that takes an alias for its column, and gives whole numbers as doubles.
+TEST_F(Ado, AnImportAndItsReportsEndAsWithTheNativeEngine) {
     LoadBoth();
+    ConstrTabTypeOper(database_);
     const auto native = Everything();
+    const auto held = HeldDocuments(database_, {}, {}).size();
     clearbaseAll(database_);
     {
-        const AdoDouble ado;
+        const AdoDouble ado({.circular = true, .whole_doubles = true});
         LoadBoth();
+        ConstrTabTypeOper(database_);
+        EXPECT_EQ(HeldDocuments(database_, {}, {}).at(held - 1).id, static_cast<std::int64_t>(held));
+        EXPECT_THAT(AdoDouble::Calls(), testing::Contains(u"Jet OLEDB:Max Locks Per File=1000000"));
+        EXPECT_THAT(AdoDouble::Calls(),
+                    testing::Contains(
+                        u"Execute select max(tav_operations_type.tid) as tid from tav_operations_type"));
     }
     EXPECT_EQ(Everything(), native);
     EXPECT_THAT(Shown(), IsEmpty());
+}
+
+// One that cannot be used for the file leaves it to the native engine, if nobody else has it.
+TEST_F(Ado, AProviderThatIsNoUseForTheFileIsReplaced) {
+    WriteSetting(u"DataBasePath", folder_.path());
+    LoadBoth();
+    const ProviderHabits habits[] = {{.month_first = true}, {.refusal = u"Unrecognized database format."}};
+    for (const ProviderHabits& habit : habits) {
+        const AdoDouble ado(habit);
+        EXPECT_EQ(HeldDocuments(database_, {}, {}).size(), 2U);
+        EXPECT_THAT(ToUtf8(EngineInUse()), testing::StartsWith("native (Microsoft.Jet.OLEDB.4.0: "));
+        const Text text = ConnectionString(database_);
+        const auto user = OpenNativeEngine({text, 2, false});
+        clearbaseAll(database_);
+    }
+    EXPECT_THAT(Shown(),
+                ElementsAre(HasSubstr("Провайдер читает даты"), HasSubstr("Unrecognized database format")));
+    const AdoDouble ado({.refusal = u"Could not use it; file already in use.", .refusal_state = u"3045"});
+    clearbaseAll(database_);
+    EXPECT_THAT(Shown(), SizeIs(3));
+}
+
+TEST_F(Ado, WhatNoProcedureAsksForIsPassedOver) {
+    win32::Variant bytes;
+    bytes.parray = ::SafeArrayCreateVector(VT_UI1, 0, 3);
+    bytes.vt = VT_ARRAY | VT_UI1;
+    EXPECT_TRUE(IsNull(win32::ValueOf(bytes)));
+    win32::Variant number;
+    number.vt = VT_UI8;
+    number.ullVal = 5;
+    EXPECT_EQ(WholeNumberOf(win32::ValueOf(number)), 5);
 }
 
 TEST_F(Ado, TheNativeEngineIsUsedWhereItIsAskedFor) {

@@ -7,6 +7,7 @@
 #include "common/regional.h"
 #include "db/connection.h"
 #include "db/empty_database.h"
+#include "db/qualified_columns.h"
 #include "support/support.h"
 
 namespace tav {
@@ -19,19 +20,30 @@ Text Shown(const Value& value) {
     return ValueText(value);
 }
 
-Text Answer(Connection& connection, TextView statements) {
+Text Answer(Connection& connection, TextView sql) {
+    Text out;
+    try {
+        for (Recordset rows = connection.Execute(sql); !rows.Eof(); rows.MoveNext()) {
+            for (std::size_t i = 0; i < rows.FieldCount(); ++i)
+                out.append(i == 0 ? u"" : u" | ").append(Shown(rows.Field(i)));
+            out += u'\n';
+        }
+    } catch (const Failure& failure) {
+        out.append(u"! ").append(failure.description()).append(u"\n");
+    }
+    return out;
+}
+
+// What a provider is asked instead of a text that only reads returns the same.
+Text Answers(Connection& connection, TextView statements) {
     Text out;
     while (!statements.empty()) {
         const TextView sql = GetNext(statements, u"\n");
-        try {
-            for (Recordset rows = connection.Execute(sql); !rows.Eof(); rows.MoveNext()) {
-                for (std::size_t i = 0; i < rows.FieldCount(); ++i)
-                    out.append(i == 0 ? u"" : u" | ").append(Shown(rows.Field(i)));
-                out += u'\n';
-            }
-        } catch (const Failure& failure) {
-            out.append(u"! ").append(failure.description()).append(u"\n");
+        const Text answer = Answer(connection, sql);
+        if (sql.starts_with(u"select")) {
+            EXPECT_EQ(Answer(connection, QualifiedColumns(Text(sql))), answer);
         }
+        out += answer;
     }
     return out;
 }
@@ -43,7 +55,7 @@ TEST(Statements, EverySqlTextOfTheSystem) {
     Connection connection;
     connection.Open(ConnectionString(path));
     test::ExpectTranscript("db/statements.txt",
-                           [&](TextView statements) { return Answer(connection, statements); });
+                           [&](TextView statements) { return Answers(connection, statements); });
 }
 
 }  // namespace
