@@ -6,14 +6,12 @@
 #include "common/progress.h"
 #include "common/windows1251.h"
 #include "platform/files.h"
-#include "platform/locked_file.h"
 #include "xml/encoding.h"
 
 namespace tav {
 namespace {
 
 constexpr std::string_view kAllOpening = "<all>";
-constexpr std::string_view kAllClosingLine = "</all>\r\n";
 constexpr std::string_view kItemClosing = "</item>";
 constexpr std::string_view kActual = "actual";
 
@@ -49,28 +47,6 @@ std::string BroughtToForm(TextView path, std::string bytes) {
 }
 
 }  // namespace
-
-std::optional<std::vector<Text>> CurrentFilesOfHead(TextView path) {
-    constexpr std::size_t kPiece = 256 * 1024;
-    const LockedFile file(path, LockedFile::Access::Read);
-    const std::uint64_t size = file.Size();
-    std::string tail(kAllClosingLine.size(), '\0');
-    if (size < tail.size()) return std::nullopt;
-    file.ReadAt(size - tail.size(), tail.data(), tail.size());
-    if (tail != kAllClosingLine) return std::nullopt;
-
-    std::string head;
-    std::size_t closing = head.npos;
-    while (closing == head.npos && head.size() < size) {
-        const std::size_t before = head.size();
-        head.resize(static_cast<std::size_t>(std::min<std::uint64_t>(size, before + kPiece)));
-        file.ReadAt(before, head.data() + before, head.size() - before);
-        if (!head.starts_with(kCatalogueOpening)) return std::nullopt;
-        closing = head.find(kActualClosing, before - std::min(before, kActualClosing.size()));
-    }
-    if (closing == head.npos) return std::nullopt;
-    return ReadItems(head);
-}
 
 Catalogue Catalogue::Load(TextView path) {
     Catalogue catalogue;

@@ -19,7 +19,6 @@
 // Windows-1251) is an XmlFailure that names the file and the reason.
 #pragma once
 
-#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -39,10 +38,6 @@ inline constexpr std::string_view kCatalogueOpening =
 inline constexpr std::string_view kActualOpening = "<actual>\r\n";
 inline constexpr std::string_view kActualClosing = "</actual>\r\n";
 inline constexpr std::string_view kAllClosing = "</all>";
-
-// The files listed at the head, read from the head alone. No value when the file cannot be trusted that far:
-// it does not end as a whole catalogue does, or its head is not as written here.
-std::optional<std::vector<Text>> CurrentFilesOfHead(TextView path);
 
 // Parts and the tree they stand in.
 struct CatalogueParts {

@@ -13,6 +13,10 @@ namespace {
 
 constexpr std::string_view kFileClosing = "</file>";
 constexpr std::string_view kNameClosing = "</name>";
+// The elements of texts: <p01></p01>.
+constexpr std::size_t kValueName = sizeof "p01" - 1;
+constexpr std::size_t kOpening = sizeof "<p01>" - 1;
+constexpr std::size_t kBothTags = sizeof "<p01></p01>" - 1;
 
 // Where the closing tag of an element ends whose text begins at `at` and holds no "<"; npos when it has
 // more in it.
@@ -42,9 +46,16 @@ std::size_t EndOfPlainValue(std::string_view text, std::size_t at) {
     return closes ? closing + TagSize + 1 : text.npos;
 }
 
+// A value's element has so many bytes, its tags included.
+void NoteLength(CatalogueEntry& entry, std::string_view opening, std::size_t bytes) {
+    std::size_t& longest = opening == "<p09>" ? entry.longest_kind : entry.longest_other;
+    longest = std::max(longest, bytes - kBothTags);
+}
+
 // Passes over the elements <p01>text</p01>, <h01> and <p0001>, of which nearly all of a catalogue
 // consists: where the first other tag at or after `at` begins; the text's end when there is none.
-std::size_t PassValues(std::string_view text, std::size_t at) {
+// The lengths of their texts are noted in the entry.
+std::size_t PassValues(std::string_view text, std::size_t at, CatalogueEntry& entry) {
     constexpr std::size_t kShort = sizeof "<p01>" - 1;
     constexpr std::size_t kLong = sizeof "<p0001>" - 1;
     while (true) {
@@ -57,6 +68,7 @@ std::size_t PassValues(std::string_view text, std::size_t at) {
         if (tag[kLong - 1] == '>' && IsDigit(tag[4]) && IsDigit(tag[5]))
             end = EndOfPlainValue<kLong>(text, at);
         if (end == text.npos) return at;
+        NoteLength(entry, text.substr(at, kShort), end - at);
         at = end;
     }
 }
@@ -81,7 +93,7 @@ class EntryReader {
 
     CatalogueEntry Read() {
         while (!open_.empty()) {
-            const MarkupTag tag = NextTag(text_, PassValues(text_, at_));
+            const MarkupTag tag = NextTag(text_, PassValues(text_, at_, entry_));
             if (EndsBefore(tag)) {
                 entry_.end = tag.name.empty() ? text_.size() : tag.begin;
                 Refuse(u"запись обрывается, не закрыт " + Markup(u"<", open_.back().name), entry_.end);
@@ -107,7 +119,7 @@ class EntryReader {
     }
 
     void Open(const MarkupTag& tag) {
-        if (open_.size() == 1 && tag.name == "part") entry_.has_part = true;
+        if (open_.size() == 1 && tag.name == "part") ++entry_.parts;
         if (open_.size() == 1 && tag.name == "name" && entry_.name.empty()) {
             const std::string_view name = NameFrom(text_, tag.end);
             entry_.name = FromWindows1251(WithoutEntities(name));
@@ -133,6 +145,9 @@ class EntryReader {
             Refuse(Markup(u"</", tag.name) + u" стоит там, где нужен " + Markup(u"</", open_.back().name),
                    tag.begin);
         } else if (open_.size() > 1) {
+            const std::size_t begin = open_.back().begin;
+            if (tag.name.size() == kValueName)
+                NoteLength(entry_, text_.substr(begin, kOpening), tag.end - begin);
             open_.pop_back();
         }
         if (tag.name != "file") return;
@@ -140,8 +155,7 @@ class EntryReader {
         open_.clear();
         const std::size_t line = text_.find_last_not_of('\t', tag.begin - 1);
         const std::size_t tabs = tag.begin - 1 - line;
-        entry_.dropped_text = (tabs & static_cast<unsigned>(EntryNote::DroppedText)) != 0;
-        entry_.cut_off = (tabs & static_cast<unsigned>(EntryNote::CutOff)) != 0;
+        entry_.notes = static_cast<EntryNotes>(tabs);
     }
 
     void Refuse(Text fault, std::size_t at) {
@@ -180,10 +194,8 @@ std::string AsXml(std::string_view catalogue, const CatalogueEntry& entry) {
            AsXml(catalogue.substr(entry.name_end, entry.end - entry.name_end));
 }
 
-std::string WithNotes(std::string entry, bool dropped_text, bool cut_off) {
-    const unsigned tabs = (dropped_text ? static_cast<unsigned>(EntryNote::DroppedText) : 0) +
-                          (cut_off ? static_cast<unsigned>(EntryNote::CutOff) : 0);
-    return entry.insert(entry.rfind(kFileClosing), tabs, '\t');
+std::string WithNotes(std::string entry, EntryNotes notes) {
+    return entry.insert(entry.rfind(kFileClosing), notes, '\t');
 }
 
 std::string WithAllClosed(std::string entry) {

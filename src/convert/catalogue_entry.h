@@ -22,7 +22,14 @@ enum class EntryNote : unsigned {
     None = 0,
     DroppedText = 1,  // a page hid visible text after its last closing brace
     CutOff = 2,       // the document ended inside a group
+    Again = 4,        // converted again, with another result: the file had been changed
+    Arithmetic = 8,   // a line's balance does not follow from the line before it (balance_faults.h)
 };
+// Several of them.
+using EntryNotes = unsigned;
+inline EntryNotes NoteIf(bool holds, EntryNote note) {
+    return holds ? static_cast<EntryNotes>(note) : 0;
+}
 
 struct CatalogueEntry {
     Text name;                   // of the document
@@ -30,13 +37,15 @@ struct CatalogueEntry {
     std::size_t name_end = 0;
     std::size_t begin = 0;  // at the "<" of <file>
     std::size_t end = 0;    // after </file>
-    bool has_part = false;
-    bool dropped_text = false;
-    bool cut_off = false;
-    Text fault;                // for a person: why it cannot be read; else empty
-    std::size_t fault_at = 0;  // where
+    int parts = 0;
+    EntryNotes notes = 0;
+    std::size_t longest_kind = 0;   // how many bytes its longest kind of payment (p09) has
+    std::size_t longest_other = 0;  // the same of all other fields and cells
+    Text fault;                     // for a person: why it cannot be read; else empty
+    std::size_t fault_at = 0;       // where
 
     bool IsReadable() const { return fault.empty(); }
+    bool Has(EntryNote note) const { return (notes & static_cast<EntryNotes>(note)) != 0; }
 };
 
 // The entry whose <file> is that tag of the catalogue.
@@ -46,7 +55,7 @@ CatalogueEntry ReadEntry(std::string_view catalogue, const MarkupTag& file);
 std::string AsXml(std::string_view catalogue, const CatalogueEntry& entry);
 
 // The entry, one element from <file> to the line end after </file>, with its notes.
-std::string WithNotes(std::string entry, bool dropped_text, bool cut_off);
+std::string WithNotes(std::string entry, EntryNotes notes);
 
 // The entry of a document that was cut off, all its elements closed. The row that was not finished goes,
 // or of an act the last amount: they may be half of what they were.

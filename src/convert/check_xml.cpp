@@ -12,6 +12,7 @@
 #include "common/guard.h"
 #include "common/progress.h"
 #include "common/windows1251.h"
+#include "convert/balance_faults.h"
 #include "convert/catalogue.h"
 #include "convert/conversion.h"
 #include "convert/document_glance.h"
@@ -95,6 +96,7 @@ class Scan {
         if (state_.documents.empty()) return true;
         if (!state_.all_settled && !Update()) return false;
         account_.catalogue = path_;
+        account_.read = std::move(state_.catalogue);
         ShowDroppedText(account_.files);
         return true;
     }
@@ -183,11 +185,16 @@ void Scan::Take(const ListedDocument& document, Conversion conversion) {
     }
     if (!entry.empty()) {
         if (file.cut_off) entry = WithAllClosed(std::move(entry));
-        entry = WithNotes(std::move(entry), file.dropped_text, file.cut_off);
+        entry =
+            WithNotes(std::move(entry), NoteIf(file.dropped_text, EntryNote::DroppedText) +
+                                            NoteIf(file.cut_off, EntryNote::CutOff) +
+                                            NoteIf(!BalanceFaults(entry).empty(), EntryNote::Arithmetic) +
+                                            NoteIf(HasNote(document, EntryNote::Again), EntryNote::Again));
         const CatalogueEntry read = ReadEntry(entry, TagAt(entry, 0));
-        if (read.has_part) file.found = read.IsReadable() ? Found::Document : Found::Broken;
+        if (read.parts > 0) file.found = read.IsReadable() ? Found::Document : Found::Broken;
         if (file.found == Found::Broken) file.reason = u"Документ разобран не до конца: " + read.fault;
-        converted_ += entry;
+        const bool other = document.listed_before && before != entry && !HasNote(document, EntryNote::Again);
+        converted_ += other ? WithNotes(entry, NoteIf(true, EntryNote::Again)) : entry;
     }
     if (file.found == Found::Nothing) file.reason = WhyNothing(folder_ + file.name, file.cut_off);
     if (document.listed_before && before == entry) file.state = State::Settled;
@@ -227,7 +234,7 @@ ScanAccount CheckXml(TextView folder, std::optional<bool> acts_as_xml) {
     bool complete = false;
     Guarded(u"Ошибка в функции CheckXml",
             [&] { complete = Scan(WithSeparator(folder), acts_as_xml, account).Run(); });
-    return complete ? account : ScanAccount{};
+    return complete ? std::move(account) : ScanAccount{};
 }
 
 }  // namespace tav

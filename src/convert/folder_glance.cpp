@@ -30,6 +30,7 @@ ScanAccount GlanceAtFolder(TextView folder, std::optional<bool> acts_as_xml) {
     account.unnamable = std::move(state.unnamable);
     account.unlisted_acts = CountUnlistedActs(path, state);
     for (const ListedDocument& document : state.documents) account.files.push_back(Glance(path, document));
+    account.read = std::move(state.catalogue);
     if (!account.files.empty()) account.catalogue = path + Text(kCatalogueName);
     return account;
 }

@@ -88,12 +88,17 @@ int CountUnlistedActs(TextView folder, const FolderState& state) {
     return static_cast<int>(std::ranges::count_if(state.unlisted_xml, is_act));
 }
 
+bool HasNote(const ListedDocument& document, EntryNote note) {
+    return std::ranges::any_of(document.entries,
+                               [&](const CatalogueEntry* entry) { return entry->Has(note); });
+}
+
 ScannedFile SettledFile(const ListedDocument& document) {
     ScannedFile file{.name = document.name, .state = ScannedFile::State::Settled};
-    const auto any = [&](bool CatalogueEntry::*fact) { return std::ranges::any_of(document.entries, fact); };
-    if (!any(&CatalogueEntry::has_part)) file.found = ScannedFile::Found::Nothing;
-    file.dropped_text = any(&CatalogueEntry::dropped_text);
-    file.cut_off = any(&CatalogueEntry::cut_off);
+    const auto has_part = [](const CatalogueEntry* entry) { return entry->parts > 0; };
+    if (std::ranges::none_of(document.entries, has_part)) file.found = ScannedFile::Found::Nothing;
+    file.dropped_text = HasNote(document, EntryNote::DroppedText);
+    file.cut_off = HasNote(document, EntryNote::CutOff);
     return file;
 }
 

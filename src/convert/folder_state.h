@@ -40,6 +40,9 @@ FolderState ReadFolderState(TextView folder, std::optional<bool> acts_as_xml);
 // How many of the XML files that are not listed look like acts.
 int CountUnlistedActs(TextView folder, const FolderState& state);
 
+// Whether an entry of the document has the note.
+bool HasNote(const ListedDocument& document, EntryNote note);
+
 // What the catalogue says of a settled document.
 ScannedFile SettledFile(const ListedDocument& document);
 

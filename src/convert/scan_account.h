@@ -6,9 +6,11 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <optional>
 #include <vector>
 
 #include "common/text.h"
+#include "convert/catalogue.h"
 
 namespace tav {
 
@@ -44,6 +46,8 @@ struct ScanAccount {
     // Full path of listfiles.xml; empty when the folder holds no document, after a cancel and after a failure
     // that was shown.
     Text catalogue;
+    // The catalogue as it was read, where it stayed as it was.
+    std::optional<Catalogue> read;
     std::vector<ScannedFile> files;  // in the order of the listing
     // Files that cannot be listed: Windows-1251, or one line, cannot hold their names.
     std::vector<Text> unnamable;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <unordered_set>
 
 #include "common/concat.h"
 
@@ -37,7 +38,7 @@ bool IsOneOf(TextView inn, TextView inns) {
 class Examples {
  public:
     void Add(const Text& text) {
-        if (std::ranges::find(texts_, text) == texts_.end()) texts_.push_back(text);
+        if (known_.insert(text).second) texts_.push_back(text);
     }
     bool empty() const { return texts_.empty(); }
     Text Joined() const {
@@ -52,6 +53,7 @@ class Examples {
 
  private:
     std::vector<Text> texts_;
+    std::unordered_set<Text> known_;
 };
 
 // Nothing in the folder is the taxpayer's.
@@ -90,6 +92,10 @@ std::span<const FindingText> FindingTexts() {
 
 const FindingText& TextOf(Finding finding) {
     return kTexts[static_cast<std::size_t>(finding)];
+}
+
+Remark OtherTaxpayer(const Text& inn, const Text& kpp) {
+    return {Finding::OtherTaxpayer, Text(u"ИНН ").append(inn).append(u", КПП ").append(kpp), inn, kpp};
 }
 
 const Remark* FileAccount::Find(Finding finding) const {

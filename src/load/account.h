@@ -59,10 +59,13 @@ struct Remark {
     bool operator==(const Remark&) const = default;
 };
 
+// A document of that taxpayer where another one's are looked for.
+Remark OtherTaxpayer(const Text& inn, const Text& kpp);
+
 struct FileAccount {
-    Text name;         // of the file, without its folder
-    bool now = false;  // it was this import that brought it into the database
-    std::vector<Remark> remarks = {};
+    Text name;                         // of the file, without its folder
+    bool now = false;                  // it was this import that brought it into the database
+    std::vector<Remark> remarks = {};  // in the order of the findings
 
     // The first remark with that finding, or none.
     const Remark* Find(Finding finding) const;

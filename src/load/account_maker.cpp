@@ -11,11 +11,6 @@ void AccountMaker::Add(const Text& file, Remark remark) {
     if (std::ranges::find(remarks, remark) == remarks.end()) remarks.push_back(std::move(remark));
 }
 
-void AccountMaker::AddFirst(const Text& file, Remark remark) {
-    std::vector<Remark>& remarks = found_[file].remarks;
-    remarks.insert(remarks.begin(), std::move(remark));
-}
-
 void AccountMaker::AddScanned(const ScannedFile& file, bool held) {
     FileAccount& found = found_[file.name];
     const auto add_once = [&](Finding finding) {
@@ -26,14 +21,12 @@ void AccountMaker::AddScanned(const ScannedFile& file, bool held) {
     } else if (file.found == ScannedFile::Found::Nothing) {
         add_once(Finding::NotRecognised);
     }
-    if (held && !found.now && file.state == ScannedFile::State::Again) Add(file.name, {Finding::Changed});
-    if (file.cut_off) Add(file.name, {Finding::CutOff});
-    if (!file.dropped_text) return;
-    Text pages;
-    for (const std::size_t page : file.dropped_pages) {
-        pages.append(pages.empty() ? u"страницы: " : u", ").append(Digits(static_cast<long long>(page)));
+    // Nothing was stored of such a document.
+    if (held && file.found == ScannedFile::Found::Nothing && file.state != ScannedFile::State::Unreadable) {
+        Add(file.name, {Finding::Changed});
     }
-    Add(file.name, {Finding::DroppedText, pages});
+    if (file.cut_off) Add(file.name, {Finding::CutOff});
+    if (file.dropped_text) Add(file.name, {Finding::DroppedText});
 }
 
 std::vector<Text> NoticesOf(const ScanAccount& scan) {
@@ -55,7 +48,8 @@ std::vector<FileAccount> AccountMaker::FilesOf(const std::vector<Text>& listed, 
     for (const Text& name : listed) {
         FileAccount& file = files.emplace_back();
         file.name = name;
-        if (const auto stored = held.find(UpperCase(name)); stored != held.end()) {
+        const auto stored = held.find(UpperCase(name));
+        if (stored != held.end()) {
             if (stored->second.current) file.remarks.push_back({Finding::Loaded});
             if (stored->second.superseded) file.remarks.push_back({Finding::Superseded});
         }
@@ -64,7 +58,14 @@ std::vector<FileAccount> AccountMaker::FilesOf(const std::vector<Text>& listed, 
             const std::vector<Remark>& remarks = found->second.remarks;
             file.remarks.insert(file.remarks.end(), remarks.begin(), remarks.end());
         }
+        if (stored != held.end()) {
+            for (const Remark& remark : stored->second.foreign) {
+                if (std::ranges::find(file.remarks, remark) == file.remarks.end())
+                    file.remarks.push_back(remark);
+            }
+        }
         if (file.remarks.empty()) file.remarks.push_back({Finding::New});
+        std::ranges::stable_sort(file.remarks, {}, &Remark::finding);
     }
     return files;
 }

@@ -14,14 +14,16 @@ std::vector<Text> NoticesOf(const ScanAccount& scan);
 
 class AccountMaker {
  public:
-    // A remark about a file, in the order in which they are to be told; the same one twice counts once.
+    // A remark about a file; the same one twice counts once.
     void Add(const Text& file, Remark remark);
-    // The same, to be told before what was added until now.
-    void AddFirst(const Text& file, Remark remark);
     // What a scan knows of the file, beside what was found of its documents.
     void AddScanned(const ScannedFile& file, bool held);
     // Something of the file has been stored now.
     void Stored(const Text& file) { found_[file].now = true; }
+    bool IsStored(const Text& file) const {
+        const auto found = found_.find(file);
+        return found != found_.end() && found->second.now;
+    }
     // What was found of the file, or that it was stored, is taken back.
     void Forget(const Text& file) { found_.erase(file); }
 

@@ -1,24 +1,25 @@
 #include "load/document_loader.h"
 
 #include "common/concat.h"
+#include "convert/balance_faults.h"
 
 namespace tav {
-namespace {
-
-Remark OtherTaxpayer(const Text& inn, const Text& kpp) {
-    return {Finding::OtherTaxpayer, Concat(u"ИНН ", inn, u", КПП ", kpp), inn, kpp};
-}
-
-}  // namespace
-
-DocumentLoader::Taken DocumentLoader::Take(const std::vector<Node>& parts, const Text& file) {
+DocumentLoader::Taken DocumentLoader::Take(const Catalogue& catalogue, const Text& file) {
     Taken taken;
-    for (const Node& part : parts) TakePart(part, file, taken);
+    const CatalogueParts entries = catalogue.PartsOf(file);
+    for (const Node& part : entries.parts) TakePart(part, file, taken);
+    if (taken.documents == 0) return taken;
+    for (const CatalogueEntry* const entry : catalogue.EntriesNamed(file)) {
+        for (const int line : BalanceFaults(catalogue.BytesOf(*entry))) {
+            account_.Add(file, {Finding::Arithmetic, Text(u"первая такая строка: ").append(Digits(line))});
+        }
+    }
     return taken;
 }
 
 // A part without an INN or a KPP belongs to nobody; one of a kind that nobody knows is passed over.
 void DocumentLoader::TakePart(Node part, const Text& file, Taken& taken) {
+    taken.any = true;
     const Node inn = part.SelectSingleNode(u"head/h01");
     const Node kpp = part.SelectSingleNode(u"head/h02");
     if (!inn || !kpp) return account_.Add(file, {Finding::NotRecognised, u"в документе нет ИНН или КПП"});

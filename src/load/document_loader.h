@@ -1,7 +1,8 @@
-// Takes the parts of one document after the other: those of the taxpayer go into the database, and what is to
+// Takes one document after the other: its parts that are the taxpayer's go into the database, and what is to
 // be said of each goes into the account.
 #pragma once
 
+#include "convert/catalogue.h"
 #include "load/account_maker.h"
 #include "load/part_loader.h"
 #include "load/taxpayer_choice.h"
@@ -15,12 +16,13 @@ class DocumentLoader {
         : taxpayer_(taxpayer), parts_(parts), account_(account) {}
 
     struct Taken {
+        bool any = false;   // there is a part
         bool own = false;   // a part is the taxpayer's
         int documents = 0;  // stored
         int rows = 0;       // stored
     };
     // What fails is thrown; the statements executed before stay.
-    Taken Take(const std::vector<Node>& parts, const Text& file);
+    Taken Take(const Catalogue& catalogue, const Text& file);
 
  private:
     void TakePart(Node part, const Text& file, Taken& taken);

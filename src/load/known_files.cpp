@@ -1,5 +1,7 @@
 #include "load/known_files.h"
 
+#include <algorithm>
+
 #include "db/literals.h"
 
 namespace tav {
@@ -11,13 +13,23 @@ KnownFiles ReadKnownFiles(Connection& connection) {
     return known;
 }
 
-HeldFiles ReadHeldFiles(Connection& connection) {
+HeldFiles ReadHeldFiles(Connection& connection, const TaxpayerChoice& taxpayer) {
     HeldFiles held;
-    Recordset headers = connection.Execute(u"select filename, h6, vid from tav_operations_header");
+    Recordset headers = connection.Execute(u"select filename, h6, vid, h1, h2 from tav_operations_header");
     for (; !headers.Eof(); headers.MoveNext()) {
         HeldOfFile& file = held[UpperCase(isns(headers.Field(0)))];
+        const Text inn = isns(headers.Field(3));
+        const Text kpp = isns(headers.Field(4));
+        if (!taxpayer.Owns(inn, kpp)) {
+            const Remark remark = OtherTaxpayer(inn, kpp);
+            if (std::ranges::find(file.foreign, remark) == file.foreign.end()) file.foreign.push_back(remark);
+            continue;
+        }
         const bool act = IsNull(headers.Field(1));
         (act || !IsNull(headers.Field(2)) ? file.current : file.superseded) = true;
+    }
+    for (auto& [name, file] : held) {
+        if (file.current || file.superseded) file.foreign.clear();
     }
     return held;
 }

@@ -3,9 +3,12 @@
 
 #include <unordered_map>
 #include <unordered_set>
+#include <vector>
 
 #include "common/text.h"
 #include "db/connection.h"
+#include "load/account.h"
+#include "load/taxpayer_choice.h"
 
 namespace tav {
 
@@ -14,15 +17,15 @@ using KnownFiles = std::unordered_set<Text>;
 
 KnownFiles ReadKnownFiles(Connection& connection);
 
-// What the database holds of a file: an act, or a statement that is the current one of its series; one that
-// is not.
+// What the database holds of a file.
 struct HeldOfFile {
-    bool current = false;
-    bool superseded = false;
+    bool current = false;     // an act of the taxpayer, or a statement that is the current one of its series
+    bool superseded = false;  // a statement that is not
+    std::vector<Remark> foreign;  // of a file that has documents of others only: whose
 };
 // By the upper-cased name.
 using HeldFiles = std::unordered_map<Text, HeldOfFile>;
 
-HeldFiles ReadHeldFiles(Connection& connection);
+HeldFiles ReadHeldFiles(Connection& connection, const TaxpayerChoice& taxpayer);
 
 }  // namespace tav

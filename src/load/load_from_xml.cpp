@@ -16,6 +16,7 @@
 #include "load/account_maker.h"
 #include "load/document_loader.h"
 #include "load/known_files.h"
+#include "load/rehearsals.h"
 #include "platform/files.h"
 #include "settings/session.h"
 
@@ -110,6 +111,7 @@ class Load {
 
  private:
     void LoadNewFiles();
+    const Catalogue& ReadCatalogue();
     std::vector<Text> NewFiles(const KnownFiles& known) const;
     void LoadFile(const Catalogue& catalogue, const Text& name, PartLoader& parts);
     void TakeBack(const Text& name, Finding finding, const Failure& failure);
@@ -124,6 +126,8 @@ class Load {
     Connection connection_;
     std::vector<Text> listed_;
     const ScanAccount* scan_ = nullptr;
+    const Catalogue* read_ = nullptr;
+    std::optional<Catalogue> own_catalogue_;
     AccountMaker found_;
 
     // What has been stored and not yet reached the disk.
@@ -153,21 +157,10 @@ void Load::LoadNewFiles() {
     const KnownFiles known = ReadKnownFiles(connection_);
     const Recordset highest = connection_.Execute(u"select max(id), max(vid) from tav_operations_header");
     const PartLoader::Numbers numbers{Counter(highest.Field(0)), Counter(highest.Field(1))};
-    PartLoader parts(connection_, PartLoader::Mode::Store, numbers);
+    PartLoader parts(connection_, numbers);
 
-    // When the database knows every current file, the head of the catalogue is all that is read.
-    std::vector<Text> names;
-    std::optional<Catalogue> catalogue;
-    auto listed = CurrentFilesOfHead(catalogue_);
-    if (listed) {
-        listed_ = std::move(*listed);
-        names = NewFiles(known);
-    }
-    if (!listed || !names.empty()) {
-        catalogue = Catalogue::Load(catalogue_);
-        listed_ = catalogue->CurrentFiles();
-        names = NewFiles(known);
-    }
+    const Catalogue& catalogue = ReadCatalogue();
+    const std::vector<Text> names = NewFiles(known);
 
     RemoveLeftovers(connection_, numbers.part.value());
     RemoveSuperseded(connection_, listed_);
@@ -178,11 +171,22 @@ void Load::LoadNewFiles() {
     for (const Text& name : names) {
         CurrentProgress().SetLoaded(looked_at++, static_cast<int>(names.size()));
         CurrentProgress().ProcessEvents();
-        LoadFile(*catalogue, name, parts);
+        LoadFile(catalogue, name, parts);
         if (++files < kFilesPerUnit && unit_rows_ < kRowsPerUnit) continue;
         EndUnit();
         files = 0;
     }
+}
+
+// The one that the scan has just read, if there is one.
+const Catalogue& Load::ReadCatalogue() {
+    if (scan_ != nullptr && scan_->read) {
+        read_ = &*scan_->read;
+    } else {
+        read_ = &own_catalogue_.emplace(Catalogue::Load(catalogue_));
+    }
+    listed_ = read_->CurrentFiles();
+    return *read_;
 }
 
 std::vector<Text> Load::NewFiles(const KnownFiles& known) const {
@@ -215,7 +219,12 @@ void Load::EndUnit() {
 // more it is passed over.
 void Load::TakeAccount() {
     HeldFiles held;
-    GuardedBy([&] { held = ReadHeldFiles(connection_); }, [](const Failure&) {});
+    GuardedBy(
+        [&] {
+            held = ReadHeldFiles(connection_, taxpayer_);
+            if (read_ != nullptr) Rehearsals(connection_, *read_, taxpayer_, found_).OfHeld(held);
+        },
+        [](const Failure&) {});
     if (scan_ != nullptr) {
         listed_.clear();
         for (const ScannedFile& file : scan_->files) {
@@ -234,11 +243,12 @@ void Load::LoadFile(const Catalogue& catalogue, const Text& name, PartLoader& pa
     DocumentLoader::Taken taken;
     Savepoint savepoint(connection_);
     try {
-        const CatalogueParts entries = catalogue.PartsOf(name);
-        if (entries.parts.empty()) {
-            found_.Add(name, {Finding::NotRecognised, GlanceAtDocument(FolderOf(catalogue_) + name).reason});
+        taken = DocumentLoader(taxpayer_, parts, found_).Take(catalogue, name);
+        if (!taken.any) {
+            const auto entries = catalogue.EntriesNamed(name);
+            const bool cut_off = !entries.empty() && entries.front()->Has(EntryNote::CutOff);
+            found_.Add(name, {Finding::NotRecognised, WhyNothing(FolderOf(catalogue_) + name, cut_off)});
         }
-        taken = DocumentLoader(taxpayer_, parts, found_).Take(entries.parts, name);
         savepoint.Keep();
     } catch (const XmlFailure& failure) {
         savepoint.RollBack();

@@ -5,7 +5,6 @@
 
 #include "common/concat.h"
 #include "common/failure.h"
-#include "common/regional.h"
 #include "db/literals.h"
 #include "settings/settings.h"
 
@@ -62,27 +61,6 @@ bool InSection2(TextView element) {
     return name.size() >= 2 && name[1] == u'2';
 }
 
-BalanceLine BalancesOf(const ColumnValues& row) {
-    BalanceLine line;
-    for (const auto& [column, text] : row.items()) {
-        const TextView digits = column->digits();
-        if (digits == kRecordDateDigits) {
-            line.dated = true;
-        } else if (digits == u"09") {
-            line.kind = text;
-        } else if (digits == u"10") {
-            line.charged = ParseMoney(ToLocalNumber(text));
-        } else if (digits == u"11") {
-            line.paid = ParseMoney(ToLocalNumber(text));
-        } else if (digits == u"13") {
-            line.balance = ParseMoney(ToLocalNumber(text));
-        } else if (digits == u"14") {
-            line.total_balance = ParseMoney(ToLocalNumber(text));
-        }
-    }
-    return line;
-}
-
 // " and perb= #01/01/2011#". The year stands bare in the statement, so it must be one.
 Text FirstOfJanuary(TextView year) {
     const bool digits = std::ranges::all_of(year, [](char16_t c) { return c >= u'0' && c <= u'9'; });
@@ -98,9 +76,9 @@ LoadSwitches ReadLoadSwitches() {
             SettingSwitch(u"SpActOb")};
 }
 
-PartLoader::PartLoader(Connection& connection, Mode mode, const Numbers& highest)
+PartLoader::PartLoader(Connection& connection, const Numbers& highest, Rehearsal rehearsal)
     : connection_(connection),
-      mode_(mode),
+      rehearsal_(std::move(rehearsal)),
       switches_(ReadLoadSwitches()),
       numbers_(highest),
       head_(CatalogueTable::Header, connection.TextSizes(u"tav_operations_header")),
@@ -108,7 +86,7 @@ PartLoader::PartLoader(Connection& connection, Mode mode, const Numbers& highest
       amounts_(CatalogueTable::Acts) {}
 
 void PartLoader::Execute(const SqlText& sql) {
-    if (mode_ == Mode::Store) connection_.Execute(sql);
+    rehearsal_ ? rehearsal_(sql) : void(connection_.Execute(sql));
 }
 
 void PartLoader::Collect(Node parent, ColumnValues& values) {
@@ -158,7 +136,6 @@ PartOutcome PartLoader::LoadStatement(Node part, TextView file_name) {
 // Once an amount has counted, every later line is stored, zero or not.
 void PartLoader::LoadRow(Node row, Reading& reading) {
     Collect(row, row_);
-    reading.balances.Add(BalancesOf(row_));
     CutToSize(row_, reading);
     Insert insert(u"insert into tav_operations (id", numbers_.part.value());
     bool ignored = switches_.dated_lines_only != 0;
@@ -208,10 +185,11 @@ void PartLoader::LoadStatementHeader(Node head, TextView file_name, Reading& rea
         }
     }
     header.Add(u"pere", period_end);
-    header.Column(u"vid");
     current.Fixed(FirstOfJanuary(Right(period_end, kYearCharacters)));
-    if (mode_ == Mode::Rehearse) return;
-    header.Literal(VersionLiteral(current, period_end));
+    if (!rehearsal_) {
+        header.Column(u"vid");
+        header.Literal(VersionLiteral(current, period_end));
+    }
     if (reading.outcome.stored) Execute(header.Statement());
 }
 
@@ -247,10 +225,6 @@ PartOutcome PartLoader::Finish(Reading& reading) {
             fields.append(Digits(static_cast<long long>(length))).append(u")");
         }
         outcome.remarks.push_back({Finding::Shortened, fields});
-    }
-    if (const auto fault = reading.balances.FirstFault()) {
-        outcome.remarks.push_back(
-            {Finding::Arithmetic, Text(u"первая такая строка: ").append(Digits(*fault))});
     }
     return std::move(outcome);
 }

@@ -9,6 +9,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 
 #include "common/text.h"
@@ -16,7 +17,6 @@
 #include "load/account.h"
 #include "load/column_values.h"
 #include "load/counter.h"
-#include "load/running_balances.h"
 #include "xml/document.h"
 
 namespace tav {
@@ -38,10 +38,9 @@ struct PartOutcome {
 
 class PartLoader {
  public:
-    enum class Mode {
-        Store,
-        Rehearse  // finds out what would be stored, and executes nothing
-    };
+    // Takes the inserts that a part would come to, in their order, without the number of a series. A loader
+    // that has one executes nothing.
+    using Rehearsal = std::function<void(const SqlText& insert)>;
     // What numbers are given out from.
     struct Numbers {
         Counter part;
@@ -49,7 +48,7 @@ class PartLoader {
     };
 
     // `highest`: the highest numbers there are.
-    PartLoader(Connection& connection, Mode mode, const Numbers& highest);
+    PartLoader(Connection& connection, const Numbers& highest, Rehearsal rehearsal = {});
 
     PartOutcome LoadAct(Node part, TextView file_name);
     PartOutcome LoadStatement(Node part, TextView file_name);
@@ -64,7 +63,6 @@ class PartLoader {
         bool nonzero = false;                    // an amount has counted
         std::vector<SqlText> held;               // lines before that, which have an amount
         std::map<Text, std::size_t> long_texts;  // columns whose texts were cut, and the longest one's length
-        RunningBalances balances;
         PartOutcome outcome;
     };
 
@@ -77,7 +75,7 @@ class PartLoader {
     static PartOutcome Finish(Reading& reading);
 
     Connection& connection_;
-    Mode mode_;
+    Rehearsal rehearsal_;
     LoadSwitches switches_;
     Numbers numbers_;
     ColumnValues head_;

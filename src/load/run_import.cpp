@@ -1,9 +1,11 @@
 #include "load/run_import.h"
 
 #include "common/failure.h"
+#include "common/guard.h"
 #include "convert/check_xml.h"
 #include "load/constr_tab_type_oper.h"
 #include "platform/environment.h"
+#include "platform/files.h"
 #include "settings/session.h"
 #include "settings/settings.h"
 
@@ -26,6 +28,14 @@ class RunningImport {
     RunningImport(const RunningImport&) = delete;
     RunningImport& operator=(const RunningImport&) = delete;
 };
+
+// What killed imports and reports have left there.
+void RemoveLeftoversIn(TextView folder) {
+    if (folder.empty()) return;
+    for (const StampedFile& file : ListFilesWithStamps(folder, IsLeftover)) {
+        RemoveLeftover(WithSeparator(folder).append(file.name));
+    }
+}
 
 }  // namespace
 
@@ -59,6 +69,13 @@ void RefuseDuringImport() {
 
 ImportAccount LoadCatalogue(TextView catalogue, TextView inn, TextView kpp, TextView move_folder,
                             const ScanAccount* scan) {
+    // The scan has seen to the documents' folder.
+    GuardedBy(
+        [&] {
+            for (const Text& folder : {Text(move_folder), FolderOf(getbase()), ExportFolder()})
+                RemoveLeftoversIn(folder);
+        },
+        [](const Failure&) {});
     ImportAccount account = LoadFromXml(catalogue, getbase(), inn, kpp, move_folder, scan);
     if (account.complete || account.documents > 0) ConstrTabTypeOper(getbase());
     return account;

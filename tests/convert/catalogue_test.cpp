@@ -61,7 +61,7 @@ TEST(CatalogueEntries, AreReadableExactlyWhenTheirTreeIs) {
     const CatalogueEntry entry = ReadEntry(whole, TagAt(whole, 0));
     EXPECT_EQ(entry.name, u"a & b.rtf");
     EXPECT_EQ(entry.end, whole.size());
-    EXPECT_TRUE(entry.has_part);
+    EXPECT_EQ(entry.parts, 1);
 }
 
 class Catalogues : public testing::Test {
@@ -112,26 +112,6 @@ TEST_F(Catalogues, EditedByHandAreBroughtToForm) {
         EXPECT_THROW(Catalogue::Load(Write(absent)), XmlFailure) << absent;
     }
     EXPECT_THROW(Catalogue::Load(folder_ / u"none.xml"), Failure);
-}
-
-TEST_F(Catalogues, HeadIsTrustedWhenTheFileIsWhole) {
-    EXPECT_THAT(CurrentFilesOfHead(Write(kWhole)).value(), ElementsAre(u"б.rtf", u"a & b.rtf"));
-    for (const std::string& bytes :
-         {std::string(), std::string("</all>\r\n"), kWhole.substr(0, kWhole.size() - 1), kWhole + " ",
-          " " + kWhole, std::string(kCatalogueOpening) + "</all>\r\n"}) {
-        EXPECT_EQ(CurrentFilesOfHead(Write(bytes)), std::nullopt) << bytes;
-    }
-    // A head longer than one piece, its end at every place around the border of two.
-    std::string head(kCatalogueOpening);
-    head += kActualOpening;
-    while (head.size() < 256 * 1024 - 100)
-        head += "\t<item>" + std::to_string(head.size()) + ".rtf</item>\r\n";
-    const auto items = static_cast<std::size_t>(std::count(head.begin(), head.end(), '\t'));
-    for (std::size_t end = 256 * 1024 - 3; end < 256 * 1024 + 14; ++end) {
-        std::string bytes = head + std::string(end - kActualClosing.size() - head.size(), ' ');
-        bytes.append(kActualClosing).append(kTwo).append("</all>\r\n");
-        EXPECT_EQ(CurrentFilesOfHead(Write(bytes)).value().size(), items);
-    }
 }
 
 }  // namespace

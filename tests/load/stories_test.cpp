@@ -1,6 +1,7 @@
 // Stories of a folder: what is put into it, taken out and changed, and what every import says of it.
 //
-//   put NAME statement|zero|act|division|foreign BEGIN END     a document of that period, of the sample taxpayer or not
+//   put NAME KIND BEGIN END     a document of that period: statement, act; zero (its amounts), long (the tax's name),
+//                               fault (of a balance); of a division, of a foreign taxpayer, of both (and a division)
 //   text NAME WORDS      cut NAME BYTES      remove NAME       a file with other contents, only its beginning, none
 //   switch NAME VALUE    sql STATEMENT                         a setting; what the host does to the database
 //   import [INN [KPP]]   status [INN [KPP]]                    the account: files that came in now with a "+"
@@ -82,10 +83,20 @@ class Story : public test::OperationsDatabase {
         const auto day = [&] { return CivilFromDate(*ParseDate(GetNext(line, u" "))); };
         const samples::Period period{day(), day()};
         if (kind == u"act") return samples::MakeActRtf({.period = period}).bytes;
-        samples::StatementOptions options{.period = period, .rows = 3, .all_zero = kind == u"zero"};
+        samples::StatementOptions options{.period = period, .rows = 12, .all_zero = kind == u"zero"};
+        if (kind == u"fault") options.rows = 30;
+        if (kind == u"long") options.tax.name = Text(300, u'я');
         if (kind == u"division") options.taxpayer = samples::DivisionTaxpayer();
         if (kind == u"foreign") options.taxpayer = samples::OtherTaxpayer();
-        return samples::MakeStatement(options).bytes;
+        std::string bytes = samples::MakeStatement(options).bytes;
+        if (kind == u"fault")
+            bytes.insert(bytes.rfind("}\\par}", bytes.find("\\posx13707", bytes.size() / 2)), "1");
+        if (kind == u"both") {
+            options.taxpayer = samples::DivisionTaxpayer();
+            const std::string second = samples::MakeStatement(options).bytes;
+            bytes.replace(bytes.rfind('}'), 1, "\\page").append(second, second.find("{\\pard"));
+        }
+        return bytes;
     }
 
     void List(const Text& name, TextView line) {

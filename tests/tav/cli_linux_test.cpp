@@ -44,24 +44,34 @@ TEST_F(LinuxCli, IndependentReadersSeeTheSame) {
 
 TEST_F(LinuxCli, AFullDiskLosesNothing) {
     samples::SampleFolder(folder_ / u"in/");
+    samples::ManyFiles(folder_ / u"in/", 150);  // so that some reach the disk before it is full
     Create();
+    ASSERT_EQ(Tav({"scan", Path(u"in")}).status, 0);
     const auto size = static_cast<rlim_t>(ReadFile(folder_ / u"PlX_Base.mdb").size());
-    for (const rlim_t room : {rlim_t{0}, rlim_t{8192}, rlim_t{40000}}) {
-        const Outcome outcome = Tav(ImportArguments(), [&] {
+    std::vector<std::string> arguments = ImportArguments();
+    arguments.push_back("--json");
+    for (const rlim_t room : {rlim_t{0}, rlim_t{8192}, rlim_t{40000}, rlim_t{250000}}) {
+        const std::size_t before = Dump()["tav_operations_header"].size();
+        const Outcome outcome = Tav(arguments, [&] {
             ::signal(SIGXFSZ, SIG_IGN);
             const rlimit limit{size + room, size + room};
             ::setrlimit(RLIMIT_FSIZE, &limit);
         });
         EXPECT_EQ(outcome.status, 1) << room;
+        EXPECT_EQ(std::ranges::count(outcome.err, '\n'), 1) << outcome.err;
+        if (!outcome.out.empty()) {
+            EXPECT_EQ(Json::parse(outcome.out)["documents"], Dump()["tav_operations_header"].size() - before);
+        }
         ExpectWhole();
     }
+    EXPECT_GT(Dump()["tav_operations_header"].size(), 0U);
     EXPECT_EQ(Import().status, 0);
-    const Json interrupted = Content();
+    const Json interrupted = Content()["tav_operations_header"];
     DeleteFile(folder_ / u"PlX_Base.mdb");
     DeleteFile(folder_ / u"in/listfiles.xml");
     Create();
     EXPECT_EQ(Import().status, 0);
-    EXPECT_EQ(Content(), interrupted);
+    EXPECT_EQ(Content()["tav_operations_header"], interrupted);
 }
 
 TEST_F(LinuxCli, CtrlCCancels) {

@@ -1,6 +1,8 @@
 // The program from outside: what a person or a script sees.
 
 #include <chrono>
+#include <filesystem>
+#include <set>
 #include <thread>
 
 #include "jet/bad_databases.h"
@@ -157,23 +159,44 @@ TEST_F(Cli, TwoImportsAtOnce) {
     }
 }
 
+// Whatever a killed import has left, the next one ends with the same database, account and files.
 TEST_F(Cli, AKillAtAnyMomentLosesNothing) {
-    samples::ManyFiles(folder_ / u"in/", 60);
+    samples::SampleFolder(folder_ / u"in/");
+    samples::ManyFiles(folder_ / u"in/", 40);
+    const std::string good = samples::MakeStatement({.seed = 30}).bytes;
+    folder_.Write(u"in/cut off.rtf", good.substr(0, good.size() / 2));
+    std::string faulty = good;
+    for (std::size_t at; (at = faulty.find("31.12.2010")) != faulty.npos;) faulty.replace(at, 2, "32");
+    folder_.Write(u"in/faulty.rtf", faulty);
+    ASSERT_EQ(Tav({"settings", "set", "ExportPath", Path(u"reports")}).status, 0);
+    std::vector<std::string> arguments = ImportArguments();
+    arguments.push_back("--json");
+    const auto imported = [&] {
+        const Outcome outcome = Tav(arguments);
+        EXPECT_EQ(outcome.status, 1);  // because of the faulty one
+        ExpectWhole();
+        Json account = Json::parse(outcome.out);
+        for (Json& file : account["files"]) file.erase("now");
+        std::set<std::filesystem::path> files;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(Path(u"")))
+            files.insert(entry.path());
+        return std::tuple{account["counts"], account["files"], Content(), files};
+    };
     Create();
-    ASSERT_EQ(Import().status, 0);
-    const Json whole = Content();
+    folder_.Write(u"reports/x", "");
+    const auto whole = imported();
     for (int kill = 1; kill <= 12; ++kill) {
         DeleteFile(folder_ / u"PlX_Base.mdb");
         if (kill % 2 == 0) DeleteFile(folder_ / u"in/listfiles.xml");
         Create();
-        test::Process import("tav", ImportArguments());
-        std::this_thread::sleep_for(std::chrono::milliseconds(4 * kill));
+        for (const TextView folder : {u"", u"in/", u"reports/"})
+            folder_.Write(Text(folder).append(u".tav-123456"), "");
+        test::Process import("tav", arguments);
+        std::this_thread::sleep_for(std::chrono::milliseconds(6 * kill));
         import.Kill();
         import.Wait();
         ExpectWhole();
-        ASSERT_EQ(Import().status, 0);
-        ExpectWhole();
-        EXPECT_EQ(Content(), whole) << kill;
+        EXPECT_TRUE(imported() == whole) << kill;
     }
 }
 

@@ -1,0 +1,115 @@
+#include "convert/balance_faults.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <unordered_map>
+
+#include "convert/catalogue_markup.h"
+
+namespace tav {
+namespace {
+
+using Amount = std::optional<std::int64_t>;  // in ten-thousandths
+
+constexpr int kDecimals = 4;
+constexpr int kMostFaults = 10;  // one line in so many
+
+// "-1 234.50"; none of a text that is no such number, or too large.
+Amount AmountOf(std::string_view text) {
+    constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max() / 1'000'000;
+    const bool negative = text.starts_with('-');
+    std::int64_t amount = 0;
+    int digits = 0;
+    int decimals = -1;
+    for (const char c : text.substr(negative ? 1 : 0)) {
+        if (c == ' ' || c == '\xA0') continue;
+        if ((c == '.' || c == ',') && decimals < 0) {
+            decimals = 0;
+            continue;
+        }
+        if (c < '0' || c > '9' || decimals == kDecimals || amount > kMost) return std::nullopt;
+        amount = 10 * amount + (c - '0');
+        ++digits;
+        if (decimals >= 0) ++decimals;
+    }
+    if (digits == 0) return std::nullopt;
+    for (int i = std::max(decimals, 0); i < kDecimals; ++i) amount *= 10;
+    return negative ? -amount : amount;
+}
+
+struct Line {
+    bool dated = false;
+    std::string_view kind;
+    Amount charged;
+    Amount paid;
+    Amount balance;
+    Amount total;
+
+    void Read(std::string_view column, std::string_view text) {
+        if (column == "p01") dated = true;
+        if (column == "p09") kind = text;
+        if (column == "p10") charged = AmountOf(text);
+        if (column == "p11") paid = AmountOf(text);
+        if (column == "p13") balance = AmountOf(text);
+        if (column == "p14") total = AmountOf(text);
+    }
+};
+
+class Balances {
+ public:
+    void Add(const Line& line) {
+        ++lines_;
+        started_ = started_ || line.dated;
+        const std::int64_t change = line.paid.value_or(0) - line.charged.value_or(0);
+        const bool kind_follows = Follows(by_kind_[line.kind], line.balance, change);
+        const bool total_follows = Follows(total_, line.total, change);
+        if (kind_follows && total_follows) return;
+        if (++faults_ == 1) first_fault_ = lines_;
+    }
+
+    std::optional<int> FirstFault() const {
+        if (faults_ == 0 || faults_ * kMostFaults > lines_) return std::nullopt;
+        return first_fault_;
+    }
+
+ private:
+    // After a line that does not follow, the balance is what that line says.
+    bool Follows(Amount& before, const Amount& balance, std::int64_t change) const {
+        if (!balance) return true;
+        const Amount expected = before ? Amount(*before + change) : before;
+        before = balance;
+        return !started_ || !expected || *expected == *balance;
+    }
+
+    bool started_ = false;
+    int lines_ = 0;
+    int faults_ = 0;
+    int first_fault_ = 0;
+    Amount total_;
+    std::unordered_map<std::string_view, Amount> by_kind_;
+};
+
+}  // namespace
+
+std::vector<int> BalanceFaults(std::string_view entry) {
+    std::vector<int> faults;
+    Balances balances;
+    Line line;
+    MarkupTag tag = NextTag(entry, 0);
+    for (; !tag.name.empty(); tag = NextTag(entry, tag.end)) {
+        if (tag.name == "row") {
+            if (tag.closes || tag.is_whole) balances.Add(line);
+            line = {};
+        } else if (tag.name == "part" && tag.closes) {
+            if (const auto fault = balances.FirstFault()) faults.push_back(*fault);
+            balances = {};
+        } else if (!tag.closes) {
+            line.Read(tag.name, entry.substr(tag.end, entry.find('<', tag.end) - tag.end));
+        }
+    }
+    return faults;
+}
+
+}  // namespace tav
