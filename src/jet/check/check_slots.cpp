@@ -71,6 +71,7 @@ void CheckFreeMap(CheckContext& context, Pointer map, const std::vector<PageNumb
     }
     long long unlisted = 0;
     for (const PageNumber page : owned) {
+        context.Trim();
         if (U16(&context.At(page)[2]) >= kRoom && !std::ranges::binary_search(*free, page)) ++unlisted;
     }
     if (unlisted != 0) context.Note(13, name + u": it lacks " + Digits(unlisted) + u" pages with room");

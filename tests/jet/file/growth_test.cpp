@@ -105,7 +105,7 @@ TEST_F(Growth, FreedPagesAreTakenAgainButNotBelowTheLastOne) {
 // More changed pages than memory keeps, in statements that are taken back, alone and to a savepoint, and in
 // units.
 TEST_F(Growth, ChangedPagesMayBeMoreThanMemoryKeeps) {
-    constexpr PageNumber kPages = 9000;
+    constexpr PageNumber kPages = 5000;
     const PageNumber first = file_.PageCount();
     const auto fill = [&](std::uint8_t value) {
         for (PageNumber page = first; page < first + kPages; ++page) {
