@@ -92,8 +92,9 @@ SqliteHandle OpenSqlite(Callbacks& callbacks) {
     sqlite3_db_config(raw, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_db_config(raw, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     sqlite3_db_config(raw, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
-    // SQLite has no tables of its own: its transaction is opened once, so that no statement has to end one.
-    const char* const setup = "pragma encoding='UTF-16le'; pragma temp_store=memory; begin";
+    // What a sort or a distinct of many rows needs goes to temporary files, not into memory. SQLite has no
+    // tables of its own: its transaction is opened once, so that no statement has to end one.
+    const char* const setup = "pragma encoding='UTF-16le'; pragma temp_store=file; begin";
     if (sqlite3_exec(raw, setup, nullptr, nullptr, nullptr) != SQLITE_OK) {
         throw Failure(RunTimeError::OutOfMemory);
     }
