@@ -59,6 +59,8 @@ class RichEdit {
     HWND window_;
 };
 
+const std::string kOpening = "{\\rtf1\\ansi\\ansicpg1251 ";
+
 // In a form that a failure shows line by line.
 std::string Readable(std::string_view bytes) {
     return ToUtf8(FromWindows1251(bytes));
@@ -85,12 +87,16 @@ TEST(RichEdit, ShowsTheSamplesLineForLineAsWeDo) {
 TEST(RichEdit, ShowsEveryConstructAsWeDo) {
     RichEdit control;
     RichText converter;
-    const std::string constructs = test::TestFile("convert/data/rich-edit.txt");
-    const std::string_view line_ends = "{\\rtf1 a\r\nb\\\r\nc\\\nd\\\re\\u1105\r\n?f\\par\r\n}";
-    std::vector<std::string_view> documents = {"",           "abc",         " {\\rtf1 abc}",
-                                               "{\\rt abc}", "{\\rtf abc}", line_ends};
-    for (std::string_view rest = constructs; !rest.empty();) documents.push_back(GetNext(rest, "\n"));
-    for (const std::string_view document : documents)
+    const Text cases = FromUtf8(test::TestFile("convert/data/rich-text.txt"));
+    std::vector<std::string> documents = {
+        "",           "abc",         " {\\rtf1 abc}",
+        "{\\rt abc}", "{\\rtf abc}", "{\\rtf1 a\r\nb\\\r\nc\\\nd\\\re\\u1105\r\n?f\\par\r\n}"};
+    for (TextView rest = TextView(cases).substr(cases.find(u"# As a rich-edit control")); !rest.empty();) {
+        const TextView line = GetNext(rest, u"\n");
+        if (line.starts_with(u"> ")) documents.push_back(kOpening + test::Unpictured(line.substr(2)));
+    }
+    EXPECT_GT(documents.size(), 35U);
+    for (const std::string& document : documents)
         EXPECT_EQ(Readable(converter.Read(document)), Readable(control.Read(document))) << document;
 }
 
@@ -125,7 +131,7 @@ TEST(RichEdit, ShowsKnownConstructsOtherwise) {
     RichEdit control;
     RichText converter;
     for (const auto& c : cases) {
-        const std::string document = "{\\rtf1\\ansi\\ansicpg1251 " + c.body;
+        const std::string document = kOpening + c.body;
         EXPECT_EQ(Readable(control.Read(document)), ToUtf8(c.control)) << c.body << ": " << c.why;
         EXPECT_EQ(Readable(converter.Read(document)), ToUtf8(c.ours)) << c.body << ": " << c.why;
     }
