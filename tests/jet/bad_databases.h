@@ -1,4 +1,5 @@
-// Files that are no databases this system can use, made of a good one: what each is, its bytes, and what a refusal says.
+// Files that are no databases this system can use, made of a good one: what each is, its bytes, and what a
+// refusal says.
 #pragma once
 
 #include <algorithm>

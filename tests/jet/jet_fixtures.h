@@ -17,8 +17,8 @@ namespace tav::test {
 
 using Values = std::vector<Value>;
 
-// A database with the tables `things` (of every kind of column, two indexes), `empty` (one column) and `plain`
-// (no index, rows of up to a page).
+// A database with the tables `things` (of every kind of column, two indexes), `empty` (one column) and
+// `plain` (no index, rows of up to a page).
 inline Text NewDatabase(const TempFolder& folder) {
     using enum jet::ColumnType;
     std::vector<jet::TablePlan> plans = {{u"things",

@@ -1,15 +1,19 @@
 // Stories of a folder: what is put into it, taken out and changed, and what every import says of it.
 //
-//   put NAME KIND BEGIN END     a document of that period: statement, act; zero (its amounts), long (the tax's name),
-//                               fault (of a balance); of a division, of a foreign taxpayer, of both (and a division)
-//   text NAME WORDS      cut NAME BYTES      remove NAME       a file with other contents, only its beginning, none
-//   switch NAME VALUE    sql STATEMENT                         a setting; what the host does to the database
-//   import [INN [KPP]]   status [INN [KPP]]                    the account: files that came in now with a "+"
-//   list NAME statement|act [HEAD] / ROW / ROW                 an entry of the catalogue, its head and rows as the lists of
-//   list NAME text WORDS                                       db/database_fixture.h; after a load they begin anew
-//   load [INN [KPP]]                                           loads the catalogue as it is
-//   types        clear [INN KPP]                               operation types; clearing
-//   rows SELECT  held                                          what the database has; the headers: number, file, vid
+//   put NAME KIND BEGIN END     a document of that period: statement, act; zero (its amounts), long (the tax's
+//                               name), fault (of a balance); of a division, of a foreign taxpayer, of both (and
+//                               a division)
+//   text NAME WORDS    cut NAME BYTES    remove NAME         a file with other contents, its beginning, none
+//   switch NAME VALUE    sql STATEMENT                       a setting; what the host does to the database
+//   import [INN [KPP]]    status [INN [KPP]]                 the account: files that came in now with a "+"
+//   list NAME statement|act [HEAD] / ROW / ROW               an entry of the catalogue, its head and rows as
+//   list NAME text WORDS                                     in db/database_fixture.h; after a load they begin
+//                                                            anew
+//   load [INN [KPP]]                                         loads the catalogue as it is
+//   types    clear [INN KPP]                                 operation types; clearing
+//   rows SELECT    held                                      what the database has; its headers: number, file,
+//                                                            vid
+//
 // After an import, "the same bytes" or "other bytes" tells whether it changed the database.
 
 #include <filesystem>

@@ -1,4 +1,5 @@
-// The cells of reports, each call and what it answers in cells.txt; the mark ↵ is CR LF, "nothing" is no text.
+// The cells of reports, each call and what it answers in cells.txt; the mark ↵ is CR LF, "nothing" is no
+// text.
 #include "reports/cells.h"
 
 #include <gtest/gtest.h>

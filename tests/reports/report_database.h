@@ -35,8 +35,8 @@ class ReportDatabase : public testing::Test {
     }
     ~ReportDatabase() override { SetClock(nullptr); }
 
-    // The report equals golden/NAME, which is kept as UTF-8, for those who read it; with a base, NAME has the lines in
-    // which the report differs from that golden file.
+    // The report equals golden/NAME, which is kept as UTF-8, for those who read it; with a base, NAME has the
+    // lines in which the report differs from that golden file.
     void ExpectReport(const Text& path, const std::string& name, const std::string& base = {}) const {
         EXPECT_TRUE(shown_.messages.empty());
         const std::string report = ToUtf8(FromWindows1251(ReadFile(path)));
@@ -55,8 +55,8 @@ class ReportDatabase : public testing::Test {
         while (!text.empty()) lines.emplace_back(GetNext(text, "\n"));
         return lines;
     }
-    // The lines of `a` that `b` lacks, with "-" before them, and those that it has instead, with "+"; "=" and a number
-    // for as many equal ones.
+    // The lines of `a` that `b` lacks, with "-" before them, and those that it has instead, with "+"; "=" and
+    // a number for as many equal ones.
     static std::string Differences(const std::string& a, const std::string& b) {
         const std::vector<std::string> from = Lines(a);
         const std::vector<std::string> to = Lines(b);

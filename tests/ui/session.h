@@ -1,21 +1,25 @@
-// Sessions at the screen, one file of ui/sessions each: what a person does and sees, in order, whatever toolkit shows
-// the windows and whatever moves the mouse.
+// Sessions at the screen, one file of ui/sessions each: what a person does and sees, in order, whatever
+// toolkit shows the windows and whatever moves the mouse.
 //
-//     statements N    many    act    division    text FILE WORDS    remove FILE    database    documents (ui/desktop.h)
-//     set NAME VALUE    is NAME VALUE    true NAME               a setting before, and after
-//     start    import [KPP]    view_v    view_a                  calls of the host
-//     click SPOT    double SPOT ROW    type SPOT WORDS           a spot is WINDOW.CONTROL
+//     statements N    many    act    division    database    documents (ui/desktop.h), a new database
+//     text FILE WORDS    remove FILE
+//     set NAME VALUE    is NAME VALUE    true NAME           a setting before, and after
+//     start    import [KPP]    view_v    view_a              calls of the host
+//     click SPOT    double SPOT ROW    type SPOT WORDS       a spot is WINDOW.CONTROL
 //     choose SPOT NODE    focus SPOT    press KEY    close WINDOW
-//     when WINDOW SPOT                                           a click as soon as that window is shown
-//     shown WINDOW    active WINDOW    gone WINDOW               "gone" also waits for the click above
-//     has SPOT WORDS    lacks SPOT WORDS    row SPOT WORDS       a text, a row of a list
-//     rows SPOT N    nodes SPOT N WORDS    on SPOT    off SPOT   how many, how many that begin so; whether it can be used
-//     opened PATH    page N WORDS                                the document opened last, what it has how often
-//     said WORDS    file FILE WORDS    files N    keep N         the next message; files; RTF files of the folder
-//     hold    release    pause MILLISECONDS                      another program has the database
+//     when WINDOW CONTROL                                    a click as soon as that window is shown
+//     shown WINDOW    active WINDOW    gone WINDOW           "gone" also waits for the click above
+//     has SPOT WORDS    lacks SPOT WORDS    row SPOT WORDS   a text, a row of a list
+//     rows SPOT N    nodes SPOT N WORDS                      how many rows, nodes that begin so
+//     on SPOT    off SPOT                                    whether it can be used
+//     opened PATH    page N WORDS                            the document opened last, how often it has these
+//     said WORDS                                             the next message
+//     file FILE WORDS    files N    keep N                   what a file has; RTF files of the folder "in"
+//     hold    release    pause MILLISECONDS                  another program has the database
 //
-// "~" is the session's folder, MANY the number of documents that "many" writes. What is seen is waited for; every
-// message has its line. Empty lines and those that begin with "#" say nothing.
+// "~/" begins a path in the session's folder, to the end of the line; MANY is the number of documents that
+// "many" writes. What is seen is waited for; every message has its line. Empty lines and those that begin
+// with "#" say nothing.
 #pragma once
 
 #include <map>
@@ -32,12 +36,13 @@ class Session : public Desktop {
  protected:
     void Play(const std::string& name) {
         const Text script = FromUtf8(TestFile("ui/sessions/" + name + ".txt"));
-        const Text home = folder_.path().substr(0, folder_.path().size() - 1);
         for (TextView rest = script; !rest.empty();) {
-            const Text line(GetNext(rest, u"\n"));
+            Text line(GetNext(rest, u"\n"));
             if (line.empty() || line.starts_with(u'#')) continue;
             SCOPED_TRACE(name + ": " + ToUtf8(line));
-            Do(ReplaceAll(ReplaceAll(line, u"~", home), u"MANY", Digits(many_)));
+            const std::size_t path = line.find(u"~/");
+            if (path != line.npos) line.replace(path, line.npos, folder_ / TextView(line).substr(path + 2));
+            Do(ReplaceAll(line, u"MANY", Digits(many_)));
             if (HasFailure()) return;
         }
         EXPECT_THAT(Shown(), testing::SizeIs(said_)) << "a message that the session does not expect";

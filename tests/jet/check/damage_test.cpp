@@ -1,5 +1,5 @@
-// Samples, and a database that consists of index pages for the most part, with bytes changed at random: whatever
-// they say, only Failures may come out, which name the file, and findings of the checker.
+// Samples, and a database that consists of index pages for the most part, with bytes changed at random:
+// whatever they say, only Failures may come out, which name the file, and findings of the checker.
 #include <algorithm>
 #include <random>
 

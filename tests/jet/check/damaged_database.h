@@ -39,8 +39,8 @@ class FileBytes {
     std::string bytes_;
 };
 
-// The tables of NewDatabase, `things` with 700 rows, so that its indexes have nodes; among them a Null name, names
-// that occur twice, Cyrillic ones, a moved row, a deleted one.
+// The tables of NewDatabase, `things` with 700 rows, so that its indexes have nodes; among them a Null name,
+// names that occur twice, Cyrillic ones, a moved row, a deleted one.
 struct Things {
     Things();
 

@@ -1,5 +1,5 @@
-// Inserts, updates and deletes against a model of the table, with memo and OLE values of every length, and the
-// rules that refuse them.
+// Inserts, updates and deletes against a model of the table, with memo and OLE values of every length, and
+// the rules that refuse them.
 #include <gmock/gmock.h>
 
 #include <map>
