@@ -38,7 +38,7 @@ int main(int argc, char** argv) {
     std::uint64_t seed = 1;
     bool xml = false;
 
-    auto* folder = app.add_subcommand("folder", "The standard set: about a dozen statements and acts");
+    auto* folder = app.add_subcommand("folder", "The standard set: documents of every kind");
     folder->add_option("DIR", target, "Folder, made when missing")->required();
     folder->callback([&] {
         for (const Document& document : SampleFolder(FromUtf8(target)))

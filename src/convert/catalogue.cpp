@@ -70,6 +70,7 @@ Catalogue Catalogue::Load(TextView path) {
         at = catalogue.entries_.back().end;
         CurrentProgress().ProcessEvents();
     }
+    catalogue.entries_by_name_.reserve(catalogue.entries_.size());
     for (std::size_t i = 0; i < catalogue.entries_.size(); ++i) {
         catalogue.entries_by_name_[UpperCase(catalogue.entries_[i].name)].push_back(i);
     }

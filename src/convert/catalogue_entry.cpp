@@ -14,7 +14,6 @@ namespace {
 constexpr std::string_view kFileClosing = "</file>";
 constexpr std::string_view kNameClosing = "</name>";
 // The elements of texts: <p01></p01>.
-constexpr std::size_t kValueName = sizeof "p01" - 1;
 constexpr std::size_t kOpening = sizeof "<p01>" - 1;
 constexpr std::size_t kBothTags = sizeof "<p01></p01>" - 1;
 
@@ -146,8 +145,7 @@ class EntryReader {
                    tag.begin);
         } else if (open_.size() > 1) {
             const std::size_t begin = open_.back().begin;
-            if (tag.name.size() == kValueName)
-                NoteLength(entry_, text_.substr(begin, kOpening), tag.end - begin);
+            if (IsDigit(tag.name.back())) NoteLength(entry_, text_.substr(begin, kOpening), tag.end - begin);
             open_.pop_back();
         }
         if (tag.name != "file") return;

@@ -11,18 +11,22 @@ void AccountMaker::Add(const Text& file, Remark remark) {
     if (std::ranges::find(remarks, remark) == remarks.end()) remarks.push_back(std::move(remark));
 }
 
-void AccountMaker::AddScanned(const ScannedFile& file, bool held) {
+void AccountMaker::AddScanned(const ScannedFile& file, const HeldFiles& held) {
+    const bool nothing = file.found == ScannedFile::Found::Nothing;
+    const bool unreadable =
+        file.state == ScannedFile::State::Unreadable || file.found == ScannedFile::Found::Broken;
+    if (!nothing && !unreadable && !file.cut_off && !file.dropped_text) return;
     FileAccount& found = found_[file.name];
     const auto add_once = [&](Finding finding) {
         if (found.Find(finding) == nullptr) found.remarks.push_back({finding, file.reason});
     };
-    if (file.state == ScannedFile::State::Unreadable || file.found == ScannedFile::Found::Broken) {
+    if (unreadable) {
         add_once(Finding::Unreadable);
-    } else if (file.found == ScannedFile::Found::Nothing) {
+    } else if (nothing) {
         add_once(Finding::NotRecognised);
     }
     // Nothing was stored of such a document.
-    if (held && file.found == ScannedFile::Found::Nothing && file.state != ScannedFile::State::Unreadable) {
+    if (nothing && !unreadable && held.contains(UpperCase(file.name))) {
         Add(file.name, {Finding::Changed});
     }
     if (file.cut_off) Add(file.name, {Finding::CutOff});

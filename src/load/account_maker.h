@@ -17,7 +17,7 @@ class AccountMaker {
     // A remark about a file; the same one twice counts once.
     void Add(const Text& file, Remark remark);
     // What a scan knows of the file, beside what was found of its documents.
-    void AddScanned(const ScannedFile& file, bool held);
+    void AddScanned(const ScannedFile& file, const HeldFiles& held);
     // Something of the file has been stored now.
     void Stored(const Text& file) { found_[file].now = true; }
     bool IsStored(const Text& file) const {

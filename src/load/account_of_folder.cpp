@@ -48,7 +48,7 @@ ImportAccount AccountOfFolder(TextView import_folder, TextView database, TextVie
     for (ScannedFile& file : scan.files) {
         Explain(file, folder);
         if (file.state != State::Settled) found.Forget(file.name);  // its entry is another document's
-        found.AddScanned(file, is_held(file));
+        found.AddScanned(file, held);
         if (file.state == State::Again && is_held(file)) found.Add(file.name, {Finding::Changed});
         names.push_back(file.name);
     }

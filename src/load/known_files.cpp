@@ -9,6 +9,7 @@ namespace tav {
 KnownFiles ReadKnownFiles(Connection& connection) {
     KnownFiles known;
     Recordset names = connection.Execute(u"select distinct filename from tav_operations_header");
+    known.reserve(static_cast<std::size_t>(names.RecordCount()));
     for (; !names.Eof(); names.MoveNext()) known.insert(UpperCase(isns(names.Field(0))));
     return known;
 }
@@ -16,6 +17,7 @@ KnownFiles ReadKnownFiles(Connection& connection) {
 HeldFiles ReadHeldFiles(Connection& connection, const TaxpayerChoice& taxpayer) {
     HeldFiles held;
     Recordset headers = connection.Execute(u"select filename, h6, vid, h1, h2 from tav_operations_header");
+    held.reserve(static_cast<std::size_t>(headers.RecordCount()));
     for (; !headers.Eof(); headers.MoveNext()) {
         HeldOfFile& file = held[UpperCase(isns(headers.Field(0)))];
         const Text inn = isns(headers.Field(3));

@@ -229,7 +229,7 @@ void Load::TakeAccount() {
         listed_.clear();
         for (const ScannedFile& file : scan_->files) {
             listed_.push_back(file.name);
-            found_.AddScanned(file, held.contains(UpperCase(file.name)));
+            found_.AddScanned(file, held);
         }
         account.notices = NoticesOf(*scan_);
     }
