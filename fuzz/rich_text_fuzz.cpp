@@ -1,22 +1,13 @@
-// Any bytes through the page converter and the line reader: no crash, no access outside, nothing slow.
-#include <cstddef>
-#include <cstdint>
-#include <string>
+// Any bytes as a document in RTF: glanced at, and converted whole.
+#include "convert/document_glance.h"
+#include "convert/load_rtf_file.h"
+#include "fuzz.h"
 
-#include "common/failure.h"
-#include "common/get_next.h"
-#include "convert/cell_positions.h"
-#include "convert/page_reader.h"
-#include "convert/statement_lines.h"
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) try {
-    tav::PageReader reader(std::string(data, data + size));
-    std::string text;
-    while (reader.More()) text.append(reader.Next()).append("\r\n##p");
-    text = tav::ReplaceCellPositions(text);
-    tav::StatementLines lines;
-    for (std::string_view rest = text; !rest.empty();) lines.Add(tav::GetNext(rest, "\r\n"));
-    return 0;
-} catch (const tav::Failure&) {
-    return 0;
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const tav::fuzz::Scratch file("a.rtf");
+    return tav::fuzz::Try([&] {
+        file.Write(tav::fuzz::Bytes(data, size));
+        tav::GlanceAtDocument(file.path());
+        tav::LoadRtfFile(file.folder(), u"a.rtf");
+    });
 }
