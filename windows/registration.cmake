@@ -1,11 +1,12 @@
 # tav_registration(TABLE): makes of the table the rows that the library is compiled with, registration_rows_windows.h, and
-# those of the installer, TAV_WXS_ROWS.
+# those of the installer: TAV_WXS_ROWS, and TAV_WXS_SHARED_ROWS of the keys that both widths share.
 function(tav_registration table)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${table})
   configure_file(${table} registration.filled @ONLY)
   file(STRINGS ${CMAKE_CURRENT_BINARY_DIR}/registration.filled lines ENCODING UTF-8 REGEX "^[^#]")
   set(TAV_ROWS "")
   set(TAV_WXS_ROWS "")
+  set(TAV_WXS_SHARED_ROWS "")
   list(LENGTH lines TAV_ROW_COUNT)
   foreach(line IN LISTS lines)
     if(NOT line MATCHES "^([^|]+) \\| ([^|]*)\\|( (.*))?$")
@@ -16,9 +17,14 @@ function(tav_registration table)
     string(STRIP "${CMAKE_MATCH_2}" value)
     string(APPEND TAV_ROWS "    {LR\"(${key})\", LR\"(${value})\", LR\"(${text})\"},\n")
 
-    # The installer's maker drops what is not ASCII; the Russian texts, seen in lists of classes, are in the library too.
-    string(REPLACE "${TAV_CLASS_HELP}" ${TAV_PROGID} text "${text}")
-    string(REPLACE "${TAV_LIBRARY_HELP}" TAV_OperationImport text "${text}")
+    set(rows TAV_WXS_ROWS)
+    if(key MATCHES "^(${TAV_PROGID}|TypeLib)" AND NOT key MATCHES "%WIN%")
+      set(rows TAV_WXS_SHARED_ROWS)
+    endif()
+
+    # The installer's maker drops what is not ASCII (component.wxs.in).
+    string(REPLACE "${TAV_CLASS_HELP}" TAV_CLASS_HELP text "${text}")
+    string(REPLACE "${TAV_LIBRARY_HELP}" TAV_LIBRARY_HELP text "${text}")
     string(REPLACE "%WIN%" ${TAV_WIN} key "${key}")
     string(REPLACE "%MODULE%" "[#Library]" text "${text}")
     string(REPLACE "%FOLDER%" "[INSTALLDIR]" text "${text}")
@@ -26,9 +32,13 @@ function(tav_registration table)
     if(value)
       set(name " Name=\"${value}\"")
     endif()
-    string(APPEND TAV_WXS_ROWS
+    if(rows STREQUAL TAV_WXS_SHARED_ROWS AND NOT TAV_WXS_SHARED_ROWS)
+      string(APPEND name " KeyPath=\"yes\"")
+    endif()
+    string(APPEND ${rows}
            "            <RegistryValue Root=\"HKLM\" Key=\"Software\\Classes\\${key}\"${name} Type=\"string\" Value=\"${text}\"/>\n")
   endforeach()
   configure_file(registration_rows_windows.h.in registration_rows_windows.h @ONLY)
   set(TAV_WXS_ROWS "${TAV_WXS_ROWS}" PARENT_SCOPE)
+  set(TAV_WXS_SHARED_ROWS "${TAV_WXS_SHARED_ROWS}" PARENT_SCOPE)
 endfunction()
