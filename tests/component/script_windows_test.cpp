@@ -57,17 +57,29 @@ TEST(Script, CallsEveryOperationAndGetsTheErrorsOfWrongCalls) {
     EXPECT_THAT(opened.Paths(), HasSubstr("vipis.doc"));
 }
 
-// The rest of it needs the engine that is not here.
-TEST(Script, TheSelfTestSaysThatThereIsNoJetAndLeavesNothing) {
+// There is no provider here: the rest of it is for machines that have one.
+TEST(Script, TheSelfTestTriesTheClassWithItsOwnEngineAndLeavesItsVerdict) {
     const test::TempFolder folder;
-    MakeFolders(folder / u"samples/");
+    samples::SampleFolder(folder / u"samples");
     const Text script = folder.Write(u"selftest.vbs", test::TestFile("../windows/selftest.vbs"));
+    const test::OpenedDocuments opened(folder);
+    const std::string library = ToUtf8(win32::FromWide(test::ComponentPath()));
     const Text temp = TempVariable();
     const auto before = std::ranges::distance(std::filesystem::directory_iterator(test::NativePath(temp)));
+    ASSERT_EQ(test::RunProgram("regsvr32", {"/s", library}).status, 0);
+    test::Somebody somebody;
+    // The script would set it itself, but Wine's script host cannot.
+    ::SetEnvironmentVariableW(L"TAV_SETTINGS", L"Software\\TAV_OperationImport.SelfTest");
     const auto outcome =
         test::RunProgram("cscript", {"//nologo", ToUtf8(script), ToUtf8(ComponentFolder() + u"tav.exe")});
-    EXPECT_EQ(outcome.status, 2);
-    EXPECT_THAT(outcome.out, HasSubstr("Jet 4.0 cannot be used here, so nothing was tried"));
+    ::SetEnvironmentVariableW(L"TAV_SETTINGS", nullptr);
+    somebody.Leave();
+    EXPECT_EQ(test::RunProgram("regsvr32", {"/s", "/u", library}).status, 0);
+    EXPECT_EQ(outcome.status, 2) << outcome.err;
+    EXPECT_THAT(outcome.out,
+                testing::AllOf(HasSubstr("ok      the class: start"),
+                               HasSubstr("All is well, but nothing was tried with a provider.")));
+    EXPECT_TRUE(FileExists(folder / u"selftest.txt"));
     EXPECT_EQ(std::ranges::distance(std::filesystem::directory_iterator(test::NativePath(temp))), before);
 }
 
