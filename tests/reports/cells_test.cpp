@@ -15,6 +15,7 @@ Text Answer(TextView line) {
     const TextView element = GetNext(line, u" ");
     Text answer;
     if (element == u"html") return HtmlText(line);
+    if (element == u"shown") return ShownText(line);
     GetNext(line, u"| ");
     std::vector<TextView> cells;
     while (!line.empty()) {
