@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "common/progress.h"
 #include "convert/document_glance.h"
 #include "convert/folder_state.h"
 #include "platform/files.h"
@@ -29,7 +30,10 @@ ScanAccount GlanceAtFolder(TextView folder, std::optional<bool> acts_as_xml) {
     FolderState state = ReadFolderState(path, acts_as_xml);
     account.unnamable = std::move(state.unnamable);
     account.unlisted_acts = CountUnlistedActs(path, state);
-    for (const ListedDocument& document : state.documents) account.files.push_back(Glance(path, document));
+    for (const ListedDocument& document : state.documents) {
+        CurrentProgress().ProcessEvents();
+        account.files.push_back(Glance(path, document));
+    }
     account.read = std::move(state.catalogue);
     if (!account.files.empty()) account.catalogue = path + Text(kCatalogueName);
     return account;

@@ -32,6 +32,8 @@ class FormControl {
     virtual int SelectedRow() const { Refuse(); }
     virtual void SelectRow(int) { Refuse(); }
     virtual void ShowColumn(int, bool) { Refuse(); }
+    virtual std::vector<int> ColumnWidths() const { Refuse(); }
+    virtual void SetColumnWidths(const std::vector<int>&) { Refuse(); }
     virtual void SetNodes(std::vector<TreeNode>&&) { Refuse(); }
     virtual Text SelectedNode() const { Refuse(); }
     virtual void SelectNode(TextView) { Refuse(); }
@@ -64,6 +66,10 @@ class WindowOfControls : public FormWindow {
     void SelectRow(std::size_t control, int row) override { At(control).SelectRow(row); }
     void ShowColumn(std::size_t control, int column, bool shown) override {
         At(control).ShowColumn(column, shown);
+    }
+    std::vector<int> ColumnWidths(std::size_t control) const override { return At(control).ColumnWidths(); }
+    void SetColumnWidths(std::size_t control, const std::vector<int>& widths) override {
+        At(control).SetColumnWidths(widths);
     }
     void SetNodes(std::size_t control, std::vector<TreeNode> nodes) override {
         At(control).SetNodes(std::move(nodes));

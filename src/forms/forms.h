@@ -21,7 +21,7 @@ enum class ControlKind {
     Frame,          // a titled box that other controls are placed in; without a caption only a place
     Label,          // text; a mnemonic in it leads to the next control
     TextBox,        // one line
-    Memo,           // lines to read, not to change
+    Memo,           // lines to read, not to change; Click, unless a part of them is selected
     Button,         // Click
     PictureButton,  // a Button with a picture for its caption
     CheckBox,       // Click
@@ -92,6 +92,8 @@ struct FormPlan {
     int height = 0;                // at first, in lines
     TextView default_button = {};  // pressed by Enter, unless the focused control has a use for it
     TextView cancel_button = {};   // pressed by Esc
+    TextView refresh_button = {};  // pressed by F5
+    TextView first = {};           // has the keyboard at first; else the first control that takes it
 };
 
 enum class Event { Click, DblClick, Change, Timer };
@@ -106,6 +108,8 @@ class FormEvents {
     virtual void OnEvent(std::size_t control, Event event) = 0;
     // The user asks to close the window; it closes only by FormWindow's end.
     virtual void OnCloseRequest() = 0;
+    // Files and folders were dropped on the window.
+    virtual void OnDrop(const std::vector<Text>&) {}
 };
 
 // A row of a list or of a combo box. Handlers know a list's row by its text, which is also what is copied from
@@ -123,6 +127,13 @@ struct TreeNode {
     Text text;
     Picture picture = Picture::None;
     bool expanded = false;
+    bool dimmed = false;
+};
+
+// The inside of a window, in tenths of an average character and of a line of its font: the same on every screen.
+struct FormSize {
+    int width = 0;
+    int height = 0;
 };
 
 // A window that a toolkit has made. Controls are named by their index in the plan; asking a control for what
@@ -142,6 +153,10 @@ class FormWindow {
     virtual void ShowModal(FormWindow* owner) = 0;
     virtual void Hide() = 0;
 
+    // The size that the user has given it. One that the screen has no room for, or the controls, is changed to fit.
+    virtual FormSize Size() const = 0;
+    virtual void Resize(const FormSize& size) = 0;
+
     // The window's own, in place of the plan's.
     virtual void SetCaption(TextView caption) = 0;
 
@@ -160,6 +175,9 @@ class FormWindow {
     virtual void SelectRow(std::size_t control, int row) = 0;
     // ListBox: whether a column is seen.
     virtual void ShowColumn(std::size_t control, int column, bool shown) = 0;
+    // ListBox: in tenths of a digit; one that is 0 stays as it is.
+    virtual std::vector<int> ColumnWidths(std::size_t control) const = 0;
+    virtual void SetColumnWidths(std::size_t control, const std::vector<int>& widths) = 0;
 
     // TreeView. The key of the selected node, empty for none.
     virtual void SetNodes(std::size_t control, std::vector<TreeNode> nodes) = 0;

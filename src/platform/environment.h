@@ -11,6 +11,8 @@ Text ComponentFolder();
 
 // The folder that the environment variable "TEMP" names; empty when it is not set.
 Text TempVariable();
+// The user's own folder; empty when it is not known.
+Text HomeFolder();
 // Where reports go when no export folder is set: TEMP, else TMPDIR, else the system's temporary folder.
 Text ReportFolder();
 

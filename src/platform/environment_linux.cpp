@@ -49,6 +49,10 @@ Text TempVariable() {
     return Variable("TEMP");
 }
 
+Text HomeFolder() {
+    return Variable("HOME");
+}
+
 Text ReportFolder() {
     for (const char* name : {"TEMP", "TMPDIR"}) {
         if (Text folder = Variable(name); !folder.empty()) return folder;

@@ -25,6 +25,10 @@ Text TempVariable() {
     return win32::Variable(L"TEMP");
 }
 
+Text HomeFolder() {
+    return win32::Variable(L"USERPROFILE");
+}
+
 Text ReportFolder() {
     if (Text folder = TempVariable(); !folder.empty()) return folder;
     return win32::FromWide(

@@ -30,8 +30,9 @@ Text WithSeparator(TextView folder);
 // What comes before and after the last separator: "/a/b/" and "c.rtf".
 Text FolderOf(TextView path);
 Text NameOf(TextView path);
-// A path as a person types it: both "/" and "\" are
-// understood. A path that exists as it is typed is left alone.
+// A path as a person types or pastes it: both "/" and "\" are understood, quotes and spaces around it are no part
+// of it, "~" is the user's own folder, and a file's address ("file:///home/a%20b") is the file. A path that exists
+// as it is typed is left alone.
 Text UserPath(TextView typed);
 
 bool FileExists(TextView path);  // anything but a folder

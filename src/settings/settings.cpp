@@ -18,7 +18,7 @@ constexpr TextView kHostKey = u"SOFTWARE\\VELSKAR\\Kventa2\\General";
 constexpr auto kUser = Hive::CurrentUser;
 constexpr auto kExpand = RegistryType::ExpandString;
 
-constexpr std::array<Setting, 13> kSettings = {{
+constexpr std::array<Setting, 14> kSettings = {{
     {u"ImportPath", kUser, kOwnKey, kExpand, SettingKind::Folder, u"папка, из которой читаются документы"},
     {u"ExportPath", kUser, kOwnKey, kExpand, SettingKind::Folder, u"папка справок; пусто — временная папка"},
     {u"OutPath", kUser, kOwnKey, kExpand, SettingKind::Folder,
@@ -38,6 +38,7 @@ constexpr std::array<Setting, 13> kSettings = {{
      u"1 — о нулевом акте судить только по разделу 2"},
     {u"ActXml", kUser, kOwnKey, kExpand, SettingKind::Truth,
      u"1 — читать из папки и акты в формате XML (файлы *.xml)"},
+    {u"MainWindow", kUser, kOwnKey, kExpand, SettingKind::Any, u"размер главного окна и ширина его столбцов"},
     {u"OpenAs", kUser, kOwnKey, kExpand, SettingKind::Any,
      u"что открывать из справок: doc или pdf; пусто — по программе для .doc (только Linux)"},
     {u"DataBasePath", Hive::LocalMachine, kHostKey, RegistryType::String, SettingKind::Folder,

@@ -94,6 +94,17 @@ void AddStates(std::vector<ListRow>& rows, const ImportAccount& account) {
             state.append(state.empty() ? u"" : u"; ").append(TextOf(remark.finding).state);
             rows[i].picture = std::max(rows[i].picture, PictureOf(remark.finding));
         }
+        Last().rows[i].state = rows[i].picture;
+    }
+}
+
+int NextOfConcern(int row) {
+    const std::vector<FolderRow>& rows = FolderRows();
+    const auto worst = std::ranges::max_element(rows, {}, &FolderRow::state);
+    if (worst == rows.end() || worst->state < Picture::Passed) return -1;
+    const int count = static_cast<int>(rows.size());
+    for (int next = (row + 1) % count;; next = (next + 1) % count) {
+        if (rows[static_cast<std::size_t>(next)].state == worst->state) return next;
     }
 }
 

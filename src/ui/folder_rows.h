@@ -12,6 +12,7 @@ namespace tav {
 struct FolderRow {
     Text name;  // of the file
     Text path;
+    Picture state = Picture::None;  // what became of it
 };
 
 // The columns of both lists of the main window are code, OKATO, period, tax and kind, then the file's name or the
@@ -30,6 +31,10 @@ std::vector<ListRow> ListFolder(TextView folder, const std::function<bool()>& go
 
 // What the last listing listed.
 const std::vector<FolderRow>& FolderRows();
+
+// The row after that one, and around again, whose document needs a person the most: the files that something is wrong
+// with; where there are none, those that were passed over. -1 when there are none of these either.
+int NextOfConcern(int row);
 
 // Adds to every row what became of its file: the state to the row, the reasons to its tool-tip. The files of the account
 // are found by their names.

@@ -118,6 +118,12 @@ void Form::Close() {
     if (may) Unload();
 }
 
+void Form::OnDrop(const std::vector<Text>& paths) {
+    if (!Loaded()) return;
+    const Running running(*this);
+    Guarded(u"Ошибка в функции Form_Drop", [&] { Form_Drop(paths); });
+}
+
 void ListBox::SetRows(std::vector<ListRow> rows) {
     texts_.clear();
     for (const ListRow& row : rows) texts_.push_back(row.text);

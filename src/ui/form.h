@@ -66,10 +66,15 @@ class Form : public FormEvents {
     // Whether the window may be closed that the user wants to close.
     virtual bool Form_QueryUnload() { return true; }
     virtual void Form_Unload() {}
+    virtual void Form_Drop(const std::vector<Text>&) {}
 
     // As the user's close button does.
     void Close();
     void SetCaption(TextView caption) { window().SetCaption(caption); }
+    // What a person has made of the window's size and of its lists' columns, as a text that can be kept:
+    // "1800x540;lstFile:240,120,220". A text that is damaged changes nothing, or only what it still says.
+    Text Layout() const;
+    void SetLayout(TextView layout);
 
  private:
     friend class Control;
@@ -80,6 +85,7 @@ class Form : public FormEvents {
     FormWindow& window() const;
     void OnEvent(std::size_t control, Event event) override;
     void OnCloseRequest() override { Close(); }
+    void OnDrop(const std::vector<Text>& paths) override;
 
     struct Procedure {
         Text title;
@@ -91,6 +97,18 @@ class Form : public FormEvents {
     OwnedWindow window_;
     int running_ = 0;        // handlers of this form that have not returned
     bool unloaded_ = false;  // the window goes when they have
+};
+
+// While it lives, the flag is set: a handler that runs events shows by it that it runs.
+class Busy {
+ public:
+    explicit Busy(bool& flag) : flag_(flag) { flag_ = true; }
+    ~Busy() { flag_ = false; }
+    Busy(const Busy&) = delete;
+    Busy& operator=(const Busy&) = delete;
+
+ private:
+    bool& flag_;
 };
 
 // The one shared instance of a form. Never destroyed: a process may end with windows open, and the toolkit's

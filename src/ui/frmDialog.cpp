@@ -42,6 +42,7 @@ void frmDialog::Command3_Click() {
 
 void frmDialog::Clear(const std::function<void(const Text& database)>& clear) {
     RefuseDuringImport();
+    for (Button* button : {&Command1, &Command2, &Command3}) button->Enable(false);
     clear(getbase());
     Shared<frmmain>().Refill();
     Unload();

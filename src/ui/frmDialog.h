@@ -14,6 +14,10 @@ class frmDialog : public Form {
     void Command2_Click();
     void Command3_Click();
     void Clear(const std::function<void(const Text& database)>& clear);
+
+    Button Command1{*this, u"Command1"};
+    Button Command2{*this, u"Command2"};
+    Button Command3{*this, u"Command3"};
 };
 
 }  // namespace tav

@@ -1,8 +1,12 @@
 #include "ui/frmFilter.h"
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
+#include "common/concat.h"
+#include "common/guard.h"
+#include "db/holdings.h"
 #include "load/run_import.h"
 #include "platform/files.h"
 #include "reports/get_files.h"
@@ -64,13 +68,30 @@ void frmFilter::Form_Load() {
     ShowCodes();
     ShowPeriods();
     Check1.Check(SettingTruth(u"ChkFilter"));
+    ShowPeriods();
+}
+
+std::vector<ListRow> frmFilter::RowsOfCodes() const {
+    std::map<Text, Text> taxes;
+    // Without the names the codes alone are shown.
+    GuardedBy(
+        [&] {
+            for (HeldDocument& document : HeldDocuments(getbase(), summary_.inn, {})) {
+                taxes.emplace(std::move(document.code), std::move(document.tax));
+            }
+        },
+        [](const Failure&) {});
+    std::vector<ListRow> rows;
+    if (!Consolidated()) rows.push_back({Text(kAllCodes), {}});
+    for (const Text& code : summary_.codes) {
+        const Text& tax = taxes[code];
+        rows.push_back({tax.empty() ? code : Concat(code, u"   ", tax), {}});
+    }
+    return rows;
 }
 
 void frmFilter::ShowCodes() {
-    std::vector<ListRow> rows;
-    if (!Consolidated()) rows.push_back({Text(kAllCodes), {}});
-    for (const Text& code : summary_.codes) rows.push_back({code, {}});
-    cmbKBK.SetRows(std::move(rows));
+    cmbKBK.SetRows(RowsOfCodes());
     SelectCode();
 }
 
@@ -80,7 +101,8 @@ void frmFilter::SelectCode() {
 }
 
 Text frmFilter::ChosenCode() const {
-    return Consolidated() || cmbKBK.Selected() <= 0 ? Text() : cmbKBK.SelectedText();
+    const int row = cmbKBK.Selected();
+    return Consolidated() || row <= 0 ? Text() : summary_.codes[static_cast<std::size_t>(row - 1)];
 }
 
 void frmFilter::ShowPeriods() {
@@ -89,7 +111,8 @@ void frmFilter::ShowPeriods() {
     std::vector<TreeNode> nodes;
     for (const PeriodNode& period : periods_) {
         const bool expanded = period.kind == PeriodKind::All || period.kind == PeriodKind::Year;
-        nodes.push_back({period.key, period.parent, period.text, PictureOf(period.kind), expanded});
+        const bool nothing = period.whole == 0 && !Check1.Checked();
+        nodes.push_back({period.key, period.parent, period.text, PictureOf(period.kind), expanded, nothing});
     }
     TreeView1.SetNodes(std::move(nodes));
     TreeView1.Select(chosen);
@@ -97,7 +120,7 @@ void frmFilter::ShowPeriods() {
 
 void frmFilter::cmbKBK_Click() {
     if (Consolidated()) {
-        const Text code = cmbKBK.SelectedText();
+        const Text code = summary_.codes[static_cast<std::size_t>(cmbKBK.Selected())];
         SelectCode();  // of the periods shown, until others are shown
         RefuseDuringImport();
         (summary_.kind == SummaryKind::Statements ? ListStatements : ListActs)(getbase(), summary_.inn, code);
@@ -112,6 +135,7 @@ void frmFilter::cmbKBK_Click() {
 
 void frmFilter::Check1_Click() {
     WriteSetting(u"ChkFilter", Check1.Checked() ? u"1" : u"0");
+    ShowPeriods();
 }
 
 SummaryChoice frmFilter::Choice() const {
@@ -126,6 +150,8 @@ SummaryChoice frmFilter::Choice() const {
 }
 
 void frmFilter::Command1_Click() {
+    if (building_) return;
+    const Busy busy(building_);
     RefuseDuringImport();
     const Text kpp = Consolidated() ? summary_.code : summary_.kpp;
     const Text path = (summary_.kind == SummaryKind::Statements ? GetFiles : GetFilesAct)(

@@ -32,11 +32,15 @@ class frmFilter : public Form {
     void ShowPeriods();
     SummaryChoice Choice() const;
 
+    // "18210101011011000110   Налог на прибыль".
+    std::vector<ListRow> RowsOfCodes() const;
+
     ListBox cmbKBK{*this, u"cmbKBK"};
     TreeView TreeView1{*this, u"TreeView1"};
     CheckBox Check1{*this, u"Check1"};
     Button Command1{*this, u"Command1"};
     Summary summary_;
+    bool building_ = false;
     std::vector<PeriodNode> periods_;
 };
 

@@ -8,6 +8,7 @@
 #include "common/guard.h"
 #include "common/progress.h"
 #include "common/regional.h"
+#include "db/empty_database.h"
 #include "db/patience.h"
 #include "load/run_import.h"
 #include "platform/environment.h"
@@ -17,6 +18,7 @@
 #include "reports/get_files_act.h"
 #include "settings/session.h"
 #include "settings/settings.h"
+#include "ui/create_database.h"
 #include "ui/folder_rows.h"
 #include "ui/frmDialog.h"
 #include "ui/frmFilter.h"
@@ -87,7 +89,8 @@ frmmain::frmmain() : Form(kMainPlan) {
                        {u"cmdOut", Event::Click, &Main::cmdOut_Click},
                        {u"cmdExport", Event::Click, &Main::cmdExport_Click},
                        {u"chkKons", Event::Click, &Main::chkKons_Click},
-                       {u"chkImportPath", Event::Click, &Main::chkImportPath_Click}});
+                       {u"chkImportPath", Event::Click, &Main::chkImportPath_Click},
+                       {u"txtAbout", Event::Click, &Main::txtAbout_Click}});
 }
 
 void frmmain::Form_Load() {
@@ -104,8 +107,12 @@ void frmmain::Form_Load() {
     load([&] { txtOut.Set(SettingText(u"OutPath")); });
     load([&] { chkImportPath.Check(SettingTruth(u"ChkOut")); });
     lstBase.ShowColumn(kNameColumn, false);
-    chkImportPath_Click();
+    txtOut.Enable(chkImportPath.Checked());
+    // As high as they are with their numbers, which then move nothing.
+    lblInfoFile.Set(u"Файлов в папке:\r\nПодлежат загрузке:");
+    lblInfoBase.Set(u"Выписок в базе данных:\r\nАктов в базе данных:\r\nНе перекрываются интервалами:");
     ShowAbout(false);
+    load([&] { SetLayout(SettingText(u"MainWindow")); });
     for (const Failure& failure : failures) ShowFailure(kLoadTitle, failure);
     Form_Again();
     if (StartedFor().import) Timer2.SetInterval(kUnattendedMilliseconds);
@@ -129,6 +136,7 @@ bool frmmain::Form_QueryUnload() {
 }
 
 void frmmain::Form_Unload() {
+    WriteSetting(u"MainWindow", Layout());
     if (!SaveFolders()) throw Failure(Concat(u"Папки не сохранены. ", LastRegistryFailure()));
 }
 
@@ -155,6 +163,7 @@ void frmmain::FillBase() {
     TextView rest = information;
     GetNext(rest, u"*");
     base_counts_ = GetNext(rest, u"*");
+    if (!base_counts_.empty()) lblInfoBase.Set(base_counts_);
 }
 
 void frmmain::Refill() {
@@ -186,31 +195,29 @@ void frmmain::Command4_Click() {
 void frmmain::Timer1_Timer() {
     if (refreshing_ || ImportRunning()) return;
     Timer1.SetInterval(0);
-    refreshing_ = true;
-    try {
-        Refresh();
-    } catch (...) {
-        refreshing_ = false;
-        throw;
-    }
-    refreshing_ = false;
+    const Busy busy(refreshing_);
+    Refresh();
 }
 
 void frmmain::Refresh() {
     for (Button* button : {&Command1, &Command2, &Command3}) button->Enable(false);
-    const Text folder = txtImport.Get();
+    const Text typed = txtImport.Get();
+    const Text folder = ImportFolder();
     const Text inn = Taxpayer().inn;  // the host may go on to another meanwhile
     bool changed = false;
+    int seen = 0;
     const auto go_on = [&] {
+        constexpr int kFew = 500;
+        if (++seen % kFew == 0) lblInfoFile.Set(Concat(u"Файлов в папке: ", Digits(seen), u"…\r\n"));
         CurrentProgress().ProcessEvents();
-        changed = !Loaded() || txtImport.Get() != folder;
+        changed = !Loaded() || txtImport.Get() != typed;
         return !changed;
     };
     bool busy = false;
-    const Text information = SetFiles(
-        lstFile, FilesOf::Folder, folder.empty() ? Text(u" ") : UserPath(folder), inn, Kpp(), busy, go_on);
+    const Text information =
+        SetFiles(lstFile, FilesOf::Folder, folder.empty() ? Text(u" ") : folder, inn, Kpp(), busy, go_on);
     if (changed) return;  // the change has asked for the next refresh
-    if (!Trim(folder).empty()) SaveFolders();
+    if (!folder.empty()) SaveFolders();
     ShowAbout(busy);
     if (busy) {
         Timer1.SetInterval(kBusyMilliseconds);
@@ -234,7 +241,7 @@ void frmmain::ShowCounts(const Text& information) {
     TextView rest = information;
     if (const TextView name = GetNext(rest, u"*"); !name.empty()) lblInfoName.Set(name);
     const TextView base_counts = GetNext(rest, u"*");
-    lblInfoBase.Set(base_counts);
+    if (!base_counts.empty()) lblInfoBase.Set(base_counts);
     // The database was busy when its list was filled, or has changed without the window's knowing.
     if (base_counts != base_counts_) FillBase();
     lblInfoFile.Set(GetNext(rest, u"*"));
@@ -242,33 +249,70 @@ void frmmain::ShowCounts(const Text& information) {
 
 // A busy database leaves the rows and counts as they are shown.
 void frmmain::ShowAbout(bool busy) {
-    Text about = Text(u"База данных: ").append(getbase());
-    if (busy) about.append(u"\r\nБаза данных занята: списки обновятся, когда она освободится.");
-    if (!outcome_.empty()) about.append(u"\r\n").append(outcome_);
-    const Text states = CountsOfStates(FolderAccount());
-    if (!states.empty()) about.append(u"\r\n").append(states);
+    std::vector<Text> lines;
+    if (busy) lines.push_back(u"База данных занята: списки обновятся, когда она освободится.");
+    if (!outcome_.empty()) lines.push_back(outcome_);
+    if (Text states = CountsOfStates(FolderAccount()); !states.empty()) lines.push_back(std::move(states));
+    if (OffersDatabase()) {
+        lines.push_back(u"Базы данных нет. Щелчок по этому тексту создаст её.");
+    } else if (NextOfConcern(-1) >= 0) {
+        lines.push_back(u"Щелчок по этому тексту ведёт к файлам, на которые стоит взглянуть.");
+    }
+    lines.push_back(Concat(u"База данных: ", getbase()));
+    Text about;
+    for (const Text& line : lines) about.append(about.empty() ? u"" : u"\r\n").append(line);
     txtAbout.Set(about);
 }
 
+// What can be done about what the text says.
+void frmmain::txtAbout_Click() {
+    if (OffersDatabase()) {
+        CreateDatabase(getbase());
+        Command4_Click();
+        Refill();
+        return;
+    }
+    const int row = NextOfConcern(lstFile.Selected());
+    if (row >= 0) lstFile.Select(row);
+}
+
+// A folder that does not exist leaves the setting as it was.
 bool frmmain::SaveFolders() {
-    const std::pair<TextView, Text> values[] = {{u"ImportPath", txtImport.Get()},
-                                                {u"ExportPath", txtExport.Get()},
-                                                {u"OutPath", txtOut.Get()},
-                                                {u"ChkOut", chkImportPath.Checked() ? u"1" : u"0"}};
-    return std::all_of(std::begin(values), std::end(values), [](const auto& value) {
-        return IsStored(value.first, value.second) || WriteSetting(value.first, value.second);
-    });
+    const auto save = [](TextView name, const Text& text) {
+        return IsStored(name, text) || WriteSetting(name, text);
+    };
+    const std::pair<TextView, Text> folders[] = {
+        {u"ImportPath", txtImport.Get()}, {u"ExportPath", txtExport.Get()}, {u"OutPath", txtOut.Get()}};
+    bool saved = save(u"ChkOut", chkImportPath.Checked() ? u"1" : u"0");
+    for (const auto& [name, typed] : folders) {
+        const Text folder = UserPath(typed);
+        if (folder.empty() || FolderExists(folder)) saved = save(name, folder) && saved;
+    }
+    return saved;
+}
+
+Text frmmain::ImportFolder() const {
+    return UserPath(txtImport.Get());
+}
+
+// A folder, or files, of which the folder is meant.
+void frmmain::Form_Drop(const std::vector<Text>& paths) {
+    if (paths.empty()) return;
+    const Text& first = paths.front();
+    txtImport.Set(FolderExists(first) ? first : FolderOf(first));
 }
 
 void frmmain::Command1_Click() {
+    if (chkImportPath.Checked() && !AskForMoveFolder()) return;
     Command1.Enable(false);
     const Text move_to = chkImportPath.Checked() ? UserPath(txtOut.Get()) : Text();
     const Text inn = Taxpayer().inn;  // the host may go on to another meanwhile
     const DatabasePatience wait;
-    const ImportResult result = RunImport({UserPath(txtImport.Get()), move_to}, inn, Kpp());
+    const ImportResult result = RunImport({ImportFolder(), move_to}, inn, Kpp());
     outcome_ = result.outcome == ImportOutcome::Nothing     ? Text()
                : result.outcome == ImportOutcome::Cancelled ? Text(u"Импорт прерван.")
                                                             : ClosingSentence(result.account);
+    ShowAbout(false);
     PBar.Set(0);
     Refill();
 }
@@ -296,6 +340,8 @@ void frmmain::Command6_Click() {
 
 // Of a consolidated taxpayer: the code of the selected document, if it is of the right kind.
 void frmmain::Summarise(SummaryKind kind) {
+    if (summarising_) return;  // its windows live on meanwhile
+    const Busy busy(summarising_);
     RefuseDuringImport();
     if (txtExport.Get().empty()) txtExport.Set(ReportFolder());
     const bool statements = kind == SummaryKind::Statements;
@@ -320,7 +366,7 @@ void frmmain::lstBase_DblClick() {
     TextView rest = row;
     const TextView word = GetNext(rest, u" ");
     if (word.empty()) return;
-    const std::vector<Text> found = ListFiles(UserPath(txtImport.Get()), Concat(word, u".doc"));
+    const std::vector<Text> found = ListFiles(ImportFolder(), Concat(word, u".doc"));
     if (!found.empty()) OpenDocument(Concat(WithSeparator(UserPath(txtExport.Get())), found.front()));
 }
 
@@ -352,6 +398,16 @@ void frmmain::chkKons_Click() {
 
 void frmmain::chkImportPath_Click() {
     txtOut.Enable(chkImportPath.Checked());
+    if (chkImportPath.Checked() && !AskForMoveFolder()) {
+        chkImportPath.Check(false);
+        txtOut.Enable(false);
+    }
+}
+
+// Whether there is a folder to move the imported files to, by now.
+bool frmmain::AskForMoveFolder() {
+    if (Trim(txtOut.Get()).empty() && !StartedFor().import) cmdOut_Click();
+    return StartedFor().import || !Trim(txtOut.Get()).empty();
 }
 
 void frmmain::Command5_Click() {

@@ -17,6 +17,8 @@ class frmmain : public Form {
     // For the windows around this one; nothing when it is not loaded. The
     // list of the database is filled again, and everything is refreshed.
     void Refill();
+    // Whether the lists and counts are being read.
+    bool Refreshing() const { return refreshing_; }
     // On the bar, from 0 to 1.
     void ShowProgress(double part);
 
@@ -25,6 +27,7 @@ class frmmain : public Form {
     void Form_Again() override;
     bool Form_QueryUnload() override;
     void Form_Unload() override;
+    void Form_Drop(const std::vector<Text>& paths) override;
     void Timer1_Timer();
     void Timer2_Timer();
     void txtImport_Change();
@@ -41,6 +44,7 @@ class frmmain : public Form {
     void cmdExport_Click();
     void chkKons_Click();
     void chkImportPath_Click();
+    void txtAbout_Click();
 
     void ShowTaxpayer();
     void FillBase();
@@ -49,6 +53,8 @@ class frmmain : public Form {
     void ShowCounts(const Text& information);
     void ShowAbout(bool busy);
     bool SaveFolders();
+    Text ImportFolder() const;
+    bool AskForMoveFolder();
     Text Kpp() const;
     void Summarise(SummaryKind kind);
     void Browse(TextView title, TextControl& box);
@@ -76,6 +82,7 @@ class frmmain : public Form {
     Text outcome_;      // of the last import, while its folder is shown
     bool refreshing_ = false;
     bool refreshed_ = false;
+    bool summarising_ = false;
 };
 
 }  // namespace tav

@@ -122,6 +122,7 @@ constexpr ControlPlan kControls[] = {
 
 }  // namespace
 
-const FormPlan kMainPlan = {u"frmmain", kCaption, kControls, 180, 54, {}, u"Command5"};
+const FormPlan kMainPlan = {u"frmmain", kCaption,    kControls,   180,         54,
+                            {},         u"Command5", u"Command4", u"txtImport"};
 
 }  // namespace tav

@@ -80,7 +80,7 @@ class TreeBuilder {
         if (answer.empty()) return {};
         TextView overlapping = answer;
         const TextView counts = GetNext(overlapping, u"|");
-        GetNext(overlapping, u"|");
+        const TextView whole = GetNext(overlapping, u"|");
         Branch branch = {Concat(u"k", Digits(++last_key_)), {}, {}};
         while (!overlapping.empty()) {
             std::size_t number = 0;
@@ -90,7 +90,8 @@ class TreeBuilder {
             branch.begins.push_back(parent.begins[number - 1]);
             branch.ends.push_back(parent.ends[number - 1]);
         }
-        nodes_.push_back({branch.key, parent.key, Concat(name, u" ", counts), kind, period});
+        nodes_.push_back({branch.key, parent.key, Concat(name, u" ", counts), kind, period,
+                          std::ranges::count(whole, u',')});
         return branch;
     }
 
@@ -147,7 +148,7 @@ std::vector<PeriodNode> PeriodTree(const Summary& summary, TextView code) {
         AddYearsOf(*days, years);
     }
     std::vector<PeriodNode> nodes = {
-        {root.key, {}, RootText(summary.kind, documents), PeriodKind::All, std::nullopt}};
+        {root.key, {}, RootText(summary.kind, documents), PeriodKind::All, std::nullopt, documents}};
     TreeBuilder builder(nodes);
     for (const int year : years) builder.AddYear(root, year);
     return nodes;

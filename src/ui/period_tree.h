@@ -29,6 +29,7 @@ struct PeriodNode {
     Text text;
     PeriodKind kind = PeriodKind::All;
     std::optional<DayRange> period;  // no value: all periods
+    long long whole = 0;             // documents wholly in it
 };
 
 // The nodes as a tree control takes them, parents before their children. Only documents of that code count;

@@ -1,6 +1,7 @@
 #include "ui/window_progress.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "forms/forms.h"
 #include "load/run_import.h"
@@ -26,6 +27,7 @@ void WindowProgress::Show(int files) {
 
 void WindowProgress::ShowPages(int pages) {
     Begin(pages);
+    summing_up_ = true;
     Shared<frmShortImport>().Begin(frmShortImport::Work::Summary);
 }
 
@@ -44,9 +46,7 @@ void WindowProgress::SetFraction(double fraction) {
 
 void WindowProgress::Close() {
     Shared<frmShortImport>().CloseSoon();
-    if (ImportRunning()) return;
-    files_ = 0;
-    Shared<frmmain>().ShowProgress(0);
+    if (std::exchange(summing_up_, false)) Shared<frmmain>().ShowProgress(0);
 }
 
 void WindowProgress::SetLoaded(int files, int of) {
@@ -67,7 +67,8 @@ void WindowProgress::Draw() {
     const double read = files_ == 0 ? 0 : std::clamp((done_ + fraction_) / files_, 0.0, 1.0);
     Shared<frmShortImport>().ShowProgress(label_, read);
     // Reading is the one half of an import, loading the other.
-    Shared<frmmain>().ShowProgress(ImportRunning() ? (read + loaded_) / 2 : read);
+    const double part = ImportRunning() ? (read + loaded_) / 2 : summing_up_ ? read : 0;
+    Shared<frmmain>().ShowProgress(part);
 }
 
 }  // namespace tav

@@ -28,6 +28,7 @@ class WindowProgress : public Progress {
     int done_ = 0;
     double fraction_ = 0;
     double loaded_ = 0;
+    bool summing_up_ = false;
     Text label_;
     std::chrono::steady_clock::time_point drawn_;
 };

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/environment.h"
 #include "platform/locked_file.h"
 #include "support/failure_of.h"
 #include "support/support.h"
@@ -21,6 +22,13 @@ TEST(Paths, Pieces) {
     EXPECT_EQ(NameOf(u"b.rtf"), u"b.rtf");
     EXPECT_EQ(UserPath(u"no\\such/folder"),
               ReplaceAll(u"no/such/folder", u"/", TextView(&kPathSeparator, 1)));
+    // As it is pasted from elsewhere.
+    const Text there = UserPath(u"/no/such a");
+    for (const TextView pasted :
+         {u" \"/no/such a\" ", u"'/no/such a'", u"file:///no/such%20a", u"FILE:///no/such a"}) {
+        EXPECT_EQ(UserPath(pasted), there);
+    }
+    EXPECT_EQ(UserPath(u"~/no/such"), UserPath(HomeFolder() + u"/no/such"));
 }
 
 TEST(Folders, AreMadeFromTheRootDown) {

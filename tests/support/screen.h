@@ -42,6 +42,8 @@ struct Spot {
 std::string TextOf(const Spot& spot);
 bool IsEnabled(const Spot& spot);
 bool IsTicked(const Spot& spot);
+// The selected row of a list box; empty when none is.
+std::string SelectedOf(const Spot& spot);
 // Of a list box or a combo box.
 std::vector<std::string> RowsOf(const Spot& spot);
 // A tree's nodes, each indented by its depth.
@@ -52,7 +54,7 @@ int BarOf(const Spot& spot);
 std::string Focused();
 
 void Focus(const Spot& spot);
-void Click(const Spot& button);
+void Click(const Spot& button);  // or on a memo
 // Over what is there, key by key.
 void Type(const Spot& spot, TextView text);
 // A double click on a row, or below the last for -1.

@@ -135,6 +135,11 @@ std::vector<std::string> RowsOf(const Spot& spot) {
     return rows;
 }
 
+std::string SelectedOf(const Spot& spot) {
+    const auto selected = In<QAbstractItemView>(spot)->selectionModel()->selectedIndexes();
+    return selected.isEmpty() ? "" : selected.front().data(Qt::UserRole).toString().toStdString();
+}
+
 std::vector<std::string> NodesOf(const Spot& spot) {
     std::vector<std::string> lines;
     AddNodes(*In<QTreeView>(spot)->model(), {}, 0, lines);
@@ -154,10 +159,11 @@ void Focus(const Spot& spot) {
 }
 
 void Click(const Spot& button) {
-    auto* widget = In<QAbstractButton>(button);
+    auto* widget = In(button);
     ASSERT_NE(widget, nullptr);
     ASSERT_TRUE(widget->isEnabled()) << button.control;
-    QTest::mouseClick(widget, Qt::LeftButton);
+    const auto* scrolled = qobject_cast<QAbstractScrollArea*>(widget);
+    QTest::mouseClick(scrolled == nullptr ? widget : scrolled->viewport(), Qt::LeftButton);
 }
 
 void Type(const Spot& spot, TextView text) {

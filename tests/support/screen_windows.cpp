@@ -229,6 +229,11 @@ std::vector<std::string> RowsOf(const Spot& spot) {
     return rows;
 }
 
+std::string SelectedOf(const Spot& spot) {
+    const LRESULT place = Send(Find(spot), LB_GETCURSEL);
+    return place < 0 ? "" : RowsOf(spot)[static_cast<std::size_t>(place)];
+}
+
 std::vector<std::string> NodesOf(const Spot& spot) {
     std::vector<std::string> lines;
     for (const Node& node : Nodes(Find(spot)))
@@ -260,7 +265,10 @@ void Focus(const Spot& spot) {
 void Click(const Spot& button) {
     HWND window = Find(button);
     ASSERT_TRUE(::IsWindowEnabled(window)) << button.control;
-    if (driven == 0) {
+    if (ClassOf(window) == L"Edit") {
+        Send(window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(2, 2));
+        Send(window, WM_LBUTTONUP, 0, MAKELPARAM(2, 2));
+    } else if (driven == 0) {
         Send(window, BM_CLICK);
     } else {
         ::PostMessageW(window, BM_CLICK, 0, 0);  // what it opens is driven meanwhile

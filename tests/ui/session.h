@@ -10,6 +10,7 @@
 //     when WINDOW CONTROL                                    a click as soon as that window is shown
 //     shown WINDOW    active WINDOW    gone WINDOW           "gone" also waits for the click above
 //     has SPOT WORDS    lacks SPOT WORDS    row SPOT WORDS   a text, a row of a list
+//     selected SPOT WORDS                                    the selected row of a list
 //     rows SPOT N    nodes SPOT N WORDS                      how many rows, nodes that begin so
 //     on SPOT    off SPOT                                    whether it can be used
 //     opened PATH    page N WORDS                            the document opened last, how often it has these
@@ -110,6 +111,7 @@ class Session : public Desktop {
             {"has", [&] { EXPECT_TRUE(Wait(has)) << TextOf(spot); }},
             {"lacks", [&] { EXPECT_FALSE(has()) << TextOf(spot); }},
             {"row", [&] { EXPECT_THAT(RowsOf(spot), testing::Contains(testing::HasSubstr(words))); }},
+            {"selected", [&] { EXPECT_EQ(SelectedOf(spot), words); }},
             {"rows", [&] { expect([&] { return RowsOf(spot).size() == number(words); }); }},
             {"nodes",
              [&] { EXPECT_EQ(NodesThatBegin(spot, words.substr(words.find(' ') + 1)), std::stoi(words)); }},

@@ -80,8 +80,9 @@ TEST_F(Windows, KeepsToTheCodeWhosePeriodsItShows) {
         const auto nodes = NodesOf({"frmFilter", "TreeView1"});
         return TextOf(codes) + (nodes.size() > 1 ? nodes[1] : "");
     };
-    const std::string first = ToUtf8(samples::Taxes()[0].kbk) + " 2009 (3/3)";
-    const std::string second = ToUtf8(samples::Taxes()[1].kbk) + " 2009 (1/1)";
+    const auto named = [](const samples::Tax& tax) { return ToUtf8(tax.kbk + u"   " + tax.name); };
+    const std::string first = named(samples::Taxes()[0]) + " 2009 (3/3)";
+    const std::string second = named(samples::Taxes()[1]) + " 2009 (1/1)";
     Focus(codes);
     EXPECT_EQ(shown(), first);
     const auto hide = [&](TextView from, TextView to) {
@@ -119,11 +120,11 @@ TEST_F(Windows, ASettingOfAnotherKindStaysAsItIsAndTheOthersAreKept) {
     }
     Start();
     ASSERT_TRUE(WaitCounts("lblInfoFile", "Файлов в папке: 0"));
-    Type(Main("txtExport"), u"C:\\отчёты");
+    Type(Main("txtExport"), folder_ / u"in");
     Click(Main("Command5"));
     EXPECT_THAT(Shown(), ElementsAre("Ошибка в функции Form_Load: Type mismatch: OutPath\r\n",
                                      "Ошибка в функции Form_Load: Type mismatch: ChkOut\r\n"));
-    EXPECT_EQ(SettingText(u"ExportPath"), u"C:\\отчёты");
+    EXPECT_EQ(SettingText(u"ExportPath"), folder_ / u"in");
     for (const TextView name : {u"OutPath", u"ChkOut"}) {
         const Setting& setting = *FindSetting(name);
         RegistryValue left;

@@ -1,5 +1,7 @@
 // The windows as Qt's widgets, and over the settings file of Linux.
+#include <QHeaderView>
 #include <QLabel>
+#include <QTreeView>
 #include <cstdlib>
 
 #include "support/screen_qt.h"
@@ -22,12 +24,19 @@ TEST_F(WindowsQt, FitOnASmallScreenWithALongName) {
     Start();
     ASSERT_TRUE(WaitCounts("lblInfoFile", "Файлов в папке: 0"));
     QWidget* window = WindowNamed("frmmain");
-    window->resize(1000, 660);
-    EXPECT_EQ(window->size(), QSize(1000, 660));
+    window->resize(780, 660);
+    EXPECT_EQ(window->size(), QSize(780, 660));
     for (const char* label : {"lblInfoName", "Label5", "lblInfoFile", "lblInfoBase"}) {
         const auto* shown = In<QLabel>(Main(label));
         EXPECT_GE(shown->height(), shown->heightForWidth(shown->width())) << label;
     }
+    // Size and columns are those of the last time.
+    In<QTreeView>(Main("lstFile"))->header()->resizeSection(1, 77);
+    CloseWindow("frmmain");
+    Start();
+    EXPECT_NEAR(WindowNamed("frmmain")->width(), 780, 1);
+    EXPECT_NEAR(WindowNamed("frmmain")->height(), 660, 1);
+    EXPECT_NEAR(In<QTreeView>(Main("lstFile"))->header()->sectionSize(1), 77, 1);
     EXPECT_EQ(In(Main("txtOut"))->accessibleName(), "Переносить импортированные файлы в папку:");
     EXPECT_EQ(In(Main("cmdImport"))->accessibleName(), "Выбор папки с файлами из ТАВ в формате rtf");
 }

@@ -2,6 +2,7 @@
 
 #include <QHeaderView>
 #include <QTreeView>
+#include <algorithm>
 #include <utility>
 
 #include "forms/qt/enter.h"
@@ -27,9 +28,8 @@ class ListBox : public SeenControl<OpenedByEnter<QTreeView>> {
         header.setSectionsClickable(true);
         header.setSortIndicatorShown(true);
         header.setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-        const int digit = widget_->fontMetrics().horizontalAdvance(u'0');
         for (int i = 0; i < header.count(); ++i) {
-            header.resizeSection(i, plan.columns[static_cast<std::size_t>(i)].width * digit);
+            header.resizeSection(i, plan.columns[static_cast<std::size_t>(i)].width * Digit());
         }
         ShowOrder();
         QObject::connect(&header, &QHeaderView::sectionClicked, [this](int column) { SortBy(column); });
@@ -44,7 +44,24 @@ class ListBox : public SeenControl<OpenedByEnter<QTreeView>> {
     }
     void ShowColumn(int column, bool shown) override { widget_->setColumnHidden(column, !shown); }
 
+    std::vector<int> ColumnWidths() const override {
+        std::vector<int> widths;
+        for (int i = 0; i < widget_->header()->count(); ++i) {
+            widths.push_back(qRound(kTenths * widget_->header()->sectionSize(i) / Digit()));
+        }
+        return widths;
+    }
+    void SetColumnWidths(const std::vector<int>& widths) override {
+        for (std::size_t i = 0; i < std::min(widths.size(), plan().columns.size()); ++i) {
+            if (widths[i] <= 0) continue;
+            widget_->header()->resizeSection(static_cast<int>(i), qRound(widths[i] * Digit() / kTenths));
+        }
+    }
+
  private:
+    static constexpr double kTenths = 10;
+
+    int Digit() const { return widget_->fontMetrics().horizontalAdvance(u'0'); }
     void SortBy(int column) {
         const int selected = SelectedRow();
         model_->SortBy(column);

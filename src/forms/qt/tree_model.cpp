@@ -58,6 +58,9 @@ QVariant TreeModelQt::data(const QModelIndex& index, int role) const {
     switch (role) {
         case Qt::DisplayRole:
             return ToQt(At(index).text).replace(u'\n', u' ');  // nodes are of one height
+        case Qt::ForegroundRole:
+            if (!At(index).dimmed) return {};
+            return view_.palette().brush(QPalette::Disabled, QPalette::Text);
         case Qt::DecorationRole:
             return PictureIcon(At(index).picture, view_);
         default:

@@ -7,6 +7,7 @@
 #include <QKeySequence>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
@@ -134,6 +135,7 @@ class CheckBox : public Pressed<QCheckBox> {
 class TextBox : public SeenControl<QLineEdit> {
  public:
     TextBox(const ControlPlan& plan, QWidget* parent, const Raise& raise) : SeenControl(plan, parent) {
+        widget_->setAcceptDrops(false);  // what is dropped is the window's
         // Typing over a text with the same text is a change to QLineEdit, but not to the form.
         QObject::connect(widget_, &QLineEdit::textChanged, [this, raise](const QString& text) {
             if (std::exchange(last_, text) != text) raise(Event::Change);
@@ -146,12 +148,26 @@ class TextBox : public SeenControl<QLineEdit> {
     QString last_;
 };
 
-class Memo : public Captioned<QPlainTextEdit> {
+// A click that selects nothing is told of.
+class ClickedText : public QPlainTextEdit {
  public:
-    Memo(const ControlPlan& plan, QWidget* parent, const Raise&) : Captioned(plan, parent) {
+    using QPlainTextEdit::QPlainTextEdit;
+    Raise raise;
+
+ protected:
+    void mouseReleaseEvent(QMouseEvent* event) override {
+        QPlainTextEdit::mouseReleaseEvent(event);
+        if (event->button() == Qt::LeftButton && !textCursor().hasSelection()) raise(Event::Click);
+    }
+};
+
+class Memo : public Captioned<ClickedText> {
+ public:
+    Memo(const ControlPlan& plan, QWidget* parent, const Raise& raise) : Captioned(plan, parent) {
+        widget_->raise = raise;
         widget_->setReadOnly(true);
         widget_->setTabChangesFocus(true);
-        constexpr int kLines = 3;
+        constexpr int kLines = 4;
         widget_->setFixedHeight(CharacterSize(*widget_, 0, kLines).height());
     }
 

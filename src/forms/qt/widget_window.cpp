@@ -2,12 +2,16 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDropEvent>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLayout>
+#include <QMimeData>
 #include <QPointer>
 #include <QPushButton>
 #include <QScreen>
+#include <QUrl>
+#include <QVBoxLayout>
 #include <QWindow>
 #include <algorithm>
 #include <set>
@@ -20,6 +24,8 @@
 
 namespace tav {
 namespace {
+
+constexpr int kTenths = 10;
 
 // The windows that are shown, and the loops that wait until none is.
 class ShownForms {
@@ -64,7 +70,16 @@ void JoinLabels(const std::vector<MadeControl>& controls) {
 
 }  // namespace
 
-FormWindowQt::FormWindowQt(const FormPlan& plan, FormEvents& events) : events_(&events) {
+FormWindowQt::FormWindowQt(const FormPlan& plan, FormEvents& events)
+    : events_(&events), area_(new QScrollArea(this)), contents_(new QWidget(area_)) {
+    auto* whole = new QVBoxLayout(this);
+    whole->setContentsMargins(0, 0, 0, 0);
+    whole->addWidget(area_);
+    area_->setFrameShape(QFrame::NoFrame);
+    area_->setWidgetResizable(true);
+    area_->setFocusPolicy(Qt::NoFocus);
+    area_->setWidget(contents_);
+    contents_->installEventFilter(this);
     setObjectName(ToQt(plan.name));
     setWindowTitle(ToQt(plan.caption));
     setAttribute(Qt::WA_QuitOnClose, false);  // a host's windows decide when the host ends
@@ -74,13 +89,14 @@ FormWindowQt::FormWindowQt(const FormPlan& plan, FormEvents& events) : events_(&
     for (std::size_t i = 0; i < names.size(); ++i) {
         if (!names[i].empty()) controls_[i]->widget()->setAccessibleName(ToQt(names[i]));
     }
-    LayOut(*this, plan.controls, controls_);
+    LayOut(*contents_, plan.controls, controls_);
     default_ = FindButton(plan.default_button);
     cancel_ = FindButton(plan.cancel_button);
+    refresh_ = FindButton(plan.refresh_button);
+    if (!plan.first.empty()) first_ = findChild<QWidget*>(ToQt(plan.first));
+    setAcceptDrops(true);
     if (auto* button = dynamic_cast<QPushButton*>(default_); button != nullptr) button->setDefault(true);
-    resize(CharacterSize(*this, plan.width, plan.height)
-               .expandedTo(minimumSizeHint())
-               .boundedTo(screen()->availableSize()));
+    Resize({plan.width * kTenths, plan.height * kTenths});
 }
 
 FormWindowQt::~FormWindowQt() {
@@ -103,7 +119,7 @@ void FormWindowQt::Tell(const std::function<void(FormEvents&)>& what) {
 }
 
 void FormWindowQt::MakeControls(const FormPlan& plan) {
-    std::unordered_map<TextView, QWidget*> frames = {{TextView(), this}};
+    std::unordered_map<TextView, QWidget*> frames = {{TextView(), contents_}};
     for (std::size_t i = 0; i < plan.controls.size(); ++i) {
         const ControlPlan& control = plan.controls[i];
         const Raise raise = [this, i](Event event) {
@@ -123,6 +139,7 @@ void FormWindowQt::Appear() {
     show();
     raise();
     activateWindow();
+    if (focusWidget() == nullptr && first_ != nullptr) first_->setFocus();
     if (focusWidget() == nullptr) focusNextChild();
     Shown().Enter(this);
 }
@@ -174,14 +191,39 @@ void FormWindowQt::closeEvent(QCloseEvent* event) {
     event->setAccepted(!isVisible());
 }
 
+// Rounded, so that a window that is opened and closed keeps its size.
+FormSize FormWindowQt::Size() const {
+    const QSizeF tenth = QSizeF(CharacterSize(*this, 1, 1)) / kTenths;
+    return {qRound(width() / tenth.width()), qRound(height() / tenth.height())};
+}
+
+void FormWindowQt::Resize(const FormSize& size) {
+    const QSizeF tenth = QSizeF(CharacterSize(*this, 1, 1)) / kTenths;
+    const QSize wish(qRound(size.width * tenth.width()), qRound(size.height * tenth.height()));
+    resize(wish.expandedTo(contents_->minimumSizeHint()).boundedTo(LargestInside()));
+}
+
+// What the screen has room for, beside the frame; how wide that is shows only when the window has one.
+QSize FormWindowQt::LargestInside() const {
+    constexpr QSize kUsualFrame(16, 40);
+    return screen()->availableSize() - (frameGeometry().size() - size()).expandedTo(kUsualFrame);
+}
+
 // Labels that break their lines need the more height the narrower the window is.
-bool FormWindowQt::event(QEvent* event) {
-    const bool handled = QWidget::event(event);
-    if (event->type() == QEvent::LayoutRequest || event->type() == QEvent::Resize) {
-        const int height = layout()->totalMinimumHeightForWidth(width());
-        if (height > 0) setMinimumHeight(std::min(height, screen()->availableSize().height()));
-    }
-    return handled;
+void FormWindowQt::FitContents() {
+    const QSize least = contents_->layout()->totalMinimumSize();
+    const int height = contents_->layout()->totalMinimumHeightForWidth(std::max(width(), least.width()));
+    setMinimumSize(QSize(least.width(), height > 0 ? height : least.height()).boundedTo(LargestInside()));
+}
+
+void FormWindowQt::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    FitContents();
+}
+
+bool FormWindowQt::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == contents_ && event->type() == QEvent::LayoutRequest) FitContents();
+    return QWidget::eventFilter(watched, event);
 }
 
 // Keys that the focused control has not used.
@@ -189,11 +231,25 @@ void FormWindowQt::keyPressEvent(QKeyEvent* event) {
     QAbstractButton* button = nullptr;
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) button = default_;
     if (event->key() == Qt::Key_Escape) button = cancel_;
+    if (event->key() == Qt::Key_F5) button = refresh_;
     if (button != nullptr) {
         button->click();
     } else {
         QWidget::keyPressEvent(event);
     }
+}
+
+void FormWindowQt::dragEnterEvent(QDragEnterEvent* event) {
+    if (event->mimeData()->hasUrls()) event->acceptProposedAction();
+}
+
+void FormWindowQt::dropEvent(QDropEvent* event) {
+    std::vector<Text> paths;
+    for (const QUrl& url : event->mimeData()->urls()) {
+        if (url.isLocalFile()) paths.push_back(FromQt(url.toLocalFile()));
+    }
+    event->acceptProposedAction();
+    Tell([&](FormEvents& events) { events.OnDrop(paths); });
 }
 
 void RunUntilNoFormIsShown() {

@@ -37,6 +37,7 @@ LRESULT CALLBACK ControlWin::Procedure(HWND hwnd, UINT message, WPARAM wparam, L
 }
 
 LRESULT ControlWin::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_SETFOCUS) host_.Reveal(hwnd_);
     if (message == WM_DESTROY) ::RemovePropW(hwnd_, win32::Wide(plan().name).c_str());
     return ::CallWindowProcW(class_procedure_, hwnd_, message, wparam, lparam);
 }

@@ -23,6 +23,8 @@ class FormHost {
     virtual void Raise(std::size_t control, Event event) = 0;
     // A control needs more or less room than it has.
     virtual void Arrange() = 0;
+    // A control has got the keyboard.
+    virtual void Reveal(HWND control) = 0;
 
  protected:
     friend class Running;

@@ -107,12 +107,21 @@ class Memo : public ControlWin {
     // It edits nothing, so Tab, Enter and Esc are the form's, and its text is not selected on the way.
     LRESULT OnMessage(UINT message, WPARAM wparam, LPARAM lparam) override {
         if (message == WM_GETDLGCODE) return DLGC_WANTARROWS;
-        return ControlWin::OnMessage(message, wparam, lparam);
+        const LRESULT result = ControlWin::OnMessage(message, wparam, lparam);
+        if (message == WM_LBUTTONUP && NothingSelected()) Raise(Event::Click);
+        return result;
     }
     int MinWidth() const override { return metrics().Across(60); }
-    int HeightFor(int) const override { return 3 * metrics().line() + metrics().Down(4); }
+    int HeightFor(int) const override { return 4 * metrics().line() + metrics().Down(4); }
 
  private:
+    bool NothingSelected() const {
+        DWORD begin = 0;
+        DWORD end = 0;
+        Send(EM_GETSEL, reinterpret_cast<WPARAM>(&begin), reinterpret_cast<LPARAM>(&end));
+        return begin == end;
+    }
+
     Text text_;
 };
 

@@ -8,32 +8,14 @@
 #include "forms/win32/shown_forms.h"
 #include "forms/win32/theme.h"
 #include "forms/win32/tool_tips.h"
+#include "forms/win32/window_size.h"
 #include "platform/floating_point_windows.h"
 
 namespace tav {
 namespace {
 
 constexpr DWORD kStyle = WS_OVERLAPPEDWINDOW;
-
-RECT WorkArea(HWND window) {
-    MONITORINFO monitor{};
-    monitor.cbSize = sizeof monitor;
-    ::GetMonitorInfoW(::MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor);
-    return monitor.rcWork;
-}
-
-// In the middle of the owner, but on the screen.
-void Centre(HWND window, HWND owner) {
-    RECT own{};
-    RECT other{};
-    ::GetWindowRect(window, &own);
-    ::GetWindowRect(owner, &other);
-    const RECT screen = WorkArea(owner);
-    const LONG x = (other.left + other.right - (own.right - own.left)) / 2;
-    const LONG y = (other.top + other.bottom - (own.bottom - own.top)) / 2;
-    ::SetWindowPos(window, nullptr, std::max(screen.left, x), std::max(screen.top, y), 0, 0,
-                   SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-}
+constexpr int kTenths = 10;
 
 void SetOwner(HWND window, HWND owner) {
     ::SetWindowLongPtrW(window, GWLP_HWNDPARENT, reinterpret_cast<LONG_PTR>(owner));
@@ -83,9 +65,10 @@ void FormWindowWin::Make() {
     ::SetPropW(hwnd_, win32::Wide(plan_.name).c_str(), hwnd_);
     metrics_ = Metrics(DpiOf(hwnd_));
     tool_tips_ = MakeToolTips(hwnd_);
+    ::DragAcceptFiles(hwnd_, TRUE);
     MakeControls();
     ::SendMessageW(hwnd_, WM_CHANGEUISTATE, MAKEWPARAM(UIS_INITIALIZE, 0), 0);
-    SetInside({plan_.width * metrics_.character(), plan_.height * metrics_.line()});
+    SetInside(hwnd_, {plan_.width * metrics_.character(), plan_.height * metrics_.line()});
     Arrange();
 }
 
@@ -114,6 +97,7 @@ void FormWindowWin::MakeControls() {
         (frame == nullptr ? grid_ : *frame->grid()).Add(control, plan);
         if (!names[i].empty()) reader_names_.emplace_back(control.hwnd(), names[i]);
         if (!plan.tool_tip.empty()) AddToolTip(tool_tips_, control.hwnd(), plan.tool_tip);
+        if (plan.name == plan_.first) focus_ = control.hwnd();
         if (plan.name == plan_.default_button)
             ::SendMessageW(control.hwnd(), BM_SETSTYLE, BS_DEFPUSHBUTTON, TRUE);
     }
@@ -174,14 +158,25 @@ LRESULT FormWindowWin::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
         case WM_SETFOCUS:
             TakeFocus();
             return 0;
+        case WM_VSCROLL:
+        case WM_HSCROLL:
+        case WM_MOUSEWHEEL:
+            if (scroll_.OnMessage(hwnd_, message, wparam, metrics_.line())) Arrange();
+            return 0;
+        case WM_DROPFILES:
+            TakeDrop(reinterpret_cast<HDROP>(wparam));
+            return 0;
         case WM_SIZE:
             Arrange();
             return 0;
         case WM_GETMINMAXINFO: {
             RECT client{};
             ::GetClientRect(hwnd_, &client);
-            const SIZE least = WithBorder(SmallestInside(static_cast<int>(client.right)));
-            reinterpret_cast<MINMAXINFO*>(lparam)->ptMinTrackSize = {least.cx, least.cy};
+            const SIZE least = WithBorder(hwnd_, SmallestInside(static_cast<int>(client.right)));
+            const RECT screen = WorkArea(hwnd_);
+            reinterpret_cast<MINMAXINFO*>(lparam)->ptMinTrackSize = {
+                std::min(least.cx, screen.right - screen.left),
+                std::min(least.cy, screen.bottom - screen.top)};
             return 0;
         }
         case WM_DPICHANGED: {
@@ -210,6 +205,18 @@ LRESULT FormWindowWin::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
             break;
     }
     return ::DefWindowProcW(hwnd_, message, wparam, lparam);
+}
+
+void FormWindowWin::TakeDrop(HDROP drop) {
+    std::vector<Text> paths;
+    const UINT count = ::DragQueryFileW(drop, 0xFFFFFFFF, nullptr, 0);
+    for (UINT i = 0; i < count; ++i) {
+        std::wstring path(::DragQueryFileW(drop, i, nullptr, 0), L'\0');
+        ::DragQueryFileW(drop, i, path.data(), static_cast<UINT>(path.size()) + 1);
+        paths.push_back(win32::FromWide(path));
+    }
+    ::DragFinish(drop);
+    if (events_ != nullptr) events_->OnDrop(paths);
 }
 
 void FormWindowWin::Leave() {
@@ -270,43 +277,49 @@ SIZE FormWindowWin::SmallestInside(int width) const {
     return {grid_.MinWidth() + 2 * Margin(), grid_.HeightFor(least) + 2 * Margin()};
 }
 
-SIZE FormWindowWin::WithBorder(SIZE inside) const {
-    RECT client{};
-    RECT whole{};
-    ::GetClientRect(hwnd_, &client);
-    ::GetWindowRect(hwnd_, &whole);
-    return {inside.cx + whole.right - whole.left - client.right,
-            inside.cy + whole.bottom - whole.top - client.bottom};
-}
-
-void FormWindowWin::SetInside(SIZE inside) {
-    const SIZE size = WithBorder(inside);
-    const RECT screen = WorkArea(hwnd_);
-    ::SetWindowPos(hwnd_, nullptr, 0, 0, std::min(size.cx, screen.right - screen.left),
-                   std::min(size.cy, screen.bottom - screen.top), SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
-}
-
 // A caption that has become longer widens the window, as far as the screen goes.
 void FormWindowWin::MakeLargeEnough() {
     RECT client{};
     ::GetClientRect(hwnd_, &client);
     const SIZE least = SmallestInside(static_cast<int>(client.right));
     if (least.cx <= client.right && least.cy <= client.bottom) return;
-    SetInside({std::max(least.cx, client.right), std::max(least.cy, client.bottom)});
+    SetInside(hwnd_, {std::max(least.cx, client.right), std::max(least.cy, client.bottom)});
 }
 
 void FormWindowWin::Arrange() {
     if (hwnd_ == nullptr || controls_.size() < plan_.controls.size() || ::IsIconic(hwnd_)) return;
-    if (!std::exchange(enlarging_, true)) {
-        MakeLargeEnough();
-        enlarging_ = false;
-    }
+    if (std::exchange(arranging_, true)) return;  // a new size, or a scroll bar, brings us here again
+    MakeLargeEnough();
     RECT client{};
     ::GetClientRect(hwnd_, &client);
-    grid_.Arrange({Margin(), Margin(), static_cast<int>(client.right) - 2 * Margin(),
-                   static_cast<int>(client.bottom) - 2 * Margin()});
+    scroll_.Fit(hwnd_, SmallestInside(static_cast<int>(client.right)));
+    ::GetClientRect(hwnd_, &client);
+    const SIZE least = SmallestInside(static_cast<int>(client.right));
+    grid_.Arrange({Margin() - static_cast<int>(scroll_.at().x), Margin() - static_cast<int>(scroll_.at().y),
+                   static_cast<int>(std::max(client.right, least.cx)) - 2 * Margin(),
+                   static_cast<int>(std::max(client.bottom, least.cy)) - 2 * Margin()});
+    arranging_ = false;
     // Frames and the controls in them are siblings, and overlap.
     ::RedrawWindow(hwnd_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+}
+
+void FormWindowWin::Reveal(HWND control) {
+    RECT box{};
+    ::GetWindowRect(control, &box);
+    ::MapWindowPoints(nullptr, hwnd_, reinterpret_cast<POINT*>(&box), 2);
+    if (!arranging_ && scroll_.Reveal(hwnd_, box)) Arrange();
+}
+
+FormSize FormWindowWin::Size() const {
+    RECT client{};
+    ::GetClientRect(hwnd_, &client);
+    return {::MulDiv(static_cast<int>(client.right), kTenths, metrics_.character()),
+            ::MulDiv(static_cast<int>(client.bottom), kTenths, metrics_.line())};
+}
+
+void FormWindowWin::Resize(const FormSize& size) {
+    SetInside(hwnd_, {::MulDiv(size.width, metrics_.character(), kTenths),
+                      ::MulDiv(size.height, metrics_.line(), kTenths)});
 }
 
 void FormWindowWin::ShowMetrics() {
@@ -377,24 +390,27 @@ void FormWindowWin::Hide() {
 bool FormWindowWin::TakeKey(MSG& message) {
     const Running running(*this);
     try {
-        return TakeEnterOrEscape(message) || ::IsDialogMessageW(hwnd_, &message) != FALSE;
+        return TakeButtonKey(message) || ::IsDialogMessageW(hwnd_, &message) != FALSE;
     } catch (...) {
         return true;
     }
 }
 
 // The dialog manager would know of the default button, but not of rows that Enter opens.
-bool FormWindowWin::TakeEnterOrEscape(const MSG& message) {
+bool FormWindowWin::TakeButtonKey(const MSG& message) {
     if (message.message != WM_KEYDOWN) return false;
-    if (message.wParam != VK_RETURN && message.wParam != VK_ESCAPE) return false;
+    const std::pair<WPARAM, TextView> keys[] = {
+        {VK_RETURN, plan_.default_button}, {VK_ESCAPE, plan_.cancel_button}, {VK_F5, plan_.refresh_button}};
+    const auto* key = std::ranges::find(keys, message.wParam, &std::pair<WPARAM, TextView>::first);
+    if (key == std::end(keys)) return false;
     const LRESULT wishes =
         ::SendMessageW(message.hwnd, WM_GETDLGCODE, message.wParam, reinterpret_cast<LPARAM>(&message));
     if ((wishes & DLGC_WANTMESSAGE) != 0) return false;  // an open list of a combo box
-    const bool enter = message.wParam == VK_RETURN;
+    const bool enter = key->first == VK_RETURN;
     if (ControlWin* control = ControlOf(message.hwnd); enter && control != nullptr && control->OnEnter()) {
         return true;
     }
-    ControlWin* button = ButtonNamed(enter ? plan_.default_button : plan_.cancel_button);
+    ControlWin* button = ButtonNamed(key->second);
     if (button != nullptr) button->Press();
     return true;
 }

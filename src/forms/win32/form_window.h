@@ -10,6 +10,7 @@
 
 #include "forms/win32/control.h"
 #include "forms/win32/readers.h"
+#include "forms/win32/scroll_bars.h"
 
 namespace tav {
 
@@ -27,6 +28,8 @@ class FormWindowWin final : public WindowOfControls, public FormHost {
     void ShowModal(FormWindow* owner) override;
     void Hide() override;
     void SetCaption(TextView caption) override;
+    FormSize Size() const override;
+    void Resize(const FormSize& size) override;
 
     void Enable(std::size_t control, bool enabled) override;
 
@@ -35,6 +38,7 @@ class FormWindowWin final : public WindowOfControls, public FormHost {
     const Metrics& metrics() const override { return metrics_; }
     void Raise(std::size_t control, Event event) override;
     void Arrange() override;
+    void Reveal(HWND control) override;
 
     // Lets go of a window whose thread ended without telling.
     void ForgetIfLost();
@@ -52,13 +56,11 @@ class FormWindowWin final : public WindowOfControls, public FormHost {
     ControlWin* ControlOf(HWND window) const;
     ControlWin* ButtonNamed(TextView name) const;
     void MakeControls();
-    bool TakeEnterOrEscape(const MSG& message);
+    void TakeDrop(HDROP drop);
+    bool TakeButtonKey(const MSG& message);
     int Margin() const { return metrics_.Across(5); }
-    // The least size of the inside, and one with borders and title.
+    // The least size of the inside.
     SIZE SmallestInside(int width) const;
-    SIZE WithBorder(SIZE inside) const;
-    // As far as the screen goes.
-    void SetInside(SIZE inside);
     void MakeLargeEnough();
     void ShowMetrics();
     void DisableOthers();
@@ -78,7 +80,8 @@ class FormWindowWin final : public WindowOfControls, public FormHost {
     HWND focus_ = nullptr;        // where the keyboard was when another window was activated
     bool* modal_done_ = nullptr;  // of the ShowModal that waits
     std::vector<HWND> disabled_;  // by it
-    bool enlarging_ = false;
+    ScrollBars scroll_;
+    bool arranging_ = false;
     int procedures_ = 0;  // of the window and its controls, that run now
 };
 

@@ -61,10 +61,29 @@ class ListBox : public ControlWin {
     void ShowColumn(int column, bool shown) override {
         int& hidden_width = widths_.at(static_cast<std::size_t>(column));
         const auto number = static_cast<WPARAM>(column);
-        const int width = static_cast<int>(Send(LVM_GETCOLUMNWIDTH, number));
+        const int width = WidthOf(column);
         if (shown == (width > 0)) return;
         if (!shown) hidden_width = width;
         Send(LVM_SETCOLUMNWIDTH, number, shown ? hidden_width : 0);
+    }
+    std::vector<int> ColumnWidths() const override {
+        std::vector<int> widths;
+        for (std::size_t i = 0; i < widths_.size(); ++i) {
+            const int width = WidthOf(static_cast<int>(i));
+            widths.push_back(::MulDiv(width > 0 ? width : widths_[i], kTenths, Digit()));
+        }
+        return widths;
+    }
+    void SetColumnWidths(const std::vector<int>& widths) override {
+        for (std::size_t i = 0; i < std::min(widths.size(), widths_.size()); ++i) {
+            const int width = ::MulDiv(widths[i], Digit(), kTenths);
+            if (width <= 0) continue;
+            if (WidthOf(static_cast<int>(i)) > 0) {
+                Send(LVM_SETCOLUMNWIDTH, i, width);
+            } else {
+                widths_[i] = width;
+            }
+        }
     }
     LRESULT OnNotify(NMHDR& notice) override {
         switch (notice.code) {
@@ -142,6 +161,11 @@ class ListBox : public ControlWin {
     }
 
  private:
+    static constexpr int kTenths = 10;
+
+    int WidthOf(int column) const {
+        return static_cast<int>(Send(LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(column)));
+    }
     int Digit() const { return static_cast<int>(metrics().TextSize(u"0", 0, DT_SINGLELINE).cx); }
     int SelectedPlace() const {
         return static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));

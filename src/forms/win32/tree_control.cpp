@@ -41,6 +41,7 @@ class TreeView : public ControlWin {
     }
     LRESULT OnNotify(NMHDR& notice) override {
         if (notice.code == NM_DBLCLK && on_node_) OnEnter();
+        if (notice.code == NM_CUSTOMDRAW) return Dim(reinterpret_cast<NMTVCUSTOMDRAW&>(notice));
         return notice.code == TVN_SELCHANGINGW && focusing_ ? TRUE : FALSE;
     }
     LRESULT OnMessage(UINT message, WPARAM wparam, LPARAM lparam) override {
@@ -65,6 +66,14 @@ class TreeView : public ControlWin {
     int HeightFor(int) const override { return 4 * metrics().line(); }
 
  private:
+    LRESULT Dim(NMTVCUSTOMDRAW& drawn) const {
+        if (drawn.nmcd.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
+        const auto node = static_cast<std::size_t>(drawn.nmcd.lItemlParam);
+        const bool selected = (drawn.nmcd.uItemState & CDIS_SELECTED) != 0;
+        if (node < nodes_.size() && nodes_[node].dimmed && !selected)
+            drawn.clrText = ::GetSysColor(COLOR_GRAYTEXT);
+        return CDRF_DODEFAULT;
+    }
     HTREEITEM Selected() const { return reinterpret_cast<HTREEITEM>(Send(TVM_GETNEXTITEM, TVGN_CARET)); }
     // At a point as messages of the mouse give it.
     bool OnNode(LPARAM point) const {
