@@ -15,7 +15,7 @@ using jet::TokenKind;
 
 class Qualifier {
  public:
-    explicit Qualifier(const Text& sql) : sql_(sql), tokens_(jet::Tokenize(SqlText(sql))) {}
+    explicit Qualifier(const Text& sql) : sql_(sql), source_(sql), tokens_(jet::Tokenize(source_)) {}
 
     Text Qualified() {
         for (std::size_t i = 0; i < tokens_.size(); ++i) {
@@ -85,6 +85,7 @@ class Qualifier {
     }
 
     const Text& sql_;
+    const SqlText source_;  // which the tokens point into
     const std::vector<Token> tokens_;
     std::vector<Column> found_;
 };

@@ -153,6 +153,7 @@ class Story : public test::OperationsDatabase {
                 .append(u"\n");
         }
         answer.append(ClosingSentence(account)).append(u"\n").append(failures);
+        answer = ReplaceAll(answer, folder_.path() + u"in" + kPathSeparator, u"FOLDER/in/");
         answer = ReplaceAll(answer, folder_.path(), u"FOLDER/");
         loaded_ |= verb == u"load";
         if (verb == u"load") return answer;
