@@ -142,17 +142,18 @@ End Sub
 ' The provider, where there is one, has the database open meanwhile: the own engine, which opens a file for itself alone, could
 ' not write to it. So what is imported here has gone through the provider.
 Sub UseClass(operation)
-    Dim connection
+    Dim connection, statement
     On Error Resume Next
     If provider <> "" Then
         Set connection = CreateObject("ADODB.Connection")
         connection.Open "Provider=" & provider & ";Data Source=" & Database("class")
     End If
+    If operation = "view_v_id" Then statement = CInt(AStatement("class"))
     SetVariable "TAV_ENGINE", EngineOfClass()
     Err.Clear
     Select Case operation
         Case "import": component.import kInn, kKpp
-        Case "view_v_id": component.view_v_id CInt(AStatement("class"))
+        Case "view_v_id": component.view_v_id statement
         Case "view_v": component.view_v kInn, kKpp
         Case "view_a": component.view_a kInn, kKpp
         Case "start": component.start kInn, kKpp
