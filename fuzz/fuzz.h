@@ -21,7 +21,7 @@ namespace tav::fuzz {
 class Scratch {
  public:
     explicit Scratch(const std::string& name) {
-        std::string folder = "/dev/shm/tav-fuzz-XXXXXX";
+        std::string folder = "/dev/shm/tav-fuzz-" + std::string(6, 'X');
         if (::mkdtemp(folder.data()) == nullptr) std::abort();
         folder_ = folder + "/";
         path_ = folder_ + name;

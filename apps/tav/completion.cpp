@@ -35,21 +35,14 @@ std::string CommandPatterns(const std::vector<Command>& commands) {
 // How one shell says things.
 struct Dialect {
     std::string (*words)(const std::vector<std::pair<std::string, std::string>>& words);
-    std::string (*value)(ValueKind kind);
+    const char* files;    // offers files
+    const char* folders;  // offers folders
 };
 
 std::string BashWords(const std::vector<std::pair<std::string, std::string>>& words) {
     std::string list;
     for (const auto& [word, meaning] : words) list += (list.empty() ? "" : " ") + word;
     return list.empty() ? "" : "words+=" + Quoted(" " + list) + "; ";
-}
-
-std::string BashValue(ValueKind kind) {
-    if (kind == ValueKind::File) return "compopt -o default; ";
-    if (kind == ValueKind::Folder) return "compopt -o dirnames; ";
-    std::vector<std::pair<std::string, std::string>> words;
-    for (const std::string& word : WordsOf(kind)) words.emplace_back(word, "");
-    return BashWords(words);
 }
 
 std::string ZshWords(const std::vector<std::pair<std::string, std::string>>& words) {
@@ -62,16 +55,16 @@ std::string ZshWords(const std::vector<std::pair<std::string, std::string>>& wor
     return list.empty() ? "" : "choices+=(" + list + "); ";
 }
 
-std::string ZshValue(ValueKind kind) {
-    if (kind == ValueKind::File) return "_files; ";
-    if (kind == ValueKind::Folder) return "_files -/; ";
+constexpr Dialect kBash = {BashWords, "compopt -o default; ", "compopt -o dirnames; "};
+constexpr Dialect kZsh = {ZshWords, "_files; ", "_files -/; "};
+
+std::string ValueIn(const Dialect& dialect, ValueKind kind) {
+    if (kind == ValueKind::File) return dialect.files;
+    if (kind == ValueKind::Folder) return dialect.folders;
     std::vector<std::pair<std::string, std::string>> words;
     for (const std::string& word : WordsOf(kind)) words.emplace_back(word, "");
-    return ZshWords(words);
+    return dialect.words(words);
 }
-
-constexpr Dialect kBash = {BashWords, BashValue};
-constexpr Dialect kZsh = {ZshWords, ZshValue};
 
 // Lines of `case`: what follows a command.
 std::string AfterCommands(const std::vector<Command>& commands, const Dialect& dialect) {
@@ -82,7 +75,7 @@ std::string AfterCommands(const std::vector<Command>& commands, const Dialect& d
             for (const std::string& name : option.names) words.emplace_back(name, option.meaning);
         }
         lines += "    " + Quoted(Chosen(command)) + ") " + dialect.words(words);
-        for (const CommandOption& argument : command.arguments) lines += dialect.value(argument.kind);
+        for (const CommandOption& argument : command.arguments) lines += ValueIn(dialect, argument.kind);
         lines += ";;\n";
     }
     return lines;
@@ -96,8 +89,8 @@ std::string AfterOptions(const std::vector<Command>& commands, const Dialect& di
         for (const CommandOption& option : command.options) {
             if (option.value.empty()) continue;
             for (const std::string& name : option.names) {
-                lines += "    " + Quoted(Chosen(command) + " " + name) + ") " + dialect.value(option.kind) +
-                         end + " ;;\n";
+                lines += "    " + Quoted(Chosen(command) + " " + name) + ") " +
+                         ValueIn(dialect, option.kind) + end + " ;;\n";
             }
         }
     }

@@ -12,7 +12,7 @@
 namespace tav {
 
 WorkFolder::WorkFolder(TextView target) {
-    std::string pattern = ToUtf8(FolderOf(target)) + ".tav-XXXXXX";
+    std::string pattern = ToUtf8(FolderOf(target)) + ".tav-" + std::string(6, 'X');
     if (::mkdtemp(pattern.data()) == nullptr) posix::Refuse(errno, target);
     path_ = WithSeparator(FromUtf8(pattern));
     const mode_t mask = ::umask(0);
