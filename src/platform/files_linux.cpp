@@ -17,6 +17,7 @@
 namespace tav {
 
 using posix::Descriptor;
+using posix::ReadInto;
 using posix::Refuse;
 
 const TextView kPathSeparators = u"/";
@@ -56,6 +57,19 @@ bool IsRangeHeld(const Descriptor& file) {
     return ::fcntl(file.number(), F_OFD_GETLK, &range) == 0 && range.l_type != F_UNLCK;
 }
 
+std::size_t ReadInto(const Descriptor& file, TextView path, char* buffer, std::size_t size) {
+    std::size_t filled = 0;
+    while (filled < size) {
+        const ssize_t got = ::read(file.number(), buffer + filled, size - filled);
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0 && errno == EISDIR) throw Failure(RunTimeError::PathFileAccess, path);
+        if (got < 0) Refuse(errno, path);
+        if (got == 0) break;
+        filled += static_cast<std::size_t>(got);
+    }
+    return filled;
+}
+
 void WriteAll(const Descriptor& file, std::string_view bytes, TextView path) {
     while (!bytes.empty()) {
         const ssize_t written = ::write(file.number(), bytes.data(), bytes.size());
@@ -80,10 +94,6 @@ bool Status(TextView path, struct stat& status) {
 Descriptor OpenForReading(TextView path) {
     Descriptor file(::open(Native(path).c_str(), O_RDONLY | O_CLOEXEC));
     if (!file) Refuse(errno, path);
-    struct stat status {};
-    if (::fstat(file.number(), &status) == 0 && S_ISDIR(status.st_mode)) {
-        throw Failure(RunTimeError::PathFileAccess, path);
-    }
     return file;
 }
 
@@ -194,19 +204,6 @@ mode_t ModeFor(TextView target) {
     const mode_t mask = ::umask(0);
     ::umask(mask);
     return 0666 & ~mask;
-}
-
-// The rest of the file, up to the buffer's size.
-std::size_t ReadInto(const Descriptor& file, TextView path, char* buffer, std::size_t size) {
-    std::size_t filled = 0;
-    while (filled < size) {
-        const ssize_t got = ::read(file.number(), buffer + filled, size - filled);
-        if (got < 0 && errno == EINTR) continue;
-        if (got < 0) Refuse(errno, path);
-        if (got == 0) break;
-        filled += static_cast<std::size_t>(got);
-    }
-    return filled;
 }
 
 // Hands the file's bytes on in pieces.

@@ -14,6 +14,7 @@ namespace tav {
 using win32::Handle;
 using win32::NativePath;
 using win32::OpenFile;
+using win32::ReadInto;
 using win32::Refuse;
 using win32::TemporaryName;
 
@@ -41,19 +42,6 @@ void WriteAll(const Handle& file, std::string_view bytes, TextView path) {
         if (!::WriteFile(file.get(), bytes.data(), piece, &written, nullptr)) Refuse(::GetLastError(), path);
         bytes.remove_prefix(written);
     }
-}
-
-// The rest of the file, up to the buffer's size.
-std::size_t ReadInto(const Handle& file, TextView path, char* buffer, std::size_t size) {
-    std::size_t filled = 0;
-    while (filled < size) {
-        DWORD got = 0;
-        const auto piece = static_cast<DWORD>(std::min<std::size_t>(size - filled, 1 << 30));
-        if (!::ReadFile(file.get(), buffer + filled, piece, &got, nullptr)) Refuse(::GetLastError(), path);
-        if (got == 0) break;
-        filled += got;
-    }
-    return filled;
 }
 
 void Sync(const Handle& file, TextView path) {
@@ -89,6 +77,18 @@ void SetBack(const Handle& file, std::chrono::nanoseconds time, TextView path) {
 constexpr TextView kTemporary = u".tav-";
 
 }  // namespace
+
+std::size_t win32::ReadInto(const Handle& file, TextView path, char* buffer, std::size_t size) {
+    std::size_t filled = 0;
+    while (filled < size) {
+        DWORD got = 0;
+        const auto piece = static_cast<DWORD>(std::min<std::size_t>(size - filled, 1 << 30));
+        if (!::ReadFile(file.get(), buffer + filled, piece, &got, nullptr)) Refuse(::GetLastError(), path);
+        if (got == 0) break;
+        filled += got;
+    }
+    return filled;
+}
 
 Text win32::TemporaryName(TextView target) {
     static unsigned counter = 0;

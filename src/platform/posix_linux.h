@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstddef>
 #include <string>
 #include <utility>
 
@@ -34,6 +35,9 @@ class Descriptor {
 
 // The failure that `error` (an errno value) means for this path.
 [[noreturn]] void Refuse(int error, TextView path);
+
+// Reads the rest of the file, up to the buffer's size, or refuses.
+std::size_t ReadInto(const Descriptor& file, TextView path, char* buffer, std::size_t size);
 
 // Writes everything, or refuses.
 void WriteAll(const Descriptor& file, std::string_view bytes, TextView path);

@@ -88,6 +88,9 @@ Text ErrorWords(DWORD error);
 // Opens an existing file, or refuses. `share` says what others may do meanwhile.
 Handle OpenFile(TextView path, DWORD access, DWORD share);
 
+// Reads the rest of the file, up to the buffer's size, or refuses.
+std::size_t ReadInto(const Handle& file, TextView path, char* buffer, std::size_t size);
+
 // A name in the folder of `target` that nobody uses.
 Text TemporaryName(TextView target);
 
