@@ -1,12 +1,14 @@
 #include "convert/cell_positions.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
-#include <vector>
+#include <cstdint>
+#include <iterator>
 
 namespace tav {
 
-const CellPosition kCellPositions[26] = {
+constexpr CellPosition kCellPositions[26] = {
     {612, "##<p01>"},   {1542, "##<p02>"},    {597, "##<p01>"},  {1557, "##<p02>"},   {2427, "##<p03>"},
     {3417, "##<p04>"},  {4317, "##<p05>"},    {5097, "##<p06>"}, {6027, "##<p07>"},   {6957, "##<p08>"},
     {7902, "##<p09>"},  {8682, "##<p10>"},    {9927, "##<p11>"}, {11157, "##<p12>"},  {12327, "##<p13>"},
@@ -19,25 +21,28 @@ namespace {
 
 constexpr std::string_view kFrame = "posx";
 constexpr std::string_view kUnknownPosition = "##|";
-constexpr std::size_t kMostDigits = 5;
 
-// The tag of each position; empty where the table has none.
-const std::vector<std::string_view> kTagOfTwips = [] {
-    std::vector<std::string_view> tags(100'000);
-    for (const CellPosition& position : kCellPositions) tags[position.twips] = position.tag;
-    return tags;
+constexpr std::size_t kFarthest = std::ranges::max_element(kCellPositions, {}, &CellPosition::twips)->twips;
+
+// Which row of the table each position has, counted from 1; 0 where the table has none.
+constexpr auto kRowOfTwips = [] {
+    std::array<std::uint8_t, kFarthest + 1> rows{};
+    for (std::size_t i = 0; i < std::size(kCellPositions); ++i)
+        rows[kCellPositions[i].twips] = static_cast<std::uint8_t>(i + 1);
+    return rows;
 }();
 
 // The tag of the position whose digits begin the text; takes those digits from it.
 std::string_view TakePosition(std::string_view& text) {
     std::size_t twips = 0;
-    for (std::size_t i = 0; i < std::min(kMostDigits, text.size()); ++i) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
         const auto digit = static_cast<unsigned char>(text[i] - '0');
         if (digit > 9 || (i == 0 && digit == 0)) break;
         twips = twips * 10 + digit;
-        if (!kTagOfTwips[twips].empty()) {
+        if (twips > kFarthest) break;
+        if (const std::size_t row = kRowOfTwips[twips]; row != 0) {
             text.remove_prefix(i + 1);
-            return kTagOfTwips[twips];
+            return kCellPositions[row - 1].tag;
         }
     }
     return kUnknownPosition;
