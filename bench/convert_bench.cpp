@@ -40,7 +40,9 @@ void PageConversion(benchmark::State& state) {
     const Statement statement;
     for (auto _ : state) {
         std::size_t characters = 0;
-        for (PageReader reader(ReadFile(statement.path)); reader.More();) characters += reader.Next().size();
+        InputFile file(statement.path);
+        PageReader reader;
+        for (reader.Open(file); reader.More();) characters += reader.Next().size();
         if (characters == 0) std::abort();
     }
     state.SetBytesProcessed(state.iterations() * statement.size);

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <utility>
 
 #include "commands.h"
 #include "common/concat.h"
@@ -23,10 +24,10 @@ std::string ConvertXml(const Text& folder, const Text& name) {
 }
 
 std::string ConvertRtf(const Text& folder, const Text& name) {
-    const Conversion form = LoadRtfFile(folder, name);
+    Conversion form = LoadRtfFile(folder, name);
     const Text dropped = DroppedTextLine(name, form.dropped_pages);
     if (!dropped.empty()) std::fputs(ToUtf8(dropped + u"\n").c_str(), stderr);
-    return form.entry;
+    return std::move(form.entry);
 }
 
 Text WhyNoPart(const Text& path) {

@@ -3,9 +3,6 @@
 #include <algorithm>
 #include <iterator>
 
-#include "common/failure.h"
-#include "platform/files.h"
-
 namespace tav {
 
 bool IsAboutFile(const Failure& failure) {
@@ -23,16 +20,6 @@ Text WhyUnreadable(const Failure& failure) {
             return u"Файла больше нет";
         default:
             return u"Файл не читается: " + failure.description();
-    }
-}
-
-std::string ReadDocument(TextView path, Conversion& conversion) {
-    try {
-        return ReadFile(path);
-    } catch (const Failure& failure) {
-        conversion.unreadable = true;
-        conversion.reason = WhyUnreadable(failure);
-        throw;
     }
 }
 

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "common/failure.h"
@@ -30,7 +31,16 @@ Text DroppedTextLine(TextView file_name, const std::vector<std::size_t>& pages);
 // Whether a failure says that a file cannot be opened or read; and why, for a person.
 bool IsAboutFile(const Failure& failure);
 Text WhyUnreadable(const Failure& failure);
-// The file's bytes. A file that cannot be opened or read is noted in the conversion, and a Failure.
-std::string ReadDocument(TextView path, Conversion& conversion);
+// What `read` makes of a file. One that cannot be opened or read is noted in the conversion, and a Failure.
+template <class Read>
+auto Noting(Conversion& conversion, Read&& read) {
+    try {
+        return std::forward<Read>(read)();
+    } catch (const Failure& failure) {
+        conversion.unreadable = true;
+        conversion.reason = WhyUnreadable(failure);
+        throw;
+    }
+}
 
 }  // namespace tav

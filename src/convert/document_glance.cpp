@@ -87,7 +87,8 @@ Landmarks FindLandmarks(std::string_view head) {
 
 // The text of pages, their positions made tags: the lines that the reader of whole documents sees.
 std::string TaggedText(std::string_view rtf) {
-    PageReader reader{std::string(rtf)};
+    PageReader reader;
+    reader.Open(rtf);
     std::string text;
     while (reader.More()) text.append(reader.Next()).append(kPageEnd);
     return ReplaceCellPositions(text);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -12,6 +13,7 @@
 #include "convert/cell_positions.h"
 #include "convert/page_reader.h"
 #include "convert/statement_lines.h"
+#include "platform/input_file.h"
 #include "settings/session.h"
 
 namespace tav {
@@ -19,6 +21,7 @@ namespace {
 
 constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::string_view kPageMark = "##p";
+constexpr std::size_t kBytesOfEntryByte = 4;  // about so many of an RTF make one of its entry
 
 // The progress of one file: each page counts once when it is converted and once when its lines are read.
 class FileProgress {
@@ -68,7 +71,8 @@ bool ReadPages(PageReader& reader, StatementLines& lines, Conversion& conversion
             return true;
         }
     };
-    for (std::size_t page = 1; reader.More(); ++page) {
+    const auto more = [&] { return Noting(conversion, [&] { return reader.More(); }); };
+    for (std::size_t page = 1; more(); ++page) {
         if (!FileProgress::GoOn()) return false;
         AppendWithTags(text, reader.Next());
         text.append(kLineEnd);
@@ -88,11 +92,15 @@ bool ReadPages(PageReader& reader, StatementLines& lines, Conversion& conversion
 Conversion LoadRtfFile(TextView folder, TextView file_name) {
     Conversion conversion;
     Guarded(u"Ошибка в функции LoadRtfFile", [&] {
-        PageReader reader(ReadDocument(Text(folder).append(file_name), conversion));
-        StatementLines lines("<file>\r\n\t<name>" + ToWindows1251(file_name) + "</name>\r\n");
+        std::optional<InputFile> file;
+        PageReader reader;
+        Noting(conversion, [&] { reader.Open(file.emplace(Text(folder).append(file_name))); });
+        StatementLines lines("<file>\r\n\t<name>" + ToWindows1251(file_name) + "</name>\r\n",
+                             reader.size() / kBytesOfEntryByte);
         try {
             if (!ReadPages(reader, lines, conversion)) return;
         } catch (...) {
+            if (conversion.unreadable) throw;
             const Failure failure = CurrentFailure();
             conversion.reason = u"Документ не разобран: " + failure.description();
             throw failure.In(file_name);

@@ -88,7 +88,8 @@ Conversion LoadXMLFile(TextView folder, TextView file_name) {
     Conversion conversion;
     GuardedBy(
         [&] {
-            const std::string document = ReadDocument(Text(folder).append(file_name), conversion);
+            const std::string document =
+                Noting(conversion, [&] { return ReadFile(Text(folder).append(file_name)); });
             conversion = ConvertAct(document, file_name, ActSchemaPath());
         },
         [&](const Failure& failure) {

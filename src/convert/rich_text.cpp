@@ -9,6 +9,7 @@ namespace tav {
 namespace {
 
 constexpr std::string_view kStart = "{\\rtf";
+constexpr std::string_view kFrame = "\\posx";
 constexpr std::size_t kFonts = 32768;
 constexpr std::int32_t kLargestNumber = 1'000'000'000;
 
@@ -49,13 +50,18 @@ bool IsDigit(char c) {
     return static_cast<unsigned char>(c - '0') < 10;
 }
 
+// A number of any length, cut to 32 bits.
+std::int32_t NumberOf(bool negative, const char* at, const char* end) {
+    std::int32_t value = 0;
+    for (; at != end; ++at) value = value < kLargestNumber / 10 ? value * 10 + (*at - '0') : kLargestNumber;
+    return negative ? -value : value;
+}
+
 bool IsVisible(char c) {
     return c != ' ' && c != '\t' && c != '\r' && c != '\n' && c != '\xA0';
 }
 
 }  // namespace
-
-RichText::RichText() : font_maps_(kFonts, nullptr) {}
 
 std::string_view RichText::Read(std::string_view document) {
     Begin(document);
@@ -75,8 +81,7 @@ void RichText::Begin(std::string_view document) {
     open_groups_ = 0;
     format_ = {};
     outer_formats_.clear();
-    for (const std::int32_t font : fonts_set_) font_maps_[static_cast<std::size_t>(font)] = nullptr;
-    fonts_set_.clear();
+    font_maps_.clear();
     default_font_ = 0;
     group_start_ = nullptr;
     after_break_ = row_ = document_end_ = nullptr;
@@ -112,10 +117,27 @@ void RichText::ReadAll() {
     }
 }
 
+// The bytes written may be any of this object's, as far as the compiler knows: the loops over bytes have their own
+// pointers.
 void RichText::ReadPlain() {
+    const char* at = at_;
+    char* out = out_;
+    const ByteMap& map = *map_;
     do {
-        *out_++ = (*map_)[Byte(*at_++)];
-    } while (at_ != end_ && IsPlain(*at_));
+        *out++ = map[Byte(*at++)];
+    } while (at != end_ && IsPlain(*at));
+    at_ = at;
+    out_ = out;
+}
+
+inline bool RichText::AtFrame(const char* at) const {
+    return static_cast<std::size_t>(end_ - at) >= kFrame.size() &&
+           std::memcmp(at, kFrame.data(), kFrame.size()) == 0;
+}
+
+void RichText::ReadFrame() {
+    Put((*map_)[' ']);
+    ++at_;
 }
 
 // A line end in the source, or a control character: neither is text, nor does it part what stands around it.
@@ -129,30 +151,40 @@ void RichText::ReadEscape() {
         at_ = end_;
     } else if (at_[1] == '\'') {
         ReadHexBytes();
-    } else if (IsLetter(at_[1])) {
-        Apply(ReadWord());
-    } else {
+    } else if (!IsLetter(at_[1])) {
         ReadSymbol();
+    } else if (AtFrame(at_)) {
+        ReadFrame();
+    } else {
+        ReadWords();
     }
 }
 
 void RichText::ReadHexBytes() {
+    const char* at = at_;
+    char* out = out_;
+    const ByteMap& map = *map_;
     do {
-        const unsigned high = end_ - at_ < 4 ? kNoDigit : kHexDigit[Byte(at_[2])];
-        const unsigned low = end_ - at_ < 4 ? kNoDigit : kHexDigit[Byte(at_[3])];
+        const unsigned high = end_ - at < 4 ? kNoDigit : kHexDigit[Byte(at[2])];
+        const unsigned low = end_ - at < 4 ? kNoDigit : kHexDigit[Byte(at[3])];
         if (high == kNoDigit || low == kNoDigit) {
-            at_ += 2;
-            return;
+            at += 2;
+            break;
         }
-        Put((*map_)[high * 16 + low]);
-        at_ += 4;
-    } while (end_ - at_ >= 2 && at_[0] == '\\' && at_[1] == '\'');
+        *out = map[high * 16 + low];
+        out += *out != 0;
+        at += 4;
+    } while (end_ - at >= 2 && at[0] == '\\' && at[1] == '\'');
+    at_ = at;
+    out_ = out;
 }
 
 void RichText::ReadSymbol() {
     const char symbol = at_[1];
     const bool opens_group = group_start_ == at_;
+    const bool is_frame = AtFrame(at_ + 1);
     at_ += 2;
+    if (is_frame) return;
     switch (symbol) {
         case '\\':
         case '{':
@@ -176,24 +208,36 @@ void RichText::ReadSymbol() {
     }
 }
 
-// The word at its backslash, with its number and the space that ends it.
-RichText::Word RichText::ReadWord() {
-    ++at_;
-    Word word{&TakeRtfWord(at_, end_), 0, false};
-
-    const bool negative = end_ - at_ >= 2 && at_[0] == '-' && IsDigit(at_[1]);
-    if (negative) ++at_;
-    while (at_ != end_ && IsDigit(*at_)) {
-        word.value = word.value < kLargestNumber / 10 ? word.value * 10 + (*at_ - '0') : kLargestNumber;
-        word.has_value = true;
-        ++at_;
-    }
-    if (negative) word.value = -word.value;
-    if (at_ != end_ && *at_ == ' ') ++at_;
+// The word at its backslash, with its number and the space that ends it; `at` moves past them.
+[[gnu::always_inline]] inline RichText::Word RichText::TakeWord(const char*& at) const {
+    const RtfWord& known = TakeRtfWord(++at, end_);
+    const bool negative = end_ - at >= 2 && at[0] == '-' && IsDigit(at[1]);
+    const char* const number = at + (negative ? 1 : 0);
+    for (at = number; at != end_ && IsDigit(*at);) ++at;
+    Word word{&known, 0, at != number};
+    if (known.action != RtfAction::None) word.value = NumberOf(negative, number, at);
+    if (at != end_ && (*at == ' ' || AtFrame(at))) ++at;
     return word;
 }
 
-void RichText::Apply(const Word& word) {
+RichText::Word RichText::ReadWord() {
+    return TakeWord(at_);
+}
+
+// Control words one after the other; most of them are formatting.
+void RichText::ReadWords() {
+    const char* at = at_;
+    do {
+        const Word word = TakeWord(at);
+        if (word.known->action == RtfAction::None) continue;
+        at_ = at;
+        Apply(word);
+        at = at_;
+    } while (end_ - at >= 2 && at[0] == '\\' && IsLetter(at[1]) && !AtFrame(at));
+    at_ = at;
+}
+
+void RichText::Apply(Word word) {
     switch (word.known->action) {
         case RtfAction::None:
         case RtfAction::FontCharset:
@@ -299,9 +343,9 @@ void RichText::ReadFontTable() {
                 return;
         }
         if (code_page <= 0 || font < 0 || static_cast<std::size_t>(font) >= kFonts) return;
-        const ByteMap*& map = font_maps_[static_cast<std::size_t>(font)];
-        if (map == nullptr) fonts_set_.push_back(font);
-        map = &MapOfCodePage(code_page);
+        const auto number = static_cast<std::size_t>(font);
+        if (number >= font_maps_.size()) font_maps_.resize(number + 1);
+        font_maps_[number] = &MapOfCodePage(code_page);
     });
     ChooseMap();
 }
@@ -310,8 +354,8 @@ void RichText::ReadFontTable() {
 // whole control word. A brace ends it.
 void RichText::PassUnicodeFallback() {
     for (std::int32_t left = format_.unicode_skip; left > 0 && at_ != end_ && *at_ != '{' && *at_ != '}';) {
-        if (*at_ != '\\') {
-            if (IsPlain(*at_)) --left;
+        if (*at_ != '\\' || AtFrame(at_)) {
+            if (*at_ == '\\' || IsPlain(*at_)) --left;
             ++at_;
             continue;
         }
@@ -390,7 +434,7 @@ void RichText::SetDocumentMap(std::int32_t code_page) {
 }
 
 void RichText::ChooseMap() {
-    const bool listed = format_.font >= 0 && static_cast<std::size_t>(format_.font) < kFonts;
+    const bool listed = format_.font >= 0 && static_cast<std::size_t>(format_.font) < font_maps_.size();
     const ByteMap* const own = listed ? font_maps_[static_cast<std::size_t>(format_.font)] : nullptr;
     map_ = own == nullptr ? document_map_ : own;
 }

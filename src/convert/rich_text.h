@@ -6,6 +6,9 @@
 // the text, such an end is none (the text's last paragraph ends with it), but for a row's. The result is
 // never longer than the document.
 //
+// A frame's position is the first visible text of its line: every "\posx", also inside of another construct, is read
+// as if " posx" stood there. The space ends a control word before it.
+//
 // Bytes and \'xx are read by the charset of the run's font, else by the document's code page (code_pages.h);
 // what Windows-1251 lacks becomes the best fit (common/windows1251.h). Control characters, byte 0 among them,
 // are no text. Text behind the outermost closing brace is dropped; a group never closed keeps its text.
@@ -14,7 +17,6 @@
 // format of that depth), and a number of any length is cut to 32 bits.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -29,8 +31,6 @@ namespace tav {
 class RichText {
  public:
     static constexpr std::size_t kDeepest = 65536;
-
-    RichText();
 
     // The plain text of a document; valid until the next call.
     std::string_view Read(std::string_view document);
@@ -57,12 +57,16 @@ class RichText {
     std::string_view Finish();
 
     void ReadPlain();
+    bool AtFrame(const char* at) const;
+    void ReadFrame();
     void ReadEscape();
     void ReadHexBytes();
     void ReadSymbol();
     void ReadLineEnd();
+    Word TakeWord(const char*& at) const;
     Word ReadWord();
-    void Apply(const Word& word);
+    void ReadWords();
+    void Apply(Word word);
 
     void OpenGroup();
     void CloseGroup();
@@ -101,10 +105,8 @@ class RichText {
     const ByteMap* map_ = nullptr;
     const ByteMap* document_map_ = nullptr;
     std::int32_t default_font_ = 0;
-    // By font number; nullptr where the font leaves the code page to the document. The numbers that were set
-    // are listed, so that a new document clears only those.
+    // By font number, as far as one was set; nullptr where the font leaves the code page to the document.
     std::vector<const ByteMap*> font_maps_;
-    std::vector<std::int32_t> fonts_set_;
 
     const char* group_start_ = nullptr;  // just behind an opening brace
     char* paragraph_ = nullptr;          // where the present paragraph's text begins

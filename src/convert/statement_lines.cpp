@@ -83,7 +83,7 @@ std::string Replace(std::string_view line, std::string_view what, std::string_vi
 }
 
 bool IsNumber(std::string_view text) {
-    return !text.empty() && text.find_first_not_of("0123456789") == text.npos;
+    return !text.empty() && std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
 }
 
 std::string_view WithoutLeadingZeros(std::string_view number) {

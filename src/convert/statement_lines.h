@@ -18,8 +18,10 @@ namespace tav {
 
 class StatementLines {
  public:
-    // What is written follows `before`.
-    explicit StatementLines(std::string before = {}) : output_(std::move(before)) {}
+    // What is written follows `before`; about so many bytes are expected.
+    explicit StatementLines(std::string before = {}, std::size_t expected = 0) : output_(std::move(before)) {
+        output_.reserve(expected);
+    }
 
     enum class LineKind {
         Trailer,

@@ -66,11 +66,19 @@ std::string Readable(std::string_view bytes) {
     return ToUtf8(FromWindows1251(bytes));
 }
 
-void ExpectSamePages(RichEdit& control, const std::string& name, std::string document) {
-    PageReader reader(std::move(document));
+// A page as the control has to get it, for which a frame's position is no text.
+std::string WithPositions(std::string_view page) {
+    std::string shown(page);
+    for (std::size_t at = 0; (at = shown.find("\\posx", at)) != shown.npos;) shown[at] = ' ';
+    return shown;
+}
+
+void ExpectSamePages(RichEdit& control, const std::string& name, const std::string& document) {
+    PageReader reader;
+    reader.Open(document);
     for (int page = 1; reader.More(); ++page) {
         const std::string ours = Readable(reader.Next());
-        ASSERT_EQ(ours, Readable(control.Read(reader.page()))) << name << ", page " << page;
+        ASSERT_EQ(ours, Readable(control.Read(WithPositions(reader.page())))) << name << ", page " << page;
     }
 }
 
