@@ -6,7 +6,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const tav::fuzz::Scratch file("listfiles.xml");
     return tav::fuzz::Try([&] {
         file.Write(tav::fuzz::Bytes(data, size));
-        tav::CurrentFilesOfHead(file.path());
         const tav::Catalogue catalogue = tav::Catalogue::Load(file.path());
         for (const tav::CatalogueEntry& entry : catalogue.entries()) {
             tav::WithAllClosed(std::string(catalogue.BytesOf(entry)));

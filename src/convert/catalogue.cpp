@@ -1,11 +1,12 @@
 #include "convert/catalogue.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "common/progress.h"
-#include "common/windows1251.h"
 #include "platform/files.h"
+#include "xml/document.h"
 #include "xml/encoding.h"
 
 namespace tav {
@@ -28,7 +29,7 @@ std::vector<Text> ReadItems(std::string_view catalogue) {
         const std::string_view line =
             catalogue.substr(at, tag.is_whole ? 0 : catalogue.find_first_of("\r\n", at) - at);
         const std::string_view name = line.substr(0, line.find(kItemClosing));
-        items.push_back(FromWindows1251(WithoutEntities(name)));
+        items.push_back(TextBetweenTags(name));
         at += name.size();
     }
     return items;
@@ -89,8 +90,8 @@ std::vector<const CatalogueEntry*> Catalogue::EntriesNamed(TextView name) const 
     return found;
 }
 
-CatalogueParts Catalogue::PartsOf(TextView name) const {
-    std::string xml(kCatalogueOpening);
+std::vector<CatalogueElement> Catalogue::PartsOf(TextView name) const {
+    std::vector<CatalogueElement> parts;
     for (const CatalogueEntry* const entry : EntriesNamed(name)) {
         if (!entry->IsReadable()) {
             const auto at = static_cast<std::ptrdiff_t>(entry->fault_at);
@@ -98,12 +99,9 @@ CatalogueParts Catalogue::PartsOf(TextView name) const {
             throw XmlFailure(Text(path_) + u": документ " + Text(name) + u", ",
                              XmlError{.line = static_cast<int>(line), .reason = entry->fault});
         }
-        xml += AsXml(bytes_, *entry);
+        std::ranges::move(PartsIn(bytes_, *entry), std::back_inserter(parts));
     }
-    xml.append(kAllClosing);
-    Document document = Document::Parse(xml);
-    std::vector<Node> parts = document.SelectNodes(u"/all/file/part");
-    return {std::move(document), std::move(parts)};
+    return parts;
 }
 
 }  // namespace tav

@@ -11,8 +11,8 @@
 //   </all>
 //
 // Windows-1251, CR LF, values raw (catalogue_markup.h). It grows to hundreds of megabytes, so it is kept
-// as its bytes and read entry by entry (catalogue_entry.h) in one pass; only the entry asked for becomes
-// a tree. An entry that cannot be read harms no other.
+// as its bytes and read entry by entry (catalogue_entry.h) in one pass; the elements of an entry are found when
+// they are asked for (catalogue_elements.h). An entry that cannot be read harms no other.
 //
 // A catalogue that somebody edited may have another encoding or other line ends: as long as it is XML,
 // it is brought to the form above first. One without a readable frame (no <all>, neither XML nor
@@ -25,8 +25,8 @@
 #include <vector>
 
 #include "common/text.h"
+#include "convert/catalogue_elements.h"
 #include "convert/catalogue_entry.h"
-#include "xml/document.h"
 
 namespace tav {
 
@@ -39,12 +39,6 @@ inline constexpr std::string_view kActualOpening = "<actual>\r\n";
 inline constexpr std::string_view kActualClosing = "</actual>\r\n";
 inline constexpr std::string_view kAllClosing = "</all>";
 
-// Parts and the tree they stand in.
-struct CatalogueParts {
-    Document document;
-    std::vector<Node> parts;
-};
-
 class Catalogue {
  public:
     static Catalogue Load(TextView path);
@@ -55,9 +49,9 @@ class Catalogue {
     // The entries of a document, in order: those that have this very name, else those that have it in other
     // letters' case.
     std::vector<const CatalogueEntry*> EntriesNamed(TextView name) const;
-    // Their parts. An entry that cannot be read is an XmlFailure that names the file, the document, the line
-    // and the reason.
-    CatalogueParts PartsOf(TextView name) const;
+    // Their parts, which live as long as this. An entry that cannot be read is an XmlFailure that names the file,
+    // the document, the line and the reason.
+    std::vector<CatalogueElement> PartsOf(TextView name) const;
 
     const std::string& bytes() const { return bytes_; }
     std::string_view BytesOf(const CatalogueEntry& entry) const {

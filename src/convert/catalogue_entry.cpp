@@ -121,7 +121,7 @@ class EntryReader {
         if (open_.size() == 1 && tag.name == "part") ++entry_.parts;
         if (open_.size() == 1 && tag.name == "name" && entry_.name.empty()) {
             const std::string_view name = NameFrom(text_, tag.end);
-            entry_.name = FromWindows1251(WithoutEntities(name));
+            entry_.name = TextBetweenTags(name);
             entry_.name_begin = tag.end;
             entry_.name_end = at_ = tag.end + name.size();
             if (text_.substr(at_).starts_with(kNameClosing)) {
@@ -186,10 +186,14 @@ CatalogueEntry ReadEntry(std::string_view catalogue, const MarkupTag& file) {
     return EntryReader(catalogue, file).Read();
 }
 
-std::string AsXml(std::string_view catalogue, const CatalogueEntry& entry) {
-    if (entry.name_end == 0) return AsXml(catalogue.substr(entry.begin, entry.end - entry.begin));
-    return AsXml(catalogue.substr(entry.begin, entry.name_begin - entry.begin)) +
-           AsXml(catalogue.substr(entry.name_end, entry.end - entry.name_end));
+std::vector<CatalogueElement> PartsIn(std::string_view catalogue, const CatalogueEntry& entry) {
+    const bool named = entry.name_end > 0;
+    const std::size_t begin =
+        named ? entry.name_end + kNameClosing.size() : TagAt(catalogue, entry.begin).end;
+    std::vector<CatalogueElement> parts;
+    const std::string_view content = catalogue.substr(begin, entry.end - begin);
+    for (const CatalogueElement& part : ElementsOf(content, "part")) parts.push_back(part);
+    return parts;
 }
 
 std::string WithNotes(std::string entry, EntryNotes notes) {

@@ -12,8 +12,10 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "common/text.h"
+#include "convert/catalogue_elements.h"
 #include "convert/catalogue_markup.h"
 
 namespace tav {
@@ -23,7 +25,7 @@ enum class EntryNote : unsigned {
     DroppedText = 1,  // a page hid visible text after its last closing brace
     CutOff = 2,       // the document ended inside a group
     Again = 4,        // converted again, with another result: the file had been changed
-    Arithmetic = 8,   // a line's balance does not follow from the line before it (balance_faults.h)
+    Arithmetic = 8,   // a line's balance does not follow from the line before it (balance_fault.h)
 };
 // Several of them.
 using EntryNotes = unsigned;
@@ -51,8 +53,8 @@ struct CatalogueEntry {
 // The entry whose <file> is that tag of the catalogue.
 CatalogueEntry ReadEntry(std::string_view catalogue, const MarkupTag& file);
 
-// A readable entry for a reader of XML. Its `name` is empty: any text is a name there.
-std::string AsXml(std::string_view catalogue, const CatalogueEntry& entry);
+// The parts of a readable entry. Its `name` is passed over: any text is a name there.
+std::vector<CatalogueElement> PartsIn(std::string_view catalogue, const CatalogueEntry& entry);
 
 // The entry, one element from <file> to the line end after </file>, with its notes.
 std::string WithNotes(std::string entry, EntryNotes notes);

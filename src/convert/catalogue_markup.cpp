@@ -62,15 +62,15 @@ bool IsTypeOrNothing(std::string_view text) {
 
 struct Entity {
     std::string_view name;
-    char character;
+    char16_t character;
 };
 constexpr std::array<Entity, 5> kEntities = {
-    {{"amp;", '&'}, {"lt;", '<'}, {"gt;", '>'}, {"quot;", '"'}, {"apos;", '\''}}};
+    {{"amp;", u'&'}, {"lt;", u'<'}, {"gt;", u'>'}, {"quot;", u'"'}, {"apos;", u'\''}}};
 
 // A reference at the beginning of a text.
 struct Reference {
     std::size_t length = 0;  // 0: there is none
-    char byte = 0;
+    std::uint32_t code = 0;
 };
 
 bool IsXmlCharacter(std::uint32_t code) {
@@ -86,8 +86,7 @@ Reference NumberAt(std::string_view text) {
     std::uint32_t code = 0;
     const auto [behind, error] = std::from_chars(begin, end, code, hex ? 16 : 10);
     if (error != std::errc() || behind == end || *behind != ';' || !IsXmlCharacter(code)) return {};
-    const auto character = static_cast<char16_t>(code > 0xFFFF ? u'?' : code);
-    return {static_cast<std::size_t>(behind + 1 - text.data()), ToWindows1251(character)};
+    return {static_cast<std::size_t>(behind + 1 - text.data()), code};
 }
 
 Reference ReferenceAt(std::string_view text) {
@@ -98,26 +97,23 @@ Reference ReferenceAt(std::string_view text) {
     return {};
 }
 
-// The text between two tags as XML.
-void AppendText(std::string& xml, std::string_view text) {
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        const char c = text[at];
-        if (c == '<') {
-            xml.append("&lt;");
-        } else if (c == '>') {
-            xml.append("&gt;");
-        } else if (c == '&') {
-            const Reference reference = ReferenceAt(text.substr(at));
-            if (reference.length == 0) {
-                xml.append("&amp;");
-            } else {
-                xml.append(text, at, reference.length);
-                at += reference.length - 1;
-            }
-        } else {
-            xml.push_back(IsXmlCharacter(static_cast<unsigned char>(c)) ? c : '?');
-        }
+void AppendCharacter(Text& text, std::uint32_t code) {
+    if (code > 0xFFFF) {
+        text += static_cast<char16_t>(0xD800 + ((code - 0x10000) >> 10));
+        code = 0xDC00 + (code & 0x3FF);
     }
+    text += static_cast<char16_t>(code);
+}
+
+// The characters of the bytes; those of "&" and "\r" depend on what comes after them.
+const std::array<char16_t, 256>& Characters() {
+    static const auto characters = [] {
+        std::array<char16_t, 256> all{};
+        for (unsigned byte = 0; byte < all.size(); ++byte)
+            all[byte] = IsXmlCharacter(byte) ? FromWindows1251(static_cast<unsigned char>(byte)) : u'?';
+        return all;
+    }();
+    return characters;
 }
 
 }  // namespace
@@ -154,28 +150,25 @@ MarkupTag NextTag(std::string_view text, std::size_t at) {
     return {};
 }
 
-std::string AsXml(std::string_view markup) {
-    std::string xml;
-    xml.reserve(markup.size() + markup.size() / 16);
-    std::size_t at = 0;
-    for (MarkupTag tag = NextTag(markup, 0); !tag.name.empty(); tag = NextTag(markup, at)) {
-        AppendText(xml, markup.substr(at, tag.begin - at));
-        xml.append(markup, tag.begin, tag.end - tag.begin);
-        at = tag.end;
+Text TextBetweenTags(std::string_view markup) {
+    const std::array<char16_t, 256>& characters = Characters();
+    Text text;
+    text.reserve(markup.size());
+    for (std::size_t at = 0; at < markup.size(); ++at) {
+        const char c = markup[at];
+        if (c == '&') {
+            if (const Reference reference = ReferenceAt(markup.substr(at)); reference.length > 0) {
+                AppendCharacter(text, reference.code);
+                at += reference.length - 1;
+                continue;
+            }
+        } else if (c == '\r') {
+            if (!markup.substr(at + 1).starts_with('\n')) text += u'\n';
+            continue;
+        }
+        text += characters[static_cast<unsigned char>(c)];
     }
-    AppendText(xml, markup.substr(at));
-    return xml;
-}
-
-std::string WithoutEntities(std::string_view text) {
-    std::string bytes;
-    bytes.reserve(text.size());
-    for (std::size_t at = 0; at < text.size();) {
-        const Reference reference = text[at] == '&' ? ReferenceAt(text.substr(at)) : Reference{};
-        bytes.push_back(reference.length == 0 ? text[at] : reference.byte);
-        at += std::max<std::size_t>(reference.length, 1);
-    }
-    return bytes;
+    return text;
 }
 
 }  // namespace tav

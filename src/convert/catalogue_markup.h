@@ -12,8 +12,9 @@
 #pragma once
 
 #include <cstddef>
-#include <string>
 #include <string_view>
+
+#include "common/text.h"
 
 namespace tav {
 
@@ -30,10 +31,8 @@ MarkupTag TagAt(std::string_view text, std::size_t at);
 // The first tag at or after `at`.
 MarkupTag NextTag(std::string_view text, std::size_t at);
 
-// The same mark-up for a reader of XML: what is text by these rules is written as XML writes text. Characters
-// that XML does not have become "?".
-std::string AsXml(std::string_view markup);
-// A text with its entities replaced, as Windows-1251.
-std::string WithoutEntities(std::string_view text);
+// What stands between two tags as text: its entities replaced; a line end is one line feed, and a character
+// that XML does not have is "?".
+Text TextBetweenTags(std::string_view markup);
 
 }  // namespace tav

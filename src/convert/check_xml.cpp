@@ -12,7 +12,7 @@
 #include "common/guard.h"
 #include "common/progress.h"
 #include "common/windows1251.h"
-#include "convert/balance_faults.h"
+#include "convert/balance_fault.h"
 #include "convert/catalogue.h"
 #include "convert/conversion.h"
 #include "convert/document_glance.h"
@@ -144,6 +144,12 @@ bool Scan::Update() {
     return true;
 }
 
+bool HasBalanceFault(std::string_view bytes, const CatalogueEntry& entry) {
+    if (!entry.IsReadable()) return false;
+    return std::ranges::any_of(PartsIn(bytes, entry),
+                               [](const CatalogueElement& part) { return BalanceFault(part).has_value(); });
+}
+
 // False when the user cancelled.
 bool Scan::Convert(const std::vector<const ListedDocument*>& documents) {
     const ShownProgress shown(documents.size());
@@ -185,12 +191,12 @@ void Scan::Take(const ListedDocument& document, Conversion conversion) {
     }
     if (!entry.empty()) {
         if (file.cut_off) entry = WithAllClosed(std::move(entry));
-        entry =
-            WithNotes(std::move(entry), NoteIf(file.dropped_text, EntryNote::DroppedText) +
-                                            NoteIf(file.cut_off, EntryNote::CutOff) +
-                                            NoteIf(!BalanceFaults(entry).empty(), EntryNote::Arithmetic) +
-                                            NoteIf(HasNote(document, EntryNote::Again), EntryNote::Again));
         const CatalogueEntry read = ReadEntry(entry, TagAt(entry, 0));
+        const EntryNotes notes = NoteIf(file.dropped_text, EntryNote::DroppedText) +
+                                 NoteIf(file.cut_off, EntryNote::CutOff) +
+                                 NoteIf(HasBalanceFault(entry, read), EntryNote::Arithmetic) +
+                                 NoteIf(HasNote(document, EntryNote::Again), EntryNote::Again);
+        entry = WithNotes(std::move(entry), notes);
         if (read.parts > 0) file.found = read.IsReadable() ? Found::Document : Found::Broken;
         if (file.found == Found::Broken) file.reason = u"Документ разобран не до конца: " + read.fault;
         const bool other = document.listed_before && before != entry && !HasNote(document, EntryNote::Again);

@@ -9,6 +9,7 @@
 #include "convert/load_xml_file.h"
 #include "platform/files.h"
 #include "settings/settings.h"
+#include "xml/document.h"
 
 namespace tav {
 namespace {

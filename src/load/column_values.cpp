@@ -60,15 +60,16 @@ void ColumnValues::Clear() {
     ++collection_;
 }
 
-CatalogueColumn& ColumnValues::ColumnOf(TextView element) {
+CatalogueColumn& ColumnValues::ColumnOf(std::string_view element) {
     const auto known = columns_.find(element);
     if (known != columns_.end()) return known->second;
-    CatalogueColumn column{Text(element), ColumnName(element)};
+    const Text name = FromUtf8(element);
+    CatalogueColumn column{name, ColumnName(name)};
     column.kind = KindOf(table_, column.column);
     for (const TextSize& size : sizes_) {
         if (EqualNoCase(size.column, column.column)) column.size = size.characters;
     }
-    return columns_.emplace(column.element, std::move(column)).first->second;
+    return columns_.emplace(element, std::move(column)).first->second;
 }
 
 void ColumnValues::Cut(TextView element, std::size_t characters) {
@@ -77,21 +78,21 @@ void ColumnValues::Cut(TextView element, std::size_t characters) {
     }
 }
 
-void ColumnValues::Add(TextView element, TextView text) {
+void ColumnValues::Add(std::string_view element, Text text) {
     CatalogueColumn& column = ColumnOf(element);
     if (column.collection != collection_) {
         column.collection = collection_;
         column.position = count_++;
         if (items_.size() < count_) items_.emplace_back();
         items_[column.position].column = &column;
-        items_[column.position].text = text;
+        items_[column.position].text = std::move(text);
         return;
     }
     Text& value = items_[column.position].text;
     if (column.kind == Kind::Words) {
         value.append(u" ").append(text);
     } else if (Converts(column.kind, text) || !Converts(column.kind, value)) {
-        value = text;
+        value = std::move(text);
     }
 }
 

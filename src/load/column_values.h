@@ -6,8 +6,9 @@
 // number or date column the last text that converts, or the last one if none does.
 #pragma once
 
-#include <deque>
 #include <span>
+#include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -47,7 +48,7 @@ class ColumnValues {
 
     // Forgets the values.
     void Clear();
-    void Add(TextView element, TextView text);
+    void Add(std::string_view element, Text text);
     // Cuts the element's text, if it is there, to so many characters.
     void Cut(TextView element, std::size_t characters);
     // Cuts what is longer than its column, and gives `report(column, length)` each of these texts.
@@ -65,11 +66,11 @@ class ColumnValues {
  private:
     struct Hash {
         using is_transparent = void;
-        std::size_t operator()(TextView text) const { return std::hash<TextView>()(text); }
+        std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>()(text); }
     };
-    using Columns = std::unordered_map<Text, CatalogueColumn, Hash, std::equal_to<>>;
+    using Columns = std::unordered_map<std::string, CatalogueColumn, Hash, std::equal_to<>>;
 
-    CatalogueColumn& ColumnOf(TextView element);
+    CatalogueColumn& ColumnOf(std::string_view element);
 
     CatalogueTable table_;
     std::vector<TextSize> sizes_;

@@ -1,34 +1,46 @@
 #include "load/document_loader.h"
 
+#include <optional>
+
 #include "common/concat.h"
-#include "convert/balance_faults.h"
+#include "common/windows1251.h"
+#include "convert/balance_fault.h"
 
 namespace tav {
+namespace {
+
+// The first value of that name in the part's head; none when it has none.
+std::optional<Text> HeadValue(const CatalogueElement& part, std::string_view name) {
+    for (const CatalogueElement& head : ElementsOf(part.content, "head")) {
+        for (const CatalogueElement& value : ElementsOf(head.content, name)) return TextOf(value.content);
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
 DocumentLoader::Taken DocumentLoader::Take(const Catalogue& catalogue, const Text& file) {
     Taken taken;
-    const CatalogueParts entries = catalogue.PartsOf(file);
-    for (const Node& part : entries.parts) TakePart(part, file, taken);
+    const std::vector<CatalogueElement> parts = catalogue.PartsOf(file);
+    for (const CatalogueElement& part : parts) TakePart(part, file, taken);
     if (taken.documents == 0) return taken;
-    for (const CatalogueEntry* const entry : catalogue.EntriesNamed(file)) {
-        for (const int line : BalanceFaults(catalogue.BytesOf(*entry))) {
-            account_.Add(file, {Finding::Arithmetic, Text(u"первая такая строка: ").append(Digits(line))});
+    for (const CatalogueElement& part : parts) {
+        if (const auto line = BalanceFault(part)) {
+            account_.Add(file, {Finding::Arithmetic, Text(u"первая такая строка: ").append(Digits(*line))});
         }
     }
     return taken;
 }
 
 // A part without an INN or a KPP belongs to nobody; one of a kind that nobody knows is passed over.
-void DocumentLoader::TakePart(Node part, const Text& file, Taken& taken) {
+void DocumentLoader::TakePart(const CatalogueElement& part, const Text& file, Taken& taken) {
     taken.any = true;
-    const Node inn = part.SelectSingleNode(u"head/h01");
-    const Node kpp = part.SelectSingleNode(u"head/h02");
+    const std::optional<Text> inn = HeadValue(part, "h01");
+    const std::optional<Text> kpp = HeadValue(part, "h02");
     if (!inn || !kpp) return account_.Add(file, {Finding::NotRecognised, u"в документе нет ИНН или КПП"});
-    if (!taxpayer_.Owns(inn.Content(), kpp.Content())) {
-        return account_.Add(file, OtherTaxpayer(inn.Content(), kpp.Content()));
-    }
+    if (!taxpayer_.Owns(*inn, *kpp)) return account_.Add(file, OtherTaxpayer(*inn, *kpp));
     taken.own = true;
-    const Node type = part.FirstAttribute();
-    const Text kind = type ? type.Content() : Text();
+    const Text kind = FromWindows1251(part.type);
     const bool statement = kind == u"выписка";
     if (!statement && kind != u"акт") {
         return account_.Add(file, {Finding::NotRecognised, Text(u"вид документа: ").append(kind)});

@@ -25,7 +25,7 @@ class DocumentLoader {
     Taken Take(const Catalogue& catalogue, const Text& file);
 
  private:
-    void TakePart(Node part, const Text& file, Taken& taken);
+    void TakePart(const CatalogueElement& part, const Text& file, Taken& taken);
 
     const TaxpayerChoice taxpayer_;
     PartLoader& parts_;

@@ -19,6 +19,7 @@
 #include "load/rehearsals.h"
 #include "platform/files.h"
 #include "settings/session.h"
+#include "xml/document.h"
 
 namespace tav {
 namespace {

@@ -69,6 +69,17 @@ Text FirstOfJanuary(TextView year) {
     throw Failure(Concat(u"Syntax error in date in query expression '", condition, u"'."));
 }
 
+// The content of a part's first child of that name.
+std::string_view ContentOf(const CatalogueElement& part, std::string_view name) {
+    for (const CatalogueElement& child : ElementsOf(part.content, name)) return child.content;
+    return {};
+}
+
+void Collect(std::string_view content, ColumnValues& values) {
+    values.Clear();
+    for (const CatalogueElement& child : ElementsOf(content)) values.Add(child.name, TextOf(child.content));
+}
+
 }  // namespace
 
 LoadSwitches ReadLoadSwitches() {
@@ -89,12 +100,6 @@ void PartLoader::Execute(const SqlText& sql) {
     rehearsal_ ? rehearsal_(sql) : void(connection_.Execute(sql));
 }
 
-void PartLoader::Collect(Node parent, ColumnValues& values) {
-    values.Clear();
-    if (!parent) return;
-    for (const Node& child : parent.Children()) values.Add(child.Name(), child.Content());
-}
-
 void PartLoader::CutToSize(ColumnValues& values, Reading& reading) {
     values.CutToSize([&](const CatalogueColumn& column, std::size_t length) {
         std::size_t& longest = reading.long_texts[column.column];
@@ -102,10 +107,10 @@ void PartLoader::CutToSize(ColumnValues& values, Reading& reading) {
     });
 }
 
-PartOutcome PartLoader::LoadAct(Node part, TextView file_name) {
+PartOutcome PartLoader::LoadAct(const CatalogueElement& part, TextView file_name) {
     Reading reading;
     const std::int16_t number = numbers_.part.Next();
-    Collect(part.SelectSingleNode(u"body"), amounts_);
+    Collect(ContentOf(part, "body"), amounts_);
     Insert amounts(u"insert into tav_acts (id", number);
     bool nonzero = false;
     for (const auto& [column, text] : amounts_.items()) {
@@ -116,7 +121,7 @@ PartOutcome PartLoader::LoadAct(Node part, TextView file_name) {
     if (!reading.outcome.stored) return Finish(reading);
     Execute(amounts.Statement());
 
-    Collect(part.SelectSingleNode(u"head"), head_);
+    Collect(ContentOf(part, "head"), head_);
     CutToSize(head_, reading);
     Insert header = HeaderInsert(number, file_name);
     for (const auto& [column, text] : head_.items()) header.Add(column->column, text);
@@ -124,17 +129,19 @@ PartOutcome PartLoader::LoadAct(Node part, TextView file_name) {
     return Finish(reading);
 }
 
-PartOutcome PartLoader::LoadStatement(Node part, TextView file_name) {
+PartOutcome PartLoader::LoadStatement(const CatalogueElement& part, TextView file_name) {
     Reading reading;
     numbers_.part.Next();
-    for (const Node& row : part.SelectNodes(u"body/row")) LoadRow(row, reading);
+    for (const CatalogueElement& body : ElementsOf(part.content, "body")) {
+        for (const CatalogueElement& row : ElementsOf(body.content, "row")) LoadRow(row.content, reading);
+    }
     reading.outcome.stored = switches_.zero_statements != 0 || reading.nonzero;
-    LoadStatementHeader(part.SelectSingleNode(u"head"), file_name, reading);
+    LoadStatementHeader(ContentOf(part, "head"), file_name, reading);
     return Finish(reading);
 }
 
 // Once an amount has counted, every later line is stored, zero or not.
-void PartLoader::LoadRow(Node row, Reading& reading) {
+void PartLoader::LoadRow(std::string_view row, Reading& reading) {
     Collect(row, row_);
     CutToSize(row_, reading);
     Insert insert(u"insert into tav_operations (id", numbers_.part.value());
@@ -162,7 +169,7 @@ void PartLoader::LoadRow(Node row, Reading& reading) {
     Execute(insert.Statement());
 }
 
-void PartLoader::LoadStatementHeader(Node head, TextView file_name, Reading& reading) {
+void PartLoader::LoadStatementHeader(std::string_view head, TextView file_name, Reading& reading) {
     Collect(head, head_);
     head_.Cut(u"h11", kCurrencyCharacters);
     CutToSize(head_, reading);

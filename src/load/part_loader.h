@@ -13,11 +13,11 @@
 #include <map>
 
 #include "common/text.h"
+#include "convert/catalogue_elements.h"
 #include "db/connection.h"
 #include "load/account.h"
 #include "load/column_values.h"
 #include "load/counter.h"
-#include "xml/document.h"
 
 namespace tav {
 
@@ -50,8 +50,8 @@ class PartLoader {
     // `highest`: the highest numbers there are.
     PartLoader(Connection& connection, const Numbers& highest, Rehearsal rehearsal = {});
 
-    PartOutcome LoadAct(Node part, TextView file_name);
-    PartOutcome LoadStatement(Node part, TextView file_name);
+    PartOutcome LoadAct(const CatalogueElement& part, TextView file_name);
+    PartOutcome LoadStatement(const CatalogueElement& part, TextView file_name);
 
     // For taking back what was loaded since.
     const Numbers& numbers() const { return numbers_; }
@@ -66,10 +66,9 @@ class PartLoader {
         PartOutcome outcome;
     };
 
-    static void Collect(Node parent, ColumnValues& values);
     static void CutToSize(ColumnValues& values, Reading& reading);
-    void LoadRow(Node row, Reading& reading);
-    void LoadStatementHeader(Node head, TextView file_name, Reading& reading);
+    void LoadRow(std::string_view row, Reading& reading);
+    void LoadStatementHeader(std::string_view head, TextView file_name, Reading& reading);
     SqlText VersionLiteral(const SqlText& current, TextView period_end);
     void Execute(const SqlText& sql);
     static PartOutcome Finish(Reading& reading);

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "common/database_failure.h"
+#include "xml/document.h"
 
 namespace tav {
 namespace {

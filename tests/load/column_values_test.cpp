@@ -26,11 +26,11 @@ TEST(ColumnValues, JoinWhatOccursTwice) {
     ColumnValues row(CatalogueTable::Operations);
     for (int round = 0; round < 2; ++round) {
         row.Clear();
-        const std::pair<TextView, TextView> elements[] = {
-            {u"p04", u"Платежное"}, {u"p10", u"5.00"},       {u"p01", u"01.02.2011"}, {u"p04", u"поручение"},
-            {u"p10", u"итого"},     {u"p01", u"02.02.2011"}, {u"p13", u"x"},          {u"p13", u"y"},
+        const std::pair<std::string_view, TextView> elements[] = {
+            {"p04", u"Платежное"}, {"p10", u"5.00"},       {"p01", u"01.02.2011"}, {"p04", u"поручение"},
+            {"p10", u"итого"},     {"p01", u"02.02.2011"}, {"p13", u"x"},          {"p13", u"y"},
         };
-        for (const auto& [element, text] : elements) row.Add(element, text);
+        for (const auto& [element, text] : elements) row.Add(element, Text(text));
         std::vector<std::pair<Text, Text>> values;
         for (const auto& item : row.items()) values.emplace_back(item.column->column, item.text);
         EXPECT_THAT(values, testing::ElementsAre(

@@ -3,14 +3,14 @@
 // (p01) are the opening balances, from which it starts. A balance that cannot be read is passed over.
 #pragma once
 
-#include <string_view>
-#include <vector>
+#include <optional>
+
+#include "convert/catalogue_elements.h"
 
 namespace tav {
 
-// Of each statement of a catalogue entry that has such a line: the number, from 1, of its first line that does
-// not follow from those before it. A statement of which more than a tenth of the lines do not has another form
-// and is left out.
-std::vector<int> BalanceFaults(std::string_view entry);
+// Of a part of the catalogue: the number, from 1, of its first line that does not follow from those before it.
+// None when they all do, and when more than a tenth of them do not, because such a statement has another form.
+std::optional<int> BalanceFault(const CatalogueElement& part);
 
 }  // namespace tav

@@ -1,12 +1,10 @@
-#include "convert/balance_faults.h"
+#include "convert/balance_fault.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <optional>
 #include <unordered_map>
-
-#include "convert/catalogue_markup.h"
 
 namespace tav {
 namespace {
@@ -93,23 +91,17 @@ class Balances {
 
 }  // namespace
 
-std::vector<int> BalanceFaults(std::string_view entry) {
-    std::vector<int> faults;
+std::optional<int> BalanceFault(const CatalogueElement& part) {
     Balances balances;
-    Line line;
-    MarkupTag tag = NextTag(entry, 0);
-    for (; !tag.name.empty(); tag = NextTag(entry, tag.end)) {
-        if (tag.name == "row") {
-            if (tag.closes || tag.is_whole) balances.Add(line);
-            line = {};
-        } else if (tag.name == "part" && tag.closes) {
-            if (const auto fault = balances.FirstFault()) faults.push_back(*fault);
-            balances = {};
-        } else if (!tag.closes) {
-            line.Read(tag.name, entry.substr(tag.end, entry.find('<', tag.end) - tag.end));
+    for (const CatalogueElement& body : ElementsOf(part.content, "body")) {
+        for (const CatalogueElement& row : ElementsOf(body.content, "row")) {
+            Line line;
+            for (const CatalogueElement& value : ElementsOf(row.content))
+                line.Read(value.name, value.content);
+            balances.Add(line);
         }
     }
-    return faults;
+    return balances.FirstFault();
 }
 
 }  // namespace tav
