@@ -1,6 +1,7 @@
 // The source files that the database holds a document of.
 #pragma once
 
+#include <cstdint>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -21,7 +22,8 @@ KnownFiles ReadKnownFiles(Connection& connection);
 struct HeldOfFile {
     bool current = false;     // an act of the taxpayer, or a statement that is the current one of its series
     bool superseded = false;  // a statement that is not
-    std::vector<Remark> foreign;  // of a file that has documents of others only: whose
+    std::vector<Remark> foreign;         // of a file that has documents of others only: whose
+    std::vector<std::int16_t> replaced;  // the numbers of its superseded statements, whoever's they are
 };
 // By the upper-cased name.
 using HeldFiles = std::unordered_map<Text, HeldOfFile>;

@@ -1,6 +1,7 @@
 #include "load/load_from_xml.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <optional>
 #include <unordered_set>
 #include <vector>
@@ -41,15 +42,17 @@ void RemoveLeftovers(Connection& connection, std::int16_t highest_part) {
 
 // The headers of statements that another one of their series has superseded go with their rows once their
 // file has left the folder. As long as it lies there the header says that it is known.
-void RemoveSuperseded(Connection& connection, const std::vector<Text>& listed) {
-    Recordset superseded = connection.Execute(
-        u"select id, filename from tav_operations_header where isnull(vid) and not(isnull(h6))");
-    if (superseded.Eof()) return;
+void RemoveSuperseded(Connection& connection, const HeldFiles& held, const std::vector<Text>& listed) {
+    if (std::ranges::all_of(held, [](const auto& file) { return file.second.replaced.empty(); })) return;
     std::unordered_set<Text> there;
     for (const Text& name : listed) there.insert(UpperCase(name));
-    for (; !superseded.Eof(); superseded.MoveNext()) {
-        if (there.contains(UpperCase(isns(superseded.Field(1))))) continue;
-        const std::int16_t id = Counter(superseded.Field(0)).value();
+    std::vector<std::int16_t> departed;
+    for (const auto& [name, file] : held) {
+        if (!there.contains(name))
+            departed.insert(departed.end(), file.replaced.begin(), file.replaced.end());
+    }
+    std::ranges::sort(departed);
+    for (const std::int16_t id : departed) {
         SqlText header(u"delete * from tav_operations_header where isnull(vid) and not(isnull(h6)) and id=");
         connection.Execute(header.Number(id));
         for (const TextView table : {u"tav_operations", u"tav_acts"}) {
@@ -113,7 +116,7 @@ class Load {
  private:
     void LoadNewFiles();
     const Catalogue& ReadCatalogue();
-    std::vector<Text> NewFiles(const KnownFiles& known) const;
+    std::vector<Text> NewFiles() const;
     void LoadFile(const Catalogue& catalogue, const Text& name, PartLoader& parts);
     void TakeBack(const Text& name, Finding finding, const Failure& failure);
     void CheckRoom(const Text& name) const;
@@ -130,6 +133,7 @@ class Load {
     const Catalogue* read_ = nullptr;
     std::optional<Catalogue> own_catalogue_;
     AccountMaker found_;
+    std::optional<HeldFiles> held_;  // as the database is; none once it has been changed
 
     // What has been stored and not yet reached the disk.
     std::vector<Text> unit_files_;
@@ -147,6 +151,7 @@ void Load::Run(TextView database) {
     } catch (...) {
         // What was loaded before stays.
         GuardedBy([&] { EndUnit(); }, [](const Failure&) {});
+        held_.reset();
         TakeAccount();
         throw;
     }
@@ -155,16 +160,16 @@ void Load::Run(TextView database) {
 }
 
 void Load::LoadNewFiles() {
-    const KnownFiles known = ReadKnownFiles(connection_);
+    held_ = ReadHeldFiles(connection_, taxpayer_);
     const Recordset highest = connection_.Execute(u"select max(id), max(vid) from tav_operations_header");
     const PartLoader::Numbers numbers{Counter(highest.Field(0)), Counter(highest.Field(1))};
     PartLoader parts(connection_, numbers);
 
     const Catalogue& catalogue = ReadCatalogue();
-    const std::vector<Text> names = NewFiles(known);
+    const std::vector<Text> names = NewFiles();
 
     RemoveLeftovers(connection_, numbers.part.value());
-    RemoveSuperseded(connection_, listed_);
+    RemoveSuperseded(connection_, *held_, listed_);
     // The import folder itself is no archive: what is in it stays there.
     if (SameFolder(move_folder_, FolderOf(catalogue_))) move_folder_.clear();
     int looked_at = 0;
@@ -190,10 +195,10 @@ const Catalogue& Load::ReadCatalogue() {
     return *read_;
 }
 
-std::vector<Text> Load::NewFiles(const KnownFiles& known) const {
+std::vector<Text> Load::NewFiles() const {
     std::vector<Text> names;
     for (const Text& name : listed_) {
-        if (!known.contains(UpperCase(name))) names.push_back(name);
+        if (!held_->contains(UpperCase(name))) names.push_back(name);
     }
     return names;
 }
@@ -219,13 +224,13 @@ void Load::EndUnit() {
 // The database has the last word about what it holds, also after a failure; only when it cannot be asked any
 // more it is passed over.
 void Load::TakeAccount() {
-    HeldFiles held;
     GuardedBy(
         [&] {
-            held = ReadHeldFiles(connection_, taxpayer_);
-            if (read_ != nullptr) Rehearsals(connection_, *read_, taxpayer_, found_).OfHeld(held);
+            if (!held_) held_ = ReadHeldFiles(connection_, taxpayer_);
+            if (read_ != nullptr) Rehearsals(connection_, *read_, taxpayer_, found_).OfHeld(*held_);
         },
         [](const Failure&) {});
+    const HeldFiles held = std::move(held_).value_or(HeldFiles());
     if (scan_ != nullptr) {
         listed_.clear();
         for (const ScannedFile& file : scan_->files) {
@@ -267,6 +272,7 @@ void Load::LoadFile(const Catalogue& catalogue, const Text& name, PartLoader& pa
     unit_documents_ += taken.documents;
     unit_rows_ += taken.rows;
     if (taken.documents > 0) {
+        held_.reset();
         found_.Stored(name);
         unit_files_.push_back(name);
     }
