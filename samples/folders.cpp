@@ -138,14 +138,14 @@ std::vector<Document> SampleFolder(TextView folder) {
     return documents;
 }
 
-void ManyFiles(TextView folder, int count, std::uint64_t seed) {
+void ManyFiles(TextView folder, int count, int rows, std::uint64_t seed) {
     CheckCount(count, "files");
     const std::filesystem::path path(folder);
     std::filesystem::create_directories(path);
     for (int i = 0; i < count; ++i) {
         StatementOptions options{.name = u"statement" + Digits(i, 7) + u".rtf",
                                  .okato = u"0" + Digits(i, 10),
-                                 .rows = 3,
+                                 .rows = rows,
                                  .seed = seed + static_cast<std::uint64_t>(i)};
         options.tax = Taxes()[static_cast<std::size_t>(i) % Taxes().size()];
         Write(path / options.name, MakeStatement(options).bytes);

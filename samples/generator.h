@@ -155,8 +155,8 @@ std::string Catalogue(const std::vector<Document>& documents);
 void WriteDocument(TextView folder, const Document& document);
 // SampleSet, written into the folder.
 std::vector<Document> SampleFolder(TextView folder);
-// `count` small statements of the sample taxpayer with names of equal length, written into the folder. They
-// are all of different series: no one supersedes another.
-void ManyFiles(TextView folder, int count, std::uint64_t seed = 1);
+// `count` statements of so many operations of the sample taxpayer, with names of equal length, written into the
+// folder. They are all of different series: no one supersedes another.
+void ManyFiles(TextView folder, int count, int rows = 3, std::uint64_t seed = 1);
 
 }  // namespace tav::samples

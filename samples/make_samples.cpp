@@ -35,6 +35,7 @@ int main(int argc, char** argv) {
     StatementOptions statement;
     ActOptions act;
     int files = 1000;
+    int rows = 3;
     std::uint64_t seed = 1;
     bool xml = false;
 
@@ -62,8 +63,11 @@ int main(int argc, char** argv) {
     auto* many = app.add_subcommand("many", "A folder of many small statements");
     many->add_option("DIR", target, "Folder, made when missing")->required();
     many->add_option("--files", files, "How many")->capture_default_str()->check(CLI::Range(0, kMost));
+    many->add_option("--rows", rows, "Operations of each")
+        ->capture_default_str()
+        ->check(CLI::Range(0, kMost));
     many->add_option("--seed", seed, "Another seed, other amounts")->capture_default_str();
-    many->callback([&] { ManyFiles(FromUtf8(target), files, seed); });
+    many->callback([&] { ManyFiles(FromUtf8(target), files, rows, seed); });
 
     auto* one_act = app.add_subcommand("act", "One act of reconciliation");
     one_act->add_option("FILE", target, "File to write")->required();

@@ -20,7 +20,7 @@ MessageBox*& Default() {
     return box;
 }
 
-MessageBox* scoped = nullptr;
+thread_local MessageBox* scoped = nullptr;
 
 }  // namespace
 

@@ -22,7 +22,7 @@ class MessageBox {
     virtual void Show(const Message& message) = 0;
 };
 
-// The box in use: the one of the innermost living ScopedMessageBox, else the default.
+// The box in use: the one of the thread's innermost living ScopedMessageBox, else the default.
 MessageBox& CurrentMessageBox();
 
 // Where messages go by default: "title: text" on standard error, until there are windows that show them.

@@ -9,7 +9,7 @@ Progress*& Default() {
     return progress;
 }
 
-Progress* scoped = nullptr;
+thread_local Progress* scoped = nullptr;
 
 }  // namespace
 

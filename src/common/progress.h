@@ -25,9 +25,11 @@ class Progress {
     virtual void SetLoaded([[maybe_unused]] int files, [[maybe_unused]] int of) {}
     // Lets the user press buttons and the windows draw themselves.
     virtual void ProcessEvents() {}
+    // Whether there are windows that long work must not stop (aside.h).
+    virtual bool HasWindows() const { return false; }
 };
 
-// The progress in use: the one of the innermost living ScopedProgress, else the default.
+// The progress in use: the one of the thread's innermost living ScopedProgress, else the default.
 Progress& CurrentProgress();
 
 // What shows the progress by default: nothing, until there are windows.

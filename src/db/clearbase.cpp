@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "common/aside.h"
 #include "common/get_next.h"
 #include "common/guard.h"
 #include "db/connection.h"
@@ -31,7 +32,7 @@ std::vector<SqlText> Conditions(TextView inn, TextView kpp) {
 std::optional<int> Clear(TextView database, const std::vector<SqlText>& headers,
                          const std::vector<TextView>& rows) {
     std::optional<int> removed;
-    Guarded(u"Ошибка в функции clearbase", [&] {
+    const auto clear = [&] {
         int documents = 0;
         Connection connection;
         connection.Open(ConnectionString(database));
@@ -44,7 +45,8 @@ std::optional<int> Clear(TextView database, const std::vector<SqlText>& headers,
         for (const TextView sql : rows) connection.Execute(sql);
         connection.Close();
         removed = documents;
-    });
+    };
+    Guarded(u"Ошибка в функции clearbase", [&] { RunAside(clear); });
     return removed;
 }
 

@@ -1,5 +1,6 @@
 #include "db/patience.h"
 
+#include <atomic>
 #include <thread>
 
 namespace tav {
@@ -8,7 +9,7 @@ namespace {
 constexpr std::chrono::seconds kPatience{4};
 constexpr std::chrono::milliseconds kBetweenAttempts{100};
 
-int patient = 0;
+std::atomic<int> patient = 0;
 
 }  // namespace
 

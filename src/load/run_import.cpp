@@ -1,5 +1,8 @@
 #include "load/run_import.h"
 
+#include <memory>
+
+#include "common/aside.h"
 #include "common/failure.h"
 #include "common/guard.h"
 #include "convert/check_xml.h"
@@ -59,6 +62,8 @@ Text RunningInn() {
 }
 
 void ForgetImport() {
+    RequestCancel();
+    AbandonAside();
     running = false;
     running_inn.clear();
 }
@@ -83,6 +88,14 @@ ImportAccount LoadCatalogue(TextView catalogue, TextView inn, TextView kpp, Text
 
 namespace {
 
+// An import has all that it needs by itself: the thread that waits for it may end.
+struct Import {
+    ImportFolders folders;
+    Text inn;
+    Text kpp;
+    ImportResult result;
+};
+
 ImportResult ScanAndLoad(const ImportFolders& folders, TextView inn, TextView kpp) {
     ImportResult result;
     const ScanAccount scan = CheckXml(folders.import, folders.acts_as_xml);
@@ -102,13 +115,15 @@ ImportResult ScanAndLoad(const ImportFolders& folders, TextView inn, TextView kp
 ImportResult RunImport(const ImportFolders& folders, TextView inn, TextView kpp) {
     if (running || folders.import.empty() || !PassCancelGuard()) return {};
     const RunningImport this_one(inn);
+    const auto import = std::make_shared<Import>(Import{folders, Text(inn), Text(kpp), {}});
     try {
-        return ScanAndLoad(folders, inn, kpp);
+        RunAside([import] { import->result = ScanAndLoad(import->folders, import->inn, import->kpp); });
     } catch (...) {
         // What the processor raises leaves functions as they are, down to the next catch: without it the mark
         // would stay.
         throw CurrentFailure();
     }
+    return std::move(import->result);
 }
 
 }  // namespace tav

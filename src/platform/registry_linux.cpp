@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -16,7 +17,9 @@
 namespace tav {
 namespace {
 
-int last_result = 0;
+// Work beside the windows reads settings, too.
+thread_local int last_result = 0;
+std::mutex failure_guard;
 Text last_failure;
 
 constexpr std::array<std::pair<RegistryType, TextView>, 5> kTypeNames = {{
@@ -233,6 +236,7 @@ bool Succeeds(Operation operation) {
         last_result = 0;
     } catch (const Failure& failure) {
         last_result = failure.error() == RunTimeError::PermissionDenied ? EACCES : EIO;
+        const std::lock_guard lock(failure_guard);
         last_failure = failure.description();
     }
     return last_result == 0;
@@ -271,6 +275,7 @@ int LastRegistryResult() {
 }
 
 Text LastRegistryFailure() {
+    const std::lock_guard lock(failure_guard);
     return last_failure;
 }
 

@@ -1,4 +1,5 @@
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <span>
 #include <vector>
@@ -10,7 +11,9 @@
 namespace tav {
 namespace {
 
-LSTATUS last_result = ERROR_SUCCESS;
+// Work beside the windows reads settings, too.
+thread_local LSTATUS last_result = ERROR_SUCCESS;
+std::mutex failure_guard;
 Text last_failure;
 
 // Where a key is looked for, in this order; a value is written at the first place. The host is a 32-bit
@@ -43,6 +46,7 @@ using Key = std::unique_ptr<HKEY__, CloseKey>;
 bool Noted(LSTATUS result, TextView key, TextView name) {
     last_result = result;
     if (result != ERROR_SUCCESS) {
+        const std::lock_guard lock(failure_guard);
         last_failure = Concat(key, u" ", name, u": ", win32::ErrorWords(static_cast<DWORD>(result)));
     }
     return result == ERROR_SUCCESS;
@@ -157,6 +161,7 @@ int LastRegistryResult() {
 }
 
 Text LastRegistryFailure() {
+    const std::lock_guard lock(failure_guard);
     return last_failure;
 }
 

@@ -1,5 +1,6 @@
 #include "reports/page.h"
 
+#include "common/aside.h"
 #include "common/concat.h"
 #include "common/guard.h"
 #include "common/windows1251.h"
@@ -64,7 +65,7 @@ Text GuardedReport(TextView title, TextView database, const std::function<Text(T
     GuardedBy(
         [&] {
             const RunningReport this_one(database);
-            written = body(file);
+            RunAside([&] { written = body(file); });
         },
         [&](const Failure& failure) {
             if (failure.error() == RunTimeError::PermissionDenied) {

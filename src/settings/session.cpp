@@ -14,8 +14,8 @@ AtOnce& StartedFor() {
     return at_once;
 }
 
-std::int32_t& CancelStamp() {
-    static std::int32_t stamp = 0;
+std::atomic<std::int32_t>& CancelStamp() {
+    static std::atomic<std::int32_t> stamp = 0;
     return stamp;
 }
 

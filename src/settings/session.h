@@ -1,6 +1,7 @@
 // The module-level state that lives as long as the component is loaded.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 
 #include "common/text.h"
@@ -32,7 +33,8 @@ inline bool IsEverySubdivision(TextView kpp) {
 
 // The cancel stamp: 0 when no cancel is pending, else the time of day of the last cancel as the number HHMMSS
 // (143005 at 14:30:05). A cancel at exactly 00:00:00 stores 0 and is not seen.
-std::int32_t& CancelStamp();
+// The windows write it, a reader on another thread looks at it.
+std::atomic<std::int32_t>& CancelStamp();
 // The present time of day in that form.
 std::int32_t TimeStamp();
 // What the cancel button does: the stamp becomes the present time.

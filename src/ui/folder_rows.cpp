@@ -1,35 +1,21 @@
 #include "ui/folder_rows.h"
 
 #include <algorithm>
-#include <optional>
-#include <unordered_map>
 
 #include "common/concat.h"
-#include "convert/document_glance.h"
-#include "platform/files.h"
 
 namespace tav {
 namespace {
 
 constexpr TextView kGap = u"   ";
 
-struct Seen {
-    std::optional<FileStamp> stamp;
-    DocumentGlance glance;
-};
-using SeenFiles = std::unordered_map<Text, Seen>;
-
-struct Listing {
-    std::vector<FolderRow> rows;
-    SeenFiles seen;  // by path
-};
-Listing& Last() {
-    static Listing listing;
+FolderListing& Last() {
+    static FolderListing listing;
     return listing;
 }
 
 // What was seen of the file before, unless it has changed.
-Seen Look(const Text& path, const SeenFiles& before) {
+SeenFile Look(const Text& path, const std::unordered_map<Text, SeenFile>& before) {
     const std::optional<FileStamp> stamp = StampOf(path);
     const auto known = before.find(path);
     if (known != before.end() && stamp && known->second.stamp == stamp) return known->second;
@@ -65,26 +51,29 @@ Picture PictureOf(Finding finding) {
     }
 }
 
-std::vector<ListRow> ListFolder(TextView folder, const std::function<bool()>& go_on) {
-    Listing listing;
-    std::vector<ListRow> rows;
+FolderListing ListFolder(TextView folder, const std::function<bool()>& go_on) {
+    FolderListing listing;
     for (const Text& name : ListFiles(folder, u".rtf")) {
         if (!go_on()) break;
         FolderRow file{name, Concat(WithSeparator(folder), name)};
-        Seen seen = Look(file.path, Last().seen);
-        rows.push_back(RowOf(file, seen.glance));
+        SeenFile seen = Look(file.path, Last().seen);
+        listing.shown.push_back(RowOf(file, seen.glance));
         listing.seen.emplace(file.path, std::move(seen));
-        listing.rows.push_back(std::move(file));
+        listing.files.push_back(std::move(file));
     }
-    Last() = std::move(listing);
-    return rows;
+    return listing;
 }
 
-void AddStates(std::vector<ListRow>& rows, const ImportAccount& account) {
+void KeepListing(FolderListing listing) {
+    Last() = std::move(listing);
+}
+
+void AddStates(FolderListing& listing, const ImportAccount& account) {
+    std::vector<ListRow>& rows = listing.shown;
     std::unordered_map<TextView, const FileAccount*> by_name;
     for (const FileAccount& file : account.files) by_name.emplace(file.name, &file);
     for (std::size_t i = 0; i < rows.size(); ++i) {
-        const auto found = by_name.find(FolderRows()[i].name);
+        const auto found = by_name.find(listing.files[i].name);
         if (found == by_name.end() || found->second->remarks.empty()) continue;
         const std::vector<Remark>& remarks = found->second->remarks;
         rows[i].text.append(kGap).append(TextOf(remarks.front().finding).state);
@@ -94,7 +83,7 @@ void AddStates(std::vector<ListRow>& rows, const ImportAccount& account) {
             state.append(state.empty() ? u"" : u"; ").append(TextOf(remark.finding).state);
             rows[i].picture = std::max(rows[i].picture, PictureOf(remark.finding));
         }
-        Last().rows[i].state = rows[i].picture;
+        listing.files[i].state = rows[i].picture;
     }
 }
 
@@ -109,7 +98,7 @@ int NextOfConcern(int row) {
 }
 
 const std::vector<FolderRow>& FolderRows() {
-    return Last().rows;
+    return Last().files;
 }
 
 }  // namespace tav

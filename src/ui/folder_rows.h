@@ -2,10 +2,14 @@
 #pragma once
 
 #include <functional>
+#include <optional>
+#include <unordered_map>
 #include <vector>
 
+#include "convert/document_glance.h"
 #include "forms/forms.h"
 #include "load/account.h"
+#include "platform/files.h"
 
 namespace tav {
 
@@ -23,13 +27,27 @@ inline constexpr int kStateColumn = 6;
 // The picture that stands for what is said of a document.
 Picture PictureOf(Finding finding);
 
+// What is known of a file, for as long as it does not change.
+struct SeenFile {
+    std::optional<FileStamp> stamp;
+    DocumentGlance glance;
+};
+
+struct FolderListing {
+    std::vector<ListRow> shown;
+    std::vector<FolderRow> files;                  // one per row
+    std::unordered_map<Text, SeenFile> seen = {};  // by path
+};
+
 // One row per "*.rtf" file of the folder, in the order of the scan: code, OKATO and
 // period of a document that is recognised, and the file's name. A file that cannot be
 // read says why in its tool-tip. A folder that is not there has no rows. `go_on` is
 // called between the files; false ends the listing, and the rows are those so far.
-std::vector<ListRow> ListFolder(TextView folder, const std::function<bool()>& go_on);
+// A file is looked into only when it is new or has changed since the listing that was kept last.
+FolderListing ListFolder(TextView folder, const std::function<bool()>& go_on);
 
-// What the last listing listed.
+// From now on these are the rows.
+void KeepListing(FolderListing listing);
 const std::vector<FolderRow>& FolderRows();
 
 // The row after that one, and around again, whose document needs a person the most: the files that something is wrong
@@ -38,6 +56,6 @@ int NextOfConcern(int row);
 
 // Adds to every row what became of its file: the state to the row, the reasons to its tool-tip. The files of the account
 // are found by their names.
-void AddStates(std::vector<ListRow>& rows, const ImportAccount& account);
+void AddStates(FolderListing& listing, const ImportAccount& account);
 
 }  // namespace tav

@@ -1,12 +1,13 @@
 #include "ui/frmmain.h"
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
+#include "common/aside.h"
 #include "common/concat.h"
 #include "common/get_next.h"
 #include "common/guard.h"
-#include "common/progress.h"
 #include "common/regional.h"
 #include "db/empty_database.h"
 #include "db/patience.h"
@@ -153,9 +154,9 @@ Text frmmain::Kpp() const {
     return chkKons.Checked() ? Text(kAllSubdivisions) : Taxpayer().kpp;
 }
 
-// An import has the database to itself: the refresh after it fills the list.
+// Work that runs has the database to itself: the refresh after it fills the list.
 void frmmain::FillBase() {
-    if (ImportRunning()) return;
+    if (ImportRunning() || AsideRuns()) return;
     bool busy = false;
     const Text information = SetFiles(lstBase, FilesOf::Database, getbase(), Taxpayer().inn, Kpp(), busy);
     base_counts_.clear();
@@ -190,10 +191,10 @@ void frmmain::Command4_Click() {
     ScheduleRefresh();
 }
 
-// The event loop runs while a large folder is listed, and while an import runs: a refresh asked for meanwhile
+// The event loop runs while a large folder is listed, and while other work runs: a refresh asked for meanwhile
 // waits, and the timer goes on.
 void frmmain::Timer1_Timer() {
-    if (refreshing_ || ImportRunning()) return;
+    if (refreshing_ || ImportRunning() || AsideRuns()) return;
     Timer1.SetInterval(0);
     const Busy busy(refreshing_);
     Refresh();
@@ -204,19 +205,27 @@ void frmmain::Refresh() {
     const Text typed = txtImport.Get();
     const Text folder = ImportFolder();
     const Text inn = Taxpayer().inn;  // the host may go on to another meanwhile
+    using Clock = std::chrono::steady_clock;
+    constexpr std::chrono::milliseconds kBetweenCounts(100);
     bool changed = false;
     int seen = 0;
-    const auto go_on = [&] {
-        constexpr int kFew = 500;
-        if (++seen % kFew == 0) lblInfoFile.Set(Concat(u"Файлов в папке: ", Digits(seen), u"…\r\n"));
-        CurrentProgress().ProcessEvents();
+    Clock::time_point counted = Clock::now();
+    const auto look_up = [&] {
         changed = !Loaded() || txtImport.Get() != typed;
+        if (!changed) lblInfoFile.Set(Concat(u"Файлов в папке: ", Digits(seen), u"…\r\n"));
+    };
+    const auto go_on = [&] {
+        ++seen;
+        if (Clock::now() - counted < kBetweenCounts) return true;
+        RunAtWindows(look_up);
+        counted = Clock::now();
         return !changed;
     };
     bool busy = false;
     const Text information =
         SetFiles(lstFile, FilesOf::Folder, folder.empty() ? Text(u" ") : folder, inn, Kpp(), busy, go_on);
-    if (changed) return;  // the change has asked for the next refresh
+    // The change has asked for the next refresh.
+    if (!Loaded() || txtImport.Get() != typed) return;
     if (!folder.empty()) SaveFolders();
     ShowAbout(busy);
     if (busy) {

@@ -17,8 +17,6 @@ class frmmain : public Form {
     // For the windows around this one; nothing when it is not loaded. The
     // list of the database is filled again, and everything is refreshed.
     void Refill();
-    // Whether the lists and counts are being read.
-    bool Refreshing() const { return refreshing_; }
     // On the bar, from 0 to 1.
     void ShowProgress(double part);
 

@@ -1,5 +1,6 @@
 #include "ui/set_files.h"
 
+#include "common/aside.h"
 #include "common/concat.h"
 #include "common/guard.h"
 #include "db/holdings.h"
@@ -80,9 +81,9 @@ Text FolderCounts(TextView folder, std::size_t files) {
     return missing ? Concat(counts, u" (папка не найдена)") : counts;
 }
 
-Text LeftToLoad(const KnownFiles& known) {
+Text LeftToLoad(const std::vector<FolderRow>& files, const KnownFiles& known) {
     long long to_load = 0;
-    for (const FolderRow& row : FolderRows()) to_load += known.contains(UpperCase(row.name)) ? 0 : 1;
+    for (const FolderRow& row : files) to_load += known.contains(UpperCase(row.name)) ? 0 : 1;
     return Concat(u"\r\nПодлежат загрузке: ", Digits(to_load));
 }
 
@@ -96,50 +97,74 @@ void ShowOnce(const Failure& failure, TextView database) {
     }
 }
 
+// What is read for a list, before anything is shown of it.
+struct Reading {
+    Text name;
+    Text base_counts;
+    Text file_counts;
+    FolderListing listing;
+    ImportAccount account;
+    std::vector<ListRow> held;
+};
+
+void ReadFolder(TextView folder, TextView database, TextView inn, TextView kpp,
+                const std::function<bool()>& go_on, Reading& reading) {
+    reading.listing = ListFolder(folder, go_on);
+    FolderListing& listing = reading.listing;
+    reading.file_counts = FolderCounts(folder, listing.files.size());
+    Connection connection;
+    connection.CursorLocation = 3;
+    connection.OpenForReading(ConnectionString(database));
+    const std::vector<HeldDocument> documents = DocumentsOf(connection, inn, kpp);
+    reading.name = TaxpayerName(documents);
+    reading.base_counts = CountsOf(documents);
+    reading.file_counts += LeftToLoad(listing.files, ReadKnownFiles(connection));
+    connection.Close();
+    if (!listing.files.empty()) reading.account = AccountOfFolder(folder, database, inn, kpp);
+    AddStates(listing, reading.account);
+}
+
+void ReadDatabase(TextView database, TextView inn, TextView kpp, Reading& reading) {
+    Connection connection;
+    connection.CursorLocation = 3;
+    connection.OpenForReading(ConnectionString(database));
+    const std::vector<HeldDocument> documents = DocumentsOf(connection, inn, kpp);
+    reading.name = TaxpayerName(documents);
+    reading.base_counts = CountsOf(documents);
+    reading.held.reserve(documents.size());
+    for (const HeldDocument& document : documents) reading.held.push_back(ListRowOf(document));
+}
+
 }  // namespace
 
 Text SetFiles(ListBox& list, FilesOf source, TextView path, TextView inn, TextView kpp, bool& busy,
               const std::function<bool()>& go_on) {
-    Text name;
-    Text base_counts;
-    Text file_counts;
-    std::vector<ListRow> files;
-    busy = false;
+    Reading reading;
     const Text database = source == FilesOf::Database ? Text(path) : getbase();
+    busy = false;
     GuardedBy(
         [&] {
-            if (source == FilesOf::Folder) {
-                folder_account = {};
-                files = ListFolder(path, go_on);
-                file_counts = FolderCounts(path, FolderRows().size());
-            }
-            Connection connection;
-            connection.CursorLocation = 3;
-            connection.OpenForReading(ConnectionString(database));
-            const std::vector<HeldDocument> documents = DocumentsOf(connection, inn, kpp);
-            name = TaxpayerName(documents);
-            base_counts = CountsOf(documents);
-            if (source == FilesOf::Folder) {
-                file_counts += LeftToLoad(ReadKnownFiles(connection));
-                connection.Close();
-                if (!files.empty()) folder_account = AccountOfFolder(path, database, inn, kpp);
-                AddStates(files, folder_account);
-            } else {
-                std::vector<ListRow> rows;
-                rows.reserve(documents.size());
-                for (const HeldDocument& document : documents) rows.push_back(ListRowOf(document));
-                list.SetRows(std::move(rows));
-            }
+            RunAside([&] {
+                if (source == FilesOf::Folder) {
+                    ReadFolder(path, database, inn, kpp, go_on, reading);
+                } else {
+                    ReadDatabase(database, inn, kpp, reading);
+                }
+            });
             shown_failure.clear();
         },
         [&](const Failure& failure) {
             busy = failure.error() == RunTimeError::FileInUse;
-            if (busy) return;
-            if (source == FilesOf::Database) list.SetRows({});
-            ShowOnce(failure, database);
+            if (!busy) ShowOnce(failure, database);
         });
-    if (source == FilesOf::Folder) list.SetRows(std::move(files));
-    return Concat(name, u"*", base_counts, u"*", file_counts);
+    if (source == FilesOf::Folder) {
+        folder_account = std::move(reading.account);
+        list.SetRows(std::move(reading.listing.shown));
+        KeepListing(std::move(reading.listing));
+    } else if (!busy) {
+        list.SetRows(std::move(reading.held));  // none after a failure
+    }
+    return Concat(reading.name, u"*", reading.base_counts, u"*", reading.file_counts);
 }
 
 const ImportAccount& FolderAccount() {

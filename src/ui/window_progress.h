@@ -19,6 +19,7 @@ class WindowProgress : public Progress {
     void SetLoaded(int files, int of) override;
     // Costs nothing when it is called thousands of times a second.
     void ProcessEvents() override;
+    bool HasWindows() const override { return true; }
 
  private:
     void Begin(int files);

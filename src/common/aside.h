@@ -1,0 +1,28 @@
+// Long work beside the windows, which live on meanwhile.
+//
+// The work runs on a thread of its own while the windows' thread handles events. So handlers run between any two
+// instructions of the work: it touches no window, and no state that a handler changes. What it shows is shown by
+// the windows' thread: messages and the progress window while the work waits for them, labels and bars soon.
+//
+// One piece of work runs at a time: a second one, which a handler begins, waits for the first.
+#pragma once
+
+#include <functional>
+
+namespace tav {
+
+// Returns or throws as the work does. Where there are no windows (Progress::HasWindows) it simply runs, and so does
+// work inside work.
+void RunAside(const std::function<void()>& work);
+
+// Whether the windows' thread, which asks, waits for such work.
+bool AsideRuns();
+
+// For the work: runs it on the windows' thread and waits for it.
+void RunAtWindows(const std::function<void()>& errand);
+
+// The thread that waited for work has ended in the middle of it. Returns when the work has ended, too, of which
+// nothing is shown any more.
+void AbandonAside();
+
+}  // namespace tav
