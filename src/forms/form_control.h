@@ -2,6 +2,7 @@
 // on what is asked of it.
 #pragma once
 
+#include <algorithm>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -10,6 +11,13 @@
 #include "forms/forms.h"
 
 namespace tav {
+
+// Whether two trees are the same but for what is dimmed.
+inline bool SameTree(const std::vector<TreeNode>& one, const std::vector<TreeNode>& other) {
+    return std::ranges::equal(one, other, [](const TreeNode& a, const TreeNode& b) {
+        return a.key == b.key && a.parent == b.parent && a.text == b.text && a.picture == b.picture;
+    });
+}
 
 // One control as its toolkit has it. The operations are those of
 // FormWindow; what a kind does not have throws std::logic_error.

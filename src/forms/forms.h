@@ -126,7 +126,7 @@ struct TreeNode {
     Text parent;  // the key of a node before this one; empty at the top
     Text text;
     Picture picture = Picture::None;
-    bool expanded = false;
+    bool expanded = false;  // at first
     bool dimmed = false;
 };
 
@@ -179,7 +179,8 @@ class FormWindow {
     virtual std::vector<int> ColumnWidths(std::size_t control) const = 0;
     virtual void SetColumnWidths(std::size_t control, const std::vector<int>& widths) = 0;
 
-    // TreeView. The key of the selected node, empty for none.
+    // TreeView. The same nodes, dimmed differently, stay expanded and selected as they are. The key of the selected
+    // node, empty for none.
     virtual void SetNodes(std::size_t control, std::vector<TreeNode> nodes) = 0;
     virtual Text SelectedNode(std::size_t control) const = 0;
     virtual void SelectNode(std::size_t control, TextView key) = 0;

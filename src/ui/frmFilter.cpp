@@ -4,6 +4,7 @@
 #include <map>
 #include <utility>
 
+#include "common/aside.h"
 #include "common/concat.h"
 #include "common/guard.h"
 #include "db/holdings.h"
@@ -66,7 +67,7 @@ void frmFilter::Form_Load() {
     summary_ = LastSummary();
     periods_.clear();
     ShowCodes();
-    ShowPeriods();
+    FindPeriods();
     Check1.Check(SettingTruth(u"ChkFilter"));
     ShowPeriods();
 }
@@ -76,9 +77,11 @@ std::vector<ListRow> frmFilter::RowsOfCodes() const {
     // Without the names the codes alone are shown.
     GuardedBy(
         [&] {
-            for (HeldDocument& document : HeldDocuments(getbase(), summary_.inn, {})) {
-                taxes.emplace(std::move(document.code), std::move(document.tax));
-            }
+            RunAside([&] {
+                for (HeldDocument& document : HeldDocuments(getbase(), summary_.inn, {})) {
+                    taxes.emplace(std::move(document.code), std::move(document.tax));
+                }
+            });
         },
         [](const Failure&) {});
     std::vector<ListRow> rows;
@@ -105,9 +108,14 @@ Text frmFilter::ChosenCode() const {
     return Consolidated() || row <= 0 ? Text() : summary_.codes[static_cast<std::size_t>(row - 1)];
 }
 
-void frmFilter::ShowPeriods() {
+void frmFilter::FindPeriods() {
     const std::vector<PeriodNode> before = std::exchange(periods_, PeriodTree(summary_, ChosenCode()));
     const Text chosen = SamePeriod(before, TreeView1.SelectedKey(), periods_);
+    ShowPeriods();
+    TreeView1.Select(chosen);
+}
+
+void frmFilter::ShowPeriods() {
     std::vector<TreeNode> nodes;
     for (const PeriodNode& period : periods_) {
         const bool expanded = period.kind == PeriodKind::All || period.kind == PeriodKind::Year;
@@ -115,7 +123,6 @@ void frmFilter::ShowPeriods() {
         nodes.push_back({period.key, period.parent, period.text, PictureOf(period.kind), expanded, nothing});
     }
     TreeView1.SetNodes(std::move(nodes));
-    TreeView1.Select(chosen);
 }
 
 void frmFilter::cmbKBK_Click() {
@@ -130,7 +137,7 @@ void frmFilter::cmbKBK_Click() {
         summary_.path = path;
         ShowCodes();
     }
-    ShowPeriods();
+    FindPeriods();
 }
 
 void frmFilter::Check1_Click() {

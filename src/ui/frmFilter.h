@@ -29,6 +29,7 @@ class frmFilter : public Form {
     void SelectCode();
     // The one that narrows an ordinary summary; empty for all codes.
     Text ChosenCode() const;
+    void FindPeriods();
     void ShowPeriods();
     SummaryChoice Choice() const;
 

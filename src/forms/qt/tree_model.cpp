@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "forms/form_control.h"
 #include "forms/qt/icons.h"
 #include "forms/qt/qt_text.h"
 
@@ -9,8 +10,9 @@ namespace tav {
 
 TreeModelQt::TreeModelQt(QWidget* view) : QAbstractItemModel(view), view_(*view), links_(1) {}
 
-void TreeModelQt::SetNodes(std::vector<TreeNode> nodes) {
-    beginResetModel();
+bool TreeModelQt::SetNodes(std::vector<TreeNode> nodes) {
+    const bool same = SameTree(nodes_, nodes);
+    if (!same) beginResetModel();
     nodes_ = std::move(nodes);
     const std::size_t root = nodes_.size();
     links_.assign(root + 1, {root, 0, {}});
@@ -24,7 +26,8 @@ void TreeModelQt::SetNodes(std::vector<TreeNode> nodes) {
         siblings.push_back(i);
         by_key_.emplace(nodes_[i].key, i);
     }
-    endResetModel();
+    if (!same) endResetModel();
+    return !same;
 }
 
 QModelIndex TreeModelQt::IndexOf(std::size_t node) const {

@@ -15,7 +15,8 @@ class TreeModelQt : public QAbstractItemModel {
  public:
     explicit TreeModelQt(QWidget* view);
 
-    void SetNodes(std::vector<TreeNode> nodes);
+    // False when they are the same but for what is dimmed.
+    bool SetNodes(std::vector<TreeNode> nodes);
     const std::vector<TreeNode>& nodes() const { return nodes_; }
     QModelIndex IndexOf(std::size_t node) const;
     // Invalid when there is no such node.

@@ -25,7 +25,7 @@ class TreeView : public SeenControl<OpenedByEnter<QTreeView>> {
         widget_->Open(raise);
     }
     void SetNodes(std::vector<TreeNode>&& nodes) override {
-        model_->SetNodes(std::move(nodes));
+        if (!model_->SetNodes(std::move(nodes))) return widget_->viewport()->update();
         for (std::size_t i = 0; i < model_->nodes().size(); ++i) {
             if (model_->nodes()[i].expanded) widget_->expand(model_->IndexOf(i));
         }

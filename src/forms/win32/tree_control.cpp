@@ -19,6 +19,11 @@ class TreeView : public ControlWin {
     ~TreeView() override { ::ImageList_Destroy(pictures_); }
 
     void SetNodes(std::vector<TreeNode>&& nodes) override {
+        if (SameTree(nodes_, nodes)) {
+            for (std::size_t i = 0; i < nodes_.size(); ++i) nodes_[i].dimmed = nodes[i].dimmed;
+            ::InvalidateRect(hwnd(), nullptr, TRUE);
+            return;
+        }
         Send(WM_SETREDRAW, FALSE);
         Send(TVM_DELETEITEM, 0, reinterpret_cast<LPARAM>(TVI_ROOT));
         nodes_ = std::move(nodes);
