@@ -89,8 +89,8 @@ std::string AfterOptions(const std::vector<Command>& commands, const Dialect& di
         for (const CommandOption& option : command.options) {
             if (option.value.empty()) continue;
             for (const std::string& name : option.names) {
-                lines += "    " + Quoted(Chosen(command) + " " + name) + ") " +
-                         ValueIn(dialect, option.kind) + end + " ;;\n";
+                lines.append("    ").append(Quoted(Chosen(command) + " " + name)).append(") ");
+                lines.append(ValueIn(dialect, option.kind)).append(end).append(" ;;\n");
             }
         }
     }

@@ -20,12 +20,12 @@ MessageBox*& Default() {
     return box;
 }
 
-thread_local MessageBox* scoped = nullptr;
+thread_local MessageBox* scoped_box = nullptr;
 
 }  // namespace
 
 MessageBox& CurrentMessageBox() {
-    return scoped == nullptr ? DefaultMessageBox() : *scoped;
+    return scoped_box == nullptr ? DefaultMessageBox() : *scoped_box;
 }
 
 MessageBox& DefaultMessageBox() {
@@ -35,11 +35,11 @@ void SetDefaultMessageBox(MessageBox& box) {
     Default() = &box;
 }
 
-ScopedMessageBox::ScopedMessageBox(MessageBox& box) : outer_(scoped) {
-    scoped = &box;
+ScopedMessageBox::ScopedMessageBox(MessageBox& box) : outer_(scoped_box) {
+    scoped_box = &box;
 }
 ScopedMessageBox::~ScopedMessageBox() {
-    scoped = outer_;
+    scoped_box = outer_;
 }
 
 void ShowMessage(TextView title, TextView text, MessageIcon icon) {

@@ -3,29 +3,29 @@
 namespace tav {
 namespace {
 
-Progress*& Default() {
+Progress*& DefaultProgress() {
     static Progress nothing;
     static Progress* progress = &nothing;
     return progress;
 }
 
-thread_local Progress* scoped = nullptr;
+thread_local Progress* scoped_progress = nullptr;
 
 }  // namespace
 
 Progress& CurrentProgress() {
-    return scoped == nullptr ? *Default() : *scoped;
+    return scoped_progress == nullptr ? *DefaultProgress() : *scoped_progress;
 }
 
 void SetDefaultProgress(Progress& progress) {
-    Default() = &progress;
+    DefaultProgress() = &progress;
 }
 
-ScopedProgress::ScopedProgress(Progress& progress) : outer_(scoped) {
-    scoped = &progress;
+ScopedProgress::ScopedProgress(Progress& progress) : outer_(scoped_progress) {
+    scoped_progress = &progress;
 }
 ScopedProgress::~ScopedProgress() {
-    scoped = outer_;
+    scoped_progress = outer_;
 }
 
 }  // namespace tav

@@ -20,7 +20,7 @@ constexpr std::size_t kBothTags = sizeof "<p01></p01>" - 1;
 // Where the closing tag of an element ends whose text begins at `at` and holds no "<"; npos when it has
 // more in it.
 std::size_t EndOfValue(std::string_view text, std::size_t at, std::string_view name) {
-    const std::size_t closing = text.find("<", at);
+    const std::size_t closing = text.find('<', at);
     if (closing == text.npos) return closing;
     const std::string_view rest = text.substr(closing);
     const std::size_t size = name.size() + 3;

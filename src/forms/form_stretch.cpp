@@ -20,7 +20,8 @@ Grids EmptyGrids(std::span<const ControlPlan> plans) {
         if (plan.kind == ControlKind::Frame) grids[plan.name];
         Stretch& grid = grids[place.parent];
         const auto rows = static_cast<std::size_t>(place.row) + 1;
-        const auto columns = static_cast<std::size_t>(place.column + place.column_span);
+        const auto columns =
+            static_cast<std::size_t>(place.column) + static_cast<std::size_t>(place.column_span);
         grid.rows.resize(std::max(grid.rows.size(), rows));
         grid.columns.resize(std::max(grid.columns.size(), columns));
     }

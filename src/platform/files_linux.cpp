@@ -277,7 +277,7 @@ void MakeFolders(TextView file_path) {
 std::vector<Text> ListFiles(TextView folder, TextView ending) {
     Listing<Text> found;
     const auto wanted = [&](TextView name) { return EqualNoCase(Right(name, ending.size()), ending); };
-    ForEachName(folder, wanted, [&](int listing, const dirent& entry, Text name) {
+    ForEachName(folder, wanted, [&](int listing, const dirent& entry, const Text& name) {
         struct stat status {};
         const bool plain = entry.d_type == DT_REG ||
                            (::fstatat(listing, entry.d_name, &status, 0) == 0 && S_ISREG(status.st_mode));

@@ -14,19 +14,19 @@
 namespace tav::jet {
 namespace {
 
-struct Function {
+struct FunctionArguments {
     TextView name;
     bool may_be_text;   // then the result gets the collation of texts
     bool takes_amount;  // then texts among the argument's values are read as numbers
 };
-constexpr std::array<Function, 8> kFunctions = {{{u"abs", false, true},
-                                                 {u"avg", false, true},
-                                                 {u"count", false, false},
-                                                 {u"iif", true, false},
-                                                 {u"max", true, false},
-                                                 {u"min", true, false},
-                                                 {u"sum", false, true},
-                                                 {u"ucase", true, false}}};
+constexpr std::array<FunctionArguments, 8> kFunctionArguments = {{{u"abs", false, true},
+                                                                  {u"avg", false, true},
+                                                                  {u"count", false, false},
+                                                                  {u"iif", true, false},
+                                                                  {u"max", true, false},
+                                                                  {u"min", true, false},
+                                                                  {u"sum", false, true},
+                                                                  {u"ucase", true, false}}};
 
 constexpr std::array<TextView, 7> kComparisons = {u"=", u"<>", u"is", u"<", u">", u"<=", u">="};
 
@@ -159,9 +159,10 @@ class Rewriter {
             open_.push_back({i + 1, ") is null) "});
             return;
         }
-        const auto known = std::find_if(kFunctions.begin(), kFunctions.end(),
-                                        [&](const Function& function) { return token.Is(function.name); });
-        if (known == kFunctions.end()) {
+        const auto known =
+            std::find_if(kFunctionArguments.begin(), kFunctionArguments.end(),
+                         [&](const FunctionArguments& function) { return token.Is(function.name); });
+        if (known == kFunctionArguments.end()) {
             throw Failure(Concat(u"Undefined function '", token.text, u"' in expression."));
         }
         const TokenRange call = operands_.TermAfter(i);

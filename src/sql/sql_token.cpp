@@ -105,14 +105,15 @@ class Tokenizer {
         for (++at_; at_ < text_.size();) {
             if (AtValue()) {
                 SkipValue(token);
-            } else if (text_[at_] != u'\'') {
-                ++at_;
-            } else if (++at_; AtValue() || Peek(0) != u'\'') {
+                continue;
+            }
+            if (text_[at_++] != u'\'') continue;
+            const bool doubled = !AtValue() && Peek(0) == u'\'';
+            if (!doubled) {
                 token.text = text_.substr(token.begin, at_ - token.begin);
                 return;
-            } else {
-                ++at_;
             }
+            ++at_;
         }
         throw Failure(
             Concat(u"Syntax error in string in query expression '", text_.substr(token.begin, 40), u"'."));

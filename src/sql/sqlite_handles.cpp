@@ -22,8 +22,8 @@ constexpr std::array<std::pair<int, int>, 11> kLimits = {{{SQLITE_LIMIT_LENGTH, 
                                                           {SQLITE_LIMIT_VARIABLE_NUMBER, 4000},
                                                           {SQLITE_LIMIT_WORKER_THREADS, 0}}};
 
-constexpr std::array<std::string_view, 9> kFunctions = {"abs", "avg",    "count", "iif",  "max",
-                                                        "min", "number", "sum",   "ucase"};
+constexpr std::array<std::string_view, 9> kFunctionNames = {"abs", "avg",    "count", "iif",  "max",
+                                                            "min", "number", "sum",   "ucase"};
 
 bool IsOwn(const char* name) {
     return std::string_view(name == nullptr ? "" : name).substr(0, 7) == "sqlite_";
@@ -42,7 +42,8 @@ int Authorize(void* callbacks, int action, const char* first, const char* second
             case SQLITE_READ:
                 return !IsOwn(first) && std::string_view(second) != "ROWID";
             case SQLITE_FUNCTION:
-                return std::find(kFunctions.begin(), kFunctions.end(), second) != kFunctions.end();
+                return std::find(kFunctionNames.begin(), kFunctionNames.end(), second) !=
+                       kFunctionNames.end();
             default:
                 return false;
         }

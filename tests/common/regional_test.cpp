@@ -59,8 +59,9 @@ TEST(Dates, TextAndBack) {
     EXPECT_EQ(FormatDate({40575}), u"01.02.2011");
     EXPECT_EQ(FormatDate({40544.5}), u"01.01.2011 12:00:00");
     EXPECT_EQ(FormatDate({-1.25}), u"29.12.1899 06:00:00");
-    for (double day = -600000; day < 2900000; day += 997)
-        EXPECT_EQ(ParseDate(FormatDate({day}))->serial, day);
+    for (int day = -600000; day < 2900000; day += 997) {
+        EXPECT_EQ(ParseDate(FormatDate({static_cast<double>(day)}))->serial, day);
+    }
 }
 
 TEST(Values, ConvertToText) {

@@ -11,7 +11,9 @@ namespace {
 TEST(Utf8, SurvivesAnyBytes) {
     for (const std::string& bytes :
          {std::string("Учёт № 1"), std::string("a\0b", 3), std::string("\xFF\xFE\x80"), std::string("\xD0"),
-          std::string("\xED\xA0\x80"), std::string("\xF0\x9F\x98\x80!"), std::string("\xC0\xAF\xF5\x90")}) {
+          std::string("\xED\xA0\x80"), std::string("\xF0\x9F\x98\x80!"), std::string("\xC0\xAF\xF5\x90"),
+          std::string("\xC3\xC0\xE1\x80\xC0\xF1\x80\x80\xC0"),
+          std::string("\xC3\x7F\xE0\x9F\xBF\xF0\x8F\xBF\xBF")}) {
         EXPECT_EQ(ToUtf8(FromUtf8(bytes)), bytes);
     }
     EXPECT_EQ(FromUtf8("\xF0\x9F\x98\x80").size(), 2u);
@@ -19,7 +21,7 @@ TEST(Utf8, SurvivesAnyBytes) {
 }
 
 TEST(LetterCase, CoversLatinGreekAndCyrillic) {
-    EXPECT_EQ(UpperCase(u"пеня ё № à ÿ ž ґ ω 1"), u"ПЕНЯ Ё № À Ÿ Ž Ґ Ω 1");
+    EXPECT_EQ(UpperCase(u"az пеня ая ё № à ÿ ž ґ ω 1"), u"AZ ПЕНЯ АЯ Ё № À Ÿ Ž Ґ Ω 1");
     EXPECT_EQ(LowerCase(u"ПЕНЯ Ё À Ÿ Ž Ґ Ω ÷ ×"), u"пеня ё à ÿ ž ґ ω ÷ ×");
     for (char16_t c = 0; c < 0x600; ++c) {
         EXPECT_EQ(UpperChar(UpperChar(c)), UpperChar(c)) << int(c);

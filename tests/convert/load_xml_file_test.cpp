@@ -32,7 +32,7 @@ Text OneSection() {
     const std::size_t second = act.find(u"<Раздел2", act.find(u"<Раздел2") + 1);
     return act.substr(0, second) + act.substr(act.find(u"</СодАкт>"));
 }
-Text Without(Text act, TextView what) {
+Text Without(const Text& act, TextView what) {
     EXPECT_NE(act.find(what), Text::npos) << ToUtf8(what);
     return ReplaceAll(act, what, u"");
 }
@@ -139,7 +139,8 @@ TEST_F(Acts, TheSchemaMatchesTheFieldTable) {
     }
     EXPECT_EQ(amount, 101);
     std::set<Text> in_schema;
-    const Document schema = Document::Parse(test::TestFile("../schema/IU_AKTSVP_1_862_01_05_01_01.xsd"));
+    const tav::Document schema =
+        tav::Document::Parse(test::TestFile("../schema/IU_AKTSVP_1_862_01_05_01_01.xsd"));
     for (const Node& node : schema.SelectNodes(u"/*/*[local-name()='element'][@type='Показатель']/@name")) {
         in_schema.insert(node.Content());
     }

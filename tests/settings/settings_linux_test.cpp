@@ -11,7 +11,7 @@ using test::OwnSettings;
 
 TEST(LinuxRegistry, ARewriteKeepsWhatAPersonWrote) {
     const OwnSettings own;
-    const Text path = own.store();
+    const Text& path = own.store();
     WriteFileWhole(path,
                    "\xEF\xBB\xBF# mine\n[HKEY_CURRENT_USER\\A]\nx = string \"1\"\nbroken line\ny = dword "
                    "many\n\n[HKEY_CURRENT_USER\\B]\n");

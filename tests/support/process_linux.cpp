@@ -47,6 +47,7 @@ Process::Process(const std::string& program, const std::vector<std::string>& arg
     std::vector<std::string> words{OwnProgram(program)};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> argv;
+    argv.reserve(words.size() + 1);
     for (std::string& word : words) argv.push_back(word.data());
     argv.push_back(nullptr);
     state_->pid = ::fork();

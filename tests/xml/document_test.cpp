@@ -42,8 +42,9 @@ TEST(Document, ReadsEveryEncodingItIsGiven) {
     const Text text = u"<а б=\"№ — в\"/>";
     Text utf16 = u"\uFEFF<?xml version=\"1.0\" encoding=\"UTF-16\"?>" + text;
     const std::string utf8 = ToUtf8(text);
+    const std::string declared = kDeclaration + utf8;
     for (const std::string& bytes :
-         {utf8, "\xEF\xBB\xBF" + utf8, "\xEF\xBB\xBF" + kDeclaration + utf8, kDeclaration + Bytes(text),
+         {utf8, "\xEF\xBB\xBF" + utf8, "\xEF\xBB\xBF" + declared, kDeclaration + Bytes(text),
           "<?xml version='1.0' encoding = 'CP1251'?>" + Bytes(text),
           std::string(reinterpret_cast<const char*>(utf16.data()), utf16.size() * 2)}) {
         EXPECT_EQ(Document::Parse(bytes).SelectSingleNode(u"//а/@б").Content(), u"№ — в");
@@ -147,7 +148,7 @@ TEST(Schema, TellsWhatADocumentBreaksFirst) {
 TEST(Schema, AFileThatIsNoneIsNamed) {
     for (const std::string_view bytes : {"<not-a-schema/>", "", "<xs:schema"}) {
         try {
-            Schema(u"/x/s.xsd", bytes);
+            const Schema schema(u"/x/s.xsd", bytes);
             ADD_FAILURE() << bytes;
         } catch (const XmlFailure& failure) {
             EXPECT_TRUE(failure.description().starts_with(u"/x/s.xsd: "));

@@ -46,6 +46,7 @@ class ListBox : public SeenControl<OpenedByEnter<QTreeView>> {
 
     std::vector<int> ColumnWidths() const override {
         std::vector<int> widths;
+        widths.reserve(static_cast<std::size_t>(widget_->header()->count()));
         for (int i = 0; i < widget_->header()->count(); ++i) {
             widths.push_back(qRound(kTenths * widget_->header()->sectionSize(i) / Digit()));
         }

@@ -50,7 +50,7 @@ class ShownForms {
 };
 
 // Outlives every window, also those that end with the process.
-ShownForms& Shown() {
+ShownForms& FormsShown() {
     static ShownForms& shown = *new ShownForms;
     return shown;
 }
@@ -141,7 +141,7 @@ void FormWindowQt::Appear() {
     activateWindow();
     if (focusWidget() == nullptr && first_ != nullptr) first_->setFocus();
     if (focusWidget() == nullptr) focusNextChild();
-    Shown().Enter(this);
+    FormsShown().Enter(this);
 }
 
 void FormWindowQt::Show(FormWindow* owner) {
@@ -177,7 +177,7 @@ void FormWindowQt::ShowModal(FormWindow* owner) {
 void FormWindowQt::Hide() {
     hide();
     if (QEventLoop* loop = std::exchange(modal_loop_, nullptr); loop != nullptr) loop->quit();
-    Shown().Leave(this);
+    FormsShown().Leave(this);
 }
 
 void FormWindowQt::SetCaption(TextView caption) {
@@ -253,7 +253,7 @@ void FormWindowQt::dropEvent(QDropEvent* event) {
 }
 
 void RunUntilNoFormIsShown() {
-    Shown().Wait();
+    FormsShown().Wait();
 }
 
 FormWindowQt* ActiveForm() {

@@ -16,6 +16,10 @@ namespace tav::jet {
 inline constexpr std::size_t kPageSize = 4096;
 using Page = std::array<std::uint8_t, kPageSize>;
 using PageNumber = std::uint32_t;
+// Where the bytes of a page begin in the file.
+constexpr std::uint64_t Offset(PageNumber page) {
+    return static_cast<std::uint64_t>(page) * kPageSize;
+}
 
 enum class PageType : std::uint8_t {
     Data = 1,

@@ -10,10 +10,6 @@ namespace {
 constexpr std::size_t kUnchangedPages = 4096;
 constexpr std::size_t kChangedPages = 4096;
 
-std::uint64_t Offset(PageNumber page) {
-    return static_cast<std::uint64_t>(page) * kPageSize;
-}
-
 }  // namespace
 
 PageCache::PageCache(const LockedFile& file, TextView path, PageNumber count)

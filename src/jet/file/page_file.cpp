@@ -17,10 +17,6 @@ namespace {
 
 constexpr std::uint64_t kMostPages = 524288;  // 2 GB
 
-std::uint64_t Offset(PageNumber page) {
-    return static_cast<std::uint64_t>(page) * kPageSize;
-}
-
 PageNumber PagesOf(TextView path, const LockedFile& file) {
     const std::uint64_t size = file.Size();
     if (size % kPageSize != 0 || size < 3 * kPageSize || size / kPageSize > kMostPages) {

@@ -13,7 +13,7 @@
 namespace tav::jet {
 namespace {
 
-constexpr std::string_view kMagic("TAV rollback 2\n\0", 16);
+constexpr std::string_view kJournalMagic("TAV rollback 2\n\0", 16);
 constexpr std::string_view kNoMagic("\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0", 16);
 constexpr std::size_t kOldCountAt = 16;
 constexpr std::size_t kNewCountAt = 20;
@@ -44,10 +44,6 @@ std::string_view View(const std::uint8_t* bytes, std::size_t size) {
     return {reinterpret_cast<const char*>(bytes), size};
 }
 
-std::uint64_t Offset(PageNumber page) {
-    return static_cast<std::uint64_t>(page) * kPageSize;
-}
-
 // Whether a commit that was interrupted may have left the page so: each sector is the old or the new one.
 bool IsOldOrNew(const Image& image, const Page& page) {
     for (std::size_t at = 0; at < kPageSize; at += kSector) {
@@ -66,11 +62,11 @@ class StoredJournal {
         file_.ReadAt(0, head_.data(), std::min<std::uint64_t>(size_, head_.size()));
     }
 
-    bool IsValid() const { return Starts(kMagic) && IsWhole(); }
+    bool IsValid() const { return Starts(kJournalMagic) && IsWhole(); }
     // Whether it was made here: whole, invalid, or the beginning of one.
     bool IsOurs() const {
-        if (size_ < kMagic.size()) return kMagic.starts_with(View(head_.data(), size_));
-        return Starts(kMagic) || (Starts(kNoMagic) && (IsWhole() || IsEmpty()));
+        if (size_ < kJournalMagic.size()) return kJournalMagic.starts_with(View(head_.data(), size_));
+        return Starts(kJournalMagic) || (Starts(kNoMagic) && (IsWhole() || IsEmpty()));
     }
 
     // Calls take(image) until one is refused; whether none was.
@@ -117,7 +113,7 @@ class StoredJournal {
     bool IsWhole() const {
         if (size_ != kImagesAt + ImageCount() * kImageSize + kChecksumSize) return false;
         std::array<std::uint8_t, kImagesAt> head = head_;
-        std::copy(kMagic.begin(), kMagic.end(), head.begin());
+        std::copy(kJournalMagic.begin(), kJournalMagic.end(), head.begin());
         std::uint64_t sum = Checksum(head.data(), head.size());
         ForEachImage([&](const Image& image) {
             sum = Checksum(image.data(), image.size(), sum);
@@ -169,7 +165,7 @@ RollbackJournal::RollbackJournal(TextView database_path, const std::uint8_t* hea
     }
     file_ = std::make_unique<NewFile>(database_path, path_);
     std::array<std::uint8_t, kImagesAt> head{};
-    std::copy(kMagic.begin(), kMagic.end(), head.begin());
+    std::copy(kJournalMagic.begin(), kJournalMagic.end(), head.begin());
     PutU32(&head[kOldCountAt], old_count);
     PutU32(&head[kNewCountAt], new_count);
     PutU32(&head[kImageCountAt], static_cast<std::uint32_t>(images));
@@ -215,7 +211,7 @@ void RollbackJournal::Invalidate() const {
 }
 
 void RollbackJournal::Validate() const {
-    Mark(path_, kMagic);
+    Mark(path_, kJournalMagic);
 }
 
 void RollbackJournal::Remove() const noexcept {

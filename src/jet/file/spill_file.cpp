@@ -1,14 +1,6 @@
 #include "jet/file/spill_file.h"
 
 namespace tav::jet {
-namespace {
-
-std::uint64_t Offset(SpillFile::Place place) {
-    return static_cast<std::uint64_t>(place) * kPageSize;
-}
-
-}  // namespace
-
 SpillFile::Place SpillFile::Put(const Page& bytes) {
     if (!file_) file_.emplace(LockedFile::Temporary(database_path_));
     PutAgain(used_, bytes);

@@ -12,7 +12,7 @@
 namespace tav::jet {
 namespace {
 
-constexpr double kMoneyScale = 10000;
+constexpr double kMoneyUnits = 10000;
 
 Text Describe(const Column& column, const Value& value) {
     return Concat(column.name, u" = '", ValueText(value), u"'");
@@ -32,7 +32,7 @@ double Number(const Column& column, const Value& value) {
         std::optional<double> operator()(std::int64_t number) const { return static_cast<double>(number); }
         std::optional<double> operator()(double number) const { return number; }
         std::optional<double> operator()(const Money& money) const {
-            return static_cast<double>(money.ten_thousandths) / kMoneyScale;
+            return static_cast<double>(money.ten_thousandths) / kMoneyUnits;
         }
         std::optional<double> operator()(const Date& date) const { return date.serial; }
         std::optional<double> operator()(const Text& text) const { return ParseNumber(text); }
@@ -61,7 +61,7 @@ Value ToMoney(const Column& column, const Value& value) {
         if (const std::optional<Money> money = ParseMoney(*text)) return *money;
     }
     if (std::holds_alternative<Money>(value)) return value;
-    const double amount = std::nearbyint(Number(column, value) * kMoneyScale);
+    const double amount = std::nearbyint(Number(column, value) * kMoneyUnits);
     if (std::fabs(amount) >= 9.2e18) Overflow(column, value);
     return Money{static_cast<std::int64_t>(amount)};
 }

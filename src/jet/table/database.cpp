@@ -56,6 +56,7 @@ Catalogue ReadCatalogue(PageFile& file) {
         if (IsNull(name)) continue;
         if (type == EntryType::OdbcLink || type == EntryType::Link) {
             catalogue.linked.push_back(std::get<Text>(std::move(name)));
+            continue;
         }
         if (type != EntryType::Table) continue;
         const auto flags = static_cast<std::uint32_t>(NumberOf(row.Get(columns.flags)));

@@ -3,7 +3,7 @@
 namespace tav::jet {
 namespace {
 
-constexpr char16_t kMark = u'\uFEFF';  // FF FE on the disk
+constexpr char16_t kCompressionMark = u'\uFEFF';  // FF FE on the disk
 constexpr std::size_t kShortestCompressed = 3;
 
 bool IsNarrow(char16_t c) {
@@ -52,7 +52,7 @@ std::optional<Text> DecodeText(const std::uint8_t* bytes, std::size_t size) {
 }
 
 bool AppendText(std::string& out, TextView text, bool compress) {
-    const bool must = text.starts_with(kMark);
+    const bool must = text.starts_with(kCompressionMark);
     const std::optional<std::size_t> size = compress || must ? CompressedSize(text) : std::nullopt;
     const bool worth = size && text.size() >= kShortestCompressed && *size <= 2 * text.size();
     if (must && !size) return false;
@@ -69,7 +69,7 @@ bool AppendText(std::string& out, TextView text, bool compress) {
         for (const char16_t c : text) put(c, false);
         return true;
     }
-    put(kMark, false);
+    put(kCompressionMark, false);
     bool narrow = true;
     for (const char16_t c : text) {
         if (IsNarrow(c) != narrow) {

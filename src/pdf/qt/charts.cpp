@@ -183,7 +183,8 @@ std::vector<AmountsPicture::Bar> LargestFirst(std::vector<AmountsPicture::Bar> b
     if (bars.size() <= kMostBars) return bars;
     AmountsPicture::Bar others;
     for (std::size_t i = kMostBars - 1; i < bars.size(); ++i) others.amount += bars[i].amount;
-    others.name = Text(u"прочие: ") + Digits(static_cast<long long>(bars.size() - kMostBars + 1));
+    others.name = Text(u"прочие: ") +
+                  Digits(static_cast<long long>(bars.size()) - static_cast<long long>(kMostBars) + 1);
     bars.resize(kMostBars - 1);
     bars.push_back(std::move(others));
     return bars;

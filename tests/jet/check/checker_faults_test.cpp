@@ -15,8 +15,6 @@ namespace tav::jet {
 namespace {
 
 using tav::test::TempFolder;
-using test::FileBytes;
-using test::Things;
 
 // A file, the places in it that faults name, by their offsets, and the numbers of its pages and rows.
 class Victim {

@@ -16,7 +16,6 @@ void PrintTo(const Finding& finding, std::ostream* out) {
 namespace {
 
 using tav::test::TempFolder;
-using test::Things;
 using testing::Each;
 using testing::Field;
 using testing::IsEmpty;

@@ -6,7 +6,7 @@
 #include "jet/jet_fixtures.h"
 #include "jet/table/database.h"
 
-namespace tav::jet::test {
+namespace tav::jet {
 
 // The bytes of a database file under a test's hands.
 class FileBytes {
@@ -53,14 +53,14 @@ struct Things {
 };
 
 inline Things::Things() {
-    using tav::test::Thing;
-    const tav::test::TempFolder folder;
-    const Text path = tav::test::NewDatabase(folder);
+    using test::Thing;
+    const test::TempFolder folder;
+    const Text path = test::NewDatabase(folder);
     {
         Database database(path, Database::Access::Write);
         Table& things = *database.FindTable(u"things");
         for (std::int64_t id = 0; id < 700; ++id) {
-            tav::test::Values row =
+            test::Values row =
                 Thing(id, (id % 3 == 0 ? u"Ромашка" : u"Thing") + Digits(id / 2), Text(u"note"));
             if (id == 7) row[1] = Null();
             row[5] = Text(u"memo");
@@ -77,4 +77,4 @@ inline Things::Things() {
     file = FileBytes(ReadFile(path));
 }
 
-}  // namespace tav::jet::test
+}  // namespace tav::jet

@@ -27,13 +27,13 @@ class Conversion : public testing::Test {
     Page ReadPage(PageNumber page) {
         Page bytes{};
         std::ifstream file(native_, std::ios::binary);
-        file.seekg(std::streamoff{page} * kPageSize);
+        file.seekg(static_cast<std::streamoff>(Offset(page)));
         file.read(reinterpret_cast<char*>(bytes.data()), kPageSize);
         return bytes;
     }
     void WritePage(PageNumber page, const Page& bytes, std::size_t size = kPageSize) {
         std::fstream file(native_, std::ios::binary | std::ios::in | std::ios::out);
-        file.seekp(std::streamoff{page} * kPageSize);
+        file.seekp(static_cast<std::streamoff>(Offset(page)));
         file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(size));
     }
     void Resize(PageNumber pages) {

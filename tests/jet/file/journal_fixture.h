@@ -80,8 +80,7 @@ class Journal : public testing::Test {
     std::string Interrupt(std::size_t written) {
         const auto page_of = [](const std::string& bytes, PageNumber page) {
             Page found{};
-            if (page < PagesOf(bytes))
-                std::copy_n(bytes.begin() + page * kPageSize, kPageSize, found.begin());
+            if (page < PagesOf(bytes)) std::copy_n(bytes.data() + Offset(page), kPageSize, found.begin());
             return found;
         };
         std::size_t images = 0;
@@ -99,8 +98,8 @@ class Journal : public testing::Test {
             if (written == 0) continue;
             const std::size_t size = written == 1 ? kPageSize / 2 : kPageSize;
             --written;
-            half.resize(std::max(half.size(), page * kPageSize + size));
-            std::copy_n(changed.begin(), size, half.begin() + page * kPageSize);
+            half.resize(std::max(half.size(), Offset(page) + size));
+            std::copy_n(changed.begin(), size, half.data() + Offset(page));
         }
         all_written_ = written > 0;
         WriteFileWhole(path_, half);

@@ -21,7 +21,6 @@ using tav::test::FailureOf;
 using tav::test::NewDatabase;
 using tav::test::PageOfText;
 using tav::test::TempFolder;
-using test::FileBytes;
 
 using Bytes = std::vector<std::uint8_t>;
 

@@ -118,6 +118,10 @@ class IndexTreeTest : public testing::Test {
     std::unique_ptr<IndexTree> tree_;
 };
 
+std::int64_t Below(std::int64_t bound, std::mt19937& random) {
+    return static_cast<std::int64_t>(random()) % bound;
+}
+
 std::string LongKey(std::int64_t value, bool ascending = true) {
     Column column;
     column.type = ColumnType::Long;
@@ -132,21 +136,21 @@ std::string TextKey(const Text& text) {
 }
 
 TEST_F(IndexTreeTest, KeepsNumbers) {
-    EXPECT_EQ(Churn(1, 30000, [](std::mt19937& random) { return LongKey(random() % 1000000); }), 2u);
+    EXPECT_EQ(Churn(1, 30000, [](std::mt19937& random) { return LongKey(Below(1000000, random)); }), 2u);
 }
 
 TEST_F(IndexTreeTest, KeepsDescendingNumbersAmongNulls) {
     Churn(2, 20000, [](std::mt19937& random) {
-        return random() % 20 == 0 ? std::string("\xFF") : LongKey(random() % 100000, false);
+        return random() % 20 == 0 ? std::string("\xFF") : LongKey(Below(100000, random), false);
     });
 }
 
 TEST_F(IndexTreeTest, KeepsManyRowsOfFewKeys) {
-    EXPECT_EQ(Churn(3, 40000, [](std::mt19937& random) { return LongKey(random() % 5 * 1000); }), 2u);
+    EXPECT_EQ(Churn(3, 40000, [](std::mt19937& random) { return LongKey(Below(5, random) * 1000); }), 2u);
 }
 
 TEST_F(IndexTreeTest, KeepsTextsOfAllLengths) {
-    const int levels = Churn(4, 12000, [](std::mt19937& random) {
+    const std::size_t levels = Churn(4, 12000, [](std::mt19937& random) {
         Text text;
         for (auto i = random() % 255 + 1; i > 0; --i) text += static_cast<char16_t>(u'А' + random() % 20);
         return TextKey(text);
@@ -155,9 +159,9 @@ TEST_F(IndexTreeTest, KeepsTextsOfAllLengths) {
 }
 
 TEST_F(IndexTreeTest, KeepsTheLongestKeys) {
-    const int levels = Churn(5, 3000, [](std::mt19937& random) {
+    const std::size_t levels = Churn(5, 3000, [](std::mt19937& random) {
         std::string key(random() % 3 == 0 ? kMaxKeySize - 5 : random() % kMaxKeySize / 2, 'k');
-        return key + LongKey(random() % 1000);
+        return key + LongKey(Below(1000, random));
     });
     EXPECT_GE(levels, 3u);
 }
