@@ -86,7 +86,7 @@ void Status(const ImportOptions& options) {
     NeedFolder(options);
     Guarded(u"Состояние папки", [&] {
         Tell(AccountOfFolder(DocumentsFolder(options), getbase(), FromUtf8(options.inn),
-                             FromUtf8(options.kpp)),
+                             FromUtf8(options.kpp), options.ActsAsXml()),
              options);
     });
 }
@@ -142,6 +142,7 @@ void AddImportCommands(CLI::App& app, Context& context) {
         "status", "Что стало с каждым файлом папки документов; ничего не загружается и не пишется");
     AddTaxpayerOptions(status, options->inn, options->kpp, false);
     AddPath(status, "--folder", options->folder, "Папка документов (вместо ImportPath)").type_name("ПАПКА");
+    AddActsOption(status, *options);
     AddJsonOption(status, *options);
     AddDatabaseOptions(status, context);
     status.callback([options] { Status(*options); });

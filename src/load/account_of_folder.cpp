@@ -20,12 +20,13 @@ void Explain(ScannedFile& file, TextView folder) {
 
 }  // namespace
 
-ImportAccount AccountOfFolder(TextView import_folder, TextView database, TextView inn, TextView kpp) {
+ImportAccount AccountOfFolder(TextView import_folder, TextView database, TextView inn, TextView kpp,
+                              std::optional<bool> acts_as_xml) {
     ImportAccount account;
     account.inn = Trim(inn);
     account.kpp = Trim(kpp);
     const Text folder = WithSeparator(import_folder);
-    ScanAccount scan = GlanceAtFolder(folder);
+    ScanAccount scan = GlanceAtFolder(folder, acts_as_xml);
     AccountMaker found;
 
     Connection connection;

@@ -6,6 +6,7 @@
 #include "common/failure.h"
 #include "common/guard.h"
 #include "convert/check_xml.h"
+#include "load/account_maker.h"
 #include "load/constr_tab_type_oper.h"
 #include "platform/environment.h"
 #include "platform/files.h"
@@ -103,6 +104,7 @@ ImportResult ScanAndLoad(const ImportFolders& folders, TextView inn, TextView kp
     const Text& catalogue = scan.catalogue;
     if (catalogue.empty()) {
         result.outcome = CancelStamp() != 0 ? ImportOutcome::Cancelled : ImportOutcome::NoCatalogue;
+        result.account.notices = NoticesOf(scan);
         return result;
     }
     result.account = LoadCatalogue(catalogue, inn, kpp, folders.move_to, &scan);
