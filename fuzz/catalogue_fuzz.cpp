@@ -8,8 +8,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         file.Write(tav::fuzz::Bytes(data, size));
         const tav::Catalogue catalogue = tav::Catalogue::Load(file.path());
         for (const tav::CatalogueEntry& entry : catalogue.entries()) {
-            tav::WithAllClosed(std::string(catalogue.BytesOf(entry)));
-            tav::fuzz::Try([&] { catalogue.PartsOf(entry.name); });
+            tav::WithAllClosed(catalogue.BytesOf(entry));
+            tav::fuzz::Try([&] {
+                std::string bytes;
+                catalogue.PartsOf(entry.name, bytes);
+            });
         }
     });
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 #include <utility>
 
 #include "common/progress.h"
@@ -13,6 +14,7 @@ namespace tav {
 namespace {
 
 constexpr std::string_view kAllOpening = "<all>";
+constexpr std::string_view kFileTag = "<file";
 constexpr std::string_view kItemClosing = "</item>";
 constexpr std::string_view kActual = "actual";
 
@@ -47,35 +49,67 @@ std::string BroughtToForm(TextView path, std::string bytes) {
     throw XmlFailure(Text(path) + u": ", XmlError{.line = 0, .reason = u"нет элемента <all>"});
 }
 
+// The next entry at or after the place, which goes on to its end; none when there are no more.
+std::optional<CatalogueEntry> NextEntry(CatalogueWindow& window, std::size_t& at) {
+    const auto read_on = [&](std::size_t from) {
+        at = 0;
+        return window.ReadOn(from);
+    };
+    for (;;) {
+        const std::string_view text = window.text();
+        at = text.find(kFileTag, at);
+        if (at == text.npos) {
+            if (!read_on(text.size() - std::min(text.size(), kFileTag.size()))) return std::nullopt;
+            continue;
+        }
+        const MarkupTag tag = TagAt(text, at);
+        if (tag.name != "file") {
+            const bool cut = text.find('>', at) == text.npos;
+            if (!cut) ++at;
+            if (cut && !read_on(at)) return std::nullopt;
+            continue;
+        }
+        CatalogueEntry entry = ReadEntry(text, tag);
+        // It may have been the text that ended.
+        if (entry.end == text.size() && read_on(entry.begin)) continue;
+        at = entry.end;
+        for (std::size_t* const place : {&entry.begin, &entry.end, &entry.fault_at}) *place += window.begin();
+        return entry;
+    }
+}
+
 }  // namespace
 
 Catalogue Catalogue::Load(TextView path) {
-    Catalogue catalogue;
-    catalogue.path_ = path;
-    catalogue.bytes_ = ReadFile(path);
-    if (!catalogue.bytes_.starts_with(kCatalogueOpening)) {
-        catalogue.bytes_ = BroughtToForm(path, std::move(catalogue.bytes_));
+    Catalogue catalogue(path, CatalogueBytes::OfFile(path));
+    CatalogueWindow window(catalogue.bytes_);
+    if (window.text().starts_with(kCatalogueOpening)) {
+        catalogue.Read(window);
+        return catalogue;
     }
-    const std::string_view bytes = catalogue.bytes_;
-    catalogue.current_files_ = ReadItems(bytes);
+    Catalogue brought(path, CatalogueBytes::OfText(BroughtToForm(path, ReadFile(path))));
+    CatalogueWindow whole(brought.bytes_);
+    brought.Read(whole);
+    return brought;
+}
+
+void Catalogue::Read(CatalogueWindow& window) {
+    while (window.text().find(kActualClosing) == std::string_view::npos && window.ReadOn(0)) {
+    }
+    current_files_ = ReadItems(window.text());
     // Where the items end, so that no name among them is taken for the beginning of an entry.
-    std::size_t at = bytes.find(kActualClosing);
-    if (at == bytes.npos) at = 0;
-    while ((at = bytes.find("<file", at)) != bytes.npos) {
-        const MarkupTag tag = TagAt(bytes, at);
-        if (tag.name != "file") {
-            ++at;
-            continue;
-        }
-        catalogue.entries_.push_back(ReadEntry(bytes, tag));
-        at = catalogue.entries_.back().end;
+    std::size_t at = window.text().find(kActualClosing);
+    if (at == std::string_view::npos) at = 0;
+    CatalogueLines lines(bytes_);
+    while (std::optional<CatalogueEntry> entry = NextEntry(window, at)) {
+        if (!entry->IsReadable()) entry->fault_line = lines.At(entry->fault_at);
+        entries_.push_back(*std::move(entry));
         CurrentProgress().ProcessEvents();
     }
-    catalogue.entries_by_name_.reserve(catalogue.entries_.size());
-    for (std::size_t i = 0; i < catalogue.entries_.size(); ++i) {
-        catalogue.entries_by_name_[UpperCase(catalogue.entries_[i].name)].push_back(i);
+    entries_by_name_.reserve(entries_.size());
+    for (std::size_t i = 0; i < entries_.size(); ++i) {
+        entries_by_name_[UpperCase(entries_[i].name)].push_back(i);
     }
-    return catalogue;
 }
 
 std::vector<const CatalogueEntry*> Catalogue::EntriesNamed(TextView name) const {
@@ -90,18 +124,29 @@ std::vector<const CatalogueEntry*> Catalogue::EntriesNamed(TextView name) const 
     return found;
 }
 
-std::vector<CatalogueElement> Catalogue::PartsOf(TextView name) const {
-    std::vector<CatalogueElement> parts;
-    for (const CatalogueEntry* const entry : EntriesNamed(name)) {
+std::vector<CatalogueElement> Catalogue::PartsOf(TextView name, std::string& bytes) const {
+    bytes.clear();
+    const std::vector<const CatalogueEntry*> entries = EntriesNamed(name);
+    for (const CatalogueEntry* const entry : entries) {
         if (!entry->IsReadable()) {
-            const auto at = static_cast<std::ptrdiff_t>(entry->fault_at);
-            const auto line = std::count(bytes_.begin(), bytes_.begin() + at, '\n') + 1;
             throw XmlFailure(Text(path_) + u": документ " + Text(name) + u", ",
-                             XmlError{.line = static_cast<int>(line), .reason = entry->fault});
+                             XmlError{.line = entry->fault_line, .reason = entry->fault});
         }
-        std::ranges::move(PartsIn(bytes_, *entry), std::back_inserter(parts));
+        bytes_.Append(bytes, entry->begin, entry->end - entry->begin);
+    }
+    std::vector<CatalogueElement> parts;
+    std::string_view rest = bytes;
+    for (const CatalogueEntry* const entry : entries) {
+        std::ranges::move(PartsIn(rest, *entry), std::back_inserter(parts));
+        rest.remove_prefix(std::min(rest.size(), entry->end - entry->begin));
     }
     return parts;
+}
+
+std::string Catalogue::BytesOf(const CatalogueEntry& entry) const {
+    std::string bytes;
+    bytes_.Append(bytes, entry.begin, entry.end - entry.begin);
+    return bytes;
 }
 
 }  // namespace tav

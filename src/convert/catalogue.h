@@ -10,9 +10,9 @@
 //   </file>
 //   </all>
 //
-// Windows-1251, CR LF, values raw (catalogue_markup.h). It grows to hundreds of megabytes, so it is kept
-// as its bytes and read entry by entry (catalogue_entry.h) in one pass; the elements of an entry are found when
-// they are asked for (catalogue_elements.h). An entry that cannot be read harms no other.
+// Windows-1251, CR LF, values raw (catalogue_markup.h). It grows to hundreds of megabytes, so it is read entry by
+// entry (catalogue_entry.h) in one pass, and what an entry holds is read once more when it is asked for
+// (catalogue_elements.h). An entry that cannot be read harms no other.
 //
 // A catalogue that somebody edited may have another encoding or other line ends: as long as it is XML,
 // it is brought to the form above first. One without a readable frame (no <all>, neither XML nor
@@ -22,9 +22,11 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "common/text.h"
+#include "convert/catalogue_bytes.h"
 #include "convert/catalogue_elements.h"
 #include "convert/catalogue_entry.h"
 
@@ -49,20 +51,18 @@ class Catalogue {
     // The entries of a document, in order: those that have this very name, else those that have it in other
     // letters' case.
     std::vector<const CatalogueEntry*> EntriesNamed(TextView name) const;
-    // Their parts, which live as long as this. An entry that cannot be read is an XmlFailure that names the file,
-    // the document, the line and the reason.
-    std::vector<CatalogueElement> PartsOf(TextView name) const;
+    // Their parts, found in `bytes`, which becomes those of the entries. An entry that cannot be read is an
+    // XmlFailure that names the file, the document, the line and the reason.
+    std::vector<CatalogueElement> PartsOf(TextView name, std::string& bytes) const;
 
-    const std::string& bytes() const { return bytes_; }
-    std::string_view BytesOf(const CatalogueEntry& entry) const {
-        return std::string_view(bytes_).substr(entry.begin, entry.end - entry.begin);
-    }
+    std::string BytesOf(const CatalogueEntry& entry) const;
 
  private:
-    Catalogue() = default;
+    Catalogue(TextView path, CatalogueBytes bytes) : path_(path), bytes_(std::move(bytes)) {}
+    void Read(CatalogueWindow& window);
 
     Text path_;
-    std::string bytes_;
+    CatalogueBytes bytes_;
     std::vector<Text> current_files_;
     std::vector<CatalogueEntry> entries_;
     std::unordered_map<Text, std::vector<std::size_t>> entries_by_name_;  // by the upper-cased name

@@ -122,13 +122,14 @@ class EntryReader {
         if (open_.size() == 1 && tag.name == "name" && entry_.name.empty()) {
             const std::string_view name = NameFrom(text_, tag.end);
             entry_.name = TextBetweenTags(name);
-            entry_.name_begin = tag.end;
-            entry_.name_end = at_ = tag.end + name.size();
+            at_ = tag.end + name.size();
             if (text_.substr(at_).starts_with(kNameClosing)) {
                 at_ += kNameClosing.size();
             } else {
                 Refuse(u"не закрыт <name>", at_);
             }
+            entry_.name_begin = tag.begin - entry_.begin;
+            entry_.name_end = at_ - entry_.begin;
             return;
         }
         const std::size_t end = EndOfValue(text_, tag.end, tag.name);
@@ -186,13 +187,15 @@ CatalogueEntry ReadEntry(std::string_view catalogue, const MarkupTag& file) {
     return EntryReader(catalogue, file).Read();
 }
 
-std::vector<CatalogueElement> PartsIn(std::string_view catalogue, const CatalogueEntry& entry) {
-    const bool named = entry.name_end > 0;
-    const std::size_t begin =
-        named ? entry.name_end + kNameClosing.size() : TagAt(catalogue, entry.begin).end;
+std::vector<CatalogueElement> PartsIn(std::string_view bytes, const CatalogueEntry& entry) {
+    const std::string_view whole = bytes.substr(0, entry.end - entry.begin);
+    const std::size_t begin = TagAt(whole, 0).end;
     std::vector<CatalogueElement> parts;
-    const std::string_view content = catalogue.substr(begin, entry.end - begin);
-    for (const CatalogueElement& part : ElementsOf(content, "part")) parts.push_back(part);
+    const auto take = [&](std::string_view content) {
+        for (const CatalogueElement& part : ElementsOf(content, "part")) parts.push_back(part);
+    };
+    if (entry.name_end > 0) take(whole.substr(begin, entry.name_begin - begin));
+    take(whole.substr(std::max(begin, entry.name_end)));
     return parts;
 }
 

@@ -34,17 +34,19 @@ inline EntryNotes NoteIf(bool holds, EntryNote note) {
 }
 
 struct CatalogueEntry {
-    Text name;                   // of the document
-    std::size_t name_begin = 0;  // its bytes
-    std::size_t name_end = 0;
+    Text name;              // of the document
     std::size_t begin = 0;  // at the "<" of <file>
     std::size_t end = 0;    // after </file>
+    std::size_t name_begin =
+        0;  // where the element of the name begins and ends, from the entry's beginning on
+    std::size_t name_end = 0;
     int parts = 0;
     EntryNotes notes = 0;
     std::size_t longest_kind = 0;   // how many bytes its longest kind of payment (p09) has
     std::size_t longest_other = 0;  // the same of all other fields and cells
     Text fault;                     // for a person: why it cannot be read; else empty
     std::size_t fault_at = 0;       // where
+    int fault_line = 0;             // which line that is, in a catalogue
 
     bool IsReadable() const { return fault.empty(); }
     bool Has(EntryNote note) const { return (notes & static_cast<EntryNotes>(note)) != 0; }
@@ -53,8 +55,9 @@ struct CatalogueEntry {
 // The entry whose <file> is that tag of the catalogue.
 CatalogueEntry ReadEntry(std::string_view catalogue, const MarkupTag& file);
 
-// The parts of a readable entry. Its `name` is passed over: any text is a name there.
-std::vector<CatalogueElement> PartsIn(std::string_view catalogue, const CatalogueEntry& entry);
+// The parts of a readable entry, whose bytes these are or begin with. Its `name` is passed over: any text is a
+// name there.
+std::vector<CatalogueElement> PartsIn(std::string_view bytes, const CatalogueEntry& entry);
 
 // The entry, one element from <file> to the line end after </file>, with its notes.
 std::string WithNotes(std::string entry, EntryNotes notes);

@@ -138,7 +138,7 @@ bool Scan::Update() {
     if (!unsettled.empty() && !Convert(unsettled)) return false;
     std::string text = Opening();
     text.append(Carried(!unsettled.empty())).append(converted_).append(kAllClosing).append("\r\n");
-    if (!must_be_written_ && state_.catalogue && text == state_.catalogue->bytes()) return true;
+    if (!must_be_written_ && state_.catalogue && text == ReadFile(path_)) return true;
     state_.catalogue.reset();
     WriteFileWhole(path_, text, Clock::now() - begin + kFileClockStep);
     return true;

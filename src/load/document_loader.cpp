@@ -21,7 +21,7 @@ std::optional<Text> HeadValue(const CatalogueElement& part, std::string_view nam
 
 DocumentLoader::Taken DocumentLoader::Take(const Catalogue& catalogue, const Text& file) {
     Taken taken;
-    const std::vector<CatalogueElement> parts = catalogue.PartsOf(file);
+    const std::vector<CatalogueElement> parts = catalogue.PartsOf(file, bytes_);
     for (const CatalogueElement& part : parts) TakePart(part, file, taken);
     if (taken.documents == 0) return taken;
     for (const CatalogueElement& part : parts) {

@@ -2,6 +2,8 @@
 // be said of each goes into the account.
 #pragma once
 
+#include <string>
+
 #include "convert/catalogue.h"
 #include "load/account_maker.h"
 #include "load/part_loader.h"
@@ -30,6 +32,7 @@ class DocumentLoader {
     const TaxpayerChoice taxpayer_;
     PartLoader& parts_;
     AccountMaker& account_;
+    std::string bytes_;  // of the document's entries
 };
 
 }  // namespace tav

@@ -85,20 +85,39 @@ const std::string kWhole =
 TEST_F(Catalogues, AnswerByName) {
     const Catalogue catalogue = Catalogue::Load(Write(kWhole));
     EXPECT_THAT(catalogue.CurrentFiles(), ElementsAre(u"б.rtf", u"a & b.rtf"));
-    EXPECT_EQ(catalogue.PartsOf(u"б.rtf").size(), 1u);
-    const std::vector<CatalogueElement> parts = catalogue.PartsOf(u"A.RTF");
+    std::string bytes;
+    EXPECT_EQ(catalogue.PartsOf(u"б.rtf", bytes).size(), 1u);
+    const std::vector<CatalogueElement> parts = catalogue.PartsOf(u"A.RTF", bytes);
     ASSERT_EQ(parts.size(), 2u);
     EXPECT_EQ(parts[0].type, Bytes(u"выписка"));
     EXPECT_EQ(parts[1].type, "x");
-    EXPECT_TRUE(catalogue.PartsOf(u"none.rtf").empty());
+    EXPECT_TRUE(catalogue.PartsOf(u"none.rtf", bytes).empty());
     try {
-        catalogue.PartsOf(u"плохой.rtf");
+        catalogue.PartsOf(u"плохой.rtf", bytes);
         ADD_FAILURE();
     } catch (const XmlFailure& failure) {
         EXPECT_EQ(failure.description(),
                   folder_ / kCatalogueName +
                       u": документ плохой.rtf, строка 18: </file> стоит там, где нужен </head>");
     }
+}
+
+TEST_F(Catalogues, OfAnySizeAreReadPieceByPiece) {
+    std::vector<std::string> entries;
+    for (std::size_t i = 0; i < 3000; ++i) {
+        const std::string name = "<file>\r\n\t<name>" + std::to_string(i) + ".rtf</name>\r\n";
+        const std::string value(i == 1500 ? 3'000'000 : i % 500, 'x');
+        entries.push_back(name + "<part><h01>" + value + "</h01></part>\r\n</file>");
+    }
+    entries.push_back("<file><name>z</name><part></file>");
+    std::string all =
+        std::string(kCatalogueOpening) + std::string(kActualOpening) + std::string(kActualClosing);
+    for (const std::string& entry : entries) all += entry + "\r\n";
+    const Catalogue catalogue = Catalogue::Load(Write(all + "</all>"));
+    ASSERT_EQ(catalogue.entries().size(), entries.size());
+    for (std::size_t i = 0; i < entries.size(); ++i)
+        ASSERT_EQ(catalogue.BytesOf(catalogue.entries()[i]), entries[i]);
+    EXPECT_EQ(catalogue.entries().back().fault_line, 4 + 4 * 3000);
 }
 
 TEST_F(Catalogues, EditedByHandAreBroughtToForm) {
