@@ -7,6 +7,7 @@
 
 #include "common/concat.h"
 #include "common/windows1251.h"
+#include "convert/characters.h"
 
 namespace tav {
 namespace {
@@ -29,10 +30,6 @@ std::size_t EndOfValue(std::string_view text, std::size_t at, std::string_view n
         return text.npos;
     }
     return closing + size;
-}
-
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
 }
 
 // Where an element <p01>text</p01> ends whose tag begins at `at` and is so long; npos when none begins there.

@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "common/windows1251.h"
+#include "convert/characters.h"
 
 namespace tav {
 namespace {
@@ -16,10 +17,6 @@ constexpr std::array<std::string_view, 11> kNames = {"all",  "actual", "item", "
 // h01, p01 and p0001: a letter and so many digits.
 constexpr std::size_t kFewestDigits = 2;
 constexpr std::size_t kMostDigits = 4;
-
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
 
 bool IsBlank(char c) {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';

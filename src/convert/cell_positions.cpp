@@ -19,7 +19,7 @@ constexpr CellPosition kCellPositions[26] = {
 
 namespace {
 
-constexpr std::string_view kFrame = "posx";
+constexpr std::string_view kPosition = "posx";
 constexpr std::string_view kUnknownPosition = "##|";
 
 constexpr std::size_t kFarthest = std::ranges::max_element(kCellPositions, {}, &CellPosition::twips)->twips;
@@ -57,9 +57,9 @@ std::string ReplaceCellPositions(std::string_view text) {
 }
 
 void AppendWithTags(std::string& out, std::string_view text) {
-    for (std::size_t at; (at = text.find(kFrame)) != text.npos;) {
+    for (std::size_t at; (at = text.find(kPosition)) != text.npos;) {
         out.append(text.substr(0, at));
-        text.remove_prefix(at + kFrame.size());
+        text.remove_prefix(at + kPosition.size());
         out.append(TakePosition(text));
     }
     out.append(text);

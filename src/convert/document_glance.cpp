@@ -12,6 +12,7 @@
 #include "common/guard.h"
 #include "common/windows1251.h"
 #include "convert/cell_positions.h"
+#include "convert/characters.h"
 #include "convert/find_text_value.h"
 #include "convert/load_xml_file.h"
 #include "convert/page_reader.h"
@@ -23,13 +24,11 @@ namespace {
 
 constexpr std::size_t kHeads[] = {std::size_t{64} << 10, std::size_t{1} << 20};
 
-constexpr std::string_view kFrame = "\\posx";
 constexpr std::string_view kPage = "\\page";
 constexpr std::size_t kPositionSize = 9;  // "posx" and five digits
 constexpr std::string_view kStatementHeader = "##v<h@@>";
 constexpr std::string_view kActHeader = "##a<h@@>";
 constexpr std::string_view kActAmount = "##a<p";
-constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::string_view kPageEnd = "\r\n##p";
 
 // The header lines of a statement, in the document's order.
@@ -46,10 +45,6 @@ const std::string kStatementPart = ToWindows1251(u"<part type=\"выписка\"
 
 constexpr TextView kXml = u".xml";
 constexpr TextView kStatementTitle = u"Выписка операций по расчету с бюджетом";
-
-bool IsLetterOrDigit(char c) {
-    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
 
 template <class Char>
 bool Fits(std::basic_string_view<Char> text, std::string_view shape) {
@@ -75,7 +70,7 @@ Landmarks FindLandmarks(std::string_view head) {
     Landmarks found;
     for (std::size_t at = 1; (at = head.find(kFrame, at)) != head.npos; at += kFrame.size()) {
         // Only after a control word does a position begin its line.
-        if (!IsLetterOrDigit(head[at - 1])) continue;
+        if (!IsLetter(head[at - 1]) && !IsDigit(head[at - 1])) continue;
         const std::string tag = ReplaceCellPositions(head.substr(at + 1, kPositionSize));
         if (tag.starts_with(kActHeader)) found.act.push_back(at);
         if (tag.starts_with(kStatementHeader)) found.statement.push_back(at);

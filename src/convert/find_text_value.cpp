@@ -9,6 +9,7 @@
 
 #include "common/failure.h"
 #include "common/guard.h"
+#include "convert/characters.h"
 
 namespace tav {
 namespace {
@@ -29,7 +30,6 @@ constexpr std::string_view kColour = "\\cf1 ";
 constexpr std::string_view kFont = "\\f1 ";
 // The name of a shape's property ends so; its value is no text.
 constexpr std::string_view kShapeProperty = "sn";
-constexpr std::string_view kLineEnd = "\r\n";
 
 // Positions from 1 to offsets and back.
 std::size_t Offset(std::int32_t pos) {

@@ -11,6 +11,7 @@
 #include "common/progress.h"
 #include "common/windows1251.h"
 #include "convert/cell_positions.h"
+#include "convert/characters.h"
 #include "convert/page_reader.h"
 #include "convert/statement_lines.h"
 #include "platform/input_file.h"
@@ -19,7 +20,6 @@
 namespace tav {
 namespace {
 
-constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::string_view kPageMark = "##p";
 constexpr std::size_t kBytesOfEntryByte = 4;  // about so many of an RTF make one of its entry
 

@@ -4,12 +4,12 @@
 #include <cstring>
 
 #include "common/windows1251.h"
+#include "convert/characters.h"
 
 namespace tav {
 namespace {
 
 constexpr std::string_view kStart = "{\\rtf";
-constexpr std::string_view kFrame = "\\posx";
 constexpr std::size_t kFonts = 32768;
 constexpr std::int32_t kLargestNumber = 1'000'000'000;
 
@@ -40,14 +40,6 @@ unsigned char Byte(char c) {
 
 bool IsPlain(char c) {
     return kPlain[Byte(c)];
-}
-
-bool IsLetter(char c) {
-    return static_cast<unsigned char>((c | 0x20) - 'a') < 26;
-}
-
-bool IsDigit(char c) {
-    return static_cast<unsigned char>(c - '0') < 10;
 }
 
 // A number of any length, cut to 32 bits.

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "convert/characters.h"
+
 namespace tav {
 namespace {
 
@@ -61,10 +63,6 @@ constexpr std::uint64_t Packed(std::string_view name) {
         letters |= std::uint64_t{static_cast<unsigned char>(name[i])} << (8 * i);
     }
     return letters;
-}
-
-bool IsLetter(char c) {
-    return static_cast<unsigned char>((c | 0x20) - 'a') < 26;
 }
 
 }  // namespace

@@ -38,7 +38,7 @@ constexpr std::size_t kOpeningOverpayment = 1;
 constexpr std::size_t kClosingDebt = 11;
 constexpr std::size_t kClosingOverpayment = 12;
 
-constexpr double kTenThousandths = 1e4;
+constexpr double kMoneyScale = 1e4;
 constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max();
 
 Money MoneyOf(const Recordset& act, TextView field) {
@@ -47,7 +47,7 @@ Money MoneyOf(const Recordset& act, TextView field) {
     const double* number = std::get_if<double>(&value);
     const auto other = number == nullptr ? ParseNumber(isns(value)) : std::optional(*number);
     if (!other) throw Failure(RunTimeError::TypeMismatch, field);
-    const double scaled = std::nearbyint(*other * kTenThousandths);
+    const double scaled = std::nearbyint(*other * kMoneyScale);
     // The largest whole number is no double: the next one above is the bound.
     if (!(std::fabs(scaled) < static_cast<double>(kLargest))) throw Failure(RunTimeError::Overflow, field);
     return {static_cast<std::int64_t>(scaled)};
@@ -97,7 +97,7 @@ Text ClosingText(const ActAmounts& amounts) {
 
 double ClosingBalance(const ActAmounts& amounts) {
     const auto roubles = [&](std::size_t amount) {
-        return static_cast<double>(amounts[amount].ten_thousandths) / kTenThousandths;
+        return static_cast<double>(amounts[amount].ten_thousandths) / kMoneyScale;
     };
     return roubles(kClosingOverpayment) - roubles(kClosingDebt);
 }

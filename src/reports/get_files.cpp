@@ -48,7 +48,7 @@ Recordset Groups(Connection& connection, Summary& summary) {
 constexpr std::size_t kBegin = 2;  // of the two columns without a name
 constexpr std::size_t kEnd = 3;
 
-void AddHeading(ReportPage& page, const Recordset& group, bool consolidated) {
+void AddGroupsHeading(ReportPage& page, const Recordset& group, bool consolidated) {
     const auto text = [&](TextView field) { return isns(group.Field(field)); };
     const Text title = Concat(u"<h3>Сводная справка по выпискам операций, импортированным из ТАВ",
                               consolidated ? u" по консолидированному налогоплательщику" : u"", u"</h3>");
@@ -57,7 +57,7 @@ void AddHeading(ReportPage& page, const Recordset& group, bool consolidated) {
     AddSummaryHeading(page, title, {text(u"inn"), text(u"kpp"), text(u"name")}, code);
 }
 
-void AddColumnHeadings(ReportPage& page, bool consolidated) {
+void AddGroupColumns(ReportPage& page, bool consolidated) {
     page.AddColumnHeadings({consolidated ? u"КПП подразделения" : u"Наименование налога, сбора, взноса",
                             u"#w25%", u"#r2", u"ОКАТО", u"#w8%", u"#r2", u"За период", u"#w7%", u"#r2",
                             u"Сальдо на начало", u"Начислено", u"#l2", u"#c4", u"Уплачено (уменьшено)",
@@ -127,8 +127,8 @@ class StatementsSummary {
     void WriteGroup(const Recordset& groups, SummaryDocument& document) {
         const bool first = page_.empty();
         if (first) {
-            AddHeading(page_, groups, consolidated_);
-            AddColumnHeadings(page_, consolidated_);
+            AddGroupsHeading(page_, groups, consolidated_);
+            AddGroupColumns(page_, consolidated_);
         }
         SqlText sql(u"select * from tav_operations_header where vid=");
         sql.Number(WholeNumber(groups, u"vid")).Fixed(u" order by perb");

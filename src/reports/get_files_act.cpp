@@ -45,7 +45,7 @@ Recordset Acts(Connection& connection, Summary& summary) {
                    u"isnull(th.h6) order by h7, perb"));
 }
 
-void AddHeading(ReportPage& page, const Recordset& act, bool consolidated) {
+void AddActHeading(ReportPage& page, const Recordset& act, bool consolidated) {
     const auto text = [&](TextView field) { return isns(act.Field(field)); };
     const Text title =
         Concat(u"<h3>Сводная справка по актам совместной сверки",
@@ -57,7 +57,7 @@ void AddHeading(ReportPage& page, const Recordset& act, bool consolidated) {
     AddSummaryHeading(page, title, {text(u"h1"), text(u"h2"), text(u"h3")}, code);
 }
 
-void AddColumnHeadings(ReportPage& page, bool consolidated) {
+void AddActColumns(ReportPage& page, bool consolidated) {
     page.AddColumnHeadings({consolidated ? u"КПП подразделения" : u"Наименование налога, сбора, взноса",
                             u"#w22%", u"#r3", u"ОКАТО", u"#w6%", u"#r3", u"За период", u"#w5%", u"#r3",
                             u"Сальдо на начало", u"За проверяемый период", u"#l2", u"#c9", u"Сальдо на конец",
@@ -122,8 +122,8 @@ Text SummaryPage(Connection& connection, const SummaryChoice& choice, Summary& s
         if (!IsChosen(choice, summary.documents.back())) continue;
         const bool first = page.empty();
         if (first) {
-            AddHeading(page, acts, consolidated);
-            AddColumnHeadings(page, consolidated);
+            AddActHeading(page, acts, consolidated);
+            AddActColumns(page, consolidated);
         }
         const ActAmounts amounts = ReadActAmounts(acts);
         AddActRow(page, acts, amounts, first);

@@ -15,7 +15,7 @@ struct Copied {
     Text report;
     Text copy;
 };
-Copied& Last() {
+Copied& LastCopied() {
     static Copied last;
     return last;
 }
@@ -27,11 +27,11 @@ void MakePaperCopies(bool (*wanted)()) {
 }
 
 Text ToOpen(TextView report) {
-    return Last().report == report ? Last().copy : Text(report);
+    return LastCopied().report == report ? LastCopied().copy : Text(report);
 }
 
 PaperCopy::PaperCopy() {
-    Last() = {};
+    LastCopied() = {};
     if (is_wanted == nullptr || !is_wanted()) return;
     document_ = NewPdf([] { CurrentProgress().ProcessEvents(); });
 }
@@ -51,7 +51,7 @@ void PaperCopy::Write(TextView report) {
     if (document_ == nullptr) return;
     const Text path = PathFor(report);
     WriteFileWhole(path, document_->Finish(), {}, OnDisk::Later);
-    Last() = {Text(report), path};
+    LastCopied() = {Text(report), path};
 }
 
 }  // namespace tav

@@ -10,7 +10,7 @@ namespace tav {
 namespace {
 
 constexpr TextView kQuestion = u"Удалить данные по актам сверки и выпискам операций из базы данных?";
-constexpr ControlPlan kControls[] = {
+constexpr ControlPlan kDialogControls[] = {
     {u"Image1", ControlKind::Picture, {}, {}, {0, 0}, 0, Picture::Warning},
     {u"Label1", ControlKind::Label, kQuestion, {}, {0, 1, 3}},
     // The focus is here first: nothing is deleted by a hasty Enter.
@@ -18,11 +18,12 @@ constexpr ControlPlan kControls[] = {
     {u"Command1", ControlKind::Button, u"Да", {}, {1, 1}, u'Д'},
     {u"Command2", ControlKind::Button, u"Да, для всех", {}, {1, 2}, u'в'},
 };
-constexpr FormPlan kPlan = {u"frmDialog", u"Внимание", kControls, 60, 5, u"Command3", u"Command3"};
+constexpr FormPlan kDialogPlan = {u"frmDialog", u"Внимание", kDialogControls, 60, 5,
+                                  u"Command3",  u"Command3"};
 
 }  // namespace
 
-frmDialog::frmDialog() : Form(kPlan) {
+frmDialog::frmDialog() : Form(kDialogPlan) {
     Bind<frmDialog>(*this, {{u"Command1", Event::Click, &frmDialog::Command1_Click},
                             {u"Command2", Event::Click, &frmDialog::Command2_Click},
                             {u"Command3", Event::Click, &frmDialog::Command3_Click}});

@@ -18,9 +18,9 @@
 namespace tav {
 namespace {
 
-constexpr TextView kCaption = u"Выбор отчетного периода для формирования сводной справки";
+constexpr TextView kFilterCaption = u"Выбор отчетного периода для формирования сводной справки";
 constexpr TextView kAllCodes = u"Все КБК";
-constexpr ControlPlan kControls[] = {
+constexpr ControlPlan kFilterControls[] = {
     {u"Label1", ControlKind::Label, u"КБК:", {}, {0, 0}, u'К'},
     {u"cmbKBK", ControlKind::ComboBox, {}, {}, {0, 1, 3}},
     {u"TreeView1", ControlKind::TreeView, {}, {}, {1, 0, 4}},
@@ -33,7 +33,8 @@ constexpr ControlPlan kControls[] = {
     {u"Command1", ControlKind::Button, u"Сформировать", {}, {3, 2}, u'С'},
     {u"Command2", ControlKind::Button, u"Закрыть", {}, {3, 3}, u'З'},
 };
-constexpr FormPlan kPlan = {u"frmFilter", kCaption, kControls, 160, 30, u"Command1", u"Command2"};
+constexpr FormPlan kFilterPlan = {u"frmFilter", kFilterCaption, kFilterControls, 160,
+                                  30,           u"Command1",    u"Command2"};
 
 Picture PictureOf(PeriodKind kind) {
     switch (kind) {
@@ -54,7 +55,7 @@ Picture PictureOf(PeriodKind kind) {
 
 }  // namespace
 
-frmFilter::frmFilter() : Form(kPlan, u"Ошибка в процедуре frmFilter_load") {
+frmFilter::frmFilter() : Form(kFilterPlan, u"Ошибка в процедуре frmFilter_load") {
     Bind<frmFilter>(*this,
                     {{u"cmbKBK", Event::Click, &frmFilter::cmbKBK_Click},
                      {u"TreeView1", Event::DblClick, &frmFilter::Command1_Click, u"Ошибка в процедуре cmdOK"},

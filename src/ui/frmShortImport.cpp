@@ -8,7 +8,7 @@
 namespace tav {
 namespace {
 
-constexpr ControlPlan kControls[] = {
+constexpr ControlPlan kImportControls[] = {
     {u"Label1", ControlKind::Label, u"Производится чтение файла:", {}, {0, 0, 2}},
     {u"Label2", ControlKind::Label, u"по налогоплательщику", {}, {1, 0, 2}},
     {u"PBar", ControlKind::ProgressBar, {}, {}, {2, 0, 2}},
@@ -22,7 +22,8 @@ struct WorkText {
 constexpr WorkText kImport = {u"Импорт файлов, полученных из ТАВ", u"Производится чтение файла: "};
 constexpr WorkText kSummary = {u"Формирование сводной справки", u"Формируется файл: "};
 
-constexpr FormPlan kPlan = {u"frmShortImport", kImport.caption, kControls, 70, 6, {}, u"CancelButton"};
+constexpr FormPlan kImportPlan = {u"frmShortImport", kImport.caption, kImportControls, 70, 6, {},
+                                  u"CancelButton"};
 
 constexpr TextView kOfTaxpayer = u"по налогоплательщику ";
 
@@ -34,7 +35,7 @@ Text NameOfTaxpayer(const Text& inn) {
 
 }  // namespace
 
-frmShortImport::frmShortImport() : Form(kPlan) {
+frmShortImport::frmShortImport() : Form(kImportPlan) {
     Bind<frmShortImport>(*this, {{u"CancelButton", Event::Click, &frmShortImport::CancelButton_Click},
                                  {u"Timer1", Event::Timer, &frmShortImport::Timer1_Timer}});
 }

@@ -3,7 +3,7 @@
 namespace tav {
 namespace {
 
-constexpr TextView kCaption =
+constexpr TextView kMainCaption =
     u"Групповой импорт актов сверки и выписок операций из файлов в формате rtf, полученных через ТАВ (v1.12)";
 // "КБК", 38 spaces, "ОКАТО", 12 spaces, "Период".
 constexpr TextView kColumns = u"КБК                                      ОКАТО            Период";
@@ -21,7 +21,7 @@ constexpr ControlPlan HeadingOf(TextView name, TextView frame) {
     return {name, ControlKind::Label, kColumns, {}, {0, 0, 1, frame}, 0, Picture::None, {}, true};
 }
 
-constexpr ControlPlan kControls[] = {
+constexpr ControlPlan kMainControls[] = {
     {u"Frame4", ControlKind::Frame, {}, {}, {0, 0, 2}},
     {u"lblInfoName", ControlKind::Label, {}, {}, {0, 0, 1, u"Frame4"}},
     {u"chkKons",
@@ -122,7 +122,7 @@ constexpr ControlPlan kControls[] = {
 
 }  // namespace
 
-const FormPlan kMainPlan = {u"frmmain", kCaption,    kControls,   180,         54,
-                            {},         u"Command5", u"Command4", u"txtImport"};
+const FormPlan kMainPlan = {u"frmmain", kMainCaption, kMainControls, 180,         54,
+                            {},         u"Command5",  u"Command4",   u"txtImport"};
 
 }  // namespace tav
