@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <thread>
@@ -12,13 +13,13 @@
 #include "common/guard.h"
 #include "common/progress.h"
 #include "common/windows1251.h"
-#include "convert/balance_fault.h"
 #include "convert/catalogue.h"
 #include "convert/conversion.h"
-#include "convert/document_glance.h"
 #include "convert/folder_state.h"
 #include "convert/load_rtf_file.h"
 #include "convert/load_xml_file.h"
+#include "convert/read_ahead.h"
+#include "convert/scanned_document.h"
 #include "platform/files.h"
 #include "settings/session.h"
 
@@ -26,7 +27,6 @@ namespace tav {
 namespace {
 
 using State = ScannedFile::State;
-using Found = ScannedFile::Found;
 using Clock = std::chrono::steady_clock;
 
 constexpr TextView kTitle = u"Импорт файлов";
@@ -104,8 +104,11 @@ class Scan {
  private:
     bool Update();
     std::vector<const ListedDocument*> Unsettled() const;
+    ScannedDocument ReadAct(const ListedDocument& document) const;
+    ScannedDocument ReadForm(const ListedDocument& document, RtfReader& reader, ReadingSteps& steps) const;
+    void NeedFolder() const;
     bool Convert(const std::vector<const ListedDocument*>& documents);
-    void Take(const ListedDocument& document, Conversion conversion);
+    void Take(const ListedDocument& document, ScannedDocument made);
     std::string Opening() const;
     std::string Carried(bool without_departed) const;
 
@@ -136,73 +139,87 @@ bool Scan::Update() {
     WaitForFileClock(state_.documents);
     const Clock::time_point begin = Clock::now();
     if (!unsettled.empty() && !Convert(unsettled)) return false;
-    std::string text = Opening();
-    text.append(Carried(!unsettled.empty())).append(converted_).append(kAllClosing).append("\r\n");
+    const std::string opening = Opening();
+    const std::string carried = Carried(!unsettled.empty());
+    std::string text;
+    text.reserve(opening.size() + carried.size() + converted_.size() + kAllClosing.size() + 2);
+    text.append(opening).append(carried).append(converted_).append(kAllClosing).append("\r\n");
     if (!must_be_written_ && state_.catalogue && text == ReadFile(path_)) return true;
     state_.catalogue.reset();
     WriteFileWhole(path_, text, Clock::now() - begin + kFileClockStep);
     return true;
 }
 
-bool HasBalanceFault(std::string_view bytes, const CatalogueEntry& entry) {
-    if (!entry.IsReadable()) return false;
-    return std::ranges::any_of(PartsIn(bytes, entry),
-                               [](const CatalogueElement& part) { return BalanceFault(part).has_value(); });
+// Acts delivered as XML are read by this thread, when it is their turn: the library that reads them may have been built
+// for one thread only.
+ScannedDocument Scan::ReadAct(const ListedDocument& document) const {
+    NeedFolder();
+    return Finished(folder_ + document.name, LoadXMLFile(folder_, document.name),
+                    HasNote(document, EntryNote::Again));
+}
+
+ScannedDocument Scan::ReadForm(const ListedDocument& document, RtfReader& reader, ReadingSteps& steps) const {
+    return Finished(folder_ + document.name, reader.Read(folder_, document.name, steps),
+                    HasNote(document, EntryNote::Again));
+}
+
+// A folder that has gone is one failure, not one of every file.
+void Scan::NeedFolder() const {
+    if (!folder_.empty() && !FolderExists(folder_)) throw Failure(RunTimeError::PathNotFound, folder_);
 }
 
 // False when the user cancelled.
 bool Scan::Convert(const std::vector<const ListedDocument*>& documents) {
+    const auto is_act = [](const ListedDocument* document) {
+        return EqualNoCase(Right(document->name, 3), u"xml");
+    };
+    std::vector<const ListedDocument*> forms;
+    std::ranges::remove_copy_if(documents, std::back_inserter(forms), is_act);
     const ShownProgress shown(documents.size());
+    ReadAhead ahead(forms.size(), [&](RtfReader& reader, std::size_t number, ReadingSteps& steps) {
+        return ReadForm(*forms[number], reader, steps);
+    });
     int done = 0;
     for (const ListedDocument* const document : documents) {
         CurrentProgress().SetLabel(Label(document->name));
         CurrentProgress().ProcessEvents();
-        // A folder that has gone is one failure, not one of every file.
-        if (!folder_.empty() && !FolderExists(folder_)) throw Failure(RunTimeError::PathNotFound, folder_);
-        const bool xml = EqualNoCase(Right(document->name, 3), u"xml");
-        Conversion conversion = (xml ? LoadXMLFile : LoadRtfFile)(folder_, document->name);
+        ShownSteps steps;
+        ScannedDocument made = is_act(document) ? ReadAct(*document) : ahead.Next(steps);
+        if (made.conversion.unreadable) NeedFolder();
+        ShowRtfFailure(made.conversion);
         if (CancelStamp() != 0) return false;
-        Take(*document, std::move(conversion));
+        Take(*document, std::move(made));
         CurrentProgress().SetFilesDone(++done);
     }
     return true;
 }
 
 // Enters what became of a document into the account and the new catalogue.
-void Scan::Take(const ListedDocument& document, Conversion conversion) {
+void Scan::Take(const ListedDocument& document, ScannedDocument made) {
+    Conversion& conversion = made.conversion;
+    const std::string& entry = conversion.entry;
     ScannedFile& file = account_.files[static_cast<std::size_t>(&document - state_.documents.data())];
     file = {.name = document.name,
             .state = document.listed_before ? State::Again : State::New,
-            .found = Found::Nothing,
+            .found = made.found,
+            .reason = std::move(made.reason),
             .cut_off = conversion.cut_off,
             .dropped_text = !conversion.dropped_pages.empty(),
             .dropped_pages = std::move(conversion.dropped_pages)};
     if (!document.settled) outdated_.insert(document.entries.begin(), document.entries.end());
     if (conversion.unreadable) {
         file.state = State::Unreadable;
-        file.reason = std::move(conversion.reason);
         return;
     }
     must_be_written_ = must_be_written_ || document.changed_since;
-    std::string& entry = conversion.entry;
     std::string before;
     for (const CatalogueEntry* const old : document.entries) {
         before.append(state_.catalogue->BytesOf(*old)).append("\r\n");
     }
     if (!entry.empty()) {
-        if (file.cut_off) entry = WithAllClosed(std::move(entry));
-        const CatalogueEntry read = ReadEntry(entry, TagAt(entry, 0));
-        const EntryNotes notes = NoteIf(file.dropped_text, EntryNote::DroppedText) +
-                                 NoteIf(file.cut_off, EntryNote::CutOff) +
-                                 NoteIf(HasBalanceFault(entry, read), EntryNote::Arithmetic) +
-                                 NoteIf(HasNote(document, EntryNote::Again), EntryNote::Again);
-        entry = WithNotes(std::move(entry), notes);
-        if (read.parts > 0) file.found = read.IsReadable() ? Found::Document : Found::Broken;
-        if (file.found == Found::Broken) file.reason = u"Документ разобран не до конца: " + read.fault;
         const bool other = document.listed_before && before != entry && !HasNote(document, EntryNote::Again);
         converted_ += other ? WithNotes(entry, NoteIf(true, EntryNote::Again)) : entry;
     }
-    if (file.found == Found::Nothing) file.reason = WhyNothing(folder_ + file.name, file.cut_off);
     if (document.listed_before && before == entry) file.state = State::Settled;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,8 +19,9 @@ struct Conversion {
     // For a person: why there is no entry, or no part in it, where more is known than that nothing was
     // recognised.
     Text reason;
-    bool unreadable = false;  // the file could not be opened or read
-    bool cut_off = false;     // the text ends inside a group
+    std::optional<Failure> failure;  // why there is no entry, where that is to be shown
+    bool unreadable = false;         // the file could not be opened or read
+    bool cut_off = false;            // the text ends inside a group
     std::vector<std::size_t>
         dropped_pages;  // those that hide visible text after their last closing brace, from 1
 };
