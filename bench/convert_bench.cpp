@@ -10,6 +10,7 @@
 #include "convert/page_reader.h"
 #include "fixture.h"
 #include "platform/files.h"
+#include "platform/input_file.h"
 
 namespace tav {
 namespace {

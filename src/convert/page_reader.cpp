@@ -23,7 +23,7 @@ constexpr std::size_t kPlaces = 64;
 bool MayHoldPage(const char* at) {
     std::uint8_t may = 0;
     for (std::size_t i = 0; i < kPlaces; ++i)
-        may |= static_cast<std::uint8_t>((at[i] == kPage[0]) & (at[i + kRare] == kPage[kRare]));
+        may |= (at[i] == kPage[0] ? 1 : 0) & (at[i + kRare] == kPage[kRare] ? 1 : 0);
     return may != 0;
 }
 
