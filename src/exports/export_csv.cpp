@@ -67,7 +67,7 @@ Text FileName(TextView table) {
 
 void ExportToCsv(jet::Database& database, TextView folder) {
     const Text target = NewTarget(folder);
-    const WorkFolder work(target);
+    WorkFolder work(target);
     for (const jet::TableEntry& entry : database.Tables()) {
         const Text path = work.path() + FileName(entry.name);
         if (FileExists(path)) throw Failure(Concat(u"Две таблицы дали бы один файл: ", FileName(entry.name)));

@@ -152,7 +152,7 @@ class Output {
 
 void ExportToSqlite(jet::Database& database, TextView file) {
     const Text target = NewTarget(file);
-    const WorkFolder work(target);
+    WorkFolder work(target);
     constexpr TextView kName = u"export.sqlite";
     Output output(work.path() + Text(kName), target);
     for (const jet::TableEntry& entry : database.Tables()) output.Add(*database.FindTable(entry.name));

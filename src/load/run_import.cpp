@@ -10,6 +10,7 @@
 #include "load/constr_tab_type_oper.h"
 #include "platform/environment.h"
 #include "platform/files.h"
+#include "platform/work_folder.h"
 #include "settings/session.h"
 #include "settings/settings.h"
 
@@ -33,12 +34,13 @@ class RunningImport {
     RunningImport& operator=(const RunningImport&) = delete;
 };
 
-// What killed imports and reports have left there.
+// What killed imports, reports and exports have left there.
 void RemoveLeftoversIn(TextView folder) {
     if (folder.empty()) return;
     for (const StampedFile& file : ListFilesWithStamps(folder, IsLeftover)) {
         RemoveLeftover(WithSeparator(folder).append(file.name));
     }
+    RemoveWorkFolders(folder);
 }
 
 }  // namespace

@@ -1,6 +1,9 @@
 // A folder for work that is to appear elsewhere when it is complete: temporary, beside the target, so that a
-// rename can bring what is in it there. A kill leaves it; its name begins with ".tav-".
+// rename can bring what is in it there. A kill leaves it, until the next one is made there, or an import
+// looks; its name begins with ".tav-".
 #pragma once
+
+#include <memory>
 
 #include "common/text.h"
 
@@ -8,7 +11,7 @@ namespace tav {
 
 class WorkFolder {
  public:
-    // A new folder beside `target`. A missing parent, or one that must not be written, is a Failure as of
+    // A new folder beside `target`, in place of those that killed programs left. A missing parent, or one that must not be written, is a Failure as of
     // files.h.
     explicit WorkFolder(TextView target);
     ~WorkFolder();  // with all that is still in it
@@ -20,10 +23,16 @@ class WorkFolder {
 
     // Gives the file `name` of this folder, or the folder itself where `name` is empty, the name `target`. What
     // has that name already stays, and a Failure says so.
-    void Publish(TextView name, TextView target) const;
+    void Publish(TextView name, TextView target);
 
  private:
+    struct InUse;
+
     Text path_;
+    std::unique_ptr<InUse> in_use_;  // tells others that it is no leftover
 };
+
+// Removes the work folders that killed programs left in a folder.
+void RemoveWorkFolders(TextView folder);
 
 }  // namespace tav

@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 
 #include <cstdio>
@@ -10,10 +11,37 @@
 #include "platform/work_folder.h"
 
 namespace tav {
+namespace {
 
-WorkFolder::WorkFolder(TextView target) {
+// The folder itself, locked; none when it is no folder, or in use.
+posix::Descriptor Locked(const std::string& path) {
+    posix::Descriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    if (folder && ::flock(folder.number(), LOCK_EX | LOCK_NB) != 0) return {};
+    return folder;
+}
+
+}  // namespace
+
+struct WorkFolder::InUse {
+    posix::Descriptor folder;
+};
+
+void RemoveWorkFolders(TextView folder) {
+    namespace fs = std::filesystem;
+    std::error_code ignored;
+    fs::directory_iterator entry(folder.empty() ? "." : ToUtf8(folder), ignored);
+    for (; entry != fs::directory_iterator(); entry.increment(ignored)) {
+        if (!IsLeftover(FromUtf8(entry->path().filename().string()))) continue;
+        const posix::Descriptor leftover = Locked(entry->path().string());
+        if (leftover) fs::remove_all(entry->path(), ignored);
+    }
+}
+
+WorkFolder::WorkFolder(TextView target) : in_use_(std::make_unique<InUse>()) {
+    RemoveWorkFolders(FolderOf(target));
     std::string pattern = ToUtf8(FolderOf(target)) + ".tav-" + std::string(6, 'X');
     if (::mkdtemp(pattern.data()) == nullptr) posix::Refuse(errno, target);
+    in_use_->folder = Locked(pattern);
     path_ = WithSeparator(FromUtf8(pattern));
     const mode_t mask = ::umask(0);
     ::umask(mask);
@@ -25,7 +53,7 @@ WorkFolder::~WorkFolder() {
     std::filesystem::remove_all(ToUtf8(path_), ignored);
 }
 
-void WorkFolder::Publish(TextView name, TextView target) const {
+void WorkFolder::Publish(TextView name, TextView target) {
     const std::string from = ToUtf8(Concat(path_, name));
     const std::string to = ToUtf8(target);
     int result = ::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE);
