@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -42,10 +44,14 @@ std::size_t EndOfPlainValue(std::string_view text, std::size_t at) {
     return closes ? closing + TagSize + 1 : text.npos;
 }
 
-// A value's element has so many bytes, its tags included.
-void NoteLength(CatalogueEntry& entry, std::string_view opening, std::size_t bytes) {
-    std::size_t& longest = opening == "<p09>" ? entry.longest_kind : entry.longest_other;
-    longest = std::max(longest, bytes - kBothTags);
+// A value's element begins with that tag and has so many bytes, its tags included.
+void NoteLength(CatalogueEntry& entry, const char* tag, std::size_t bytes) {
+    if (tag[kOpening - 1] != '>') return;  // an amount of an act
+    const auto place = PlaceOfField(tag[1], 10 * (tag[2] - '0') + (tag[3] - '0'));
+    if (!place) return;
+    constexpr std::size_t kMost = std::numeric_limits<std::uint16_t>::max();
+    std::uint16_t& longest = entry.longest[*place];
+    longest = std::max(longest, static_cast<std::uint16_t>(std::min(bytes - kBothTags, kMost)));
 }
 
 // Passes over the elements <p01>text</p01>, <h01> and <p0001>, of which nearly all of a catalogue
@@ -64,7 +70,7 @@ std::size_t PassValues(std::string_view text, std::size_t at, CatalogueEntry& en
         if (tag[kLong - 1] == '>' && IsDigit(tag[4]) && IsDigit(tag[5]))
             end = EndOfPlainValue<kLong>(text, at);
         if (end == text.npos) return at;
-        NoteLength(entry, text.substr(at, kShort), end - at);
+        NoteLength(entry, tag, end - at);
         at = end;
     }
 }
@@ -143,7 +149,7 @@ class EntryReader {
                    tag.begin);
         } else if (open_.size() > 1) {
             const std::size_t begin = open_.back().begin;
-            if (IsDigit(tag.name.back())) NoteLength(entry_, text_.substr(begin, kOpening), tag.end - begin);
+            if (IsDigit(tag.name.back())) NoteLength(entry_, text_.data() + begin, tag.end - begin);
             open_.pop_back();
         }
         if (tag.name != "file") return;
@@ -179,6 +185,12 @@ bool IsValue(std::string_view line) {
 }
 
 }  // namespace
+
+std::optional<std::size_t> PlaceOfField(char letter, int number) {
+    constexpr int kNumbers = std::tuple_size_v<FieldLengths> / 2;
+    if ((letter != 'h' && letter != 'p') || number < 0 || number >= kNumbers) return std::nullopt;
+    return static_cast<std::size_t>(number + (letter == 'p' ? kNumbers : 0));
+}
 
 CatalogueEntry ReadEntry(std::string_view catalogue, const MarkupTag& file) {
     return EntryReader(catalogue, file).Read();

@@ -9,7 +9,10 @@
 // EntryNote.
 #pragma once
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,6 +36,11 @@ inline EntryNotes NoteIf(bool holds, EntryNote note) {
     return holds ? static_cast<EntryNotes>(note) : 0;
 }
 
+// A length for each of h00 to h19 and p00 to p19; what is longer than it can say counts as its highest value.
+using FieldLengths = std::array<std::uint16_t, 40>;
+// The place among them of the field of a letter and a number; none of any other.
+std::optional<std::size_t> PlaceOfField(char letter, int number);
+
 struct CatalogueEntry {
     Text name;              // of the document
     std::size_t begin = 0;  // at the "<" of <file>
@@ -42,11 +50,10 @@ struct CatalogueEntry {
     std::size_t name_end = 0;
     int parts = 0;
     EntryNotes notes = 0;
-    std::size_t longest_kind = 0;   // how many bytes its longest kind of payment (p09) has
-    std::size_t longest_other = 0;  // the same of all other fields and cells
-    Text fault;                     // for a person: why it cannot be read; else empty
-    std::size_t fault_at = 0;       // where
-    int fault_line = 0;             // which line that is, in a catalogue
+    FieldLengths longest = {};  // of the texts of each field and cell, in bytes
+    Text fault;                 // for a person: why it cannot be read; else empty
+    std::size_t fault_at = 0;   // where
+    int fault_line = 0;         // which line that is, in a catalogue
 
     bool IsReadable() const { return fault.empty(); }
     bool Has(EntryNote note) const { return (notes & static_cast<EntryNotes>(note)) != 0; }

@@ -1,7 +1,11 @@
 #include "load/rehearsals.h"
 
 #include <algorithm>
+#include <charconv>
+#include <functional>
+#include <limits>
 #include <optional>
+#include <string>
 
 #include "common/database_failure.h"
 #include "xml/document.h"
@@ -9,14 +13,22 @@
 namespace tav {
 namespace {
 
-// What the text columns of new databases take; p9 is the kind of payment.
-constexpr std::size_t kTextColumn = 255;
-constexpr std::size_t kKindColumn = 50;
-
-// Whether the column takes less than that. The currency is always cut.
-bool IsNarrow(const TextSize& size) {
-    if (EqualNoCase(size.column, u"h11")) return false;
-    return size.characters < (EqualNoCase(size.column, u"p9") ? kKindColumn : kTextColumn);
+// How many characters the columns of the fields take. The currency is always cut, and nothing is said of it.
+FieldLengths RoomIn(Connection& connection) {
+    constexpr std::size_t kAny = std::numeric_limits<FieldLengths::value_type>::max();
+    FieldLengths room;
+    room.fill(kAny);
+    for (const TextView table : {u"tav_operations_header", u"tav_operations"}) {
+        for (const TextSize& size : connection.TextSizes(table)) {
+            const std::string name = ToUtf8(LowerCase(size.column));
+            int number = -1;
+            const char* const end = name.data() + name.size();
+            if (std::from_chars(name.data() + 1, end, number).ptr != end || name == "h11") continue;
+            const auto place = PlaceOfField(name.front(), number);
+            if (place) room[*place] = static_cast<FieldLengths::value_type>(std::min(size.characters, kAny));
+        }
+    }
+    return room;
 }
 
 const PartLoader::Numbers kNone{Counter(Value(Null{})), Counter(Value(Null{}))};
@@ -32,11 +44,8 @@ Rehearsals::Rehearsals(Connection& connection, const Catalogue& catalogue, const
              [this](const SqlText& insert) {
                  if (compared_ != nullptr) compared_->Compare(insert);
              }),
-      loader_(taxpayer, parts_, account) {
-    for (const TextView table : {u"tav_operations_header", u"tav_operations"}) {
-        narrow_ = narrow_ || std::ranges::any_of(connection.TextSizes(table), IsNarrow);
-    }
-}
+      loader_(taxpayer, parts_, account),
+      room_(RoomIn(connection)) {}
 
 void Rehearsals::OfNew(const Text& name) {
     try {
@@ -61,9 +70,9 @@ void Rehearsals::OfHeld(const HeldFiles& held) {
 }
 
 bool Rehearsals::NeedsLook(const CatalogueEntry& entry) const {
-    return entry.IsReadable() && (narrow_ || entry.parts > 1 || entry.longest_kind > kKindColumn ||
-                                  entry.longest_other > kTextColumn || entry.Has(EntryNote::Again) ||
-                                  entry.Has(EntryNote::Arithmetic));
+    if (!entry.IsReadable()) return false;
+    const bool noted = entry.Has(EntryNote::Again) || entry.Has(EntryNote::Arithmetic);
+    return noted || entry.parts > 1 || !std::ranges::equal(entry.longest, room_, std::less_equal());
 }
 
 void Rehearsals::OfHeld(const CatalogueEntry& entry, const HeldOfFile& held) {

@@ -33,7 +33,7 @@ class Rehearsals {
     HeldRows* compared_ = nullptr;
     PartLoader parts_;
     DocumentLoader loader_;
-    bool narrow_ = false;  // a text column takes fewer characters than in new databases
+    FieldLengths room_;  // in the text columns of the database
 };
 
 }  // namespace tav
