@@ -38,6 +38,7 @@ struct Executor::State {
 
     const TableDefinition* FindTable(TextView name);
     StatementHandle PrepareOne(const Rewritten& rewritten, const std::string& sql);
+    StatementHandle PrepareFinding(const Rewritten& rewritten);
     Prepared& Prepare(const SqlText& sql);
     void Bind(Prepared& prepared, const SqlText& sql);
     ResultTable Run(Prepared& prepared);
@@ -82,6 +83,16 @@ StatementHandle Executor::State::PrepareOne(const Rewritten& rewritten, const st
     return handle;
 }
 
+// For a delete, the select of the rows it deletes, so that they can go one by one: SQLite itself would list them all
+// first. None for one whose selects look at the table while it changes, or whose table has a column of that name.
+StatementHandle Executor::State::PrepareFinding(const Rewritten& rewritten) {
+    const bool one_by_one = rewritten.kind == StatementKind::Delete && !rewritten.reads_changed &&
+                            !rewritten.changed->FindColumn(u"rowid");
+    if (!one_by_one) return nullptr;
+    constexpr std::size_t kVerb = 6;  // "delete"
+    return PrepareOne(rewritten, "select rowid" + rewritten.sql.substr(kVerb));
+}
+
 Prepared& Executor::State::Prepare(const SqlText& sql) {
     Rewritten rewritten = Rewrite(sql, [this](TextView name) { return FindTable(name); });
     StatementHandle statement = PrepareOne(rewritten, rewritten.sql);
@@ -91,6 +102,9 @@ Prepared& Executor::State::Prepare(const SqlText& sql) {
         for (int i = 1; i <= columns; ++i) sorted.append(i > 1 ? "," : "").append(std::to_string(i));
         statement = PrepareOne(rewritten, sorted);
     }
+    StatementHandle finding = PrepareFinding(rewritten);
+    const bool finds_rows = finding != nullptr;
+    if (finds_rows) statement = std::move(finding);
     std::vector<Text> names;
     names.reserve(static_cast<std::size_t>(columns));
     for (int i = 0; i < columns; ++i) names.push_back(ResultName(statement.get(), i));
@@ -100,8 +114,9 @@ Prepared& Executor::State::Prepare(const SqlText& sql) {
     }
     VirtualTable* changed = nullptr;
     if (rewritten.changed != nullptr) changed = tables.at(database.FindTable(rewritten.changed->name)).get();
-    return cache.Add(sql,
-                     {Shape(sql), std::move(rewritten), changed, std::move(statement), std::move(names), {}});
+    return cache.Add(
+        sql,
+        {Shape(sql), std::move(rewritten), changed, std::move(statement), finds_rows, std::move(names), {}});
 }
 
 void Executor::State::Bind(Prepared& prepared, const SqlText& sql) {
@@ -134,6 +149,11 @@ ResultTable Executor::State::Run(Prepared& prepared) {
     table.names = prepared.names;
     int result = SQLITE_ROW;
     while ((result = sqlite3_step(statement)) == SQLITE_ROW) {
+        if (prepared.finds_rows) {
+            prepared.changed->Delete(
+                RowId::FromWord(static_cast<std::uint32_t>(sqlite3_column_int64(statement, 0))));
+            continue;
+        }
         std::vector<Value>& row = table.rows.emplace_back();
         row.reserve(table.names.size());
         // The connection belongs to this thread alone, so a column's value may be read where it lies.

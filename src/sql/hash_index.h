@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <set>
 #include <span>
 #include <utility>
@@ -12,11 +13,12 @@
 
 namespace tav::jet {
 
-// Built at once from all rows of a table, kept current by its owner. A search may find a few rows too many
-// (equal hashes), never too few. Rows with a Null in one of the columns equal nothing and are left out.
+// Built at once from all rows of a table, kept current by its owner; 8 bytes a row. A search may find a few rows
+// too many (equal hashes), never too few. Rows with a Null in one of the columns equal nothing and are left out.
 class HashIndex {
  public:
-    HashIndex(Table& table, std::vector<std::size_t> columns);
+    // No value for a table with more rows than memory should hold this of.
+    static std::optional<HashIndex> Of(Table& table, std::vector<std::size_t> columns);
 
     const std::vector<std::size_t>& columns() const { return columns_; }
     // In the order of the row ids. `values` are those of columns().
@@ -27,8 +29,18 @@ class HashIndex {
     void Remove(std::span<const Value> row, RowId id);
 
  private:
+    // A row: the hash of its values, and below it the word of its id.
+    using Entry = std::uint64_t;
+
+    explicit HashIndex(std::vector<std::size_t> columns) : columns_(std::move(columns)) {}
+    std::optional<Entry> EntryOf(std::span<const Value> row, RowId id) const;
+    // Takes the changes into the entries once there are many.
+    void MergeMany();
+
     std::vector<std::size_t> columns_;
-    std::set<std::pair<std::uint64_t, std::uint32_t>> entries_;  // hash and row id
+    std::vector<Entry> entries_;  // sorted; but for these changes:
+    std::set<Entry> added_;
+    std::set<Entry> removed_;
 };
 
 }  // namespace tav::jet

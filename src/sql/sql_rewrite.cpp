@@ -79,11 +79,18 @@ class Rewriter {
         if (out_.kind == StatementKind::Insert) ReadInsertColumns();
         CheckDepth();
         for (std::size_t i = 0; i < tokens_.size(); ++i) Emit(i);
+        out_.reads_changed = out_.changed != nullptr && Mentions(*out_.changed) > 1;
         return std::move(out_);
     }
 
  private:
     const Token& At(std::size_t token) const { return statement_.At(token); }
+
+    std::ptrdiff_t Mentions(const TableDefinition& table) const {
+        std::ptrdiff_t mentions = 0;
+        for (std::size_t i = 0; i < tokens_.size(); ++i) mentions += statement_.TableAt(i) == &table;
+        return mentions;
+    }
 
     void CheckDepth() const {
         std::size_t depth = 0;
@@ -207,8 +214,20 @@ class Rewriter {
         }
     }
 
+    // SQLite takes these for a row's internal number.
+    void RefuseRowNumber(TextView name) const {
+        constexpr TextView kRowNumbers[] = {u"rowid", u"oid", u"_rowid_"};
+        const auto means = [&](TextView number) { return EqualNoCase(number, name); };
+        if (std::ranges::none_of(kRowNumbers, means)) return;
+        for (std::size_t i = 0; i < tokens_.size(); ++i) {
+            if (statement_.TableAt(i) != nullptr && statement_.TableAt(i)->FindColumn(name)) return;
+        }
+        throw Failure(u"No value given for one or more required parameters.").In(Text(name));
+    }
+
     void ColumnName(std::size_t i) {
         const Token& token = tokens_[i];
+        if (!At(i - 1).Is(u"as")) RefuseRowNumber(token.text);
         const Scope& scope = statement_.ScopeOf(i);
         const bool alone = !At(i + 1).Is(u".") && (At(i - 1).Is(u"by") || At(i - 1).Is(u","));
         const bool hidden =

@@ -51,6 +51,7 @@ struct Rewritten {
     StatementKind kind = StatementKind::Select;
     const TableDefinition* changed = nullptr;
     std::vector<std::size_t> unnamed;  // columns of `changed` that an insert does not name
+    bool reads_changed = false;        // in a select within the statement
     bool sorts_by_columns = false;     // select distinct without an order
     std::string sql;
     std::vector<Parameter> parameters;

@@ -29,7 +29,7 @@ bool IsOwn(const char* name) {
     return std::string_view(name == nullptr ? "" : name).substr(0, 7) == "sqlite_";
 }
 
-// What a statement may do. A row's internal number is no column.
+// What a statement may do.
 int Authorize(void* callbacks, int action, const char* first, const char* second, const char*, const char*) {
     const auto allowed = [&] {
         switch (action) {
@@ -38,9 +38,8 @@ int Authorize(void* callbacks, int action, const char* first, const char* second
             case SQLITE_INSERT:
             case SQLITE_UPDATE:
             case SQLITE_DELETE:
-                return !IsOwn(first);
             case SQLITE_READ:
-                return !IsOwn(first) && std::string_view(second) != "ROWID";
+                return !IsOwn(first);
             case SQLITE_FUNCTION:
                 return std::find(kFunctionNames.begin(), kFunctionNames.end(), second) !=
                        kFunctionNames.end();

@@ -38,6 +38,7 @@ struct Prepared {
     Rewritten rewritten;
     VirtualTable* changed;  // by an insert, update or delete
     StatementHandle statement;
+    bool finds_rows;             // it selects the numbers of the rows to be deleted
     std::vector<Text> names;     // of the result's columns
     std::vector<Value> written;  // values bound by reference that are not the text's own characters
 };

@@ -176,7 +176,8 @@ std::optional<std::vector<RowId>> TableSearch::Find(int plan_number, std::span<c
             return rows;
         }
     }
-    return ByHash(plan, arguments);
+    std::optional<std::vector<RowId>> rows = ByHash(plan, arguments);
+    return rows || !plan.index ? rows : ByIndex(plan, arguments);
 }
 
 std::optional<std::vector<RowId>> TableSearch::ByIndex(const SearchPlan& plan,
@@ -226,32 +227,34 @@ std::optional<std::vector<RowId>> TableSearch::ByRange(const SearchPlan& plan,
     return rows;
 }
 
-std::vector<RowId> TableSearch::ByHash(const SearchPlan& plan, std::span<const Value> arguments) {
-    auto hash = std::find_if(hashes_.begin(), hashes_.end(),
-                             [&](const auto& known) { return known->columns() == plan.equal; });
-    if (hash == hashes_.end()) {
-        hash = hashes_.insert(hash, std::make_unique<HashIndex>(*table_, plan.equal));
-    }
-    return (*hash)->Find(arguments);
+std::optional<std::vector<RowId>> TableSearch::ByHash(const SearchPlan& plan,
+                                                      std::span<const Value> arguments) {
+    const auto known = std::ranges::find(hashes_, plan.equal, &HashIndex::columns);
+    if (known != hashes_.end()) return known->Find(arguments);
+    if (too_large_) return std::nullopt;
+    std::optional<HashIndex> made = HashIndex::Of(*table_, plan.equal);
+    too_large_ = !made;
+    if (too_large_) return std::nullopt;
+    return hashes_.emplace_back(*std::move(made)).Find(arguments);
 }
 
 void TableSearch::Inserted(std::span<const Value> row, RowId id) {
-    for (const auto& hash : hashes_) hash->Add(row, id);
+    for (HashIndex& hash : hashes_) hash.Add(row, id);
 }
 
 void TableSearch::Updated(std::span<const Value> before, std::span<const Value> after, RowId id) {
-    for (const auto& hash : hashes_) {
-        const std::vector<std::size_t>& columns = hash->columns();
+    for (HashIndex& hash : hashes_) {
+        const std::vector<std::size_t>& columns = hash.columns();
         const bool same = std::all_of(columns.begin(), columns.end(),
                                       [&](std::size_t column) { return before[column] == after[column]; });
         if (same) continue;
-        hash->Remove(before, id);
-        hash->Add(after, id);
+        hash.Remove(before, id);
+        hash.Add(after, id);
     }
 }
 
 void TableSearch::Deleted(std::span<const Value> row, RowId id) {
-    for (const auto& hash : hashes_) hash->Remove(row, id);
+    for (HashIndex& hash : hashes_) hash.Remove(row, id);
 }
 
 }  // namespace tav::jet

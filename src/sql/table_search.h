@@ -3,7 +3,6 @@
 
 #include <sqlite3.h>
 
-#include <memory>
 #include <optional>
 #include <span>
 #include <vector>
@@ -57,13 +56,14 @@ class TableSearch {
     bool IsUniqueKey(const SearchPlan& plan) const;
     std::optional<std::vector<RowId>> ByIndex(const SearchPlan& plan, std::span<const Value> arguments);
     std::optional<std::vector<RowId>> ByRange(const SearchPlan& plan, std::span<const Value> arguments);
-    std::vector<RowId> ByHash(const SearchPlan& plan, std::span<const Value> arguments);
+    std::optional<std::vector<RowId>> ByHash(const SearchPlan& plan, std::span<const Value> arguments);
 
     Table* table_;
     std::vector<bool> has_keys_;  // by index of the file
     std::vector<SearchPlan> plans_;
     std::vector<bool> wide_;  // plans whose index alone finds too many rows
-    std::vector<std::unique_ptr<HashIndex>> hashes_;
+    std::vector<HashIndex> hashes_;
+    bool too_large_ = false;  // for a hash
 };
 
 }  // namespace tav::jet
