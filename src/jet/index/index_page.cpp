@@ -46,6 +46,12 @@ std::size_t CommonPrefix(std::string_view first, std::string_view last) {
                                     first.begin());
 }
 
+inline std::uint64_t IndexPage::MaskWord(std::size_t word) const {
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, bytes_ + kMaskAt + word * sizeof(bits), sizeof(bits));
+    return word + 1 < kMaskWords ? bits : bits & kLastWord;  // which reaches into the entries
+}
+
 IndexPage::IndexPage(const Page& page, PageNumber number, TextView file)
     : bytes_(page.data()), prefix_(U16(&page[24])), number_(number), file_(file) {
     const auto type = static_cast<PageType>(page[0]);
@@ -66,12 +72,6 @@ IndexPage::IndexPage(const Page& page, PageNumber number, TextView file)
 
 void IndexPage::Damaged(TextView reason) const {
     ThrowDamaged(file_, number_, Text(u"index page: ").append(reason));
-}
-
-std::uint64_t IndexPage::MaskWord(std::size_t word) const {
-    std::uint64_t bits = 0;
-    std::memcpy(&bits, bytes_ + kMaskAt + word * sizeof(bits), sizeof(bits));
-    return word + 1 < kMaskWords ? bits : bits & kLastWord;  // which reaches into the entries
 }
 
 std::size_t IndexPage::Boundary(std::size_t place) const {
@@ -111,13 +111,23 @@ int IndexPage::Compare(std::size_t place, std::string_view bytes) const {
 }
 
 std::size_t IndexPage::Find(std::string_view bytes) const {
-    if (IsEmpty()) return 0;
+    if (IsEmpty() || Compare(0, bytes) >= 0) return 0;
+    // What the other entries share with the first one begins `bytes` too, or they are all below.
+    if (Stored(0, prefix_) != bytes.substr(0, prefix_)) return used_;
+    const std::string_view rest = bytes.substr(prefix_);
+    const auto* entries = reinterpret_cast<const char*>(bytes_) + kEntriesAt;
+    const auto is_below = [&](std::size_t place) {
+        const std::size_t size = After(place) - place;
+        const bool usual = size >= ChildSize() && prefix_ + size > kRowIdSize + ChildSize();
+        if (!usual) return Compare(place, bytes) < 0;
+        return std::string_view(entries + place, size - ChildSize()) < rest;
+    };
     std::size_t high = LastPlace();
-    if (Compare(high, bytes) < 0) return used_;  // as when entries come in order
-    std::size_t low = 0;
+    if (high == 0 || is_below(high)) return used_;  // as when entries come in order
+    std::size_t low = After(0);
     while (low < high) {
         const std::size_t place = Boundary((low + high) / 2);
-        if (Compare(place, bytes) < 0) {
+        if (is_below(place)) {
             low = After(place);
         } else {
             high = place;
@@ -141,6 +151,8 @@ bool IndexPage::Equals(std::size_t place, std::string_view entry) const {
 
 PageNumber IndexPage::Child(std::size_t place) const {
     if (place >= used_) return Tail();
+    const std::size_t end = After(place);
+    if (end - place >= kChildSize) return BigU32(bytes_ + kEntriesAt + end - kChildSize);
     const std::string whole = Whole(place);
     if (whole.size() < kChildSize) Damaged(u"an entry is too short");
     return BigU32(reinterpret_cast<const std::uint8_t*>(whole.data()) + whole.size() - kChildSize);

@@ -1,5 +1,8 @@
 #include "jet/index/index_tree.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "common/failure.h"
 #include "jet/file/page_file.h"
 #include "jet/file/usage_map.h"
@@ -46,7 +49,7 @@ IndexPageEditor IndexTree::Edit(PageNumber number) {
     return page;
 }
 
-IndexTree::Path IndexTree::Descend(std::string_view entry) {
+IndexTree::Path IndexTree::Descend(std::string_view entry) const {
     Path path;
     path.reserve(4);
     for (PageNumber number = index_->root;;) {
@@ -59,9 +62,25 @@ IndexTree::Path IndexTree::Descend(std::string_view entry) {
     }
 }
 
+// Where an entry belongs. The leaf of its key, that HasKey found, is the right one if it ends after the entry or is
+// the last of all.
+IndexTree::Path IndexTree::WayTo(std::string_view entry) {
+    Path path = std::exchange(searched_, {});
+    if (path.empty()) return Descend(entry);
+    const IndexPage leaf = View(path.back().page);
+    const std::size_t place = leaf.Find(entry);
+    const bool last = place == leaf.Used();
+    if (last && !std::ranges::all_of(path.begin(), path.end() - 1, &Step::last)) return Descend(entry);
+    path.back() = {leaf.number(), place, last};
+    return path;
+}
+
 bool IndexTree::HasKey(std::string_view key) {
-    const Cursor cursor = Seek(key);
-    return !cursor.AtEnd() && cursor.key() == key;
+    searched_ = Descend(key);
+    const IndexPage leaf = View(searched_.back().page);
+    if (searched_.back().last) return false;
+    const std::string entry = leaf.Entry(searched_.back().place);
+    return entry.size() == key.size() + kRowIdSize && entry.starts_with(key);
 }
 
 void IndexTree::Add(std::string_view key, RowId row) {
@@ -69,7 +88,7 @@ void IndexTree::Add(std::string_view key, RowId row) {
         throw Failure(u"A key is too long for the index \"" + index_->name + u"\".");
     }
     const std::string entry = EntryOf(key, row);
-    Path path = Descend(entry);
+    Path path = WayTo(entry);
     const IndexPage leaf = View(path.back().page);
     if (leaf.Equals(path.back().place, entry)) leaf.Damaged(u"there is an entry of " + Named(row));
     for (const Step& step : path) {
@@ -133,6 +152,7 @@ void IndexTree::Split(Path& path, std::size_t level, const IndexPageEditor::Over
 
 void IndexTree::Remove(std::string_view key, RowId row) {
     const std::string entry = EntryOf(key, row);
+    searched_.clear();
     Path path = Descend(entry);
     std::size_t level = path.size() - 1;
     IndexPageEditor page = Edit(path[level].page);

@@ -34,7 +34,8 @@ class IndexTree {
     bool HasKey(std::string_view key);
 
     // Adds or removes one entry, splitting and dropping pages as needed. Adding an entry that is there, or
-    // removing one that is not, is a Failure: the index is damaged. A key is at most kMaxKeySize long.
+    // removing one that is not, is a Failure: the index is damaged. A key is at most kMaxKeySize long. What HasKey
+    // found out about the key serves the Add that follows; nobody else changes the tree in between.
     void Add(std::string_view key, RowId row);
     void Remove(std::string_view key, RowId row);
 
@@ -75,7 +76,8 @@ class IndexTree {
 
     IndexPage View(PageNumber page) const;
     IndexPageEditor Edit(PageNumber page);
-    Path Descend(std::string_view entry);
+    Path Descend(std::string_view entry) const;
+    Path WayTo(std::string_view entry);
 
     void Insert(Path& path, std::size_t level, std::string_view entry);
     void PushDown(Path& path);
@@ -93,6 +95,7 @@ class IndexTree {
     PageFile* file_;
     const TableDefinition* table_;
     const RealIndex* index_;
+    Path searched_;  // by HasKey, until the tree changes
 };
 
 }  // namespace tav::jet

@@ -6,7 +6,6 @@
 #include "common/failure.h"
 #include "jet/file/page_file.h"
 #include "jet/index/index_key.h"
-#include "jet/index/index_tree.h"
 #include "jet/schema/definition_layout.h"
 
 namespace tav::jet {
@@ -35,38 +34,38 @@ bool MakeKey(const TableDefinition& table, const RealIndex& index, std::span<con
 
 }  // namespace
 
-KeyChanges::KeyChanges(const TableDefinition& table, std::span<const Value> before,
+KeyChanges::KeyChanges(PageFile& file, const TableDefinition& table, std::span<const Value> before,
                        std::span<const Value> after)
-    : table_(table), changes_(table.indexes.size()) {
-    for (std::size_t i = 0; i < changes_.size(); ++i) {
-        const RealIndex& index = table.indexes[i];
-        changes_[i].had_entry = MakeKey(table, index, before, changes_[i].old_key);
-        changes_[i].has_entry = MakeKey(table, index, after, changes_[i].new_key);
+    : file_(file), table_(table) {
+    changes_.reserve(table.indexes.size());
+    for (const RealIndex& index : table.indexes) {
+        Change& change = changes_.emplace_back(Change{IndexTree(file, table, index)});
+        change.had_entry = MakeKey(table, index, before, change.old_key);
+        change.has_entry = MakeKey(table, index, after, change.new_key);
     }
 }
 
-void KeyChanges::Check(PageFile& file, std::span<const Value> after) {
+void KeyChanges::Check(std::span<const Value> after) {
     for (std::size_t i = 0; i < changes_.size(); ++i) {
         const RealIndex& index = table_.indexes[i];
         Change& change = changes_[i];
         if (index.required || index.primary) RefuseNulls(table_, index, after);
         if (!change.has_entry || change.IsSame()) continue;
-        change.is_new = !IndexTree(file, table_, index).HasKey(change.new_key);
+        change.is_new = !change.tree.HasKey(change.new_key);
         const bool unique = index.unique || index.primary;
         if (unique && !change.is_new && !AllNull(index, after)) throw Failure(kDuplicate).In(table_.name);
     }
 }
 
-void KeyChanges::Apply(PageFile& file, RowId id) const {
+void KeyChanges::Apply(RowId id) {
     for (std::size_t i = 0; i < changes_.size(); ++i) {
         const RealIndex& index = table_.indexes[i];
-        const Change& change = changes_[i];
+        Change& change = changes_[i];
         if (change.IsSame()) continue;
-        IndexTree tree(file, table_, index);
-        if (change.had_entry) tree.Remove(change.old_key, id);
-        if (change.has_entry) tree.Add(change.new_key, id);
+        if (change.had_entry) change.tree.Remove(change.old_key, id);
+        if (change.has_entry) change.tree.Add(change.new_key, id);
         if (!change.is_new) continue;
-        std::uint8_t* counter = file.Change(table_.page).data() + index.counter_at + layout::kDistinctKeysAt;
+        std::uint8_t* counter = file_.Change(table_.page).data() + index.counter_at + layout::kDistinctKeysAt;
         PutU32(counter, U32(counter) + 1);
     }
 }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "common/value.h"
+#include "jet/index/index_tree.h"
 #include "jet/schema/table_definition.h"
 
 namespace tav::jet {
@@ -19,17 +20,19 @@ class KeyChanges {
  public:
     // Row values in the order of the table's columns; `before` is empty for a row that is inserted,
     // `after` for one that is deleted. A value that has no key is a Failure that names column and index.
-    KeyChanges(const TableDefinition& table, std::span<const Value> before, std::span<const Value> after);
+    KeyChanges(PageFile& file, const TableDefinition& table, std::span<const Value> before,
+               std::span<const Value> after);
 
     // What breaks a rule is a Failure with the database engine's usual message.
-    void Check(PageFile& file, std::span<const Value> after);
+    void Check(std::span<const Value> after);
     // Removes and adds the entries of that row; counts keys that no row had.
-    void Apply(PageFile& file, RowId id) const;
+    void Apply(RowId id);
 
  private:
     struct Change {
-        std::string old_key;
-        std::string new_key;
+        IndexTree tree;
+        std::string old_key = {};
+        std::string new_key = {};
         bool had_entry = false;
         bool has_entry = false;
         bool is_new = false;  // no row had the new key yet
@@ -37,6 +40,7 @@ class KeyChanges {
         bool IsSame() const { return had_entry && has_entry && old_key == new_key; }
     };
 
+    PageFile& file_;
     const TableDefinition& table_;
     std::vector<Change> changes_;  // of each real index
 };

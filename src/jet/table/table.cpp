@@ -135,13 +135,13 @@ RowId Table::Insert(std::span<const Value> given) {
         values = filled;
     }
     EncodeRow(definition_, values, row_);
-    KeyChanges keys(definition_, {}, values);
-    keys.Check(*file_, values);
+    KeyChanges keys(*file_, definition_, {}, values);
+    keys.Check(values);
     CheckLongValues();
 
     WriteLongValues();
     const RowId id = space_.Add(row_.bytes);
-    keys.Apply(*file_, id);
+    keys.Apply(id);
     CountRows(1);
     NoteAutonumber(values);
     return id;
@@ -157,15 +157,15 @@ void Table::Update(RowId id, std::span<const Value> values) {
     }
     const OldRow old{&row, old_values};
     EncodeRow(definition_, values, row_, old);
-    KeyChanges keys(definition_, old_values, values);
-    keys.Check(*file_, values);
+    KeyChanges keys(*file_, definition_, old_values, values);
+    keys.Check(values);
     CheckLongValues();
     const std::vector<LongRecord> dropped =
         LongRecords(row, [&](std::size_t column) { return !old.Keeps(column, values[column]); });
 
     WriteLongValues();
     space_.Replace(place, row_.bytes);
-    keys.Apply(*file_, id);
+    keys.Apply(id);
     Drop(dropped);
     NoteAutonumber(values);
 }
@@ -174,10 +174,10 @@ void Table::Delete(RowId id) {
     RequireChangeable();
     const RowPlace place = FindOwnPlace(id);
     const Row row = RowAt(place);
-    const KeyChanges keys(definition_, row.All(), {});
+    KeyChanges keys(*file_, definition_, row.All(), {});
     const std::vector<LongRecord> dropped = LongRecords(row, [](std::size_t) { return true; });
 
-    keys.Apply(*file_, id);
+    keys.Apply(id);
     space_.Remove(place);
     Drop(dropped);
     CountRows(-1);
