@@ -11,10 +11,6 @@ namespace {
 
 constexpr PageNumber kSystemPages = 6;  // header, global map, definitions of the core tables: never free
 
-bool Holds(const PageSet& set, PageNumber page) {
-    return page < set.size() && set[page];
-}
-
 Allocation& Known(PageFile& file) {
     Allocation& known = file.allocation();
     if (known.known_since == file.Rollbacks()) return known;
@@ -22,7 +18,7 @@ Allocation& Known(PageFile& file) {
     map.Check();
     PageSet in_use = known.find_pages_in_use == nullptr ? PageSet() : known.find_pages_in_use(file);
     for (const PageNumber bitmap : map.BitmapPages()) {
-        if (Holds(in_use, bitmap)) file.Damaged(bitmap, u"a bitmap of the map of free pages is used twice");
+        if (in_use.Has(bitmap)) file.Damaged(bitmap, u"a bitmap of the map of free pages is used twice");
     }
     known.in_use = std::move(in_use);
     known.none_free_below = kSystemPages;
@@ -33,7 +29,7 @@ Allocation& Known(PageFile& file) {
 // The first page from there on that can be taken, or the page count.
 PageNumber FindFree(const GlobalMap& map, const Allocation& known, PageNumber from, PageNumber end) {
     PageNumber page = map.FindFree(from);
-    while (page < end && Holds(known.in_use, page)) page = map.FindFree(page + 1);
+    while (page < end && known.in_use.Has(page)) page = map.FindFree(page + 1);
     return page;
 }
 
@@ -63,9 +59,10 @@ void FreePage(PageFile& file, PageNumber page) {
         file.Damaged(kGlobalPage, Concat(u"page ", Digits(page), u" cannot be freed"));
     }
     GlobalMap map(file);
-    if (!map.Covers(page)) map.Cover(page);
+    if (!map.Covers(page) && map.PagesToAppend() > 0) map.Cover(page);
+    if (!map.Covers(page)) return;
     map.SetFree(page, true);
-    if (Holds(known.in_use, page)) known.in_use[page] = false;
+    known.in_use.Remove(page);
     known.none_free_below = std::min(known.none_free_below, page);
 }
 

@@ -7,16 +7,12 @@
 
 #include <cstdint>
 #include <optional>
-#include <vector>
 
-#include "jet/file/format.h"
+#include "jet/file/page_set.h"
 
 namespace tav::jet {
 
 class PageFile;
-
-// By page number; a shorter set ends with pages that are not in it.
-using PageSet = std::vector<bool>;
 
 // What is kept for this with an open file.
 struct Allocation {
@@ -32,7 +28,8 @@ struct Allocation {
 // order they were inserted. A Failure when the file has reached its maximum size.
 PageNumber AllocatePage(PageFile& file, PageNumber above = 0);
 
-// Gives a page back. The caller's map still lists it.
+// Gives a page back. The caller's map still lists it. In a full file a page that the map of free pages does not
+// cover, and cannot be made to cover, stays out of use.
 void FreePage(PageFile& file, PageNumber page);
 
 // How many pages AllocatePage can give, one after another with that `above`; the count ends at `most`.

@@ -22,18 +22,12 @@ PageNumber InFile(const PageFile& file, Pointer record, PageNumber first, PageNu
     return page;
 }
 
-// Calls take(page) for the pages of a map, ascending.
-template <class Take>
-void ForEach(const PageFile& file, const MapRecord& map, Pointer record, Take take) {
+std::vector<MapSegment> Segments(const MapRecord& map) {
+    std::vector<MapSegment> segments;
     for (std::size_t i = 0; i < map.SegmentCount(); ++i) {
-        const std::optional<MapSegment> segment = map.Segment(i);
-        if (!segment) continue;
-        const std::uint8_t* bits = map.Bits(*segment);
-        const PageNumber count = segment->count;
-        for (PageNumber at = FindBit(bits, 0, count); at < count; at = FindBit(bits, at + 1, count)) {
-            take(InFile(file, record, segment->first, at));
-        }
+        if (const std::optional<MapSegment> segment = map.Segment(i)) segments.push_back(*segment);
     }
+    return segments;
 }
 
 }  // namespace
@@ -42,11 +36,16 @@ bool UsageMap::Contains(PageNumber page) const {
     return MapRecord(*file_, record_).Contains(page);
 }
 
+bool UsageMap::AddInPlace(PageNumber page) {
+    const MapRecord map(*file_, record_);
+    if (!map.SegmentOf(page) && !(map.IsInline() && MoveWindow(page))) return false;
+    map.Set(page, true);
+    return true;
+}
+
 void UsageMap::Add(PageNumber page) {
-    if (MapRecord(*file_, record_).IsInline() && !MapRecord(*file_, record_).SegmentOf(page) &&
-        !MoveWindow(page)) {
-        TurnIntoReferences();
-    }
+    if (AddInPlace(page)) return;
+    if (MapRecord(*file_, record_).IsInline()) TurnIntoReferences();
     const MapRecord map(*file_, record_);
     if (!map.SegmentOf(page)) {
         const std::size_t entry = map.IndexOf(page);
@@ -105,9 +104,30 @@ void UsageMap::DropPage(PageNumber page) {
 }
 
 std::vector<PageNumber> UsageMap::Pages() const {
+    const MapRecord map(*file_, record_);
     std::vector<PageNumber> pages;
-    ForEach(*file_, MapRecord(*file_, record_), record_, [&](PageNumber page) { pages.push_back(page); });
+    for (const MapSegment& segment : Segments(map)) {
+        const std::uint8_t* bits = map.Bits(segment);
+        const PageNumber count = segment.count;
+        for (PageNumber at = FindBit(bits, 0, count); at < count; at = FindBit(bits, at + 1, count)) {
+            pages.push_back(InFile(*file_, record_, segment.first, at));
+        }
+    }
     return pages;
+}
+
+std::optional<PageNumber> UsageMap::JoinInto(PageSet& pages) const {
+    const MapRecord map(*file_, record_);
+    for (const MapSegment& segment : Segments(map)) {
+        const std::uint8_t* bits = map.Bits(segment);
+        const PageNumber count = segment.count;
+        if (pages.Join(bits, count / 8, segment.first)) continue;
+        for (PageNumber at = FindBit(bits, 0, count); at < count; at = FindBit(bits, at + 1, count)) {
+            const PageNumber page = InFile(*file_, record_, segment.first, at);
+            if (!pages.Add(page)) return page;
+        }
+    }
+    return std::nullopt;
 }
 
 PageNumber UsageMap::Last() const {
@@ -125,9 +145,7 @@ std::vector<PageNumber> UsageMap::BitmapPages() const {
     const MapRecord map(*file_, record_);
     std::vector<PageNumber> pages;
     if (map.IsInline()) return pages;
-    for (std::size_t i = 0; i < map.SegmentCount(); ++i) {
-        if (const std::optional<MapSegment> segment = map.Segment(i)) pages.push_back(segment->page);
-    }
+    for (const MapSegment& segment : Segments(map)) pages.push_back(segment.page);
     return pages;
 }
 

@@ -1,9 +1,11 @@
 // Usage maps of tables, indexes and long values: the pages that belong to each (map_record.h).
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "jet/file/format.h"
+#include "jet/file/page_set.h"
 
 namespace tav::jet {
 
@@ -18,6 +20,8 @@ class UsageMap {
 
     bool Contains(PageNumber page) const;
     void Add(PageNumber page);
+    // The same if it takes no page of the file; whether it did.
+    bool AddInPlace(PageNumber page);
     void Remove(PageNumber page);
     // Allocates a page for the owner of the set, adds it, and returns it (page_allocation.h).
     PageNumber TakePage(PageNumber above = 0);
@@ -25,6 +29,9 @@ class UsageMap {
     void DropPage(PageNumber page);
     // Ascending. A page beyond the end of the file is damage.
     std::vector<PageNumber> Pages() const;
+    // Adds all pages to another set, which has a place for each page of the file. The first of them that was in it
+    // already, where there is one, ends it.
+    std::optional<PageNumber> JoinInto(PageSet& pages) const;
     // The highest page of the set, 0 when it is empty.
     PageNumber Last() const;
     // The pages that hold the map's own bitmaps (none when it is inline).

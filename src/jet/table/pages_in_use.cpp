@@ -11,9 +11,11 @@
 namespace tav::jet {
 namespace {
 
+constexpr TextView kTwice = u"two tables or indexes use it";
+
 class Join {
  public:
-    explicit Join(PageFile& file) : file_(&file), pages_(file.PageCount()), map_pages_(file.PageCount()) {
+    explicit Join(PageFile& file) : file_(&file), pages_(file.PageCount()) {
         Claim(0);
         Claim(kGlobalPage);
     }
@@ -32,9 +34,8 @@ class Join {
 
  private:
     void Claim(PageNumber page) {
-        if (page >= pages_.size()) file_->Damaged(page, u"the file ends before it");
-        if (pages_[page]) file_->Damaged(page, u"two tables or indexes use it");
-        pages_[page] = true;
+        if (page >= file_->PageCount()) file_->Damaged(page, u"the file ends before it");
+        if (!pages_.Add(page)) file_->Damaged(page, kTwice);
     }
 
     // The pages of the map itself, and its members when they belong to nobody else. Two maps may share a page.
@@ -44,15 +45,14 @@ class Join {
             file_->Damaged(record.page, u"two tables or indexes share a map");
         const UsageMap map(*file_, record);
         for (const PageNumber page : map.BitmapPages()) Claim(page);
-        if (!map_pages_.at(record.page)) Claim(record.page);
-        map_pages_[record.page] = true;
+        if (map_pages_.insert(record.page).second) Claim(record.page);
         if (!owns) return;
-        for (const PageNumber page : map.Pages()) Claim(page);
+        if (const std::optional<PageNumber> page = map.JoinInto(pages_)) file_->Damaged(*page, kTwice);
     }
 
     PageFile* file_;
     PageSet pages_;
-    PageSet map_pages_;
+    std::set<PageNumber> map_pages_;
     std::set<Pointer> records_;
 };
 

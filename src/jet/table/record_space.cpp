@@ -1,6 +1,5 @@
 #include "jet/table/record_space.h"
 
-#include "jet/file/page_allocation.h"
 #include "jet/file/page_file.h"
 #include "jet/file/usage_map.h"
 
@@ -9,7 +8,6 @@ namespace {
 
 constexpr std::uint16_t kNearlyFull = 200;  // free bytes below which a page leaves the map of pages with room
 constexpr std::size_t kSlotSize = 2;
-constexpr PageNumber kPagesOfMap = 17;  // that a map may take at most when it grows
 
 bool HasMap(Pointer map) {
     return map.page != 0;
@@ -72,10 +70,8 @@ void RecordSpace::Drop(Pointer at) {
         if (RecordAt(*file_, at.page, page, slot).IsDeleted()) continue;
         const bool has_room_again =
             free_before < kNearlyFull && FreeBytes(*file_, at.page, page) >= kNearlyFull;
-        // The map is a hint. In a full file, where it could not grow, a row can be deleted all the same.
-        if (has_room_again && HasMap(free_map_) && PagesLeft(*file_, 0, kPagesOfMap) == kPagesOfMap) {
-            UsageMap(*file_, free_map_).Add(at.page);
-        }
+        // The map is a hint. It never takes a page for it, so that rows of a full file can be deleted.
+        if (has_room_again && HasMap(free_map_)) UsageMap(*file_, free_map_).AddInPlace(at.page);
         return;
     }
     Release(at.page);
