@@ -1,5 +1,5 @@
-// Files whose maps have the forms that other programs leave, made by editing pages: each takes rows and loses
-// none, or is refused by the page that contradicts itself and stays as it is.
+// Files whose maps have the forms that other programs leave, and files that contradict themselves, made by editing
+// pages: each takes rows and loses none, or is refused by name and stays as it is.
 #include <gmock/gmock.h>
 
 #include <filesystem>
@@ -12,6 +12,7 @@
 #include "jet/file/rollback_journal.h"
 #include "jet/file/usage_map.h"
 #include "jet/jet_fixtures.h"
+#include "jet/schema/definition_layout.h"
 
 namespace tav::jet {
 namespace {
@@ -21,6 +22,8 @@ using tav::test::FailureOf;
 using tav::test::NewDatabase;
 using tav::test::PageOfText;
 using tav::test::TempFolder;
+using tav::test::Thing;
+using tav::test::Values;
 
 using Bytes = std::vector<std::uint8_t>;
 
@@ -59,14 +62,14 @@ Page PageOne(const Bytes& free, const Bytes& released) {
 }
 
 // A database under a test's hands: `plain` has 300 pages of rows, the table between them and the end is gone,
-// so that every second page of the last 100 is free.
+// so that every second page of the last 100 is free; `things` has a row with a value in a chain of records.
 struct Forms {
-    FileBytes file;
+    FileBytes file{{}};
     PageNumber count = 0;
     Pointer owned;  // the map of `plain`
-
-    explicit Forms(const std::string& bytes, Pointer map)
-        : file(bytes), count(file.PageCount()), owned(map) {}
+    TableDefinition things;
+    RowId row;
+    std::vector<Pointer> chain;
 
     void SetGlobal(const Bytes& free, const Bytes& released) {
         const Page page = PageOne(free, released);
@@ -78,6 +81,10 @@ struct Forms {
         return [bits, last = count](PageNumber page) { return page >= last || bits[page]; };
     }
     Bytes Released(std::size_t size = kReferenceSize) { return Inline(0, size, kNone); }
+    // A column of `things`, as its definition has it.
+    std::uint8_t* ColumnBlock(std::size_t column) {
+        return file.At(things.page, layout::kHeader + layout::kCounter * things.indexes.size() + 25 * column);
+    }
     // A page more for a bitmap.
     PageNumber Append() {
         file.bytes().append(kPageSize, '\0');
@@ -176,6 +183,28 @@ const Form kForms[] = {
      5},
     {"page beyond the end", [](Forms& f) { f.file.SetBit(f.owned, 500, true); },
      "a page beyond the end of the file", 7},
+    {"map beyond the end",
+     [](Forms& f) {
+         PutU32(f.file.At(f.things.page, 55), Pointer{f.count, 0}.Word());
+     },
+     "the file ends before it", 4},
+    {"bitmap that is another table's page",
+     [](Forms& f) { f.file.SetBit(f.things.owned_map, MakeReferenceOwned(f), true); },
+     "two tables or indexes use it", 5},
+    {"file without its last page", [](Forms& f) { f.file.bytes().resize(f.file.bytes().size() - kPageSize); },
+     "a page beyond the end of the file", 7},
+    {"file without half a page",
+     [](Forms& f) { f.file.bytes().resize(f.file.bytes().size() - kPageSize / 2); }, "its size is wrong", 1},
+    {"chain in a circle", [](Forms& f) { PutU32(f.file.Record(f.chain.back()), f.chain.front().Word()); },
+     "column 'data' has a long value whose records lead in a circle", 17},
+    {"Decimal of more decimals than digits",
+     [](Forms& f) {
+         std::uint8_t* column = f.ColumnBlock(2);
+         column[0] = static_cast<std::uint8_t>(ColumnType::Numeric);
+         column[11] = 18;
+         column[12] = 19;
+     },
+     "column 'amount' has an impossible precision or scale", 10},
 };
 
 class MapForms : public testing::Test {
@@ -187,9 +216,16 @@ class MapForms : public testing::Test {
         std::vector<RowId> rows;
         for (int i = 0; i < 300; ++i) rows.push_back(plain.Insert(PageOfText()));
         for (int i = 200; i < 300; i += 2) plain.Delete(rows[static_cast<std::size_t>(i)]);
+        Table& things = *database.FindTable(u"things");
+        Values thing = Thing(-1, u"x");
+        thing[6] = Binary{std::string(9000, 'x')};
+        good_.row = things.Insert(thing);
+        good_.chain = things.Find(good_.row).LongRecords(6);
+        good_.owned = plain.definition().owned_map;
+        good_.things = things.definition();
+        good_.count = database.file().PageCount();
         database.file().Commit();
-        owned_ = plain.definition().owned_map;
-        bytes_ = ReadFile(path);
+        good_.file = FileBytes(ReadFile(path));
     }
     int Count(Database& database) {
         int rows = 0;
@@ -200,27 +236,27 @@ class MapForms : public testing::Test {
     }
 
     TempFolder folder_;
-    std::string bytes_;
-    Pointer owned_;
+    Forms good_;
 };
 
 // Rows are added and deleted; no row is lost, no page of the released map is taken.
-void Use(Database& database) {
+void Use(Database& database, RowId long_row) {
     Table& plain = *database.FindTable(u"plain");
     Table& things = *database.FindTable(u"things");
     std::vector<RowId> rows;
     for (int i = 0; i < 400; ++i) {
         rows.push_back(plain.Insert(PageOfText()));
-        things.Insert(tav::test::Thing(i, Text(200, u'ы')));
+        things.Insert(Thing(i, Text(200, u'ы')));
     }
     for (std::size_t i = 0; i < rows.size(); i += 2) plain.Delete(rows[i]);
+    things.Delete(long_row);
     database.file().Commit();
 }
 
 TEST_F(MapForms, TakeRowsOrAreRefusedAsTheyAre) {
     for (const Form& form : kForms) {
         SCOPED_TRACE(form.what);
-        Forms forms(bytes_, owned_);
+        Forms forms = good_;
         form.make(forms);
         const Text path = folder_.Write(u"form.mdb", forms.file.bytes());
         std::vector<int> errors;
@@ -231,10 +267,11 @@ TEST_F(MapForms, TakeRowsOrAreRefusedAsTheyAre) {
         EXPECT_EQ(std::ranges::count(errors, form.error) > 0, form.error != 0);
         const std::string failure = FailureOf([&] {
             Database database(path, Database::Access::Write);
-            Use(database);
+            Use(database, forms.row);
         });
         if (form.refusal != nullptr) {
             EXPECT_THAT(failure, testing::HasSubstr(form.refusal));
+            EXPECT_THAT(failure, testing::HasSubstr("form.mdb"));
             EXPECT_EQ(ReadFile(path), forms.file.bytes());
             continue;
         }
