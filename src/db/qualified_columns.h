@@ -7,8 +7,9 @@
 
 namespace tav {
 
-// The text with the columns of such names qualified by their table, in every select with one table in its
-// from clause: "select max(t.tid) as tid from t". Any other text as it is.
+// The text with the columns of such names qualified, in every select with one table in its from clause by that
+// table ("select max(t.tid) as tid from t"), and in every select from another one by a name that this gets:
+// "select sum(q.m1) as m1 from (select ...) as q". Any other text as it is.
 Text QualifiedColumns(const Text& sql);
 
 }  // namespace tav

@@ -1,11 +1,16 @@
 // The engine of an ADO provider, against a double of the provider's objects.
 
+#include "common/concat.h"
 #include "db/ado_double_windows.h"
 #include "db/database_fixture.h"
 #include "db/holdings.h"
 #include "db/literals.h"
 #include "db/native_engine.h"
 #include "platform/win32_windows.h"
+#include "reports/get_files.h"
+#include "reports/get_files_act.h"
+#include "reports/get_vipis.h"
+#include "settings/session.h"
 
 namespace tav {
 namespace {
@@ -35,9 +40,23 @@ class Ado : public OperationsDatabase {
         }
         return all;
     }
+    // Name and bytes of every file that the reports write.
+    std::vector<std::string> Reports(TextView name) const {
+        std::vector<std::string> all;
+        for (const TextView kpp : {TextView(u"770101001"), kAllSubdivisions}) {
+            const Text out = folder_ / Concat(name, kpp, u"/");
+            MakeFolders(out);
+            GetVipis(database_, 1, out);
+            GetFiles(database_, u"7701234567", kpp, out);
+            GetFilesAct(database_, u"7701234567", kpp, out);
+            for (const Text& file : ListFiles(out, u".doc"))
+                all.push_back(ToUtf8(file) + ReadFile(out + file));
+        }
+        return all;
+    }
     void LoadBoth() const {
         Load({{u"a.rtf", StatementPart({}, {u"p01=01.02.2011|p03=Уплата|p09=налог|p11=123.45"})},
-              {u"b.rtf", ActPart({}, u"p0011=1.00|p1111=-2.50")}});
+              {u"b.rtf", ActPart({.code = u"18210602"}, u"p0011=1.00|p1111=-2.50")}});
     }
 };
 
@@ -78,6 +97,8 @@ TEST_F(Ado, AnImportAndItsReportsEndAsWithTheNativeEngine) {
     LoadBoth();
     ConstrTabTypeOper(database_);
     const auto native = Everything();
+    const auto reports = Reports(u"native");
+    EXPECT_THAT(reports, SizeIs(8));
     const auto held = HeldDocuments(database_, {}, {}).size();
     clearbaseAll(database_);
     {
@@ -85,6 +106,7 @@ TEST_F(Ado, AnImportAndItsReportsEndAsWithTheNativeEngine) {
         LoadBoth();
         ConstrTabTypeOper(database_);
         EXPECT_EQ(HeldDocuments(database_, {}, {}).at(held - 1).id, static_cast<std::int64_t>(held));
+        EXPECT_EQ(Reports(u"ado"), reports);
         EXPECT_THAT(AdoDouble::Calls(), testing::Contains(u"Jet OLEDB:Max Locks Per File=1000000"));
         EXPECT_THAT(AdoDouble::Calls(),
                     testing::Contains(
