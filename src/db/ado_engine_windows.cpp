@@ -29,7 +29,7 @@ constexpr TextView kStatesOfStatement[] = {u"3022", u"3058", u"3061", u"3075", u
                                            u"3316", u"3317", u"3349", u"3421", u"3464"};
 
 // Those of an open or a statement that somebody else's use of the file is in the way of.
-constexpr TextView kStatesOfUse[] = {u"3006", u"3045", u"3050", u"3196", u"3356"};
+constexpr TextView kStatesOfUse[] = {u"3006", u"3045", u"3050", u"3051", u"3196", u"3356", u"3704"};
 
 // A clear of a large database locks every page of a table at once; a provider begins with 9,500 locks.
 constexpr long kMostLocks = 1'000'000;

@@ -35,8 +35,11 @@ Opened Open(const OpenRequest& request) {
         try {
             const Text why = Concat(kNative, u" (", provider, u": ", failure.description(), u")");
             return {OpenNativeEngine(request), why};
-        } catch (const Failure&) {
-            throw failure.In(provider);
+        } catch (const Failure& native) {
+            // Whatever number the provider has for it.
+            const bool held = native.error() == RunTimeError::FileInUse;
+            throw held ? Failure(RunTimeError::FileInUse, failure.description()).In(provider)
+                       : failure.In(provider);
         }
     }
     try {

@@ -1,11 +1,14 @@
 // The engine of an ADO provider, against a double of the provider's objects.
 
+#include <thread>
+
 #include "common/concat.h"
 #include "db/ado_double_windows.h"
 #include "db/database_fixture.h"
 #include "db/holdings.h"
 #include "db/literals.h"
 #include "db/native_engine.h"
+#include "db/patience.h"
 #include "platform/win32_windows.h"
 #include "reports/get_files.h"
 #include "reports/get_files_act.h"
@@ -134,6 +137,21 @@ TEST_F(Ado, AProviderThatIsNoUseForTheFileIsReplaced) {
     const AdoDouble ado({.refusal = u"Could not use it; file already in use.", .refusal_state = u"3045"});
     clearbaseAll(database_);
     EXPECT_THAT(Shown(), SizeIs(3));
+}
+
+TEST_F(Ado, AHeldFileIsWaitedForWhateverNumberTheProviderHasForIt) {
+    const DatabasePatience wait;
+    for (const TextView state : {u"3051", u"4711"}) {
+        const AdoDouble ado({.refusal_state = Text(state)});
+        win32::Handle holder = win32::OpenFile(database_, GENERIC_READ, 0);
+        std::thread lets_go([&] {
+            ::Sleep(700);
+            holder.Close();
+        });
+        clearbaseAll(database_);
+        lets_go.join();
+    }
+    EXPECT_THAT(Shown(), IsEmpty());
 }
 
 TEST_F(Ado, WhatNoProcedureAsksForIsPassedOver) {
