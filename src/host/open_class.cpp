@@ -70,7 +70,7 @@ const Date OpenClass::kNoDateLimit = *DateFromCivil({2099, 1, 1});
 
 void OpenClass::start(TextView inn, TextView kpp, Date vdm) {
     Guarded(u"Ошибка в функции Start", [&] {
-        Taxpayer() = {Text(Trim(inn)), Text(Trim(kpp)), FormatDate(Date{std::floor(vdm.serial)})};
+        Taxpayer() = {Text(Trim(inn)), Text(Trim(kpp)), FormatDate(Date{std::trunc(vdm.serial)})};
         UseWindows();
         Shared<frmmain>().Show();
     });
@@ -92,8 +92,13 @@ void OpenClass::import(TextView inn, TextView kpp) {
     Guarded(u"Ошибка в функции import", [&] {
         UseWindowsIfAny();
         const DatabasePatience wait;
+        // Whatever ends the import: the host may not serve its timer.
+        const struct Closing {
+            ~Closing() {
+                GuardedBy([] { Shared<frmShortImport>().CloseNow(); }, [](const Failure&) {});
+            }
+        } closing;
         RunImport(ChooseFolders({}, {}), inn, kpp);
-        Shared<frmShortImport>().CloseNow();  // the host may not serve its timer
         Shared<frmmain>().Refill();
     });
 }
