@@ -24,12 +24,13 @@ Const kKey = "Software\TAV_OperationImport.SelfTest"
 Const kInn = "7701234567"
 Const kKpp = "770101001"
 
-Dim files, shell, environment, package, work, tav, failures, verdict, provider, component
+Dim files, shell, environment, package, work, tav, failures, verdict, verdict_path, provider, component
 Set files = CreateObject("Scripting.FileSystemObject")
 Set shell = CreateObject("WScript.Shell")
 Set environment = shell.Environment("PROCESS")
 package = files.GetParentFolderName(WScript.ScriptFullName)
 failures = 0
+OpenVerdict
 
 tav = package & "\tav.exe"
 If WScript.Arguments.Count > 0 Then tav = WScript.Arguments(0)
@@ -50,6 +51,8 @@ If Run("db create --database " & Quoted(work & "\empty.mdb")) <> 0 Then GiveUp "
 MakePlace "class"
 MakePlace "own"
 MakeComponent
+UsePlace "class"
+Note "The class uses: " & FirstLine(Output("db check", "class", EngineOfClass()))
 
 UsePlace "own"
 Expect Run("import --inn " & kInn & " --kpp " & kKpp) = 0, "tav.exe imports with its own engine"
@@ -64,9 +67,9 @@ UseClass "view_a"
 CompareFiles "class\out", "own\out"
 CompareFiles "class\in", "own\in"
 Compare "read by the own engine, the rows of the class and of tav.exe", Dump("class"), Dump("own")
+Compare "the lists of what the class and tav.exe have stored", Output("list", "class", EngineOfClass()), Output("list", "own", "native")
 If provider <> "" Then
     Compare "read by the provider, the rows of the class and of tav.exe", Rows("class"), Rows("own")
-    Compare "the lists that the provider and the own engine give", Output("list", "class", ""), Output("list", "class", "native")
     TryCompacting
 End If
 Expect RunWith("clear --inn " & kInn & " --kpp " & kKpp & " --database " & Quoted(Database("class")), EngineOfClass()) = 0, _
@@ -249,10 +252,25 @@ Function Output(words, place, engine)
     Output = Content(file)
 End Function
 
+Function FirstLine(text)
+    FirstLine = Left(text, InStr(text & vbLf, vbLf) - 1)
+End Function
+
 Function Content(file)
-    Dim stream
-    Content = ""
-    If files.GetFile(file).Size > 0 Then Content = files.OpenTextFile(file).ReadAll
+    Content = ContentAs(file, 0)
+End Function
+
+Function ContentAs(file, format)
+    ContentAs = ""
+    If files.GetFile(file).Size > 0 Then ContentAs = files.OpenTextFile(file, 1, False, format).ReadAll
+End Function
+
+' Read as pairs of bytes, which no code page changes; the last one of an odd number is seen by the system's.
+Function SameBytes(file, other)
+    SameBytes = False
+    If file.Size <> other.Size Then Exit Function
+    If ContentAs(file.Path, -1) <> ContentAs(other.Path, -1) Then Exit Function
+    SameBytes = Content(file.Path) = Content(other.Path)
 End Function
 
 ' The files of two folders, by their names and bytes; those of the documents as they are converted.
@@ -267,7 +285,7 @@ Sub CompareFiles(folder, other)
         left = left - 1
         If Not files.FileExists(twin) Then
             Expect False, "there is a file " & twin
-        ElseIf Content(twin) <> Content(file.Path) Then
+        ElseIf Not SameBytes(file, files.GetFile(twin)) Then
             Expect False, "the same bytes: " & twin & ", " & file.Path
         End If
     Next
@@ -336,8 +354,20 @@ Function Quoted(path)
     Quoted = """" & path & """"
 End Function
 
+' Each line is in the file as soon as it is known: what ends this script by itself leaves those before it.
+Sub OpenVerdict
+    Dim folder
+    On Error Resume Next
+    For Each folder In Array(package, files.GetSpecialFolder(2).Path)
+        Err.Clear
+        verdict_path = folder & "\selftest.txt"
+        Set verdict = files.CreateTextFile(verdict_path, True, True)
+        If Err.Number = 0 Then Exit Sub
+    Next
+End Sub
+
 Sub Note(line)
-    verdict = verdict & line & vbCrLf
+    If IsObject(verdict) Then verdict.WriteLine line
     WScript.Echo line
 End Sub
 
@@ -370,16 +400,8 @@ Sub GiveUp(why)
 End Sub
 
 Sub Leave(code)
-    Dim path, file
-    On Error Resume Next
-    For Each path In Array(package, files.GetSpecialFolder(2).Path)
-        Err.Clear
-        Set file = files.CreateTextFile(path & "\selftest.txt", True, True)
-        file.Write verdict
-        file.Close
-        If Err.Number = 0 Then Exit For
-    Next
-    WScript.Echo "To send: " & path & "\selftest.txt"
+    If IsObject(verdict) Then verdict.Close
+    WScript.Echo "To send: " & verdict_path
     WScript.Quit code
 End Sub
 
