@@ -75,12 +75,14 @@ HRESULT OpenClassObject::GetTypeInfoCount(UINT* count) {
 }
 
 HRESULT OpenClassObject::GetTypeInfo(UINT index, LCID, ITypeInfo** info) {
+    const win32::OwnFloatingPoint own;
     if (info == nullptr) return E_POINTER;
     *info = nullptr;
     return index == 0 ? TypeInfoOf(kInterfaceId, info) : DISP_E_BADINDEX;
 }
 
 HRESULT OpenClassObject::GetClassInfo(ITypeInfo** info) {
+    const win32::OwnFloatingPoint own;
     if (info == nullptr) return E_POINTER;
     *info = nullptr;
     return TypeInfoOf(kClassId, info);

@@ -2,7 +2,8 @@
 // compute with less precision, and neither our code nor the libraries it uses is made for that.
 //
 // Every function that is called from outside (methods, exports, window procedures, hooks) has one guard,
-// before all else. What a library that is loaded meanwhile does to the settings does not reach the host,
+// before all else; but not those that only count and compare: QueryInterface, AddRef, Release, LockServer,
+// DllGetClassObject, DllCanUnloadNow, GetTypeInfoCount. What a library that is loaded meanwhile does to the settings does not reach the host,
 // either.
 #pragma once
 

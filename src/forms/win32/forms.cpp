@@ -7,6 +7,7 @@
 #include "forms/win32/message_loop.h"
 #include "forms/win32/shown_forms.h"
 #include "forms/win32/theme.h"
+#include "platform/floating_point_windows.h"
 
 namespace tav {
 namespace {
@@ -28,6 +29,7 @@ class ScopedOle {
 };
 
 int CALLBACK OnBrowse(HWND dialog, UINT message, LPARAM, LPARAM start) {
+    const win32::OwnFloatingPoint own;
     if (message == BFFM_INITIALIZED) ::SendMessageW(dialog, BFFM_SETSELECTIONW, TRUE, start);
     return 0;
 }
