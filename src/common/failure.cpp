@@ -63,7 +63,7 @@ Failure CurrentFailure() {
         return Failure(RunTimeError::OutOfMemory);
     } catch (const std::exception& other) {
         return Failure(FromUtf8(other.what()));
-    } catch (...) {  // of another language, or of the processor
+    } catch (...) {  // of another language
         return Failure(u"Application-defined or object-defined error");
     }
 }

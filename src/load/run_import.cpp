@@ -120,13 +120,7 @@ ImportResult RunImport(const ImportFolders& folders, TextView inn, TextView kpp)
     if (running || folders.import.empty() || !PassCancelGuard()) return {};
     const RunningImport this_one(inn);
     const auto import = std::make_shared<Import>(Import{folders, Text(inn), Text(kpp), {}});
-    try {
-        RunAside([import] { import->result = ScanAndLoad(import->folders, import->inn, import->kpp); });
-    } catch (...) {
-        // What the processor raises leaves functions as they are, down to the next catch: without it the mark
-        // would stay.
-        throw CurrentFailure();
-    }
+    RunAside([import] { import->result = ScanAndLoad(import->folders, import->inn, import->kpp); });
     return std::move(import->result);
 }
 
