@@ -4,10 +4,20 @@
 
 #include "forms/win32/shown_forms.h"
 
+// Gives back what the C++ library sets aside while it loads, for exceptions that find no memory.
+namespace __gnu_cxx {
+void __freeres();
+}
+
 namespace tav {
 namespace {
 
 std::atomic<long> locks = 0;
+
+// Hosts may load and unload a library as often as they like, without any object.
+const struct Unloading {
+    ~Unloading() { __gnu_cxx::__freeres(); }
+} unloading;
 
 }  // namespace
 

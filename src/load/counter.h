@@ -9,6 +9,8 @@ namespace tav {
 
 class Counter {
  public:
+    // Nothing was given out so far.
+    Counter() = default;
     // The highest number given out so far as a query returned it; Null counts as 0. A number that 16 bits
     // cannot hold is "Overflow", a value that is no number "Type mismatch".
     explicit Counter(const Value& highest);

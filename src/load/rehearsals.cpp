@@ -31,7 +31,7 @@ FieldLengths RoomIn(Connection& connection) {
     return room;
 }
 
-const PartLoader::Numbers kNone{Counter(Value(Null{})), Counter(Value(Null{}))};
+constexpr PartLoader::Numbers kNone{};
 
 }  // namespace
 
