@@ -46,6 +46,28 @@ double WidestPiece(const SheetCell& cell, Lettering& lettering) {
 
 }  // namespace
 
+std::vector<Text> LinesOf(TextView text, bool bold, double room, Lettering& lettering) {
+    // A little more than there is, against sums that differ in the last digit.
+    const auto fits = [&](TextView part) {
+        return lettering.Width(WithoutEndBlanks(part), bold) <= room * 1.0001;
+    };
+    std::vector<Text> lines;
+    Text line;
+    while (!text.empty()) {
+        std::size_t length = PieceLength(text);
+        if (!line.empty() && !fits(line + Text(text.substr(0, length)))) {
+            lines.emplace_back(WithoutEndBlanks(line));
+            line.clear();
+        }
+        // A word longer than the room is cut.
+        while (length > 1 && !fits(text.substr(0, length))) --length;
+        line += text.substr(0, length);
+        text.remove_prefix(length);
+    }
+    lines.emplace_back(WithoutEndBlanks(line));
+    return lines;
+}
+
 std::vector<PlacedCell> PlaceCells(const std::vector<SheetRow>& rows) {
     std::vector<PlacedCell> placed;
     std::vector<std::size_t> taken;  // by column: the first row that it is free in
@@ -144,26 +166,8 @@ double SheetLayout::HeightOf(std::size_t lines) const {
 std::vector<Text> SheetLayout::Lines(const SheetCell& cell, std::size_t column) const {
     if (IsOnePiece(cell)) return {cell.text};
     const std::size_t end = std::min(column + static_cast<std::size_t>(std::max(cell.columns, 1)), columns());
-    // A little more than there is, against sums that differ in the last digit.
-    const double room = (edges_[end] - edges_[column] - 2 * kSidePadding) * 1.0001 / points_;
-    const auto fits = [&](TextView text) {
-        return lettering_.Width(WithoutEndBlanks(text), cell.bold) <= room;
-    };
-    std::vector<Text> lines;
-    Text line;
-    for (TextView rest = cell.text; !rest.empty();) {
-        std::size_t length = PieceLength(rest);
-        if (!line.empty() && !fits(line + Text(rest.substr(0, length)))) {
-            lines.emplace_back(WithoutEndBlanks(line));
-            line.clear();
-        }
-        // A word longer than the column is cut.
-        while (length > 1 && !fits(rest.substr(0, length))) --length;
-        line += rest.substr(0, length);
-        rest.remove_prefix(length);
-    }
-    lines.emplace_back(WithoutEndBlanks(line));
-    return lines;
+    const double room = (edges_[end] - edges_[column] - 2 * kSidePadding) / points_;
+    return LinesOf(cell.text, cell.bold, room, lettering_);
 }
 
 }  // namespace tav

@@ -21,6 +21,9 @@ struct PlacedCell {
 // Spans are kept free as in a table of HTML.
 std::vector<PlacedCell> PlaceCells(const std::vector<SheetRow>& rows);
 
+// A text as lines of that width, which is for letters of one point.
+std::vector<Text> LinesOf(TextView text, bool bold, double room, Lettering& lettering);
+
 class SheetLayout {
  public:
     // `room` is the height of a page's contents, `first_room` what of it the table has on the first page.

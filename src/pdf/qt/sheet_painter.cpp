@@ -136,15 +136,23 @@ double SheetPainter::DrawHeading(const Sheet& sheet, double top, bool draw) {
     for (const SheetRow& row : sheet.heading) {
         double x = 0;
         const std::size_t count = std::max<std::size_t>(row.cells.size(), 1);
+        std::size_t most = 1;
         for (std::size_t i = 0; i < row.cells.size(); ++i) {
-            if (draw) {
-                DrawLetters(x, top + lettering_.ascent() * kHeadingPoints, row.cells[i].text, kHeadingPoints,
-                            i % 2 != 0);
-            }
             // Labels and values by turns; each pair has its part of the width.
-            x += area_.width() * (i % 2 == 0 ? kLabelPart : 2.0 / static_cast<double>(count) - kLabelPart);
+            const bool value = i % 2 != 0;
+            const double width =
+                area_.width() * (value ? 2.0 / static_cast<double>(count) - kLabelPart : kLabelPart);
+            const std::vector<Text> lines =
+                LinesOf(row.cells[i].text, value, (width - kGap) / kHeadingPoints, lettering_);
+            most = std::max(most, lines.size());
+            double baseline = top + lettering_.ascent() * kHeadingPoints;
+            for (const Text& line : lines) {
+                if (draw) DrawLetters(x, baseline, line, kHeadingPoints, value);
+                baseline += line_height;
+            }
+            x += width;
         }
-        top += line_height;
+        top += line_height * static_cast<double>(most);
     }
     return top;
 }
