@@ -126,6 +126,9 @@ TEST_F(Outside, ViewOpensTheStatementOfANumber) {
     // Nothing is there for ".doc", so the copy on paper is opened.
     EXPECT_EQ(ReadFile(folder_ / u"opened"), Path(u"reports/vipis.pdf") + "\n");
     EXPECT_TRUE(FileExists(folder_ / u"reports/vipis.doc"));
+    // One that starts and fails.
+    folder_.Write(u"xdg-open", "exit 4");
+    EXPECT_THAT(Tav({"view_v_id", "1"}, with_opener).err, HasSubstr(".pdf (xdg-open: 4)"));
 }
 
 // "1 234 567,89": from each comma to the left, groups of three digits.
