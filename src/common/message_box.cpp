@@ -1,5 +1,6 @@
 #include "common/message_box.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace tav {
@@ -40,6 +41,19 @@ ScopedMessageBox::ScopedMessageBox(MessageBox& box) : outer_(scoped_box) {
 }
 ScopedMessageBox::~ScopedMessageBox() {
     scoped_box = outer_;
+}
+
+OneBoxPerCause::OneBoxPerCause()
+    : shows_([]() -> MessageBox& {
+          const auto* outer = dynamic_cast<OneBoxPerCause*>(&CurrentMessageBox());
+          return outer == nullptr ? CurrentMessageBox() : outer->shows_;
+      }()),
+      scope_(*this) {}
+
+void OneBoxPerCause::Show(const Message& message) {
+    if (std::ranges::find(shown_, message.text) != shown_.end()) return;
+    shown_.push_back(message.text);
+    shows_.Show(message);
 }
 
 void ShowMessage(TextView title, TextView text, MessageIcon icon) {

@@ -2,6 +2,8 @@
 // window shows them, or standard error, or a list in tests.
 #pragma once
 
+#include <vector>
+
 #include "common/text.h"
 
 namespace tav {
@@ -38,6 +40,19 @@ class ScopedMessageBox {
 
  private:
     MessageBox* outer_;
+};
+
+// While one lives, a text is shown once, whatever its title: several procedures may say what one cause has done to them.
+// One inside another has a memory of its own.
+class OneBoxPerCause : public MessageBox {
+ public:
+    OneBoxPerCause();
+    void Show(const Message& message) override;
+
+ private:
+    MessageBox& shows_;
+    std::vector<Text> shown_;
+    const ScopedMessageBox scope_;
 };
 
 // Shows a message of the current box.

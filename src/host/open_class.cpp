@@ -69,6 +69,7 @@ class LoadedFilter {
 const Date OpenClass::kNoDateLimit = *DateFromCivil({2099, 1, 1});
 
 void OpenClass::start(TextView inn, TextView kpp, Date vdm) {
+    const OneBoxPerCause one_box;
     Guarded(u"Ошибка в функции Start", [&] {
         Taxpayer() = {Text(Trim(inn)), Text(Trim(kpp)), FormatDate(Date{std::trunc(vdm.serial)})};
         UseWindows();
@@ -77,6 +78,7 @@ void OpenClass::start(TextView inn, TextView kpp, Date vdm) {
 }
 
 void OpenClass::view_v_id(std::int16_t id) {
+    const OneBoxPerCause one_box;
     Guarded(u"Ошибка в функции View_V_ID", [&] {
         const bool windows = UseWindowsIfAny();
         RefuseDuringImport();
@@ -89,6 +91,7 @@ void OpenClass::view_v_id(std::int16_t id) {
 }
 
 void OpenClass::import(TextView inn, TextView kpp) {
+    const OneBoxPerCause one_box;
     Guarded(u"Ошибка в функции import", [&] {
         UseWindowsIfAny();
         const DatabasePatience wait;
@@ -104,10 +107,12 @@ void OpenClass::import(TextView inn, TextView kpp) {
 }
 
 void OpenClass::view_v(TextView inn, TextView kpp) {
+    const OneBoxPerCause one_box;
     Guarded(u"Ошибка в функции View_V", [&] { View(GetFiles, Trim(inn), Trim(kpp)); });
 }
 
 void OpenClass::view_a(TextView inn, TextView kpp) {
+    const OneBoxPerCause one_box;
     Guarded(u"Ошибка в функции View_A", [&] { View(GetFilesAct, Trim(inn), Trim(kpp)); });
 }
 

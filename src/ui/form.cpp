@@ -40,6 +40,7 @@ class Form::Running {
  private:
     Form& form_;
     Form* const outer_;
+    const OneBoxPerCause one_box_;
 };
 
 Form* Form::Handling() {

@@ -173,7 +173,7 @@ TEST_P(Sessions, GoAsTheyAreWritten) {
 
 INSTANTIATE_TEST_SUITE_P(Desktop, Sessions,
                          testing::Values("session", "import", "catches_up", "summary", "nothing", "settings",
-                                         "surroundings", "double_click", "subdivisions"),
+                                         "surroundings", "double_click", "subdivisions", "lost"),
                          [](const auto& session) { return session.param; });
 
 }  // namespace
