@@ -24,8 +24,8 @@ TEST_F(WindowsQt, FitOnASmallScreenWithALongName) {
     Start();
     ASSERT_TRUE(WaitCounts("lblInfoFile", "Файлов в папке: 0"));
     QWidget* window = WindowNamed("frmmain");
-    window->resize(780, 660);
-    EXPECT_EQ(window->size(), QSize(780, 660));
+    window->resize(780, 670);
+    EXPECT_EQ(window->size(), QSize(780, 670));
     for (const char* label : {"lblInfoName", "Label5", "lblInfoFile", "lblInfoBase"}) {
         const auto* shown = In<QLabel>(Main(label));
         EXPECT_GE(shown->height(), shown->heightForWidth(shown->width())) << label;
@@ -35,7 +35,7 @@ TEST_F(WindowsQt, FitOnASmallScreenWithALongName) {
     CloseWindow("frmmain");
     Start();
     EXPECT_NEAR(WindowNamed("frmmain")->width(), 780, 1);
-    EXPECT_NEAR(WindowNamed("frmmain")->height(), 660, 1);
+    EXPECT_NEAR(WindowNamed("frmmain")->height(), 670, 1);
     EXPECT_NEAR(In<QTreeView>(Main("lstFile"))->header()->sectionSize(1), 77, 1);
     EXPECT_EQ(In(Main("txtOut"))->accessibleName(), "Переносить импортированные файлы в папку:");
     EXPECT_EQ(In(Main("cmdImport"))->accessibleName(), "Выбор папки с файлами из ТАВ в формате rtf");

@@ -167,8 +167,12 @@ class Memo : public Captioned<ClickedText> {
         widget_->raise = raise;
         widget_->setReadOnly(true);
         widget_->setTabChangesFocus(true);
+        // No line is shown in part.
         constexpr int kLines = 4;
-        widget_->setFixedHeight(CharacterSize(*widget_, 0, kLines).height());
+        const QMargins around = widget_->contentsMargins();
+        const int margins =
+            around.top() + around.bottom() + 2 * qRound(widget_->document()->documentMargin());
+        widget_->setFixedHeight(kLines * widget_->fontMetrics().lineSpacing() + margins);
     }
 
  protected:
