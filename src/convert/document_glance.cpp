@@ -32,7 +32,14 @@ constexpr std::string_view kActAmount = "##a<p";
 constexpr std::string_view kPageEnd = "\r\n##p";
 
 // The header lines of a statement, in the document's order.
-enum HeaderLine : std::size_t { kCode = 6, kTax = 7, kOkato = 9, kPeriodEnd = 11, kPeriodBegin = 12 };
+enum HeaderLine : std::size_t {
+    kKpp = 1,
+    kCode = 6,
+    kTax = 7,
+    kOkato = 9,
+    kPeriodEnd = 11,
+    kPeriodBegin = 12
+};
 constexpr std::size_t kHeaderLines = 13;
 
 // Shapes of fields: 0 stands for any digit.
@@ -115,7 +122,11 @@ std::optional<DocumentGlance> GlanceAtFrames(std::string_view head, const Landma
                           .period_begin = FrameText(head, lines[kPeriodBegin]),
                           .period_end = FrameText(head, lines[kPeriodEnd])};
     if (!IsComplete(glance)) return std::nullopt;
-    glance.tax = HeaderValue(head.substr(lines[kTax], head.find(kFrame, lines[kTax] + 1) - lines[kTax]));
+    const auto value = [&](std::size_t line) {
+        return HeaderValue(head.substr(lines[line], head.find(kFrame, lines[line] + 1) - lines[line]));
+    };
+    glance.tax = value(kTax);
+    glance.kpp = value(kKpp);
     return glance;
 }
 
@@ -134,7 +145,8 @@ DocumentGlance GlanceAtPart(std::string_view part) {
             .okato = Element(part, "h10"),
             .period_begin = Element(part, "h13"),
             .period_end = Element(part, act ? "pere" : "h12"),
-            .tax = Element(part, "h08")};
+            .tax = Element(part, "h08"),
+            .kpp = Element(part, "h02")};
 }
 
 Text ReasonOf(std::string_view head) {

@@ -19,6 +19,7 @@ struct DocumentGlance {
     Text period_begin = {};  // dd.mm.yyyy
     Text period_end = {};
     Text tax = {};  // the tax's name
+    Text kpp = {};  // the taxpayer's
     // Why the kind is unknown, for a person; else empty.
     Text reason = {};
     bool unreadable = false;  // because the file cannot be opened or read

@@ -24,14 +24,14 @@ SeenFile Look(const Text& path, const std::unordered_map<Text, SeenFile>& before
 
 ListRow RowOf(const FolderRow& file, const DocumentGlance& glance) {
     if (glance.kind == DocumentKind::Unknown) {
-        return {file.name, Concat(file.path, u"\n", glance.reason), {{}, {}, {}, {}, {}, file.name, {}}};
+        return {file.name, Concat(file.path, u"\n", glance.reason), {{}, {}, {}, {}, {}, {}, {}, file.name}};
     }
     const Text period = Concat(glance.period_begin, u" - ", glance.period_end);
     const Text row = Concat(glance.code, kGap, glance.okato, kGap, period, kGap, file.name);
     const Text kind = glance.kind == DocumentKind::Act ? u"Акт" : u"Выписка";
     return {row,
             Concat(row, u"\n", kind, u": ", glance.tax, u"\n", file.path),
-            {glance.code, glance.okato, period, glance.tax, kind, file.name, {}}};
+            {glance.code, glance.okato, period, glance.tax, kind, {}, glance.kpp, file.name}};
 }
 
 }  // namespace
@@ -64,8 +64,8 @@ FolderListing ListFolder(TextView folder, const std::function<bool()>& go_on) {
     return listing;
 }
 
-void KeepListing(FolderListing listing) {
-    Last() = std::move(listing);
+void SwapListing(FolderListing& listing) {
+    std::swap(Last(), listing);
 }
 
 void AddStates(FolderListing& listing, const ImportAccount& account) {

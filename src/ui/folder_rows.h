@@ -19,10 +19,10 @@ struct FolderRow {
     Picture state = Picture::None;  // what became of it
 };
 
-// The columns of both lists of the main window are code, OKATO, period, tax and kind, then the file's name or the
-// KPP, then the state.
-inline constexpr int kNameColumn = 5;
-inline constexpr int kStateColumn = 6;
+// The columns of both lists of the main window are code, OKATO, period, tax, kind, state and KPP; then the folder's has
+// the file's name.
+inline constexpr int kStateColumn = 5;
+inline constexpr int kKppColumn = 6;
 
 // The picture that stands for what is said of a document.
 Picture PictureOf(Finding finding);
@@ -46,8 +46,8 @@ struct FolderListing {
 // A file is looked into only when it is new or has changed since the listing that was kept last.
 FolderListing ListFolder(TextView folder, const std::function<bool()>& go_on);
 
-// From now on these are the rows.
-void KeepListing(FolderListing listing);
+// From now on these are the rows; what was kept before is given back.
+void SwapListing(FolderListing& listing);
 const std::vector<FolderRow>& FolderRows();
 
 // The row after that one, and around again, whose document needs a person the most: the files that something is wrong

@@ -107,7 +107,7 @@ void frmmain::Form_Load() {
     load([&] { txtExport.Set(SettingText(u"ExportPath")); });
     load([&] { txtOut.Set(SettingText(u"OutPath")); });
     load([&] { chkImportPath.Check(SettingTruth(u"ChkOut")); });
-    lstBase.ShowColumn(kNameColumn, false);
+    ShowKpps(false);
     txtOut.Enable(chkImportPath.Checked());
     // As high as they are with their numbers, which then move nothing.
     lblInfoFile.Set(u"Файлов в папке:\r\nПодлежат загрузке:");
@@ -399,9 +399,14 @@ void frmmain::Browse(TextView title, TextControl& box) {
     if (!folder.empty()) box.Set(folder);
 }
 
+// Of one taxpayer they are all the same.
+void frmmain::ShowKpps(bool shown) {
+    for (ListBox* list : {&lstFile, &lstBase}) list->ShowColumn(kKppColumn, shown);
+}
+
 void frmmain::chkKons_Click() {
     Guarded(u"Ошибка в функции chkKons_Click", [&] { ShowTaxpayer(); });
-    lstBase.ShowColumn(kNameColumn, chkKons.Checked());
+    ShowKpps(chkKons.Checked());
     Refill();
 }
 

@@ -45,6 +45,7 @@ class frmmain : public Form {
     void txtAbout_Click();
 
     void ShowTaxpayer();
+    void ShowKpps(bool shown);
     void FillBase();
     void ScheduleRefresh();
     void Refresh();

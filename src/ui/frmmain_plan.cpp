@@ -9,10 +9,12 @@ constexpr TextView kMainCaption =
 constexpr TextView kColumns = u"КБК                                      ОКАТО            Период";
 
 constexpr ColumnOrder kDates = ColumnOrder::Dates;
-constexpr ListColumn kFileColumns[] = {{u"КБК", 24}, {u"ОКАТО", 12}, {u"Период", 22, kDates}, {u"Налог", 27},
-                                       {u"Вид", 9},  {u"Файл", 16},  {u"Состояние", 16}};
-constexpr ListColumn kBaseColumns[] = {{u"КБК", 24}, {u"ОКАТО", 12}, {u"Период", 22, kDates}, {u"Налог", 27},
-                                       {u"Вид", 9},  {u"КПП", 10},   {u"Состояние", 16}};
+constexpr ListColumn kFileColumns[] = {{u"КБК", 24},   {u"ОКАТО", 12}, {u"Период", 22, kDates},
+                                       {u"Налог", 27}, {u"Вид", 9},    {u"Состояние", 16},
+                                       {u"КПП", 10},   {u"Файл", 16}};
+constexpr ListColumn kBaseColumns[] = {{u"КБК", 24},   {u"ОКАТО", 12}, {u"Период", 22, kDates},
+                                       {u"Налог", 27}, {u"Вид", 9},    {u"Состояние", 16},
+                                       {u"КПП", 10}};
 constexpr ControlPlan ListOf(TextView name, const Place& place, std::span<const ListColumn> columns) {
     return {name, ControlKind::ListBox, {}, {}, place, 0, Picture::None, columns};
 }

@@ -38,7 +38,7 @@ ListRow ListRowOf(const HeldDocument& document) {
     return {row,
             Concat(row, u"\nКПП: ", document.kpp, u"\nФайл: ", document.file_name),
             {document.code, document.okato, Concat(isns(document.begin), kTo, isns(document.end)),
-             document.tax, document.act ? u"Акт" : u"Выписка", document.kpp, Text(TextOf(state).state)},
+             document.tax, document.act ? u"Акт" : u"Выписка", Text(TextOf(state).state), document.kpp},
             PictureOf(state)};
 }
 
@@ -158,9 +158,10 @@ Text SetFiles(ListBox& list, FilesOf source, TextView path, TextView inn, TextVi
             if (!busy) ShowOnce(failure, database);
         });
     if (source == FilesOf::Folder) {
-        folder_account = std::move(reading.account);
         list.SetRows(std::move(reading.listing.shown));
-        KeepListing(std::move(reading.listing));
+        std::swap(folder_account, reading.account);
+        SwapListing(reading.listing);
+        RunAside([&] { reading.listing = {}; });  // many thousand rows take a while to go
     } else if (!busy) {
         list.SetRows(std::move(reading.held));  // none after a failure
     }

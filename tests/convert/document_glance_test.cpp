@@ -25,7 +25,8 @@ std::string Glance(const std::string& bytes) {
     EXPECT_EQ(glance.kind == DocumentKind::Unknown, !glance.reason.empty());
     if (glance.kind == DocumentKind::Unknown) return ToUtf8(glance.reason);
     return ToUtf8((glance.kind == DocumentKind::Act ? u"акт|" : u"выписка|") + glance.code + u"|" +
-                  glance.okato + u"|" + glance.period_begin + u"|" + glance.period_end + u"|" + glance.tax);
+                  glance.okato + u"|" + glance.period_begin + u"|" + glance.period_end + u"|" + glance.tax +
+                  u"|" + glance.kpp);
 }
 
 // What the first part of the document's catalogue entry says.
@@ -35,7 +36,8 @@ std::string Converted(const Document& document) {
     const Text entry = FromWindows1251(LoadRtfFile(folder.path(), document.name).entry);
     const bool act = entry.find(u"<part type=\"акт\">") < entry.find(u"<part type=\"выписка\">");
     Text said = act ? u"акт" : u"выписка";
-    for (const TextView name : {u"<h07>", u"<h10>", u"<h13>", act ? u"<pere>" : u"<h12>", u"<h08>"}) {
+    for (const TextView name :
+         {u"<h07>", u"<h10>", u"<h13>", act ? u"<pere>" : u"<h12>", u"<h08>", u"<h02>"}) {
         said += u'|';
         const std::size_t at = entry.find(name);
         if (at != entry.npos)
@@ -65,8 +67,8 @@ class DocumentGlanceTest : public testing::Test {
 };
 
 TEST_F(DocumentGlanceTest, ShowsWhatIsConverted) {
-    EXPECT_EQ(Glance(act_.bytes),
-              "акт|" + code_ + "|" + kOkato + "|01.01.2010|31.12.2010|" + ToUtf8(samples::Taxes()[0].name));
+    EXPECT_EQ(Glance(act_.bytes), "акт|" + code_ + "|" + kOkato + "|01.01.2010|31.12.2010|" +
+                                      ToUtf8(samples::Taxes()[0].name) + "|770101001");
     for (const Document& document : samples::SampleSet())
         if (document.name.ends_with(u".rtf") && !document.parts.empty()) ExpectAsConverted(document);
     using samples::Letters;
