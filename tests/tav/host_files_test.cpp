@@ -57,13 +57,18 @@ Text Failures(const Text& said) {
 
 class HostFiles : public Cli {
  protected:
+    // The reports by their names, and what is said instead of those that are refused.
     std::map<std::string, std::string> Reports(const Text& folder) const {
-        for (const char* kind : {"statements", "acts"}) {
-            Tav({"report", kind, "--inn", kInn, "--kpp", kKpp, "--to", ToUtf8(folder), "--database",
-                 Database()});
-        }
-        Tav({"report", "statement", "1", "--to", ToUtf8(folder), "--database", Database()});
         std::map<std::string, std::string> files;
+        const std::vector<std::string> summary = {"--inn", kInn, "--kpp", kKpp};
+        const auto report = [&](std::vector<std::string> arguments, const std::vector<std::string>& more) {
+            arguments.insert(arguments.end(), more.begin(), more.end());
+            arguments.insert(arguments.end(), {"--to", ToUtf8(folder), "--database", Database()});
+            const Outcome made = Tav(arguments);
+            if (made.status != 0) files[made.err.substr(0, made.err.find('\n'))] = "refused";
+        };
+        for (const char* kind : {"statements", "acts"}) report({"report", kind}, summary);
+        report({"report", "statement", "1"}, {});
         for (const Text& name : ListFiles(folder, u".doc")) files[ToUtf8(name)] = ReadFile(folder + name);
         return files;
     }
