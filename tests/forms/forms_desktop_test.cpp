@@ -210,6 +210,9 @@ TEST_F(Forms, AModalWindowWaitsAndTheLoopRunsUntilNoneIsShown) {
     });
     other->ShowModal(window.get());
     EXPECT_EQ(++step, 2);
+    other->Show(nullptr);
+    EXPECT_FALSE(HeldUp("Probe"));
+    other->Hide();
     Soon([&] { other.reset(); });  // while it is shown, as another window's handler would
     other->ShowModal(nullptr);
     EXPECT_EQ(++step, 3);
