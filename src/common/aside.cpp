@@ -10,6 +10,7 @@
 #include <thread>
 #include <utility>
 
+#include "common/failure.h"
 #include "common/message_box.h"
 #include "common/progress.h"
 
@@ -41,10 +42,17 @@ struct Work {
     bool done = false;
     bool abandoned = false;
     std::exception_ptr failure;
+    std::exception_ptr failure_of_windows;  // the first of what showed its progress
 };
 
 std::shared_ptr<Work> current;  // of the windows' thread
 thread_local Work* own = nullptr;
+
+// What is thrown now; exceptions of other languages, too, which have no pointer.
+std::exception_ptr Caught() {
+    const std::exception_ptr caught = std::current_exception();
+    return caught ? caught : std::make_exception_ptr(CurrentFailure());
+}
 
 class RelayedProgress : public Progress {
  public:
@@ -93,32 +101,44 @@ void Run(Work& work, const std::function<void()>& body) {
     try {
         body();
     } catch (...) {
-        work.failure = std::current_exception();
+        work.failure = Caught();
     }
     const std::lock_guard lock(work.mutex);
     work.done = true;
     work.changed.notify_all();
 }
 
-// Until the work is done: its errands, then whatever waits.
+// Until the work is done: its errands, then whatever waits. What fails here is kept: the work uses this stack.
 void Serve(Work& work) {
     constexpr std::chrono::milliseconds kTurn(10);
-    std::unique_lock lock(work.mutex);
-    while (!work.done) {
+    constexpr std::chrono::milliseconds kAtOnce(50);
+    const auto begin = std::chrono::steady_clock::now();
+    const auto kept = [&](const auto& act) {
+        try {
+            act();
+        } catch (...) {
+            if (!work.failure_of_windows) work.failure_of_windows = Caught();
+        }
+    };
+    for (bool done = false; !done;) {
+        std::unique_lock lock(work.mutex);
         work.changed.wait_for(lock, kTurn, [&] { return work.done || work.errand != nullptr; });
+        done = work.done;
         const Said said = std::exchange(work.said, {});
         work.on_errand = work.errand != nullptr;
         lock.unlock();
-        said.Tell(CurrentProgress());
+        kept([&] { said.Tell(CurrentProgress()); });
         if (work.on_errand) (*work.errand)();
         lock.lock();
         if (std::exchange(work.on_errand, false)) {
             work.errand = nullptr;
             work.changed.notify_all();
         }
+        const bool goes_on = !work.done;
         lock.unlock();
-        CurrentProgress().ProcessEvents();
-        lock.lock();
+        if (goes_on && std::chrono::steady_clock::now() - begin > kAtOnce) {
+            kept([] { CurrentProgress().ProcessEvents(); });
+        }
     }
 }
 
@@ -126,12 +146,8 @@ void Serve(Work& work) {
 
 void RunAside(const std::function<void()>& work) {
     if (own != nullptr || !CurrentProgress().HasWindows()) return work();
-    while (current != nullptr) {
-        const std::shared_ptr<Work> first = current;
-        if (first->on_errand) return work();  // in the middle of a message of the first, which waits for it
-        Serve(*first);
-        if (current == first) current.reset();
-    }
+    FinishAside();
+    if (current != nullptr) return work();  // in the middle of a message of the first, which waits for it
     const auto present = std::make_shared<Work>();
     std::thread thread;
     try {
@@ -143,7 +159,18 @@ void RunAside(const std::function<void()>& work) {
     Serve(*present);
     if (current == present) current.reset();
     thread.join();
-    if (present->failure) std::rethrow_exception(present->failure);
+    for (const std::exception_ptr& failure : {present->failure, present->failure_of_windows}) {
+        if (failure) std::rethrow_exception(failure);
+    }
+}
+
+void FinishAside() {
+    if (own != nullptr) return;
+    while (current != nullptr && !current->on_errand) {
+        const std::shared_ptr<Work> first = current;
+        Serve(*first);
+        if (current == first) current.reset();
+    }
 }
 
 bool AsideRuns() {
@@ -157,7 +184,7 @@ void RunAtWindows(const std::function<void()>& errand) {
         try {
             errand();
         } catch (...) {
-            failure = std::current_exception();
+            failure = Caught();
         }
     };
     std::unique_lock lock(own->mutex);

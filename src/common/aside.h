@@ -12,11 +12,16 @@
 namespace tav {
 
 // Returns or throws as the work does. Where there are no windows (Progress::HasWindows) it simply runs, and so does
-// work inside work.
+// work inside work. Work that is done at once lets no event through.
+//
+// The work may use what lives on the stack of the windows' thread. Where a host may end that thread from a handler, the
+// work has to own all that it uses, as an import does.
 void RunAside(const std::function<void()>& work);
 
 // Whether the windows' thread, which asks, waits for such work.
 bool AsideRuns();
+// Serves the windows until no work runs.
+void FinishAside();
 
 // For the work: runs it on the windows' thread and waits for it.
 void RunAtWindows(const std::function<void()>& errand);

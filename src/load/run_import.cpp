@@ -65,8 +65,11 @@ Text RunningInn() {
 }
 
 void ForgetImport() {
-    RequestCancel();
-    AbandonAside();
+    if (AsideRuns()) {
+        RequestCancel();
+        AbandonAside();
+        CancelStamp() = 0;
+    }
     running = false;
     running_inn.clear();
 }
@@ -117,7 +120,9 @@ ImportResult ScanAndLoad(const ImportFolders& folders, TextView inn, TextView kp
 }  // namespace
 
 ImportResult RunImport(const ImportFolders& folders, TextView inn, TextView kpp) {
-    if (running || folders.import.empty() || !PassCancelGuard()) return {};
+    if (running || folders.import.empty()) return {};
+    FinishAside();  // whose cancel is not this import's
+    if (running || !PassCancelGuard()) return {};
     const RunningImport this_one(inn);
     const auto import = std::make_shared<Import>(Import{folders, Text(inn), Text(kpp), {}});
     RunAside([import] { import->result = ScanAndLoad(import->folders, import->inn, import->kpp); });

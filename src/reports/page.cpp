@@ -6,6 +6,7 @@
 #include "common/windows1251.h"
 #include "platform/environment.h"
 #include "platform/files.h"
+#include "settings/session.h"
 
 namespace tav {
 namespace {
@@ -64,8 +65,12 @@ Text GuardedReport(TextView title, TextView database, const std::function<Text(T
     Text written;
     GuardedBy(
         [&] {
-            const RunningReport this_one(database);
-            RunAside([&] { written = body(file); });
+            FinishAside();
+            CancelStamp() = 0;  // of what ran before
+            RunAside([&] {
+                const RunningReport this_one(database);
+                written = body(file);
+            });
         },
         [&](const Failure& failure) {
             if (failure.error() == RunTimeError::PermissionDenied) {

@@ -5,9 +5,7 @@
 
 namespace tav {
 
-PageProgress::PageProgress(int pages) : pages_(pages) {
-    CancelStamp() = 0;
-}
+PageProgress::PageProgress(int pages) : pages_(pages) {}
 
 PageProgress::~PageProgress() {
     if (shown_) CurrentProgress().Close();

@@ -1,5 +1,6 @@
 #include "reports/summary_documents.h"
 
+#include <optional>
 #include <set>
 #include <utility>
 
@@ -38,8 +39,8 @@ const Summary& LastSummary() {
 }
 
 Text WriteSummary(const SummaryPlan& plan, const SummaryRequest& request, const BuildSummary& build) {
-    Last().failed = true;  // until its page is written
-    return GuardedReport(plan.title, request.database, [&](Text& file) -> Text {
+    std::optional<Summary> made;
+    const Text written = GuardedReport(plan.title, request.database, [&](Text& file) -> Text {
         Connection connection;
         connection.CursorLocation = 3;
         connection.OpenForReading(ConnectionString(request.database));
@@ -66,9 +67,15 @@ Text WriteSummary(const SummaryPlan& plan, const SummaryRequest& request, const 
             summary.path = file;
         }
         if (summary.codes.empty()) summary.codes = CodesOf(summary.documents);
-        Last() = std::move(summary);
-        return Last().path;
+        made = std::move(summary);
+        return made->path;
     });
+    if (made) {
+        Last() = std::move(*made);
+    } else {
+        Last().failed = true;
+    }
+    return written;
 }
 
 void ShowNothingToSumUp() {

@@ -112,6 +112,11 @@ void Form::OnEvent(std::size_t control, Event event) {
     Guarded(found->second.title, found->second.run);
 }
 
+void Form::RunAsHandler(const std::function<void()>& act) {
+    const Running running(*this);
+    act();
+}
+
 void Form::Close() {
     const Running running(*this);
     bool may = true;

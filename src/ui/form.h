@@ -70,6 +70,8 @@ class Form : public FormEvents {
 
     // As the user's close button does.
     void Close();
+    // Runs what is no handler as if it were one: a window that is closed meanwhile goes afterwards.
+    void RunAsHandler(const std::function<void()>& act);
     void SetCaption(TextView caption) { window().SetCaption(caption); }
     // What a person has made of the window's size and of its lists' columns, as a text that can be kept:
     // "1800x540;lstFile:240,120,220". A text that is damaged changes nothing, or only what it still says.

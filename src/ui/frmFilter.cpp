@@ -127,6 +127,8 @@ void frmFilter::ShowPeriods() {
 }
 
 void frmFilter::cmbKBK_Click() {
+    if (building_) return;
+    const Busy busy(building_);
     if (Consolidated()) {
         const Text code = summary_.codes[static_cast<std::size_t>(cmbKBK.Selected())];
         SelectCode();  // of the periods shown, until others are shown

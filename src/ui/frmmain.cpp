@@ -156,11 +156,11 @@ Text frmmain::Kpp() const {
 
 // Work that runs has the database to itself: the refresh after it fills the list.
 void frmmain::FillBase() {
+    base_counts_.clear();
     if (ImportRunning() || AsideRuns()) return;
     bool busy = false;
     const Text information = SetFiles(lstBase, FilesOf::Database, getbase(), Taxpayer().inn, Kpp(), busy);
-    base_counts_.clear();
-    if (busy) return;
+    if (busy || !Loaded()) return;
     TextView rest = information;
     GetNext(rest, u"*");
     base_counts_ = GetNext(rest, u"*");
@@ -169,8 +169,10 @@ void frmmain::FillBase() {
 
 void frmmain::Refill() {
     if (!Loaded()) return;
-    FillBase();
-    ScheduleRefresh();
+    RunAsHandler([&] {
+        FillBase();
+        if (Loaded()) ScheduleRefresh();
+    });
 }
 
 void frmmain::ShowProgress(double part) {

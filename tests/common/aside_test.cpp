@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <functional>
 #include <thread>
 #include <utility>
@@ -39,19 +40,43 @@ class Windows : public Progress {
 TEST(Aside, WindowsLiveOnAndShowWhatTheWorkSays) {
     test::MessageList messages;
     Windows windows;
-    windows.handler = [&] { RunAside([&] { windows.said += " second"; }); };
+    std::atomic<bool> handled = false;
+    const auto wait = [&] {
+        while (!handled) std::this_thread::yield();
+    };
+    windows.handler = [&] {
+        handled = true;
+        RunAside([&] { windows.said += " second"; });
+    };
     EXPECT_THROW(RunAside([&] {
                      EXPECT_NE(std::this_thread::get_id(), windows.here);
                      CurrentProgress().Show(3);
                      CurrentProgress().SetLabel(u"1.rtf");
                      RunAside([] { ShowMessage(u"Запрет", u"занят"); });
                      CurrentProgress().Close();
+                     wait();
                      throw Failure(RunTimeError::Overflow);
                  }),
                  Failure);
     EXPECT_EQ(windows.said, " show 3 close after 1.rtf second");
     EXPECT_THAT(messages.messages, testing::ElementsAre(Message{u"Запрет", u"занят"}));
     EXPECT_FALSE(AsideRuns());
+
+    handled = false;
+    bool ended = false;
+    windows.handler = [&] {
+        handled = true;
+        throw Failure(RunTimeError::TypeMismatch);
+    };
+    EXPECT_THROW(RunAside([&] {
+                     wait();
+                     ended = true;
+                 }),
+                 Failure);
+    EXPECT_TRUE(ended);
+    windows.said.clear();
+    RunAside([] {});
+    EXPECT_EQ(windows.said, "");  // what is done at once lets no event through
 }
 
 }  // namespace
