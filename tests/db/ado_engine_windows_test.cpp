@@ -154,15 +154,18 @@ TEST_F(Ado, AHeldFileIsWaitedForWhateverNumberTheProviderHasForIt) {
     EXPECT_THAT(Shown(), IsEmpty());
 }
 
-TEST_F(Ado, WhatNoProcedureAsksForIsPassedOver) {
+TEST_F(Ado, WholeNumbersOfAnyKindAreTakenAndBytesPassedOver) {
     win32::Variant bytes;
     bytes.parray = ::SafeArrayCreateVector(VT_UI1, 0, 3);
     bytes.vt = VT_ARRAY | VT_UI1;
     EXPECT_TRUE(IsNull(win32::ValueOf(bytes)));
-    win32::Variant number;
-    number.vt = VT_UI8;
-    number.ullVal = 5;
-    EXPECT_EQ(WholeNumberOf(win32::ValueOf(number)), 5);
+    for (const VARTYPE type :
+         {VT_R4, VT_R8, VT_CY, VT_DECIMAL, VT_UI1, VT_UI2, VT_UI4, VT_UI8, VT_I8, VT_UINT, VT_BSTR}) {
+        win32::Variant number(5L);
+        ASSERT_EQ(::VariantChangeType(&number, &number, 0, type), S_OK) << type;
+        const std::optional<std::int64_t> five = type == VT_BSTR ? std::nullopt : std::optional(5);
+        EXPECT_EQ(WholeNumberOf(win32::ValueOf(number)), five) << type;
+    }
 }
 
 TEST_F(Ado, TheNativeEngineIsUsedWhereItIsAskedFor) {
