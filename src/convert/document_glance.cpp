@@ -24,12 +24,12 @@ namespace {
 
 constexpr std::size_t kHeads[] = {std::size_t{64} << 10, std::size_t{1} << 20};
 
-constexpr std::string_view kPage = "\\page";
+constexpr std::string_view kPageBreak = "\\page";
 constexpr std::size_t kPositionSize = 9;  // "posx" and five digits
 constexpr std::string_view kStatementHeader = "##v<h@@>";
 constexpr std::string_view kActHeader = "##a<h@@>";
 constexpr std::string_view kActAmount = "##a<p";
-constexpr std::string_view kPageEnd = "\r\n##p";
+constexpr std::string_view kPageMarker = "\r\n##p";
 
 // The header lines of a statement, in the document's order.
 enum HeaderLine : std::size_t {
@@ -50,8 +50,8 @@ constexpr std::string_view kDateShape = "00.00.0000";
 const std::string kActPart = ToWindows1251(u"<part type=\"акт\">");
 const std::string kStatementPart = ToWindows1251(u"<part type=\"выписка\">");
 
-constexpr TextView kXml = u".xml";
-constexpr TextView kStatementTitle = u"Выписка операций по расчету с бюджетом";
+constexpr TextView kXmlEnding = u".xml";
+constexpr TextView kTitleShown = u"Выписка операций по расчету с бюджетом";
 
 template <class Char>
 bool Fits(std::basic_string_view<Char> text, std::string_view shape) {
@@ -92,7 +92,7 @@ std::string TaggedText(std::string_view rtf) {
     PageReader reader;
     reader.Open(rtf);
     std::string text;
-    while (reader.More()) text.append(reader.Next()).append(kPageEnd);
+    while (reader.More()) text.append(reader.Next()).append(kPageMarker);
     return ReplaceCellPositions(text);
 }
 
@@ -114,8 +114,8 @@ Text FrameText(std::string_view head, std::size_t frame) {
 std::optional<DocumentGlance> GlanceAtFrames(std::string_view head, const Landmarks& landmarks) {
     const std::vector<std::size_t>& lines = landmarks.statement;
     if (lines.size() < kHeaderLines || landmarks.act.size() != 1) return std::nullopt;
-    if (head.substr(0, lines.back()).find(kPage) != head.npos) return std::nullopt;
-    if (FrameText(head, landmarks.act[0]) != kStatementTitle) return std::nullopt;
+    if (head.substr(0, lines.back()).find(kPageBreak) != head.npos) return std::nullopt;
+    if (FrameText(head, landmarks.act[0]) != kTitleShown) return std::nullopt;
     DocumentGlance glance{.kind = DocumentKind::Statement,
                           .code = FrameText(head, lines[kCode]),
                           .okato = FrameText(head, lines[kOkato]),
@@ -186,7 +186,7 @@ DocumentGlance GlanceAtXml(TextView path) {
 }
 
 DocumentGlance GlanceAtFile(TextView path) {
-    if (EqualNoCase(Right(path, kXml.size()), kXml)) return GlanceAtXml(path);
+    if (EqualNoCase(Right(path, kXmlEnding.size()), kXmlEnding)) return GlanceAtXml(path);
     DocumentGlance glance;
     for (const std::size_t most : kHeads) {
         const std::string bytes = ReadFileHead(path, most);

@@ -122,7 +122,7 @@ std::optional<std::vector<RowId>> FoundRows(TableSearch& search, int plan, int c
         rows.insert(rows.end(), some->begin(), some->end());
     }
     std::ranges::sort(rows);
-    rows.erase(std::ranges::unique(rows).begin(), rows.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
     return rows;
 }
 
