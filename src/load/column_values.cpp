@@ -55,6 +55,11 @@ Text ColumnName(TextView element) {
     return Concat(element.substr(0, 1), digits.substr(first));
 }
 
+bool ColumnValues::IsText(TextView column) const {
+    return std::ranges::any_of(sizes_,
+                               [&](const TextSize& size) { return EqualNoCase(size.column, column); });
+}
+
 void ColumnValues::Clear() {
     count_ = 0;
     ++collection_;

@@ -46,6 +46,8 @@ class ColumnValues {
     explicit ColumnValues(CatalogueTable table, std::vector<TextSize> sizes = {})
         : table_(table), sizes_(std::move(sizes)) {}
 
+    // Whether the database has the column as one of texts.
+    bool IsText(TextView column) const;
     // Forgets the values.
     void Clear();
     void Add(std::string_view element, Text text);

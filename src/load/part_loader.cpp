@@ -94,7 +94,12 @@ PartLoader::PartLoader(Connection& connection, const Numbers& highest, Rehearsal
       numbers_(highest),
       head_(CatalogueTable::Header, connection.TextSizes(u"tav_operations_header")),
       row_(CatalogueTable::Operations, connection.TextSizes(u"tav_operations")),
-      amounts_(CatalogueTable::Acts) {}
+      amounts_(CatalogueTable::Acts) {
+    // The reports tell a debt by the sign of the balance: with a column of texts all of them would fail.
+    if (!rehearsal_ && row_.IsText(u"p13")) {
+        throw Failure(RunTimeError::DataTypeMismatch, u"tav_operations.p13");
+    }
+}
 
 void PartLoader::Execute(const SqlText& sql) {
     rehearsal_ ? rehearsal_(sql) : void(connection_.Execute(sql));
