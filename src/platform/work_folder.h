@@ -11,8 +11,8 @@ namespace tav {
 
 class WorkFolder {
  public:
-    // A new folder beside `target`, in place of those that killed programs left. A missing parent, or one that must not be written, is a Failure as of
-    // files.h.
+    // A new folder beside `target`, in place of those that killed programs left. A missing parent, or one that must
+    // not be written, is a Failure as of files.h.
     explicit WorkFolder(TextView target);
     ~WorkFolder();  // with all that is still in it
     WorkFolder(const WorkFolder&) = delete;

@@ -1,4 +1,4 @@
-#include <filesystem>
+#include <vector>
 
 #include "common/concat.h"
 #include "platform/files.h"
@@ -14,6 +14,41 @@ win32::Handle Opened(const std::wstring& path, DWORD access, DWORD share) {
                                        FILE_FLAG_BACKUP_SEMANTICS, nullptr));
 }
 
+// What is in a folder; nothing when it cannot be listed.
+std::vector<WIN32_FIND_DATAW> EntriesOf(const std::wstring& folder) {
+    std::vector<WIN32_FIND_DATAW> entries;
+    WIN32_FIND_DATAW entry{};
+    const HANDLE search = ::FindFirstFileW((folder + L"\\*").c_str(), &entry);
+    if (search == INVALID_HANDLE_VALUE) return entries;
+    do {
+        const std::wstring_view name = entry.cFileName;
+        if (name != L"." && name != L"..") entries.push_back(entry);
+    } while (::FindNextFileW(search, &entry));
+    ::FindClose(search);
+    return entries;
+}
+
+// As far as it can be removed. Links go, what they lead to stays.
+void RemoveAll(const std::wstring& folder) {
+    for (const WIN32_FIND_DATAW& entry : EntriesOf(folder)) {
+        const std::wstring path = folder + L"\\" + entry.cFileName;
+        const bool link = (entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+        if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+            ::DeleteFileW(path.c_str());
+        } else {
+            link ? void(::RemoveDirectoryW(path.c_str())) : RemoveAll(path);
+        }
+    }
+    ::RemoveDirectoryW(folder.c_str());
+}
+
+// The same without a separator at its end.
+std::wstring FolderPath(TextView folder) {
+    std::wstring path = folder.empty() ? L"." : win32::NativePath(folder);
+    while (path.ends_with(L'\\')) path.pop_back();
+    return path;
+}
+
 }  // namespace
 
 // An open folder that forbids others to delete it.
@@ -22,15 +57,13 @@ struct WorkFolder::InUse {
 };
 
 void RemoveWorkFolders(TextView folder) {
-    namespace fs = std::filesystem;
-    std::error_code ignored;
-    fs::directory_iterator entry(folder.empty() ? L"." : win32::NativePath(folder), ignored);
-    for (; entry != fs::directory_iterator(); entry.increment(ignored)) {
-        const fs::path& path = entry->path();
-        if (!entry->is_directory(ignored) || !IsLeftover(win32::FromWide(path.filename().wstring())))
-            continue;
-        constexpr DWORD kAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-        if (Opened(path.wstring(), DELETE, kAll)) fs::remove_all(path, ignored);
+    constexpr DWORD kAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const std::wstring parent = FolderPath(folder);
+    for (const WIN32_FIND_DATAW& entry : EntriesOf(parent)) {
+        const bool is_folder = (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+        if (!is_folder || !IsLeftover(win32::FromWide(entry.cFileName))) continue;
+        const std::wstring path = parent + L"\\" + entry.cFileName;
+        if (Opened(path, DELETE, kAll)) RemoveAll(path);
     }
 }
 
@@ -51,8 +84,7 @@ WorkFolder::WorkFolder(TextView target) : in_use_(std::make_unique<InUse>()) {
 
 WorkFolder::~WorkFolder() {
     in_use_.reset();
-    std::error_code ignored;
-    std::filesystem::remove_all(win32::NativePath(path_), ignored);
+    RemoveAll(FolderPath(path_));
 }
 
 void WorkFolder::Publish(TextView name, TextView target) {

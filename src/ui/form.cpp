@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 #include <utility>
 
 #include "common/concat.h"
@@ -18,11 +19,14 @@ TextView EventName(Event event) {
 
 }  // namespace
 
-// While one of the form's handlers runs, its window stays.
+// While one of the form's handlers runs, its window stays. What a timer's handler says while another one's box is open
+// belongs to that one.
 class Form::Running {
  public:
-    explicit Running(Form& form) : form_(form), outer_(std::exchange(Innermost(), &form)) {
+    explicit Running(Form& form, bool by_timer = false)
+        : form_(form), outer_(std::exchange(Innermost(), &form)) {
         ++form_.running_;
+        if (!by_timer || outer_ == nullptr) one_box_.emplace();
     }
     static Form*& Innermost() {
         static Form* innermost = nullptr;
@@ -40,7 +44,7 @@ class Form::Running {
  private:
     Form& form_;
     Form* const outer_;
-    const OneBoxPerCause one_box_;
+    std::optional<OneBoxPerCause> one_box_;
 };
 
 Form* Form::Handling() {
@@ -108,7 +112,7 @@ void Form::OpenDocument(TextView path) {
 void Form::OnEvent(std::size_t control, Event event) {
     const auto found = procedures_.find({control, event});
     if (found == procedures_.end() || !Loaded()) return;
-    const Running running(*this);
+    const Running running(*this, event == Event::Timer);
     Guarded(found->second.title, found->second.run);
 }
 

@@ -14,16 +14,17 @@ using testing::StartsWith;
 class Windows : public Desktop {
  protected:
     // Enough documents for something to happen while they are read.
-    void StartWithMany() {
-        WriteStatements(300);
+    void StartWithMany(int documents = 300) {
+        WriteStatements(documents);
         Start();
-        ASSERT_TRUE(WaitCounts("lblInfoFile", "загрузке: 300"));
+        ASSERT_TRUE(WaitCounts("lblInfoFile", "загрузке: " + std::to_string(documents)));
     }
 };
 
 // By the button, and by closing the main window, which stays.
 TEST_F(Windows, CancelInTheMiddleOfAnImportLosesNothing) {
-    StartWithMany();
+    constexpr int kDocuments = 3000;
+    StartWithMany(kDocuments);
     const std::vector<std::function<void()>> ways = {[] {
                                                          Click({"frmShortImport", "CancelButton"});
                                                      },
@@ -45,7 +46,7 @@ TEST_F(Windows, CancelInTheMiddleOfAnImportLosesNothing) {
         EXPECT_THAT(TextOf(Main("txtAbout")), HasSubstr("Импорт прерван."));
         WaitFor(1100);  // an import in the second of the cancel is refused
     }
-    EXPECT_THAT(ListFiles(folder_ / u"in", u".rtf"), SizeIs(300));
+    EXPECT_THAT(ListFiles(folder_ / u"in", u".rtf"), SizeIs(kDocuments));
     EXPECT_TRUE(WaitCounts("lblInfoBase", "Выписок в базе данных: 0"));
     EXPECT_TRUE(Wait([] { return IsEnabled(Main("Command1")); }));
 }
