@@ -130,13 +130,14 @@ void Serve(Work& work) {
         kept([&] { said.Tell(CurrentProgress()); });
         if (work.on_errand) (*work.errand)();
         lock.lock();
-        if (std::exchange(work.on_errand, false)) {
+        const bool shown = std::exchange(work.on_errand, false);
+        if (shown) {
             work.errand = nullptr;
             work.changed.notify_all();
         }
         const bool goes_on = !work.done;
         lock.unlock();
-        if (goes_on && std::chrono::steady_clock::now() - begin > kAtOnce) {
+        if (goes_on && (shown || std::chrono::steady_clock::now() - begin > kAtOnce)) {
             kept([] { CurrentProgress().ProcessEvents(); });
         }
     }

@@ -19,14 +19,14 @@ TextView EventName(Event event) {
 
 }  // namespace
 
-// While one of the form's handlers runs, its window stays. What a timer's handler says while another one's box is open
-// belongs to that one.
+// While one of the form's handlers runs, its window stays. What is said `within` another handler, by a timer while that
+// one's box is open, too, is not said twice.
 class Form::Running {
  public:
-    explicit Running(Form& form, bool by_timer = false)
+    explicit Running(Form& form, bool within = false)
         : form_(form), outer_(std::exchange(Innermost(), &form)) {
         ++form_.running_;
-        if (!by_timer || outer_ == nullptr) one_box_.emplace();
+        if (!within || outer_ == nullptr) one_box_.emplace();
     }
     static Form*& Innermost() {
         static Form* innermost = nullptr;
@@ -117,7 +117,7 @@ void Form::OnEvent(std::size_t control, Event event) {
 }
 
 void Form::RunAsHandler(const std::function<void()>& act) {
-    const Running running(*this);
+    const Running running(*this, true);
     act();
 }
 

@@ -65,7 +65,7 @@ class Session : public Desktop {
     }
     virtual void Begin() { Start(); }
 
-    int many_ = 300;  // enough for something to happen while they are read
+    int many_ = 3000;  // enough for something to happen while they are read
 
  private:
     void Do(TextView line) {
