@@ -26,6 +26,7 @@ void ClickAt(const Spot& spot) {
 
 class X11Session : public Session {
  protected:
+    X11Session() { many_ = 10000; }  // a hand takes its time
     void ClickOn(const Spot& spot) override { ClickAt(spot); }
     void TypeInto(const Spot& spot, TextView words) override {
         ClickAt(spot);
