@@ -61,7 +61,7 @@ function(tav_room folder)
   target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
   target_link_libraries(${name} PRIVATE tav_flags)
   # Hosts load the library whole: what waits for people or the disk is small rather than fast.
-  if(WIN32 AND folder MATCHES "^(forms|ui|host|settings|reports|load|db|platform)$")
+  if(WIN32 AND folder MATCHES "^(forms|ui|host|settings|reports|load|db|sql|exports|platform|jet/check|jet/create)$")
     target_compile_options(${name} PRIVATE -Os)
   endif()
   set(rooms "")
