@@ -45,8 +45,8 @@ struct CatalogueEntry {
     Text name;              // of the document
     std::size_t begin = 0;  // at the "<" of <file>
     std::size_t end = 0;    // after </file>
-    std::size_t name_begin =
-        0;  // where the element of the name begins and ends, from the entry's beginning on
+    // Where the element of the name begins and ends, from the entry's beginning on.
+    std::size_t name_begin = 0;
     std::size_t name_end = 0;
     int parts = 0;
     EntryNotes notes = 0;

@@ -24,7 +24,6 @@ namespace {
 
 constexpr std::size_t kHeads[] = {std::size_t{64} << 10, std::size_t{1} << 20};
 
-constexpr std::string_view kPageBreak = "\\page";
 constexpr std::size_t kPositionSize = 9;  // "posx" and five digits
 constexpr std::string_view kStatementHeader = "##v<h@@>";
 constexpr std::string_view kActHeader = "##a<h@@>";
@@ -114,7 +113,7 @@ Text FrameText(std::string_view head, std::size_t frame) {
 std::optional<DocumentGlance> GlanceAtFrames(std::string_view head, const Landmarks& landmarks) {
     const std::vector<std::size_t>& lines = landmarks.statement;
     if (lines.size() < kHeaderLines || landmarks.act.size() != 1) return std::nullopt;
-    if (head.substr(0, lines.back()).find(kPageBreak) != head.npos) return std::nullopt;
+    if (head.substr(0, lines.back()).find(kPage) != head.npos) return std::nullopt;
     if (FrameText(head, landmarks.act[0]) != kTitleShown) return std::nullopt;
     DocumentGlance glance{.kind = DocumentKind::Statement,
                           .code = FrameText(head, lines[kCode]),

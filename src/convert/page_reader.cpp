@@ -5,10 +5,11 @@
 #include <cstring>
 #include <utility>
 
+#include "convert/characters.h"
+
 namespace tav {
 namespace {
 
-constexpr std::string_view kPage = "\\page";
 constexpr std::string_view kPageStart = "{\\rtf1\\ansi\\ansicpg1251\\deff0\\deflang1033\\page";
 constexpr std::string_view kPageEnd = "}\\par }\\sect }";
 constexpr std::ptrdiff_t kGroupsClosedAround = 2;  // more than these open

@@ -133,7 +133,8 @@ class Load {
     const Catalogue* read_ = nullptr;
     std::optional<Catalogue> own_catalogue_;
     AccountMaker found_;
-    std::optional<HeldFiles> held_;  // as the database is; none once it has been changed
+    // As the database is, but for files that have left the folder; none once a document has been stored.
+    std::optional<HeldFiles> held_;
 
     // What has been stored and not yet reached the disk.
     std::vector<Text> unit_files_;

@@ -3,8 +3,8 @@
 //
 // Every function that is called from outside (methods, exports, window procedures, hooks) has one guard,
 // before all else; but not those that only count and compare: QueryInterface, AddRef, Release, LockServer,
-// DllGetClassObject, DllCanUnloadNow, GetTypeInfoCount. What a library that is loaded meanwhile does to the settings does not reach the host,
-// either.
+// DllGetClassObject, DllCanUnloadNow, GetTypeInfoCount. What a library that is loaded meanwhile does to the
+// settings does not reach the host, either.
 #pragma once
 
 #include <cstdint>

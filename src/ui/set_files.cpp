@@ -107,17 +107,23 @@ struct Reading {
     std::vector<ListRow> held;
 };
 
+std::vector<HeldDocument> ReadDocuments(Connection& connection, TextView database, TextView inn, TextView kpp,
+                                        Reading& reading) {
+    connection.CursorLocation = 3;
+    connection.OpenForReading(ConnectionString(database));
+    std::vector<HeldDocument> documents = DocumentsOf(connection, inn, kpp);
+    reading.name = TaxpayerName(documents);
+    reading.base_counts = CountsOf(documents);
+    return documents;
+}
+
 void ReadFolder(TextView folder, TextView database, TextView inn, TextView kpp,
                 const std::function<bool()>& go_on, Reading& reading) {
     reading.listing = ListFolder(folder, go_on);
     FolderListing& listing = reading.listing;
     reading.file_counts = FolderCounts(folder, listing.files.size());
     Connection connection;
-    connection.CursorLocation = 3;
-    connection.OpenForReading(ConnectionString(database));
-    const std::vector<HeldDocument> documents = DocumentsOf(connection, inn, kpp);
-    reading.name = TaxpayerName(documents);
-    reading.base_counts = CountsOf(documents);
+    ReadDocuments(connection, database, inn, kpp, reading);
     reading.file_counts += LeftToLoad(listing.files, ReadKnownFiles(connection));
     connection.Close();
     if (!listing.files.empty()) reading.account = AccountOfFolder(folder, database, inn, kpp);
@@ -126,11 +132,7 @@ void ReadFolder(TextView folder, TextView database, TextView inn, TextView kpp,
 
 void ReadDatabase(TextView database, TextView inn, TextView kpp, Reading& reading) {
     Connection connection;
-    connection.CursorLocation = 3;
-    connection.OpenForReading(ConnectionString(database));
-    const std::vector<HeldDocument> documents = DocumentsOf(connection, inn, kpp);
-    reading.name = TaxpayerName(documents);
-    reading.base_counts = CountsOf(documents);
+    const std::vector<HeldDocument> documents = ReadDocuments(connection, database, inn, kpp, reading);
     reading.held.reserve(documents.size());
     for (const HeldDocument& document : documents) reading.held.push_back(ListRowOf(document));
 }
