@@ -16,7 +16,7 @@ using testing::StartsWith;
 
 class Drive : public Session {
  protected:
-    Drive() { many_ = 1500; }  // long enough for the cancel to come
+    Drive() { many_ = 4000; }  // long enough for the cancel to come
     ~Drive() override {
         if (process_) process_->Kill();
     }

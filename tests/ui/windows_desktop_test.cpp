@@ -13,7 +13,9 @@ using testing::StartsWith;
 
 class Windows : public Desktop {
  protected:
-    // Enough documents for something to happen while they are read.
+    static constexpr int kWhileTheyAreRead = 3000;  // all cores read
+
+    // Enough documents for something to happen while they are imported.
     void StartWithMany(int documents = 300) {
         WriteStatements(documents);
         Start();
@@ -23,8 +25,7 @@ class Windows : public Desktop {
 
 // By the button, and by closing the main window, which stays.
 TEST_F(Windows, CancelInTheMiddleOfAnImportLosesNothing) {
-    constexpr int kDocuments = 3000;
-    StartWithMany(kDocuments);
+    StartWithMany(kWhileTheyAreRead);
     const std::vector<std::function<void()>> ways = {[] {
                                                          Click({"frmShortImport", "CancelButton"});
                                                      },
@@ -46,7 +47,7 @@ TEST_F(Windows, CancelInTheMiddleOfAnImportLosesNothing) {
         EXPECT_THAT(TextOf(Main("txtAbout")), HasSubstr("Импорт прерван."));
         WaitFor(1100);  // an import in the second of the cancel is refused
     }
-    EXPECT_THAT(ListFiles(folder_ / u"in", u".rtf"), SizeIs(kDocuments));
+    EXPECT_THAT(ListFiles(folder_ / u"in", u".rtf"), SizeIs(kWhileTheyAreRead));
     EXPECT_TRUE(WaitCounts("lblInfoBase", "Выписок в базе данных: 0"));
     EXPECT_TRUE(Wait([] { return IsEnabled(Main("Command1")); }));
 }
@@ -159,7 +160,7 @@ TEST_F(Windows, KeepsTheSettingsWhileAMessageStandsBeforeTheWindow) {
 
 // A folder that vanishes while its files are read is one failure.
 TEST_F(Windows, LivesOnWhenTheFolderVanishes) {
-    StartWithMany();
+    StartWithMany(kWhileTheyAreRead);
     WhenShown("frmShortImport", [&] { MoveFileOver(folder_ / u"in", folder_ / u"gone"); });
     Click(Main("Command1"));
     EXPECT_TRUE(WaitCounts("lblInfoFile", "папка не найдена"));
