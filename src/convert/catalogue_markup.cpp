@@ -81,9 +81,9 @@ Reference NumberAt(std::string_view text) {
     const char* const begin = text.data() + (hex ? 3 : 2);
     const char* const end = text.data() + text.size();
     std::uint32_t code = 0;
-    const auto [behind, error] = std::from_chars(begin, end, code, hex ? 16 : 10);
-    if (error != std::errc() || behind == end || *behind != ';' || !IsXmlCharacter(code)) return {};
-    return {static_cast<std::size_t>(behind + 1 - text.data()), code};
+    const auto [after, error] = std::from_chars(begin, end, code, hex ? 16 : 10);
+    if (error != std::errc() || after == end || *after != ';' || !IsXmlCharacter(code)) return {};
+    return {static_cast<std::size_t>(after + 1 - text.data()), code};
 }
 
 Reference ReferenceAt(std::string_view text) {
@@ -122,13 +122,13 @@ MarkupTag TagAt(std::string_view text, std::size_t at) {
     tag.closes = text.substr(at + 1).starts_with('/');
     const std::size_t name = at + (tag.closes ? 2 : 1);
     const std::size_t length = NameLength(text.substr(name));
-    const std::size_t behind = name + length;
-    if (length == 0 || behind >= text.size()) return tag;
-    std::size_t end = behind;
+    const std::size_t after = name + length;
+    if (length == 0 || after >= text.size()) return tag;
+    std::size_t end = after;
     if (text[end] != '>') {
         end = text.find_first_of("<>", end);
         if (end == text.npos || text[end] != '>') return tag;
-        std::string_view inside = text.substr(behind, end - behind);
+        std::string_view inside = text.substr(after, end - after);
         tag.is_whole = !tag.closes && inside.ends_with('/');
         if (tag.is_whole) inside.remove_suffix(1);
         if (tag.closes ? !FromBlank(inside).empty() : !IsTypeOrNothing(inside)) return tag;

@@ -11,7 +11,7 @@
 //
 // Bytes and \'xx are read by the charset of the run's font, else by the document's code page (code_pages.h);
 // what Windows-1251 lacks becomes the best fit (common/windows1251.h). Control characters, byte 0 among them,
-// are no text. Text behind the outermost closing brace is dropped; a group never closed keeps its text.
+// are no text. Text after the outermost closing brace is dropped; a group never closed keeps its text.
 //
 // Any bytes will do: every byte is read once, groups may nest to any depth (below kDeepest they keep the
 // format of that depth), and a number of any length is cut to 32 bits.
@@ -34,7 +34,7 @@ class RichText {
 
     // The plain text of a document; valid until the next call.
     std::string_view Read(std::string_view document);
-    // Whether the last document had visible text behind its outermost closing brace.
+    // Whether the last document had visible text after its outermost closing brace.
     bool dropped_text() const { return dropped_text_; }
     // How many groups the last document opened without closing them; below 0 when it closed more than it
     // opened.
@@ -108,9 +108,9 @@ class RichText {
     // By font number, as far as one was set; nullptr where the font leaves the code page to the document.
     std::vector<const ByteMap*> font_maps_;
 
-    const char* group_start_ = nullptr;  // just behind an opening brace
+    const char* group_start_ = nullptr;  // just after an opening brace
     char* paragraph_ = nullptr;          // where the present paragraph's text begins
-    char* after_break_ = nullptr;        // just behind the last line break that no row ended
+    char* after_break_ = nullptr;        // just after the last line break that no row ended
     char* row_ = nullptr;                // where the present row's text begins; none before \intbl
     char* document_end_ = nullptr;       // where the text ended when the outermost brace closed
     bool in_row_ = false;

@@ -58,7 +58,7 @@ const std::string kClosingLetter = ToWindows1251(u"Д");
 const std::string kStatementStart = ToWindows1251(u"\t<part type=\"выписка\">\r\n\t<head>\r\n");
 const std::string kActStart = ToWindows1251(u"\t<part type=\"акт\">\r\n\t<head>\r\n");
 
-// Characters count from 1; what lies behind the line's end is empty.
+// Characters count from 1; what lies after the line's end is empty.
 std::string_view Mid(std::string_view line, std::size_t start, std::size_t count = std::string_view::npos) {
     return line.size() < start ? std::string_view{} : line.substr(start - 1, count);
 }

@@ -1,6 +1,6 @@
 // The child elements of a head, a row or an act's body as columns of a table with their texts.
 //
-// An element's name becomes a column's by keeping its first letter and the number behind it without leading
+// An element's name becomes a column's by keeping its first letter and the number after it without leading
 // zeros: h01 is h1, p0211 is p211; a name without a number (perb, pere) is its own column. An element that
 // occurs twice gives one column, at the place of its first occurrence: the texts joined with one space; in a
 // number or date column the last text that converts, or the last one if none does.
@@ -30,7 +30,7 @@ struct CatalogueColumn {
     std::size_t position = 0;    // in the values being collected
     std::size_t collection = 0;  // the number of the collection that `position` belongs to
 
-    // What stands behind the first letter of the element: "01".
+    // What follows the first letter of the element: "01".
     TextView digits() const { return TextView(element).substr(1); }
 };
 

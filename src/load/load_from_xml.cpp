@@ -31,7 +31,7 @@ constexpr int kRowsPerUnit = 20000;
 // What a source file may need in the database, in bytes: a statement of 10,000 lines.
 constexpr std::uint64_t kRoomForFile = 4 << 20;
 
-// Rows above the highest number are what headers that were deleted left behind: their numbers are given
+// Rows above the highest number are what is left of headers that were deleted: their numbers are given
 // again, and the rows of two documents must not mix.
 void RemoveLeftovers(Connection& connection, std::int16_t highest_part) {
     for (const TextView table : {u"tav_operations", u"tav_acts"}) {

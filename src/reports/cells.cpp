@@ -40,11 +40,11 @@ std::int16_t SmallInteger(TextView text) {
 
 constexpr TextView kStyle = u" style=\"";
 
-// What a code puts before and behind its value.
+// What a code puts before and after its value.
 struct AttributeCode {
     TextView code;
     TextView before;
-    TextView behind;
+    TextView after;
     TextView Cell::*value = nullptr;
 };
 constexpr std::array<AttributeCode, 5> kAttributeCodes = {{
@@ -72,7 +72,7 @@ bool TakeCode(TextView item, Text& attributes, Cell& cell) {
     const TextView value = item.substr(code.size());
     for (const AttributeCode& known : kAttributeCodes) {
         if (code == known.code) {
-            attributes.append(known.before).append(value).append(known.behind);
+            attributes.append(known.before).append(value).append(known.after);
             if (known.value != nullptr) cell.*known.value = value;
             return true;
         }

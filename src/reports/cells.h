@@ -1,14 +1,14 @@
 // The cell mark-up of every report: a compact list of texts and two-character codes becomes HTML elements.
 //
-// An item whose first two characters are a code is a code, its value the text behind them; any other item, an
-// empty one too, is the content of one element. The codes that describe a cell stand behind its content:
+// An item whose first two characters are a code is a code, its value the text after them; any other item, an
+// empty one too, is the content of one element. The codes that describe a cell follow its content:
 //
 //     #r5 #c2      rowspan, colspan              #u2 #u0   top border of the cells, in pixels; 0 for none
 //     #w15% #h20   width, height                 #b1 #b0   bold on, off
 //     #l2          left border in pixels         #ar #al #ac   alignment of the cells: right, left, centre
 //
 // The list is walked backwards. #u, #b and #a are sticky: they hold from the place where the walk meets them
-// on, for all further cells, calls and reports of the process. So a code behind the last content of a call
+// on, for all further cells, calls and reports of the process. So a code after the last content of a call
 // acts on all its cells, and alignment is never switched off, only replaced.
 //
 // Contents are HTML already: texts of the database come through HtmlText. A #b or #u whose value is no whole

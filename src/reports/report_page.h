@@ -21,7 +21,7 @@ class ReportPage {
     void AddHeading(std::initializer_list<TextView> items) {
         AddHeading(std::span(items.begin(), items.size()));
     }
-    // Rows of the ruled one; `codes` stand behind the row itself. The row's first cell leads to the sheet `link`.
+    // Rows of the ruled one; `codes` follow the row itself. The row's first cell leads to the sheet `link`.
     void AddColumnHeadings(std::span<const TextView> items);
     void AddColumnHeadings(std::initializer_list<TextView> items) {
         AddColumnHeadings(std::span(items.begin(), items.size()));

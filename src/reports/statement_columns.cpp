@@ -75,10 +75,10 @@ constexpr std::array<StatementColumn, 14> kColumns = {{
      true},
 }};
 
-Text Pieces(TextView before, TextView StatementColumn::*piece, TextView behind) {
+Text Pieces(TextView before, TextView StatementColumn::*piece, TextView after) {
     Text text(before);
     for (const StatementColumn& column : kColumns) text += column.*piece;
-    return text.append(behind);
+    return text.append(after);
 }
 
 }  // namespace

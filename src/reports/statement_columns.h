@@ -18,7 +18,7 @@ struct StatementColumn {
     HeadingItems lower;     // in the second row; none under a heading that goes down to there
     TextView field;         // its name in the selects; "m1" to "m9" are amounts (reports/money.h)
     TextView operation;     // its piece of the select of operations, which follows the one before it
-    TextView alignment;     // code behind the cell of a text; empty: that of the next cell that has one
+    TextView alignment;     // code after the cell of a text; empty: that of the next cell that has one
     TextView opening;       // its piece of the select of the opening balance; empty: not part of a balance
     TextView by_kind;       // what that piece sums up
     bool turnover = false;  // its operations are added up

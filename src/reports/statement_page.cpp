@@ -47,7 +47,7 @@ void AddColumnHeadings(ReportPage& page) {
     }
 }
 
-// A row of the table: a cell and its codes for every column, `codes` behind the last one.
+// A row of the table: a cell and its codes for every column, `codes` after the last one.
 class Row {
  public:
     // `text` and `amount` give the content of a column's cell.

@@ -9,7 +9,7 @@ namespace tav {
 std::optional<ShownTaxpayer> ChosenTaxpayer() {
     const Text setting = SettingText(u"NameINNKPP");
     if (setting.empty()) return std::nullopt;
-    // The first element goes to the end of the list; what remains behind INN and KPP is the name.
+    // The first element goes to the end of the list; what remains after INN and KPP is the name.
     TextView list = setting;
     const TextView first = GetNext(list, u"|");
     const Text turned = Concat(list, u"|", first);

@@ -12,7 +12,7 @@
 namespace tav {
 namespace {
 
-// The lines of a table: position, text, position behind it, value; "↵" is CR LF.
+// The lines of a table: position, text, position after it, value; "↵" is CR LF.
 template <class Call>
 void ExpectTable(std::string_view path, Call call) {
     const Text table = ReplaceAll(FromUtf8(test::TestFile(path)), u"↵", u"\r\n");

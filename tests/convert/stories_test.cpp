@@ -2,7 +2,7 @@
 // glances at it, and has beneath each "scan" and "glance", indented, what became of every document.
 // TAV_UPDATE_GOLDEN writes that anew.
 //
-//   put NAME: KIND       a document of that kind (Documents below), or of the text behind the word "text"
+//   put NAME: KIND       a document of that kind (Documents below), or of the text after the word "text"
 //   remove NAME, rename NAME > NAME, link NAME > TARGET
 //   catalogue            its text: the lines that follow and begin with "|"
 //   break OLD > NEW      replaces a text in the catalogue

@@ -48,7 +48,7 @@ bool CheckDataPage(CheckContext& context, PageNumber number, std::uint32_t owner
         if ((word & 0x2000) != 0)
             error(u"slot " + Digits(static_cast<long long>(slot)) + u" has an unknown flag");
         if (start > last)
-            error(u"slot " + Digits(static_cast<long long>(slot)) + u" begins behind its neighbour");
+            error(u"slot " + Digits(static_cast<long long>(slot)) + u" begins after its neighbour");
         last = std::min(start, last);
     }
     const std::size_t table_end = kDataHeader + 2 * slots;

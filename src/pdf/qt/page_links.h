@@ -1,7 +1,7 @@
 // What Qt cannot do itself: links from one page of a PDF to another, and another order of its pages.
 //
 // Qt writes a link as an annotation with an address. Those that SheetAddress makes become jumps to the first
-// page of the sheet, in place: no byte behind them moves, so the file's table of objects stays right.
+// page of the sheet, in place: no byte after them moves, so the file's table of objects stays right.
 #pragma once
 
 #include <string>

@@ -35,7 +35,7 @@ class SheetLayout {
     const std::vector<PlacedCell>& headings() const { return headings_; }
     const std::vector<double>& heading_heights() const { return heading_heights_; }
     double RowHeight(std::size_t row) const { return heights_[row]; }
-    // The first row of each page, and behind them the number of rows.
+    // The first row of each page, and after them the number of rows.
     const std::vector<std::size_t>& pages() const { return pages_; }
 
     // A text's lines in a cell over these columns.
