@@ -36,7 +36,7 @@ class FormControl {
     virtual void Enable(bool enabled) = 0;
     virtual bool Checked() const { Refuse(); }
     virtual void Check(bool) { Refuse(); }
-    virtual void SetRows(std::vector<ListRow>&&) { Refuse(); }
+    virtual std::vector<ListRow> SetRows(std::vector<ListRow>&&) { Refuse(); }
     virtual int SelectedRow() const { Refuse(); }
     virtual void SelectRow(int) { Refuse(); }
     virtual void ShowColumn(int, bool) { Refuse(); }
@@ -67,8 +67,8 @@ class WindowOfControls : public FormWindow {
     void Enable(std::size_t control, bool enabled) override { At(control).Enable(enabled); }
     bool Checked(std::size_t control) const override { return At(control).Checked(); }
     void Check(std::size_t control, bool checked) override { At(control).Check(checked); }
-    void SetRows(std::size_t control, std::vector<ListRow> rows) override {
-        At(control).SetRows(std::move(rows));
+    std::vector<ListRow> SetRows(std::size_t control, std::vector<ListRow> rows) override {
+        return At(control).SetRows(std::move(rows));
     }
     int SelectedRow(std::size_t control) const override { return At(control).SelectedRow(); }
     void SelectRow(std::size_t control, int row) override { At(control).SelectRow(row); }

@@ -160,7 +160,7 @@ class FormWindow {
     // The window's own, in place of the plan's.
     virtual void SetCaption(TextView caption) = 0;
 
-    // A caption, or a TextBox's, Memo's text.
+    // A caption, a TextBox's, Memo's text, or that of the row which is selected in a ListBox.
     virtual Text GetText(std::size_t control) const = 0;
     virtual void SetText(std::size_t control, TextView text) = 0;
     virtual bool Enabled(std::size_t control) const = 0;
@@ -169,8 +169,8 @@ class FormWindow {
     virtual void Check(std::size_t control, bool checked) = 0;
 
     // ListBox, ComboBox. New rows keep no selection; rows count from 0 as they came, whatever column the user
-    // has sorted them by; -1 is none.
-    virtual void SetRows(std::size_t control, std::vector<ListRow> rows) = 0;
+    // has sorted them by; -1 is none. What a ListBox showed before is given back: many thousand rows take a while to go.
+    virtual std::vector<ListRow> SetRows(std::size_t control, std::vector<ListRow> rows) = 0;
     virtual int SelectedRow(std::size_t control) const = 0;
     virtual void SelectRow(std::size_t control, int row) = 0;
     // ListBox: whether a column is seen.

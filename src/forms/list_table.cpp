@@ -23,9 +23,10 @@ Text DatesFirst(TextView text) {
 
 }  // namespace
 
-void ListTable::SetRows(std::vector<ListRow> rows) {
-    rows_ = std::move(rows);
+std::vector<ListRow> ListTable::SetRows(std::vector<ListRow> rows) {
+    std::swap(rows_, rows);
     Sort();
+    return rows;
 }
 
 void ListTable::SortBy(int column) {

@@ -14,8 +14,8 @@ class ListTable {
     explicit ListTable(std::span<const ListColumn> columns) : columns_(columns) {}
 
     std::span<const ListColumn> columns() const { return columns_; }
-    // They are sorted as those before them were.
-    void SetRows(std::vector<ListRow> rows);
+    // They are sorted as those before them were, which are given back.
+    std::vector<ListRow> SetRows(std::vector<ListRow> rows);
     // A click on a column's title: upwards; the same again: downwards; once more: as they came.
     void SortBy(int column);
     // The column, -1 for none.

@@ -134,16 +134,4 @@ void Form::OnDrop(const std::vector<Text>& paths) {
     Guarded(u"Ошибка в функции Form_Drop", [&] { Form_Drop(paths); });
 }
 
-void ListBox::SetRows(std::vector<ListRow> rows) {
-    texts_.clear();
-    for (const ListRow& row : rows) texts_.push_back(row.text);
-    window().SetRows(index(), std::move(rows));
-}
-
-Text ListBox::SelectedText() const {
-    const int row = Selected();
-    return row < 0 || static_cast<std::size_t>(row) >= texts_.size() ? Text()
-                                                                     : texts_[static_cast<std::size_t>(row)];
-}
-
 }  // namespace tav

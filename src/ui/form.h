@@ -160,15 +160,14 @@ class CheckBox : public Control {
 class ListBox : public Control {
  public:
     using Control::Control;
-    void SetRows(std::vector<ListRow> rows);
+    std::vector<ListRow> SetRows(std::vector<ListRow> rows) {
+        return window().SetRows(index(), std::move(rows));
+    }
     int Selected() const { return window().SelectedRow(index()); }
     void Select(int row) { window().SelectRow(index(), row); }
     void ShowColumn(int column, bool shown) { window().ShowColumn(index(), column, shown); }
-    // The selected row's text, empty when none is.
-    Text SelectedText() const;
-
- private:
-    std::vector<Text> texts_;
+    // The selected row's text, empty when none is; of a list box.
+    Text SelectedText() const { return window().GetText(index()); }
 };
 
 class TreeView : public Control {

@@ -1,5 +1,7 @@
 #include "ui/set_files.h"
 
+#include <memory>
+
 #include "common/aside.h"
 #include "common/concat.h"
 #include "common/guard.h"
@@ -104,7 +106,7 @@ struct Reading {
     Text file_counts;
     FolderListing listing;
     ImportAccount account;
-    std::vector<ListRow> held;
+    std::vector<ListRow> rows;  // of the database; then those that were shown before
 };
 
 std::vector<HeldDocument> ReadDocuments(Connection& connection, TextView database, TextView inn, TextView kpp,
@@ -133,26 +135,29 @@ void ReadFolder(TextView folder, TextView database, TextView inn, TextView kpp,
 void ReadDatabase(TextView database, TextView inn, TextView kpp, Reading& reading) {
     Connection connection;
     const std::vector<HeldDocument> documents = ReadDocuments(connection, database, inn, kpp, reading);
-    reading.held.reserve(documents.size());
-    for (const HeldDocument& document : documents) reading.held.push_back(ListRowOf(document));
+    reading.rows.reserve(documents.size());
+    for (const HeldDocument& document : documents) reading.rows.push_back(ListRowOf(document));
 }
 
 }  // namespace
 
 Text SetFiles(ListBox& list, FilesOf source, TextView path, TextView inn, TextView kpp, bool& busy,
               const std::function<bool()>& go_on) {
-    Reading reading;
+    const auto shared = std::make_shared<Reading>();
+    Reading& reading = *shared;
     const Text database = source == FilesOf::Database ? Text(path) : getbase();
+    const auto read = [shared, source, folder = Text(path), database, inn = Text(inn), kpp = Text(kpp),
+                       go_on] {
+        if (source == FilesOf::Folder) {
+            ReadFolder(folder, database, inn, kpp, go_on, *shared);
+        } else {
+            ReadDatabase(database, inn, kpp, *shared);
+        }
+    };
     busy = false;
     GuardedBy(
         [&] {
-            RunAside([&] {
-                if (source == FilesOf::Folder) {
-                    ReadFolder(path, database, inn, kpp, go_on, reading);
-                } else {
-                    ReadDatabase(database, inn, kpp, reading);
-                }
-            });
+            RunAside(read);
             shown_failure.clear();
         },
         [&](const Failure& failure) {
@@ -160,14 +165,15 @@ Text SetFiles(ListBox& list, FilesOf source, TextView path, TextView inn, TextVi
             if (!busy) ShowOnce(failure, database);
         });
     if (source == FilesOf::Folder) {
-        list.SetRows(std::move(reading.listing.shown));
+        reading.rows = list.SetRows(std::move(reading.listing.shown));
         std::swap(folder_account, reading.account);
         SwapListing(reading.listing);
-        RunAside([&] { reading.listing = {}; });  // many thousand rows take a while to go
     } else if (!busy) {
-        list.SetRows(std::move(reading.held));  // none after a failure
+        reading.rows = list.SetRows(std::move(reading.rows));  // none after a failure
     }
-    return Concat(reading.name, u"*", reading.base_counts, u"*", reading.file_counts);
+    const Text information = Concat(reading.name, u"*", reading.base_counts, u"*", reading.file_counts);
+    RunAside([shared] { *shared = {}; });  // many thousand rows take a while to go
+    return information;
 }
 
 const ImportAccount& FolderAccount() {

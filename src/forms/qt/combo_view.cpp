@@ -19,9 +19,10 @@ class ComboBox : public SeenControl<QComboBox> {
             if (std::exchange(selected_, row) != row) raise(Event::Click);
         });
     }
-    void SetRows(std::vector<ListRow>&& rows) override {
+    std::vector<ListRow> SetRows(std::vector<ListRow>&& rows) override {
         model_->SetRows(std::move(rows));
         SelectRow(-1);
+        return {};
     }
     int SelectedRow() const override { return widget_->currentIndex(); }
     void SelectRow(int row) override {

@@ -7,10 +7,11 @@
 
 namespace tav {
 
-void TableModelQt::SetRows(std::vector<ListRow> rows) {
+std::vector<ListRow> TableModelQt::SetRows(std::vector<ListRow> rows) {
     beginResetModel();
-    table_.SetRows(std::move(rows));
+    std::vector<ListRow> before = table_.SetRows(std::move(rows));
     endResetModel();
+    return before;
 }
 
 void TableModelQt::SortBy(int column) {

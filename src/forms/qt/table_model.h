@@ -17,7 +17,7 @@ class TableModelQt : public QAbstractTableModel {
         : QAbstractTableModel(view), view_(*view), table_(columns) {}
 
     const ListTable& table() const { return table_; }
-    void SetRows(std::vector<ListRow> rows);
+    std::vector<ListRow> SetRows(std::vector<ListRow> rows);
     void SortBy(int column);
 
     int rowCount(const QModelIndex& parent = {}) const override;

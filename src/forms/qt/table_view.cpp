@@ -35,7 +35,13 @@ class ListBox : public SeenControl<OpenedByEnter<QTreeView>> {
         QObject::connect(&header, &QHeaderView::sectionClicked, [this](int column) { SortBy(column); });
         widget_->Open(raise);
     }
-    void SetRows(std::vector<ListRow>&& rows) override { model_->SetRows(std::move(rows)); }
+    Text GetText() const override {
+        const int place = SelectedIndex(*widget_).row();
+        return place < 0 ? Text() : model_->table().At(place).text;
+    }
+    std::vector<ListRow> SetRows(std::vector<ListRow>&& rows) override {
+        return model_->SetRows(std::move(rows));
+    }
     int SelectedRow() const override { return model_->table().RowAt(SelectedIndex(*widget_).row()); }
     void SelectRow(int row) override {
         const QModelIndex index = model_->index(model_->table().PlaceOf(row), 0);

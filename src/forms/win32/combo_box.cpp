@@ -8,7 +8,7 @@ class ComboBox : public ControlWin {
     ComboBox(const ControlPlan& plan, std::size_t index, FormHost& host) : ControlWin(plan, index, host) {
         MakeWindow(L"COMBOBOX", WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST);
     }
-    void SetRows(std::vector<ListRow>&& rows) override {
+    std::vector<ListRow> SetRows(std::vector<ListRow>&& rows) override {
         Send(WM_SETREDRAW, FALSE);
         Send(CB_RESETCONTENT);
         for (const ListRow& row : rows) {
@@ -18,6 +18,7 @@ class ComboBox : public ControlWin {
         Send(WM_SETREDRAW, TRUE);
         ::InvalidateRect(hwnd(), nullptr, TRUE);
         SelectRow(-1);
+        return {};
     }
     int SelectedRow() const override { return static_cast<int>(Send(CB_GETCURSEL)); }
     void SelectRow(int row) override {

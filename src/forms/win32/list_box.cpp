@@ -50,11 +50,16 @@ class ListBox : public ControlWin {
     }
     ~ListBox() override { ::ImageList_Destroy(pictures_); }
 
-    void SetRows(std::vector<ListRow>&& rows) override {
-        table_.SetRows(std::move(rows));
+    Text GetText() const override {
+        const int place = SelectedPlace();
+        return place < 0 ? Text() : table_.At(place).text;
+    }
+    std::vector<ListRow> SetRows(std::vector<ListRow>&& rows) override {
+        std::vector<ListRow> before = table_.SetRows(std::move(rows));
         PointAt(-1);
         Send(LVM_SETITEMCOUNT, static_cast<WPARAM>(table_.size()));
         SelectPlace(-1);
+        return before;
     }
     int SelectedRow() const override { return table_.RowAt(SelectedPlace()); }
     void SelectRow(int row) override { SelectPlace(table_.PlaceOf(row)); }
