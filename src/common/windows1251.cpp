@@ -51,14 +51,17 @@ char ToWindows1251(char16_t c) {
 }
 
 std::string ToWindows1251(TextView text) {
-    std::string out;
-    out.reserve(text.size());
+    std::string out(text.size(), '\0');
+    std::size_t length = 0;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        out += ToWindows1251(text[i]);
-        const bool pair = text[i] >= 0xD800 && text[i] <= 0xDBFF && i + 1 < text.size() &&
-                          text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF;
+        const char16_t c = text[i];
+        const unsigned char byte = c < kTableSize ? kBytes[c] : 0;
+        out[length++] = byte != 0 ? static_cast<char>(byte) : ToWindows1251(c);
+        const bool pair = c >= 0xD800 && c <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 &&
+                          text[i + 1] <= 0xDFFF;
         if (pair) ++i;
     }
+    out.resize(length);
     return out;
 }
 
