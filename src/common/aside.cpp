@@ -1,5 +1,6 @@
 #include "common/aside.h"
 
+#include <cfenv>
 #include <chrono>
 #include <condition_variable>
 #include <exception>
@@ -111,7 +112,7 @@ void Run(Work& work, const std::function<void()>& body) {
 // Until the work is done: its errands, then whatever waits. What fails here is kept: the work uses this stack.
 void Serve(Work& work) {
     constexpr std::chrono::milliseconds kTurn(10);
-    constexpr std::chrono::milliseconds kAtOnce(50);
+    constexpr std::chrono::milliseconds kAtOnce(30);
     const auto begin = std::chrono::steady_clock::now();
     const auto kept = [&](const auto& act) {
         try {
@@ -152,7 +153,12 @@ void RunAside(const std::function<void()>& work) {
     const auto present = std::make_shared<Work>();
     std::thread thread;
     try {
-        thread = std::thread([present, work] { Run(*present, work); });
+        std::fenv_t arithmetic;  // a new thread's is not that of all systems
+        std::fegetenv(&arithmetic);
+        thread = std::thread([present, work, arithmetic] {
+            std::fesetenv(&arithmetic);
+            Run(*present, work);
+        });
     } catch (const std::system_error&) {  // the process may have no more threads
         return work();
     }

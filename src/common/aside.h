@@ -12,10 +12,11 @@
 namespace tav {
 
 // Returns or throws as the work does. Where there are no windows (Progress::HasWindows) it simply runs, and so does
-// work inside work. Work that is done at once lets no event through.
+// work inside work. Work that is done at once lets no event through. The floating-point settings of the work are those of
+// the windows' thread.
 //
-// The work may use what lives on the stack of the windows' thread. Where a host may end that thread from a handler, the
-// work has to own all that it uses, as an import does.
+// A host may end the windows' thread from a handler, and the work goes on without it. So the work owns all that it uses,
+// and what it makes stays in what it shares with its caller.
 void RunAside(const std::function<void()>& work);
 
 // Whether the windows' thread, which asks, waits for such work.

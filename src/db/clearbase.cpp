@@ -1,5 +1,6 @@
 #include "db/clearbase.h"
 
+#include <memory>
 #include <vector>
 
 #include "common/aside.h"
@@ -31,11 +32,11 @@ std::vector<SqlText> Conditions(TextView inn, TextView kpp) {
 // The full clear reports under the same name as the clear of one taxpayer.
 std::optional<int> Clear(TextView database, const std::vector<SqlText>& headers,
                          const std::vector<TextView>& rows) {
-    std::optional<int> removed;
-    const auto clear = [&] {
+    const auto removed = std::make_shared<std::optional<int>>();
+    const auto clear = [removed, path = Text(database), headers, rows] {
         int documents = 0;
         Connection connection;
-        connection.Open(ConnectionString(database));
+        connection.Open(ConnectionString(path));
         for (const SqlText& whose : headers) {
             SqlText count(u"select id from tav_operations_header");
             documents += connection.Execute(count.Append(whose)).RecordCount();
@@ -44,10 +45,10 @@ std::optional<int> Clear(TextView database, const std::vector<SqlText>& headers,
         }
         for (const TextView sql : rows) connection.Execute(sql);
         connection.Close();
-        removed = documents;
+        *removed = documents;
     };
     Guarded(u"Ошибка в функции clearbase", [&] { RunAside(clear); });
-    return removed;
+    return *removed;
 }
 
 }  // namespace

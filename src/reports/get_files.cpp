@@ -165,11 +165,11 @@ class StatementsSummary {
 Text GetFiles(TextView database, TextView inn, TextView kpp, TextView export_folder,
               const SummaryChoice& choice) {
     const SummaryPlan plan{SummaryKind::Statements, u"Ошибка в функции GetFiles", u"index.doc"};
-    const SummaryRequest request{database, inn, kpp, export_folder, choice};
-    return WriteSummary(plan, request,
-                        [&](Connection& connection, Summary& summary, Text& file, SummaryCopy& copy) {
-                            return StatementsSummary(connection, request, file, copy).Write(summary);
-                        });
+    const SummaryRequest asked{Text(database), Text(inn), Text(kpp), Text(export_folder), choice};
+    return WriteSummary(
+        plan, asked,
+        [](Connection& connection, const SummaryRequest& request, Summary& summary, Text& file,
+           SummaryCopy& copy) { return StatementsSummary(connection, request, file, copy).Write(summary); });
 }
 
 void ListStatements(TextView database, TextView inn, TextView kpp) {

@@ -1,6 +1,7 @@
 #include "reports/get_files_act.h"
 
 #include <array>
+#include <memory>
 #include <vector>
 
 #include "common/concat.h"
@@ -138,15 +139,16 @@ Text SummaryPage(Connection& connection, const SummaryChoice& choice, Summary& s
 Text GetFilesAct(TextView database, TextView inn, TextView kpp, TextView export_folder,
                  const SummaryChoice& choice) {
     const SummaryPlan plan{SummaryKind::Acts, u"Ошибка в функции GetFilesAct", u"acts.doc"};
-    const SummaryRequest request{database, inn, kpp, export_folder, choice};
-    std::vector<Text> omitted;
-    Text path =
-        WriteSummary(plan, request, [&](Connection& connection, Summary& summary, Text&, SummaryCopy& copy) {
-            Text page = SummaryPage(connection, choice, summary, copy);
-            omitted = OmittedActs(connection, summary, choice);
-            return page;
-        });
-    if (!LastSummary().failed) ShowOmittedActs(omitted);
+    const SummaryRequest asked{Text(database), Text(inn), Text(kpp), Text(export_folder), choice};
+    const auto omitted = std::make_shared<std::vector<Text>>();
+    Text path = WriteSummary(plan, asked,
+                             [omitted](Connection& connection, const SummaryRequest& request,
+                                       Summary& summary, Text&, SummaryCopy& copy) {
+                                 Text page = SummaryPage(connection, request.choice, summary, copy);
+                                 *omitted = OmittedActs(connection, summary, request.choice);
+                                 return page;
+                             });
+    if (!LastSummary().failed) ShowOmittedActs(*omitted);
     return path;
 }
 

@@ -25,16 +25,17 @@ Text StatementOf(TextView database, std::int32_t id, Sheet* copy) {
 }  // namespace
 
 Text GetVipis(TextView database, std::int32_t id, TextView export_folder) {
-    return GuardedReport(u"Ошибка в функции GetVipis", database, [&](Text& file) {
+    const auto write = [source = Text(database), id, folder = Text(export_folder)](Text& file) {
         PaperCopy paper;
         Sheet sheet;
-        const Text page = StatementOf(database, id, paper.Wanted(sheet));
-        file = ReportPath(export_folder, u"vipis.doc");
+        const Text page = StatementOf(source, id, paper.Wanted(sheet));
+        file = ReportPath(folder, u"vipis.doc");
         WriteReport(file, page);
         paper.Add(sheet);
         paper.Write(file);
         return file;
-    });
+    };
+    return GuardedReport(u"Ошибка в функции GetVipis", database, write);
 }
 
 }  // namespace tav

@@ -1,5 +1,7 @@
 #include "reports/page.h"
 
+#include <memory>
+
 #include "common/aside.h"
 #include "common/concat.h"
 #include "common/guard.h"
@@ -55,31 +57,36 @@ Text ReportPath(TextView folder, TextView name) {
     return path.append(Digits(Now().time.second, 2)).append(kExtension);
 }
 
+// A summary writes thousands into one folder.
 void WriteReport(TextView path, TextView page) {
-    MakeFolders(path);
-    WriteFileWhole(path, ToWindows1251(page).append(ToWindows1251(kPageEnd)), {}, OnDisk::Later);
+    if (!FolderExists(FolderOf(path))) MakeFolders(path);
+    WriteFileWhole(path, ToWindows1251(Concat(page, kPageEnd)), {}, OnDisk::Later);
 }
 
 Text GuardedReport(TextView title, TextView database, const std::function<Text(Text& file)>& body) {
-    Text file(database);
-    Text written;
+    struct Report {
+        Text database;
+        Text file;
+        Text written;
+    };
+    const auto report = std::make_shared<Report>(Report{Text(database), Text(database), {}});
     GuardedBy(
         [&] {
             FinishAside();
             CancelStamp() = 0;  // of what ran before
-            RunAside([&] {
-                const RunningReport this_one(database);
-                written = body(file);
+            RunAside([report, body] {
+                const RunningReport this_one(report->database);
+                report->written = body(report->file);
             });
         },
         [&](const Failure& failure) {
             if (failure.error() == RunTimeError::PermissionDenied) {
-                ShowFileInUse(file);
+                ShowFileInUse(report->file);
             } else {
                 ShowFailure(title, failure);
             }
         });
-    return written;
+    return report->written;
 }
 
 }  // namespace tav

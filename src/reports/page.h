@@ -24,7 +24,7 @@ void WriteReport(TextView path, TextView page);
 // wrote; before it writes a file it sets `file` to its path. "Permission denied" gives the file-in-use
 // message with `file` (the database, until the body names another), any other failure its description under
 // `title`; the result is empty then. So it is for a report that is asked for while another one is made, which
-// lets windows live on.
+// lets windows live on. The body owns what it uses (common/aside.h).
 Text GuardedReport(TextView title, TextView database, const std::function<Text(Text& file)>& body);
 
 }  // namespace tav

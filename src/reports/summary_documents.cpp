@@ -1,5 +1,6 @@
 #include "reports/summary_documents.h"
 
+#include <memory>
 #include <optional>
 #include <set>
 #include <utility>
@@ -39,8 +40,8 @@ const Summary& LastSummary() {
 }
 
 Text WriteSummary(const SummaryPlan& plan, const SummaryRequest& request, const BuildSummary& build) {
-    std::optional<Summary> made;
-    const Text written = GuardedReport(plan.title, request.database, [&](Text& file) -> Text {
+    const auto made = std::make_shared<std::optional<Summary>>();
+    const auto write = [plan, request, build, made](Text& file) -> Text {
         Connection connection;
         connection.CursorLocation = 3;
         connection.OpenForReading(ConnectionString(request.database));
@@ -53,7 +54,7 @@ Text WriteSummary(const SummaryPlan& plan, const SummaryRequest& request, const 
         SummaryCopy copy{paper, paper.Wanted(sheet)};
         Text page;
         try {
-            page = build(connection, summary, file, copy);
+            page = build(connection, request, summary, file, copy);
         } catch (const CancelledSummary& cancelled) {
             ShowCancelled(cancelled, request.export_folder);
             return {};
@@ -67,11 +68,12 @@ Text WriteSummary(const SummaryPlan& plan, const SummaryRequest& request, const 
             summary.path = file;
         }
         if (summary.codes.empty()) summary.codes = CodesOf(summary.documents);
-        made = std::move(summary);
-        return made->path;
-    });
-    if (made) {
-        Last() = std::move(*made);
+        *made = std::move(summary);
+        return (*made)->path;
+    };
+    const Text written = GuardedReport(plan.title, request.database, write);
+    if (*made) {
+        Last() = std::move(**made);
     } else {
         Last().failed = true;
     }

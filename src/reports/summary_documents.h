@@ -36,25 +36,26 @@ const Summary& LastSummary();
 
 // What a summary is asked for.
 struct SummaryRequest {
-    TextView database;
-    TextView inn;
-    TextView kpp;
-    TextView export_folder;
-    const SummaryChoice& choice;
+    Text database;
+    Text inn;
+    Text kpp;
+    Text export_folder;
+    SummaryChoice choice;
 };
 
 // Makes one summary: opens the database for reading, lets `build` make the page of the chosen documents, name
 // all documents in `summary` and, for a consolidated one, its codes; writes the page to `name` in the export
 // folder and returns its path. A page of empty text means that there are no rows: nothing is written and the
 // path is empty. What fails is shown under `title` (page.h). A `build` that writes files of its own sets
-// `file` to each of them first; when it is cancelled, it throws how far it has come.
+// `file` to each of them first; when it is cancelled, it throws how far it has come. It owns what else it uses
+// (common/aside.h).
 struct SummaryCopy {
     PaperCopy& paper;
     Sheet* sheet;  // of the summary itself, added to the paper last; null when no copy is wanted
     ClosingBars bars = {};
 };
-using BuildSummary =
-    std::function<Text(Connection& connection, Summary& summary, Text& file, SummaryCopy& copy)>;
+using BuildSummary = std::function<Text(Connection& connection, const SummaryRequest& request,
+                                        Summary& summary, Text& file, SummaryCopy& copy)>;
 struct CancelledSummary {
     int done = 0;  // pages
     int of = 0;

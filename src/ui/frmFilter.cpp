@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <utility>
 
 #include "common/aside.h"
@@ -65,6 +66,7 @@ frmFilter::frmFilter() : Form(kFilterPlan, u"Ошибка в процедуре 
 }
 
 void frmFilter::Form_Load() {
+    building_ = false;  // the thread of the window before may have ended in a handler
     summary_ = LastSummary();
     periods_.clear();
     ShowCodes();
@@ -74,13 +76,13 @@ void frmFilter::Form_Load() {
 }
 
 std::vector<ListRow> frmFilter::RowsOfCodes() const {
-    std::map<Text, Text> taxes;
+    const auto taxes = std::make_shared<std::map<Text, Text>>();
     // Without the names the codes alone are shown.
     GuardedBy(
         [&] {
-            RunAside([&] {
-                for (HeldDocument& document : HeldDocuments(getbase(), summary_.inn, {})) {
-                    taxes.emplace(std::move(document.code), std::move(document.tax));
+            RunAside([taxes, inn = summary_.inn] {
+                for (HeldDocument& document : HeldDocuments(getbase(), inn, {})) {
+                    taxes->emplace(std::move(document.code), std::move(document.tax));
                 }
             });
         },
@@ -88,7 +90,7 @@ std::vector<ListRow> frmFilter::RowsOfCodes() const {
     std::vector<ListRow> rows;
     if (!Consolidated()) rows.push_back({Text(kAllCodes), {}});
     for (const Text& code : summary_.codes) {
-        const Text& tax = taxes[code];
+        const Text& tax = (*taxes)[code];
         rows.push_back({tax.empty() ? code : Concat(code, u"   ", tax), {}});
     }
     return rows;

@@ -97,6 +97,7 @@ frmmain::frmmain() : Form(kMainPlan) {
 void frmmain::Form_Load() {
     constexpr int kUnattendedMilliseconds = 500;
     refreshed_ = false;
+    refreshing_ = summarising_ = false;  // the thread of the window before may have ended in a handler
     // Each on its own; and what fails is shown when all are there: a message lets the timer go on, and a
     // refresh saves the boxes as they are.
     std::vector<Failure> failures;
@@ -208,18 +209,15 @@ void frmmain::Refresh() {
     const Text folder = ImportFolder();
     const Text inn = Taxpayer().inn;  // the host may go on to another meanwhile
     using Clock = std::chrono::steady_clock;
-    constexpr std::chrono::milliseconds kBetweenCounts(100);
-    bool changed = false;
-    int seen = 0;
-    Clock::time_point counted = Clock::now();
-    const auto look_up = [&] {
-        changed = !Loaded() || txtImport.Get() != typed;
-        if (!changed) lblInfoFile.Set(Concat(u"Файлов в папке: ", Digits(seen), u"…\r\n"));
-    };
-    const auto go_on = [&] {
+    static constexpr std::chrono::milliseconds kBetweenCounts(100);
+    const auto go_on = [this, typed, seen = 0, counted = Clock::now()]() mutable {
         ++seen;
         if (Clock::now() - counted < kBetweenCounts) return true;
-        RunAtWindows(look_up);
+        bool changed = false;
+        RunAtWindows([&] {
+            changed = !Loaded() || txtImport.Get() != typed;
+            if (!changed) lblInfoFile.Set(Concat(u"Файлов в папке: ", Digits(seen), u"…\r\n"));
+        });
         counted = Clock::now();
         return !changed;
     };

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
+#include <cfenv>
 #include <functional>
 #include <thread>
 #include <utility>
@@ -75,7 +76,9 @@ TEST(Aside, WindowsLiveOnAndShowWhatTheWorkSays) {
                  Failure);
     EXPECT_TRUE(ended);
     windows.said.clear();
-    RunAside([] {});
+    std::fesetround(FE_UPWARD);
+    RunAside([] { EXPECT_EQ(std::fegetround(), FE_UPWARD); });
+    std::fesetround(FE_TONEAREST);
     EXPECT_EQ(windows.said, "");  // what is done at once lets no event through
 }
 
