@@ -28,13 +28,18 @@ set(CMAKE_BUILD_RPATH "$ORIGIN;$ORIGIN/../lib")
 set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/../lib")
 
 # tav_sources(VARIABLE PATTERNS): the sources of these patterns for this platform. One whose name ends in _linux or
-# _windows (before _test, if it is a test) belongs to that platform alone; one that ends in _qt or _x11 to what links Qt,
-# one that ends in _desktop to what shows windows.
+# _windows (before _test, if it is a test) belongs to that platform alone, in _x86_windows or _x64_windows to that width of
+# it; one that ends in _qt or _x11 to what links Qt, one that ends in _desktop to what shows windows.
 function(tav_sources variable patterns)
   file(GLOB sources CONFIGURE_DEPENDS ${patterns})
   list(FILTER sources EXCLUDE REGEX "_(qt|x11|desktop)(_test)?\\.cpp$")
   if(WIN32)
     list(FILTER sources EXCLUDE REGEX "_linux(_test)?\\.cpp$")
+    if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+      list(FILTER sources EXCLUDE REGEX "_x86_windows\\.cpp$")
+    else()
+      list(FILTER sources EXCLUDE REGEX "_x64_windows\\.cpp$")
+    endif()
   else()
     list(FILTER sources EXCLUDE REGEX "_windows(_test)?\\.cpp$")
   endif()
@@ -61,7 +66,7 @@ function(tav_room folder)
   target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
   target_link_libraries(${name} PRIVATE tav_flags)
   # Hosts load the library whole: what waits for people or the disk is small rather than fast.
-  if(WIN32 AND folder MATCHES "^(forms|ui|host|settings|reports|load|db|sql|exports|platform|jet/check|jet/create)$")
+  if(WIN32 AND folder MATCHES "^(forms|ui|host|settings|reports|load|db|sql|exports|platform|xml|jet/check|jet/create)$")
     target_compile_options(${name} PRIVATE -Os)
   endif()
   set(rooms "")

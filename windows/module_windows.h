@@ -22,7 +22,7 @@ class ModuleLock {
 void LockModule();
 void UnlockModule();
 
-// Whether there are locks or windows. To be asked by the thread of the windows.
+// Whether there are locks or windows. Any thread may ask.
 bool ModuleBusy();
 
 // From now on the library stays loaded until the process ends.

@@ -1,6 +1,7 @@
 #include "one_thread_windows.h"
 
 #include <mutex>
+#include <utility>
 #include <vector>
 
 #include "common/concat.h"
@@ -38,16 +39,20 @@ bool Enter(TextView operation) {
     return true;
 }
 
-// "поток 1234: открыто окно «...», выполняется import".
+// "поток 1234: открыто окно «...», выполняется import". A window that is closed goes once its work has ended.
 Text WhatIsOpen() {
     const std::lock_guard lock(guard);
-    Text what = Concat(u"поток ", Digits(owner), u":");
-    TextView comma;
-    for (const Text& caption : FormCaptions(owner)) {
-        what += Concat(comma, u" открыто окно «", caption, u"»");
-        comma = u",";
+    Text what = Concat(u"поток ", Digits(owner));
+    TextView before = u": ";
+    const auto add = [&](TextView words, TextView name, TextView end) {
+        what += Concat(std::exchange(before, u", "), words, name, end);
+    };
+    for (const Text& caption : FormCaptions(owner, true)) add(u"открыто окно «", caption, u"»");
+    if (!operations.empty()) {
+        add(u"выполняется ", operations.front(), {});
+    } else {
+        for (const Text& caption : FormCaptions(owner, false)) add(u"закрывается окно «", caption, u"»");
     }
-    if (!operations.empty()) what += Concat(comma, u" выполняется ", operations.front());
     return what;
 }
 
@@ -56,6 +61,10 @@ Text WhatIsOpen() {
 OneThread::OneThread(TextView operation) : entered_(Enter(operation)) {}
 
 OneThread::~OneThread() {
+    End();
+}
+
+void OneThread::End() const {
     const std::lock_guard lock(guard);
     if (entered_ && !operations.empty()) operations.pop_back();
 }

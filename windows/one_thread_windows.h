@@ -3,6 +3,7 @@
 // by its rules. When nothing runs and no window is left, or the thread has ended, another may be the next.
 #pragma once
 
+#include "common/on_left.h"
 #include "common/text.h"
 
 namespace tav {
@@ -20,7 +21,10 @@ class OneThread {
     explicit operator bool() const { return entered_; }
 
  private:
+    void End() const;
+
     const bool entered_;
+    const OnLeft left_{[this] { End(); }};
 };
 
 // Tells the user, in a box of the present thread, that the operation was refused, which

@@ -4,6 +4,7 @@
 #include "common/guard.h"
 #include "dispatch_windows.h"
 #include "one_thread_windows.h"
+#include "platform/border_windows.h"
 #include "platform/floating_point_windows.h"
 #include "type_library_windows.h"
 #include "ui/screen.h"
@@ -27,19 +28,20 @@ Date DateOf(DATE date) {
 // The border: not even a failure to show a failure gets across.
 template <class Operation>
 HRESULT Succeed(TextView name, Operation&& operation) noexcept {
-    const win32::OwnFloatingPoint own;
-    try {
-        const Text title = Concat(u"Ошибка в функции ", name);
-        if (const OneThread thread(name); thread) {
-            UseWindowsIfAny();  // for what is wrong with an argument, too
-            Guarded(title, operation);
-        } else {
-            ShowWrongThread(title);
+    return win32::AtBorder([&] {
+        try {
+            const Text title = Concat(u"Ошибка в функции ", name);
+            if (const OneThread thread(name); thread) {
+                UseWindowsIfAny();  // for what is wrong with an argument, too
+                Guarded(title, operation);
+            } else {
+                ShowWrongThread(title);
+            }
+        } catch (...) {
+            return S_OK;
         }
-    } catch (...) {
         return S_OK;
-    }
-    return S_OK;
+    });
 }
 
 }  // namespace

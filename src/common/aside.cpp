@@ -12,7 +12,9 @@
 #include <utility>
 
 #include "common/failure.h"
+#include "common/guard.h"
 #include "common/message_box.h"
+#include "common/on_left.h"
 #include "common/progress.h"
 
 namespace tav {
@@ -44,6 +46,7 @@ struct Work {
     bool abandoned = false;
     std::exception_ptr failure;
     std::exception_ptr failure_of_windows;  // the first of what showed its progress
+    std::function<void()> cancel;
 };
 
 std::shared_ptr<Work> current;  // of the windows' thread
@@ -146,11 +149,12 @@ void Serve(Work& work) {
 
 }  // namespace
 
-void RunAside(const std::function<void()>& work) {
+void RunAside(const std::function<void()>& work, const std::function<void()>& cancel) {
     if (own != nullptr || !CurrentProgress().HasWindows()) return work();
     FinishAside();
     if (current != nullptr) return work();  // in the middle of a message of the first, which waits for it
     const auto present = std::make_shared<Work>();
+    present->cancel = cancel;
     std::thread thread;
     try {
         std::fenv_t arithmetic;  // a new thread's is not that of all systems
@@ -163,7 +167,14 @@ void RunAside(const std::function<void()>& work) {
         return work();
     }
     current = present;
-    Serve(*present);
+    {
+        const OnLeft left([&] {
+            if (current == present) AbandonAside();
+            thread.join();
+            GuardedBy([] { CurrentProgress().Close(); }, [](const Failure&) {});
+        });
+        Serve(*present);
+    }
     if (current == present) current.reset();
     thread.join();
     for (const std::exception_ptr& failure : {present->failure, present->failure_of_windows}) {
@@ -205,6 +216,7 @@ void RunAtWindows(const std::function<void()>& errand) {
 void AbandonAside() {
     const std::shared_ptr<Work> work = std::exchange(current, nullptr);
     if (work == nullptr) return;
+    if (work->cancel) work->cancel();
     std::unique_lock lock(work->mutex);
     work->abandoned = true;
     work->errand = nullptr;

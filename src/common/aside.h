@@ -16,8 +16,9 @@ namespace tav {
 // the windows' thread.
 //
 // A host may end the windows' thread from a handler, and the work goes on without it. So the work owns all that it uses,
-// and what it makes stays in what it shares with its caller.
-void RunAside(const std::function<void()>& work);
+// and what it makes stays in what it shares with its caller. When a host's handler of exceptions leaves this function
+// (on_left.h), or that thread has ended, the work is told by `cancel` to end soon.
+void RunAside(const std::function<void()>& work, const std::function<void()>& cancel = {});
 
 // Whether the windows' thread, which asks, waits for such work.
 bool AsideRuns();
@@ -27,8 +28,8 @@ void FinishAside();
 // For the work: runs it on the windows' thread and waits for it.
 void RunAtWindows(const std::function<void()>& errand);
 
-// The thread that waited for work has ended in the middle of it. Returns when the work has ended, too, of which
-// nothing is shown any more.
+// The thread that waited for work has ended in the middle of it. The work is cancelled; returns when it has ended, too.
+// Nothing of it is shown any more.
 void AbandonAside();
 
 }  // namespace tav

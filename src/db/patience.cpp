@@ -17,6 +17,10 @@ DatabasePatience::DatabasePatience() {
     ++patient;
 }
 DatabasePatience::~DatabasePatience() {
+    End();
+}
+
+void DatabasePatience::End() {
     --patient;
 }
 

@@ -4,6 +4,8 @@
 
 #include <chrono>
 
+#include "common/on_left.h"
+
 namespace tav {
 
 // While one lives, connections wait a few seconds for the others before they say so.
@@ -13,6 +15,11 @@ class DatabasePatience {
     ~DatabasePatience();
     DatabasePatience(const DatabasePatience&) = delete;
     DatabasePatience& operator=(const DatabasePatience&) = delete;
+
+ private:
+    static void End();
+
+    const OnLeft left_{End};
 };
 
 // The attempts to open one file.

@@ -1,8 +1,11 @@
 #include "host/open_class.h"
 
 #include <cmath>
+#include <optional>
+#include <utility>
 
 #include "common/guard.h"
+#include "common/on_left.h"
 #include "common/regional.h"
 #include "db/patience.h"
 #include "forms/shell.h"
@@ -24,6 +27,29 @@ namespace {
 using Summarise = Text (*)(TextView database, TextView inn, TextView kpp, TextView export_folder,
                            const SummaryChoice& choice);
 
+// Each of the class: what fails in it is shown once.
+template <class Act>
+void Operation(TextView title, Act&& act) {
+    std::optional<OneBoxPerCause> one_box(std::in_place);
+    const OnLeft left([&] { one_box.reset(); });
+    Guarded(title, std::forward<Act>(act));
+}
+
+// The progress window goes with the operation, whatever ends that: the host may not serve its timer.
+class ProgressGoes {
+ public:
+    ~ProgressGoes() { End(); }
+    ProgressGoes() = default;
+    ProgressGoes(const ProgressGoes&) = delete;
+    ProgressGoes& operator=(const ProgressGoes&) = delete;
+
+ private:
+    static void End() {
+        GuardedBy([] { Shared<frmShortImport>().CloseNow(); }, [](const Failure&) {});
+    }
+    const OnLeft left_{End};
+};
+
 // Without a screen the summary is written all the same, and the failure says where it is.
 void View(Summarise summarise, TextView inn, TextView kpp) {
     UseWindowsIfAny();
@@ -32,8 +58,11 @@ void View(Summarise summarise, TextView inn, TextView kpp) {
     const Text folder = ExportFolder();
     Taxpayer().inn = inn;
     Taxpayer().kpp = kpp;
-    const Text path = summarise(getbase(), inn, kpp, folder, {});
-    Shared<frmShortImport>().CloseNow();
+    Text path;
+    {
+        const ProgressGoes progress;
+        path = summarise(getbase(), inn, kpp, folder, {});
+    }
     if (path.empty()) {
         ShowNothingToSumUp();
         return;
@@ -52,16 +81,19 @@ class LoadedFilter {
     LoadedFilter() {
         if (mine_) form_.Load();
     }
-    ~LoadedFilter() {
-        if (mine_) form_.Unload();
-    }
+    ~LoadedFilter() { End(); }
     LoadedFilter(const LoadedFilter&) = delete;
     LoadedFilter& operator=(const LoadedFilter&) = delete;
     frmFilter* operator->() const { return &form_; }
 
  private:
+    void End() const {
+        if (mine_) form_.Unload();
+    }
+
     frmFilter& form_ = Shared<frmFilter>();
     const bool mine_ = !form_.Loaded();
+    const OnLeft left_{[this] { End(); }};
 };
 
 }  // namespace
@@ -69,8 +101,7 @@ class LoadedFilter {
 const Date OpenClass::kNoDateLimit = *DateFromCivil({2099, 1, 1});
 
 void OpenClass::start(TextView inn, TextView kpp, Date vdm) {
-    const OneBoxPerCause one_box;
-    Guarded(u"Ошибка в функции Start", [&] {
+    Operation(u"Ошибка в функции Start", [&] {
         Taxpayer() = {Text(Trim(inn)), Text(Trim(kpp)), FormatDate(Date{std::trunc(vdm.serial)})};
         UseWindows();
         Shared<frmmain>().Show();
@@ -78,8 +109,7 @@ void OpenClass::start(TextView inn, TextView kpp, Date vdm) {
 }
 
 void OpenClass::view_v_id(std::int16_t id) {
-    const OneBoxPerCause one_box;
-    Guarded(u"Ошибка в функции View_V_ID", [&] {
+    Operation(u"Ошибка в функции View_V_ID", [&] {
         const bool windows = UseWindowsIfAny();
         RefuseDuringImport();
         const DatabasePatience wait;
@@ -91,29 +121,21 @@ void OpenClass::view_v_id(std::int16_t id) {
 }
 
 void OpenClass::import(TextView inn, TextView kpp) {
-    const OneBoxPerCause one_box;
-    Guarded(u"Ошибка в функции import", [&] {
+    Operation(u"Ошибка в функции import", [&] {
         UseWindowsIfAny();
         const DatabasePatience wait;
-        // Whatever ends the import: the host may not serve its timer.
-        const struct Closing {
-            ~Closing() {
-                GuardedBy([] { Shared<frmShortImport>().CloseNow(); }, [](const Failure&) {});
-            }
-        } closing;
+        const ProgressGoes progress;
         RunImport(ChooseFolders({}, {}), inn, kpp);
         Shared<frmmain>().Refill();
     });
 }
 
 void OpenClass::view_v(TextView inn, TextView kpp) {
-    const OneBoxPerCause one_box;
-    Guarded(u"Ошибка в функции View_V", [&] { View(GetFiles, Trim(inn), Trim(kpp)); });
+    Operation(u"Ошибка в функции View_V", [&] { View(GetFiles, Trim(inn), Trim(kpp)); });
 }
 
 void OpenClass::view_a(TextView inn, TextView kpp) {
-    const OneBoxPerCause one_box;
-    Guarded(u"Ошибка в функции View_A", [&] { View(GetFilesAct, Trim(inn), Trim(kpp)); });
+    Operation(u"Ошибка в функции View_A", [&] { View(GetFilesAct, Trim(inn), Trim(kpp)); });
 }
 
 }  // namespace tav

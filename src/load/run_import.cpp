@@ -5,6 +5,7 @@
 #include "common/aside.h"
 #include "common/failure.h"
 #include "common/guard.h"
+#include "common/on_left.h"
 #include "convert/check_xml.h"
 #include "load/account_maker.h"
 #include "load/constr_tab_type_oper.h"
@@ -32,6 +33,9 @@ class RunningImport {
     }
     RunningImport(const RunningImport&) = delete;
     RunningImport& operator=(const RunningImport&) = delete;
+
+ private:
+    const OnLeft left_{ForgetImport};
 };
 
 // What killed imports, reports and exports have left there.
@@ -65,11 +69,9 @@ Text RunningInn() {
 }
 
 void ForgetImport() {
-    if (AsideRuns()) {
-        RequestCancel();
-        AbandonAside();
-        CancelStamp() = 0;
-    }
+    const bool cancelled = running || AsideRuns();
+    AbandonAside();
+    if (cancelled) CancelStamp() = 0;  // it is not the next one's
     running = false;
     running_inn.clear();
 }
@@ -125,7 +127,8 @@ ImportResult RunImport(const ImportFolders& folders, TextView inn, TextView kpp)
     if (running || !PassCancelGuard()) return {};
     const RunningImport this_one(inn);
     const auto import = std::make_shared<Import>(Import{folders, Text(inn), Text(kpp), {}});
-    RunAside([import] { import->result = ScanAndLoad(import->folders, import->inn, import->kpp); });
+    RunAside([import] { import->result = ScanAndLoad(import->folders, import->inn, import->kpp); },
+             RequestCancel);
     return std::move(import->result);
 }
 

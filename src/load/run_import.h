@@ -36,7 +36,8 @@ struct ImportResult {
 bool ImportRunning();
 // Whose documents the import that runs loads; empty when none runs.
 Text RunningInn();
-// The thread of an import has ended in the middle of it; whoever comes next is not to wait for it.
+// An import has ended in the middle, with its thread or by a host's handler of exceptions; whoever comes next is not to
+// wait for it.
 void ForgetImport();
 // Whatever changes or reads the database is refused meanwhile: throws "Could not use '...'; file already in
 // use." when an import runs.

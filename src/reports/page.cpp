@@ -5,6 +5,7 @@
 #include "common/aside.h"
 #include "common/concat.h"
 #include "common/guard.h"
+#include "common/on_left.h"
 #include "common/windows1251.h"
 #include "platform/environment.h"
 #include "platform/files.h"
@@ -40,6 +41,7 @@ class RunningReport {
 
  private:
     static inline bool running = false;
+    const OnLeft left_{[] { running = false; }};
 };
 
 }  // namespace
@@ -74,10 +76,13 @@ Text GuardedReport(TextView title, TextView database, const std::function<Text(T
         [&] {
             FinishAside();
             CancelStamp() = 0;  // of what ran before
-            RunAside([report, body] {
-                const RunningReport this_one(report->database);
-                report->written = body(report->file);
-            });
+            const OnLeft left([] { CancelStamp() = 0; });
+            RunAside(
+                [report, body] {
+                    const RunningReport this_one(report->database);
+                    report->written = body(report->file);
+                },
+                RequestCancel);
         },
         [&](const Failure& failure) {
             if (failure.error() == RunTimeError::PermissionDenied) {

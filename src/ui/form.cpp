@@ -32,19 +32,23 @@ class Form::Running {
         static Form* innermost = nullptr;
         return innermost;
     }
-    ~Running() {
+    ~Running() { End(); }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+
+ private:
+    void End() {
+        one_box_.reset();
         Innermost() = outer_;
         if (--form_.running_ > 0 || !form_.unloaded_) return;
         form_.unloaded_ = false;
         form_.window_.reset();
     }
-    Running(const Running&) = delete;
-    Running& operator=(const Running&) = delete;
 
- private:
     Form& form_;
     Form* const outer_;
     std::optional<OneBoxPerCause> one_box_;
+    const OnLeft left_{[this] { End(); }};
 };
 
 Form* Form::Handling() {

@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "common/on_left.h"
 #include "forms/forms.h"
 
 namespace tav {
@@ -111,6 +112,7 @@ class Busy {
 
  private:
     bool& flag_;
+    const OnLeft left_{[this] { flag_ = false; }};
 };
 
 // The one shared instance of a form. Never destroyed: a process may end with windows open, and the toolkit's

@@ -1,5 +1,6 @@
 // The windows in a host's process, driven from this one by messages: as robots and screen readers do.
 
+#include "db/holdings.h"
 #include "somebody.h"
 #include "support/process.h"
 #include "support/screen_windows.h"
@@ -81,6 +82,27 @@ TEST_F(Drive, AHostWithoutWindowsLeavesAtOnce) {
                 AllOf(StartsWith("Сводная справка: В базе данных для выбранного налогоплательщика"),
                       Not(HasSubstr("Ошибка"))));
     EXPECT_EQ(RunProgram("test_host", {"view_x"}).status, 1);
+}
+
+// By its own handler of exceptions. The second call finds nothing of the first.
+TEST_F(Drive, AHostThatLeavesAnOperationCallsItAgain) {
+    WriteStatements(300);
+    {
+        Somebody somebody;
+        const Outcome outcome =
+            RunProgram("test_host", {"unmasked", "raising", "import", ToUtf8(kInn), ToUtf8(kKpp)});
+        EXPECT_EQ(outcome.status, 0) << outcome.err;
+        EXPECT_EQ(somebody.Leave(), "");
+    }
+    EXPECT_EQ(HeldDocuments(folder_ / u"PlX_Base.mdb", {}, {}).size(), 300U);
+
+    WriteSetting(u"DataBasePath", folder_ / u"gone");
+    Somebody somebody;
+    const Outcome outcome =
+        RunProgram("test_host", {"single", "catching", "view_v", ToUtf8(kInn), ToUtf8(kKpp)});
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_THAT(somebody.Leave(),
+                AllOf(StartsWith("Ошибка в функции GetFiles: "), Not(HasSubstr("\nОшибка"))));
 }
 
 }  // namespace

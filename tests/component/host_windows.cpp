@@ -1,19 +1,24 @@
 // A host in short: a thread with COM, late binding, and the loop of every program with windows.
 //
-//     test_host [unmasked|single] OPERATION TEXT...
+//     test_host [unmasked|single] [raising|catching] OPERATION TEXT...
 //     test_host cycles INN KPP
 //
-// The second loads the library a thousand times, makes six thousand objects and opens the main window a
+// A host that raises divides by zero in a timer of its own while the component lets events through, and one that
+// catches takes the first exception that the component throws on the host's thread. Both leave the operation by that, and
+// call it again.
+//
+// The second line loads the library a thousand times, makes six thousand objects and opens the main window a
 // hundred times, and prints a line for each that leaves the process larger.
 //
 // It ends when the component has no windows any more: with 0; with 1 when a call failed, 2 when something was
 // thrown out of the component, 3 when a call or a message left other floating-point settings than the host's
-// own: with exceptions for an invalid operation, a division by zero and an overflow, or with 24 bits of
-// mantissa.
+// own: with exceptions for an invalid operation, a division by zero and an overflow, or
+// with 24 bits of mantissa. With 4 when there was nothing to leave an operation by, 5 when windows were left behind.
 #include <float.h>
 #include <xmmintrin.h>
 
 #include <algorithm>
+#include <csetjmp>
 #include <cstdio>
 #include <cstdlib>
 #include <vector>
@@ -58,16 +63,50 @@ FloatingPoint Present() {
     return {_control87(0, 0) & (_MCW_EM | _MCW_PC | _MCW_RC), _mm_getcsr() & ~kFlags};
 }
 
+constexpr std::string_view kUnmasked = "unmasked";
+constexpr std::string_view kSingle = "single";
 // As compilers set them up whose programs want exceptions, and those that drew pictures once.
 void Use(std::string_view kind) {
-    constexpr unsigned kUnmasked = _EM_INVALID | _EM_ZERODIVIDE | _EM_OVERFLOW;
-    if (kind == "unmasked") {
-        _control87(_MCW_EM & ~kUnmasked, _MCW_EM);
+    constexpr unsigned kExceptions = _EM_INVALID | _EM_ZERODIVIDE | _EM_OVERFLOW;
+    if (kind == kUnmasked) {
+        _control87(_MCW_EM & ~kExceptions, _MCW_EM);
         _mm_setcsr(0x1900);
-    } else {
+    } else if (kind == kSingle) {
         _control87(_PC_24, _MCW_PC);
         _mm_setcsr(0x9FC0);  // tiny numbers are zero
     }
+}
+
+constexpr std::string_view kRaising = "raising";
+constexpr std::string_view kCatching = "catching";
+std::string_view leaving;  // empty once it is done, and in a host that does not
+DWORD leaving_thread = 0;
+std::jmp_buf before_operation;
+
+LONG CALLBACK OnException(EXCEPTION_POINTERS* what) {
+    constexpr DWORD kOfCpp = 0x20474343;
+    const DWORD code = what->ExceptionRecord->ExceptionCode;
+    const bool own = leaving == kRaising ? code >> 28 == 0xC : leaving == kCatching && code == kOfCpp;
+    if (!own || ::GetCurrentThreadId() != leaving_thread) return EXCEPTION_CONTINUE_SEARCH;
+    leaving = {};
+    std::longjmp(before_operation, 1);
+}
+
+void CALLBACK DivideByZero(HWND, UINT, UINT_PTR timer, DWORD) {
+    ::KillTimer(nullptr, timer);
+    Use(kUnmasked);
+    volatile double nothing = 0;
+    nothing = 1 / nothing;
+}
+
+// Whether the operation was left before its end.
+bool IsLeft(IDispatch& object, const char* operation, const std::vector<Text>& texts) {
+    leaving_thread = ::GetCurrentThreadId();
+    ::AddVectoredExceptionHandler(1, OnException);
+    if (leaving == kRaising) ::SetTimer(nullptr, 0, USER_TIMER_MINIMUM, DivideByZero);
+    if (setjmp(before_operation) != 0) return true;
+    Call(object, operation, texts);
+    return false;
 }
 
 int Run(const char* operation, const std::vector<Text>& texts) {
@@ -76,8 +115,13 @@ int Run(const char* operation, const std::vector<Text>& texts) {
     bool kept = true;
     HRESULT result = E_FAIL;
     try {
+        if (!leaving.empty()) {
+            if (!IsLeft(*library.Create<IDispatch>(IID_IDispatch), operation, texts)) return 4;
+            kept = Present() == own;
+            if (library.CanUnloadNow() == S_FALSE) return 5;
+        }
         result = Call(*library.Create<IDispatch>(IID_IDispatch), operation, texts);
-        kept = Present() == own;
+        kept = kept && Present() == own;
         MSG message;
         while (library.CanUnloadNow() == S_FALSE && ::GetMessageW(&message, nullptr, 0, 0) > 0) {
             ::TranslateMessage(&message);
@@ -165,9 +209,10 @@ int RunCycles(const test::Bstr& inn, const test::Bstr& kpp) {
 int main(int count, char** words) {
     if (count < 2 || FAILED(::CoInitialize(nullptr))) return 1;
     int at = 1;
-    for (const std::string_view kind : {"unmasked", "single"}) {
-        if (words[1] != kind) continue;
+    for (const std::string_view kind : {tav::kUnmasked, tav::kSingle, tav::kRaising, tav::kCatching}) {
+        if (words[at] != kind) continue;
         tav::Use(kind);
+        if (kind == tav::kRaising || kind == tav::kCatching) tav::leaving = kind;
         ++at;
     }
     std::vector<tav::Text> texts;

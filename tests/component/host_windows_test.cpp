@@ -115,13 +115,15 @@ TEST_F(Host, OfASecondThreadIsRefusedWhileTheFirstHasWindows) {
                                          Not(HasSubstr("\nОшибка"))));
 }
 
-// As by another process: the component waits for a while, and says it once.
+// As by another process: the component waits for a while, refuses other threads meanwhile, and says it once.
 TEST_F(Host, OfASecondProcessIsToldOnceThatTheDatabaseIsHeld) {
     const auto hold = [&] { return win32::OpenFile(folder_ / u"PlX_Base.mdb", GENERIC_READ, 0); };
     {
         win32::Handle holder = hold();
         std::thread lets_go([&] {
+            ::CoInitialize(nullptr);
             ::Sleep(1500);
+            Make()->view_a(inn_.get(), kpp_.get());
             holder.Close();
         });
         Make()->import(inn_.get(), kpp_.get());
@@ -129,7 +131,12 @@ TEST_F(Host, OfASecondProcessIsToldOnceThatTheDatabaseIsHeld) {
     }
     const win32::Handle holder = hold();
     Make()->import(inn_.get(), kpp_.get());
-    const std::string said = somebody_.Leave();
+    std::string said = somebody_.Leave();
+    const std::string busy =
+        "Ошибка в функции View_A: Компонентом пользуется другой поток этой программы (поток " +
+        std::to_string(::GetCurrentThreadId()) + ": выполняется import). ";
+    ASSERT_THAT(said, StartsWith(busy));
+    said.erase(0, said.find('\n') + 1);
     EXPECT_THAT(said, AllOf(StartsWith("Ошибка в функции LoadFromXml: "), HasSubstr("file already in use"),
                             Not(HasSubstr("\nОшибка"))));
 }

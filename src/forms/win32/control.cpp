@@ -3,7 +3,7 @@
 #include <array>
 
 #include "common/concat.h"
-#include "platform/floating_point_windows.h"
+#include "platform/border_windows.h"
 
 namespace tav {
 
@@ -24,16 +24,17 @@ void ControlWin::MakeWindow(const wchar_t* window_class, DWORD style, DWORD ex_s
 
 // No exception may cross the system's code between two of our procedures. Only memory can be short here.
 LRESULT CALLBACK ControlWin::Procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam) {
-    const win32::OwnFloatingPoint own;
-    auto& control = *reinterpret_cast<ControlWin*>(::GetWindowLongPtrW(hwnd, GWLP_USERDATA));
-    const Running running(control.host_);
-    try {
-        const LRESULT result = control.OnMessage(message, wparam, lparam);
-        if (message == WM_NCDESTROY) control.hwnd_ = nullptr;
-        return result;
-    } catch (...) {
-        return 0;
-    }
+    return win32::AtBorder([&]() -> LRESULT {
+        auto& control = *reinterpret_cast<ControlWin*>(::GetWindowLongPtrW(hwnd, GWLP_USERDATA));
+        const Running running(control.host_);
+        try {
+            const LRESULT result = control.OnMessage(message, wparam, lparam);
+            if (message == WM_NCDESTROY) control.hwnd_ = nullptr;
+            return result;
+        } catch (...) {
+            return 0;
+        }
+    });
 }
 
 LRESULT ControlWin::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {

@@ -8,6 +8,7 @@
 #include <memory>
 #include <vector>
 
+#include "common/on_left.h"
 #include "forms/form_control.h"
 #include "forms/form_grid.h"
 #include "forms/win32/metrics.h"
@@ -43,6 +44,7 @@ class Running {
 
  private:
     FormHost& host_;
+    const OnLeft left_{[this] { host_.Leave(); }};
 };
 
 class ControlWin : public FormControl, public GridItem {

@@ -9,7 +9,7 @@
 #include "forms/win32/theme.h"
 #include "forms/win32/tool_tips.h"
 #include "forms/win32/window_size.h"
-#include "platform/floating_point_windows.h"
+#include "platform/border_windows.h"
 
 namespace tav {
 namespace {
@@ -106,7 +106,6 @@ void FormWindowWin::MakeControls() {
 }
 
 LRESULT CALLBACK FormWindowWin::Procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam) {
-    const win32::OwnFloatingPoint own;
     if (message == WM_NCCREATE) {
         auto* form = static_cast<FormWindowWin*>(reinterpret_cast<CREATESTRUCTW*>(lparam)->lpCreateParams);
         form->hwnd_ = hwnd;
@@ -114,14 +113,16 @@ LRESULT CALLBACK FormWindowWin::Procedure(HWND hwnd, UINT message, WPARAM wparam
     }
     auto* form = reinterpret_cast<FormWindowWin*>(::GetWindowLongPtrW(hwnd, GWLP_USERDATA));
     if (form == nullptr) return ::DefWindowProcW(hwnd, message, wparam, lparam);
-    const Running running(*form);
-    // No exception may cross the system's code between two of our procedures. Only memory can be short here.
-    try {
-        const ScopedTheme theme;
-        return form->OnMessage(message, wparam, lparam);
-    } catch (...) {
-        return 0;
-    }
+    return win32::AtBorder([&]() -> LRESULT {
+        const Running running(*form);
+        // No exception may cross the system's code between two of our procedures. Only memory can be short here.
+        try {
+            const ScopedTheme theme;
+            return form->OnMessage(message, wparam, lparam);
+        } catch (...) {
+            return 0;
+        }
+    });
 }
 
 LRESULT FormWindowWin::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
@@ -370,6 +371,7 @@ void FormWindowWin::ShowModal(FormWindow* owner) {
     if (owner_window != nullptr) Centre(hwnd_, owner_window);
     bool done = false;
     modal_done_ = &done;
+    const OnLeft left([this] { Hide(); });
     DisableOthers();
     Appear();
     RunLoopUntil([&] { return done; });

@@ -6,6 +6,7 @@
 // each control kept its keys to itself.
 #pragma once
 
+#include <atomic>
 #include <vector>
 
 #include "forms/win32/control.h"
@@ -69,8 +70,8 @@ class FormWindowWin final : public WindowOfControls, public FormHost {
     void Gone();
 
     const FormPlan& plan_;
-    FormEvents* events_;  // null when the window has been discarded
-    HWND hwnd_ = nullptr;
+    FormEvents* events_;                // null when the window has been discarded
+    std::atomic<HWND> hwnd_ = nullptr;  // other threads ask whether it exists
     HWND tool_tips_ = nullptr;
     Metrics metrics_;
     std::vector<MadeControl> controls_;

@@ -1,15 +1,17 @@
 #include "forms/win32/shown_forms.h"
 
+#include <mutex>
 #include <set>
 
 #include "forms/win32/form_window.h"
 #include "forms/win32/message_loop.h"
-#include "platform/floating_point_windows.h"
+#include "platform/border_windows.h"
 
 namespace tav {
 namespace {
 
 struct Forms {
+    std::mutex guard;  // of what other threads ask for as well: those that were made
     std::set<FormWindowWin*> made;
     std::set<FormWindowWin*> shown;
     HHOOK hook = nullptr;
@@ -23,14 +25,15 @@ Forms& All() {
 
 // A key that a form has used up reaches the host's loop as a message that means nothing.
 LRESULT CALLBACK OnMessageTaken(int code, WPARAM removed, LPARAM taken) {
-    const win32::OwnFloatingPoint own;
-    auto& message = *reinterpret_cast<MSG*>(taken);
-    if (code == HC_ACTION && (removed & PM_REMOVE) != 0 && message.message >= WM_KEYFIRST &&
-        message.message <= WM_KEYLAST) {
-        FormWindowWin* form = FormOf(::GetAncestor(message.hwnd, GA_ROOT));
-        if (form != nullptr && form->TakeKey(message)) message = MSG{};
-    }
-    return ::CallNextHookEx(nullptr, code, removed, taken);
+    return win32::AtBorder([&] {
+        auto& message = *reinterpret_cast<MSG*>(taken);
+        if (code == HC_ACTION && (removed & PM_REMOVE) != 0 && message.message >= WM_KEYFIRST &&
+            message.message <= WM_KEYLAST) {
+            FormWindowWin* form = FormOf(::GetAncestor(message.hwnd, GA_ROOT));
+            if (form != nullptr && form->TakeKey(message)) message = MSG{};
+        }
+        return ::CallNextHookEx(nullptr, code, removed, taken);
+    });
 }
 
 bool IsOurs(HWND window) {
@@ -41,6 +44,7 @@ bool IsOurs(HWND window) {
 }  // namespace
 
 int OpenForms() {
+    const std::lock_guard lock(All().guard);
     return static_cast<int>(
         std::ranges::count_if(All().made, [](const FormWindowWin* form) { return form->Exists(); }));
 }
@@ -49,11 +53,11 @@ bool HasForms(DWORD thread) {
     return std::ranges::any_of(win32::ThreadWindows(thread), IsOurs);
 }
 
-std::vector<Text> FormCaptions(DWORD thread) {
+std::vector<Text> FormCaptions(DWORD thread, bool on_screen) {
     std::vector<Text> captions;
     for (HWND window : win32::ThreadWindows(thread)) {
         wchar_t caption[256] = L"";
-        if (!IsOurs(window) || !::IsWindowVisible(window)) continue;
+        if (!IsOurs(window) || (::IsWindowVisible(window) != FALSE) != on_screen) continue;
         const int length = ::InternalGetWindowText(window, caption, static_cast<int>(std::size(caption)));
         captions.push_back(win32::FromWide({caption, static_cast<std::size_t>(length)}));
     }
@@ -62,11 +66,13 @@ std::vector<Text> FormCaptions(DWORD thread) {
 
 void FormMade(FormWindowWin* form) {
     for (FormWindowWin* other : All().made) other->ForgetIfLost();
+    const std::lock_guard lock(All().guard);
     All().made.insert(form);
 }
 
 void FormGone(FormWindowWin* form) {
     FormHidden(form);
+    const std::lock_guard lock(All().guard);
     All().made.erase(form);
 }
 

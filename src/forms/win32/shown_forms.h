@@ -7,15 +7,15 @@ namespace tav {
 
 class FormWindowWin;
 
-// Forms whose windows are made and not yet gone; the module stays loaded while any exist.
+// Forms whose windows are made and not yet gone; the module stays loaded while any exist. To be asked by any thread.
 int OpenForms();
 
 // The class of their windows.
 inline constexpr wchar_t kFormClass[] = L"TAV_OperationImport";
 // Whether that thread has windows of forms; to be asked by any thread.
 bool HasForms(DWORD thread);
-// The captions of those on the screen; asks nothing of that thread, which may be busy.
-std::vector<Text> FormCaptions(DWORD thread);
+// The captions of those on the screen, or of those that are not; asks nothing of that thread, which may be busy.
+std::vector<Text> FormCaptions(DWORD thread, bool on_screen);
 
 void FormMade(FormWindowWin* form);
 void FormGone(FormWindowWin* form);
