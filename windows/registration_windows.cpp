@@ -49,7 +49,6 @@ void Replace(std::wstring& text, std::wstring_view what, const std::wstring& wit
 
 std::wstring Filled(std::wstring text) {
     Replace(text, L"%MODULE%", win32::ModulePath());
-    Replace(text, L"%FOLDER%", win32::Wide(ComponentFolder()));
     Replace(text, L"%WIN%", kWidth);
     return text;
 }

@@ -73,12 +73,13 @@ Text FirstLines(const std::vector<Text>& lines) {
     return text.append(u"\r\n... и ещё ").append(Digits(static_cast<long long>(lines.size() - kShown)));
 }
 
-// The statements executed while this lives stay only when they are kept.
+// The statements executed while this lives stay only when they are kept. The failure that ends it otherwise is what is
+// shown; where the database cannot even go back, it does so as it is closed.
 class Savepoint {
  public:
     explicit Savepoint(Connection& connection) : connection_(connection) { connection_.SetSavepoint(); }
     ~Savepoint() {
-        if (!ended_) Guarded(u"Ошибка в функции LoadFromXml", [&] { connection_.RollBackToSavepoint(); });
+        if (!ended_) GuardedBy([&] { connection_.RollBackToSavepoint(); }, [](const Failure&) {});
     }
     Savepoint(const Savepoint&) = delete;
     Savepoint& operator=(const Savepoint&) = delete;
@@ -154,6 +155,7 @@ void Load::Run(TextView database) {
         GuardedBy([&] { EndUnit(); }, [](const Failure&) {});
         held_.reset();
         TakeAccount();
+        GuardedBy([&] { connection_.Close(); }, [](const Failure&) {});
         throw;
     }
     TakeAccount();

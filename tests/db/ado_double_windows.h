@@ -12,11 +12,15 @@
 
 namespace tav::test {
 
-// How strict the provider is, beyond what the native engine asks for.
+// How strict the provider is, beyond what the native engine asks for. It always refuses a transaction inside another, the
+// end of one that has not begun, and a close in the middle of one.
 struct ProviderHabits {
     bool month_first = false;    // reads "01.02.2011" as the second of January, and "1,5" as fifteen
     bool circular = false;       // refuses a column whose name an alias of its select has
     bool whole_doubles = false;  // gives whole numbers as doubles
+    bool with_pictures = false;  // every table ends with an OLE column
+    bool fixed_locks = false;    // lacks the property that raises the limit of locks
+    bool stuck = false;          // cannot undo a transaction
     Text refusal = {};           // what it says instead of opening a file
     Text refusal_state = {};     // the number of that
 };
@@ -25,7 +29,7 @@ class AdoDouble {
  public:
     explicit AdoDouble(const ProviderHabits& habits = {});
 
-    // "CursorLocation=3", "Open text|user|password|options", "Max Locks=1000000", "Execute text", "Close", in
+    // "CursorLocation=3", "Open text|user|password|options", "Execute text", "BeginTrans", "Close", in
     // the order of the calls, without the question how the provider reads texts.
     static std::vector<Text>& Calls();
 

@@ -136,12 +136,31 @@ class FieldDouble : public Members {
     }
 };
 
+class PictureDouble : public Members {
+ public:
+    PictureDouble() {
+        Add(L"Type", [](const auto&) { return Variant(205L); });
+        Add(L"DefinedSize", [](const auto&) { return Variant(1L << 30); });
+        Add(L"Name", [](const auto&) { return Variant(u"picture"); });
+        Add(L"Value", [](const auto&) {
+            Variant bytes;
+            bytes.parray = ::SafeArrayCreateVector(VT_UI1, 0, 3);
+            bytes.vt = VT_ARRAY | VT_UI1;
+            return bytes;
+        });
+    }
+};
+
 class FieldsDouble : public Members {
  public:
     FieldsDouble(std::shared_ptr<Recordset> set, const Sizes& sizes) {
-        Add(L"Count", [=](const auto&) { return Variant(static_cast<long>(set->FieldCount())); });
+        const auto count = static_cast<long>(set->FieldCount());
+        const bool picture = Habits().with_pictures && !sizes.empty();
+        Add(L"Count", [=](const auto&) { return Variant(count + (picture ? 1 : 0)); });
         Add(L"Item", [=](const auto& arguments) {
-            return Given(new FieldDouble(set, sizes, static_cast<std::size_t>(arguments.at(0).lVal)));
+            const long ordinal = arguments.at(0).lVal;
+            if (ordinal == count) return Given(new PictureDouble);
+            return Given(new FieldDouble(set, sizes, static_cast<std::size_t>(ordinal)));
         });
     }
 };
@@ -178,9 +197,9 @@ class ErrorsDouble : public Members {
 
 class PropertyDouble : public Members {
  public:
-    explicit PropertyDouble(const Text& name) {
-        Add(L"Value", [=](const auto& arguments) {
-            AdoDouble::Calls().push_back(Concat(name, u"=", TextOf(arguments.at(0))));
+    explicit PropertyDouble(long& value) {
+        Add(L"Value", [&](const auto& arguments) {
+            value = arguments.at(0).lVal;
             return Variant();
         });
     }
@@ -188,9 +207,12 @@ class PropertyDouble : public Members {
 
 class PropertiesDouble : public Members {
  public:
-    PropertiesDouble() {
-        Add(L"Item",
-            [](const auto& arguments) { return Given(new PropertyDouble(TextOf(arguments.at(0)))); });
+    explicit PropertiesDouble(long& locks) {
+        Add(L"Item", [&](const auto& arguments) {
+            if (Habits().fixed_locks || TextOf(arguments.at(0)) != u"Jet OLEDB:Max Locks Per File")
+                throw Failure(u"Item cannot be found in the collection.");
+            return Given(new PropertyDouble(locks));
+        });
     }
 };
 
@@ -223,6 +245,7 @@ class ConnectionDouble : public Members {
                 return Given(new RecordsetDouble(HowTextsAreRead(), {}));
             AdoDouble::Calls().push_back(u"Execute " + text);
             if (Habits().circular) RefuseCircular(text);
+            RefuseManyLocks(text);
             state_.clear();
             try {
                 return Given(new RecordsetDouble(engine_->Execute(SqlText(text)), SizesOf(text)));
@@ -231,14 +254,20 @@ class ConnectionDouble : public Members {
                 throw;
             }
         });
-        Add(L"Properties", [](const auto&) { return Given(new PropertiesDouble); });
+        Add(L"Properties", [this](const auto&) { return Given(new PropertiesDouble(locks_)); });
         Add(L"Errors", [this](const auto&) { return Given(new ErrorsDouble(state_)); });
-        Add(L"BeginTrans", [this](const auto&) { return Noted(u"BeginTrans", &Engine::SetSavepoint); });
-        Add(L"CommitTrans", [this](const auto&) { return Noted(u"CommitTrans", &Engine::ReleaseSavepoint); });
-        Add(L"RollbackTrans",
-            [this](const auto&) { return Noted(u"RollbackTrans", &Engine::RollBackToSavepoint); });
+        Add(L"BeginTrans", [this](const auto&) { return Turn(u"BeginTrans", true, &Engine::SetSavepoint); });
+        Add(L"CommitTrans",
+            [this](const auto&) { return Turn(u"CommitTrans", false, &Engine::ReleaseSavepoint); });
+        Add(L"RollbackTrans", [this](const auto&) {
+            if (Habits().stuck) throw Failure(u"Disk or network error.");
+            return Turn(u"RollbackTrans", false, &Engine::RollBackToSavepoint);
+        });
         Add(L"Close", [this](const auto&) {
             AdoDouble::Calls().push_back(u"Close");
+            if (in_transaction_)
+                throw Failure(
+                    u"You cannot explicitly close a Connection while in the middle of a transaction.");
             engine_->Close();
             engine_.reset();
             return Variant();
@@ -246,10 +275,24 @@ class ConnectionDouble : public Members {
     }
 
  private:
-    Variant Noted(TextView call, void (Engine::*action)()) {
+    // Of a transaction: it begins or ends.
+    Variant Turn(TextView call, bool begins, void (Engine::*action)()) {
         AdoDouble::Calls().emplace_back(call);
+        if (in_transaction_ == begins)
+            throw Failure(u"You tried to commit or rollback a transaction without first beginning one.");
+        in_transaction_ = begins;
         ((*engine_).*action)();
         return Variant();
+    }
+    // A row that goes has a lock.
+    void RefuseManyLocks(const Text& sql) {
+        TextView rest = sql;
+        if (GetNext(rest, u" ") != u"delete") return;
+        GetNext(rest, u"from ");
+        const Text rows = Concat(u"select id from ", rest);
+        if (engine_->Execute(SqlText(rows)).RecordCount() <= locks_) return;
+        state_ = u"3052";
+        throw Failure(u"File sharing lock count exceeded. Increase MaxLocksPerFile registry entry.");
     }
     // Of the table behind "select * from ".
     Sizes SizesOf(TextView sql) const {
@@ -264,7 +307,9 @@ class ConnectionDouble : public Members {
     }
 
     std::unique_ptr<Engine> engine_;
-    Text state_;  // of the last error
+    Text state_;       // of the last error
+    long locks_ = 50;  // a provider begins with 9,500
+    bool in_transaction_ = false;
 };
 
 }  // namespace

@@ -105,12 +105,11 @@ TEST_F(Ado, AnImportAndItsReportsEndAsWithTheNativeEngine) {
     const auto held = HeldDocuments(database_, {}, {}).size();
     clearbaseAll(database_);
     {
-        const AdoDouble ado({.circular = true, .whole_doubles = true});
+        const AdoDouble ado({.circular = true, .whole_doubles = true, .with_pictures = true});
         LoadBoth();
         ConstrTabTypeOper(database_);
         EXPECT_EQ(HeldDocuments(database_, {}, {}).at(held - 1).id, static_cast<std::int64_t>(held));
         EXPECT_EQ(Reports(u"ado"), reports);
-        EXPECT_THAT(AdoDouble::Calls(), testing::Contains(u"Jet OLEDB:Max Locks Per File=1000000"));
         EXPECT_THAT(AdoDouble::Calls(),
                     testing::Contains(
                         u"Execute select max(tav_operations_type.tid) as tid from tav_operations_type"));
@@ -233,6 +232,26 @@ TEST_F(Ado, AFaultyDocumentIsUndoneAlone) {
     EXPECT_THAT(AdoDouble::Calls(), testing::Contains(u"RollbackTrans").Times(1));
     EXPECT_THAT(Rows(u"select filename, vid from tav_operations_header order by id"),
                 ElementsAre("a.rtf|1", "c.rtf|-"));
+}
+
+// One that cannot even go back says so once, by the failure that ends the import.
+TEST_F(Ado, AProviderThatCannotUndoEndsTheImportInOneBox) {
+    const AdoDouble ado({.stuck = true});
+    Load({{u"bad.rtf", StatementPart({}, {u"p01=вчера|p10=2.00"})}, {u"c.rtf", ActPart({}, u"p0011=1.00")}});
+    EXPECT_THAT(Shown(), ElementsAre(HasSubstr("Disk or network error.")));
+}
+
+TEST_F(Ado, AClearHasAsManyLocksAsItNeeds) {
+    Load({{u"a.rtf", StatementPart({}, std::vector<Text>(60, u"p10=1.00"))}});
+    {
+        const AdoDouble ado({.fixed_locks = true});
+        clearbaseAll(database_);
+        EXPECT_THAT(Shown(), ElementsAre(HasSubstr("lock count exceeded")));
+    }
+    const AdoDouble ado;
+    clearbaseAll(database_);
+    EXPECT_THAT(Shown(), SizeIs(1));
+    EXPECT_THAT(Rows(u"select id from tav_operations"), IsEmpty());
 }
 
 }  // namespace
