@@ -44,8 +44,8 @@ TEST_F(FormsQtProcess, WithoutAScreenThereIsAFailureAndLaterAScreen) {
     EXPECT_EXIT(
         {
             int wrong = RefusedFor({}, u"нет экрана");
-            wrong += RefusedFor({{"DISPLAY", ":77"}}, u"экран не отвечает (xcb)");
-            wrong += RefusedFor({{"WAYLAND_DISPLAY", "/nowhere"}, {"DISPLAY", ":77"}},
+            wrong += RefusedFor({{"DISPLAY", ":5977"}}, u"экран не отвечает (xcb)");
+            wrong += RefusedFor({{"WAYLAND_DISPLAY", "/nowhere"}, {"DISPLAY", ":5977"}},
                                 u"(wayland), экран не отвечает (xcb)");
             wrong += RefusedFor({{"QT_QPA_PLATFORM", "nonsense;eglfs"}}, u"(nonsense), нет такого модуля");
             ::setenv("QT_QPA_PLATFORM", "nonsense;offscreen", 1);
