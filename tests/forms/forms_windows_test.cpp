@@ -54,6 +54,7 @@ class FormsWindows : public ProbeForm {
 
 TEST_F(FormsWindows, ControlsStandApartAtEverySizeAndResolution) {
     ExpectApart();
+    window->ShowColumn(kRows, 1, false);
     ::SetWindowPos(Top(), nullptr, 0, 0, 1, 1, SWP_NOZORDER);
     EXPECT_GT(Width(Top()), 200);
     ExpectApart();
@@ -66,6 +67,7 @@ TEST_F(FormsWindows, ControlsStandApartAtEverySizeAndResolution) {
     ExpectApart();
     window->SetText(kAsk, Text(60, u'ш'));
     ExpectApart();
+    EXPECT_EQ(::SendMessageW(Child(kRows), LVM_GETCOLUMNWIDTH, 1, 0), 0);
 }
 
 // A host's loop knows nothing of our windows, and we take nothing of its own.

@@ -129,6 +129,11 @@ class ListBox : public ControlWin {
             case WM_MOUSEMOVE:
                 PointAt(PlaceAt(lparam));
                 break;
+            case WM_SIZE: {
+                const LRESULT result = ControlWin::OnMessage(message, wparam, lparam);
+                FitLastColumn(LOWORD(lparam));
+                return result;
+            }
             case WM_NOTIFY:
                 if (ShowTip(*reinterpret_cast<NMHDR*>(lparam))) return 0;
                 break;
@@ -159,17 +164,18 @@ class ListBox : public ControlWin {
     }
     int MinWidth() const override { return 20 * metrics().character(); }
     int HeightFor(int) const override { return 5 * metrics().line(); }
-    // The last column takes what the others leave.
-    void Put(const Box& box) override {
-        ControlWin::Put(box);
-        if (!widths_.empty()) Send(LVM_SETCOLUMNWIDTH, widths_.size() - 1, LVSCW_AUTOSIZE_USEHEADER);
-    }
 
  private:
     static constexpr int kTenths = 10;
 
     int WidthOf(int column) const {
         return static_cast<int>(Send(LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(column)));
+    }
+    // It takes what the others leave beside a scroll bar, if it is seen.
+    void FitLastColumn(int width) {
+        const int last = static_cast<int>(widths_.size()) - 1;
+        if (std::exchange(fitted_, width) == width || last < 0 || WidthOf(last) == 0) return;
+        Send(LVM_SETCOLUMNWIDTH, static_cast<WPARAM>(last), LVSCW_AUTOSIZE_USEHEADER);
     }
     int Digit() const { return static_cast<int>(metrics().TextSize(u"0", 0, DT_SINGLELINE).cx); }
     int SelectedPlace() const {
@@ -261,6 +267,7 @@ class ListBox : public ControlWin {
     HIMAGELIST pictures_ = nullptr;
     std::vector<int> widths_;  // of the hidden columns, when they were seen
     int digit_ = 0;            // the width by which the columns have theirs
+    int fitted_ = -1;          // the width of the list that the last column was fitted to
     int pointed_ = -1;         // the place under the pointer
     std::wstring tip_;         // the one that is shown
 };
