@@ -108,6 +108,7 @@ void frmmain::Form_Load() {
     load([&] { txtExport.Set(SettingText(u"ExportPath")); });
     load([&] { txtOut.Set(SettingText(u"OutPath")); });
     load([&] { chkImportPath.Check(SettingTruth(u"ChkOut")); });
+    for (Button* button : {&Command1, &Command2, &Command3, &Command6}) button->Enable(false);
     ShowKpps(false);
     txtOut.Enable(chkImportPath.Checked());
     // As high as they are with their numbers, which then move nothing.

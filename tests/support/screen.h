@@ -65,7 +65,7 @@ void ClickTitle(const Spot& list, int column);
 void ChooseNode(const Spot& tree, TextView text);
 void DoubleClickNode(const Spot& tree, TextView text);
 
-enum class Key { Tab, Enter, Escape, Up, Down };
+enum class Key { Tab, Enter, Escape, Up, Down, F5 };
 // To the control that has the keyboard.
 void Press(Key key);
 void PressAlt(char16_t letter);

@@ -196,11 +196,9 @@ void DoubleClickNode(const Spot& tree, TextView text) {
 }
 
 void Press(Key key) {
-    static const std::map<Key, Qt::Key> kCodes = {{Key::Tab, Qt::Key_Tab},
-                                                  {Key::Enter, Qt::Key_Return},
-                                                  {Key::Escape, Qt::Key_Escape},
-                                                  {Key::Up, Qt::Key_Up},
-                                                  {Key::Down, Qt::Key_Down}};
+    static const std::map<Key, Qt::Key> kCodes = {{Key::Tab, Qt::Key_Tab},       {Key::Enter, Qt::Key_Return},
+                                                  {Key::Escape, Qt::Key_Escape}, {Key::Up, Qt::Key_Up},
+                                                  {Key::Down, Qt::Key_Down},     {Key::F5, Qt::Key_F5}};
     SendKey(kCodes.at(key), Qt::NoModifier);
 }
 

@@ -313,11 +313,9 @@ void DoubleClickNode(const Spot& tree, TextView text) {
 }
 
 void Press(Key key) {
-    static const std::map<Key, WPARAM> kCodes = {{Key::Tab, VK_TAB},
-                                                 {Key::Enter, VK_RETURN},
-                                                 {Key::Escape, VK_ESCAPE},
-                                                 {Key::Up, VK_UP},
-                                                 {Key::Down, VK_DOWN}};
+    static const std::map<Key, WPARAM> kCodes = {{Key::Tab, VK_TAB},       {Key::Enter, VK_RETURN},
+                                                 {Key::Escape, VK_ESCAPE}, {Key::Up, VK_UP},
+                                                 {Key::Down, VK_DOWN},     {Key::F5, VK_F5}};
     ::PostMessageW(State().hwndFocus, WM_KEYDOWN, kCodes.at(key), 1);
     ::PostMessageW(State().hwndFocus, WM_KEYUP, kCodes.at(key), 1 | 1 << 30);
     CurrentToolkit().ProcessEvents();

@@ -6,7 +6,7 @@
 //     set NAME VALUE    is NAME VALUE    true NAME           a setting before, and after
 //     start    import [KPP]    view_v    view_a              calls of the host
 //     click SPOT    double SPOT ROW    type SPOT WORDS       a spot is WINDOW.CONTROL
-//     choose SPOT NODE    focus SPOT    press KEY    close WINDOW
+//     choose SPOT NODE    focus SPOT    press KEY    close WINDOW    drop PATH
 //     when WINDOW CONTROL                                    a click as soon as that window is shown
 //     shown WINDOW    active WINDOW    gone WINDOW           "gone" also waits for the click above
 //     has SPOT WORDS    lacks SPOT WORDS    row SPOT WORDS   a text, a row of a list
@@ -30,6 +30,7 @@
 #include "common/get_next.h"
 #include "platform/locked_file.h"
 #include "ui/desktop.h"
+#include "ui/frmmain.h"
 
 namespace tav::test {
 
@@ -56,11 +57,9 @@ class Session : public Desktop {
     }
     virtual void TypeInto(const Spot& spot, TextView words) { Type(spot, words); }
     virtual void PressKey(TextView key) {
-        const std::map<TextView, Key> keys = {{u"Tab", Key::Tab},
-                                              {u"Enter", Key::Enter},
-                                              {u"Escape", Key::Escape},
-                                              {u"Up", Key::Up},
-                                              {u"Down", Key::Down}};
+        const std::map<TextView, Key> keys = {{u"Tab", Key::Tab},       {u"Enter", Key::Enter},
+                                              {u"Escape", Key::Escape}, {u"Up", Key::Up},
+                                              {u"Down", Key::Down},     {u"F5", Key::F5}};
         key.starts_with(u"Alt+") ? PressAlt(key.back()) : Press(keys.at(key));
     }
     virtual void Begin() { Start(); }
@@ -101,6 +100,7 @@ class Session : public Desktop {
             {"focus", [&] { Focus(spot); }},
             {"press", [&] { PressKey(name); }},
             {"close", [&] { CloseWindow(first); }},
+            {"drop", [&] { static_cast<FormEvents&>(Shared<frmmain>()).OnDrop({name}); }},
             {"when",
              [&] {
                  ClickWhenShown(first, {first, words});

@@ -175,7 +175,7 @@ TEST_P(Sessions, GoAsTheyAreWritten) {
 
 INSTANTIATE_TEST_SUITE_P(Desktop, Sessions,
                          testing::Values("session", "import", "catches_up", "summary", "nothing", "settings",
-                                         "surroundings", "double_click", "subdivisions", "lost"),
+                                         "surroundings", "double_click", "subdivisions", "lost", "folders"),
                          [](const auto& session) { return session.param; });
 
 }  // namespace

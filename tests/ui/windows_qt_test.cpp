@@ -5,7 +5,7 @@
 #include <cstdlib>
 
 #include "support/screen_qt.h"
-#include "ui/desktop.h"
+#include "ui/session.h"
 
 namespace tav {
 namespace {
@@ -39,6 +39,12 @@ TEST_F(WindowsQt, FitOnASmallScreenWithALongName) {
     EXPECT_NEAR(In<QTreeView>(Main("lstFile"))->header()->sectionSize(1), 77, 1);
     EXPECT_EQ(In(Main("txtOut"))->accessibleName(), "Переносить импортированные файлы в папку:");
     EXPECT_EQ(In(Main("cmdImport"))->accessibleName(), "Выбор папки с файлами из ТАВ в формате rtf");
+}
+
+class SessionsQt : public Session {};
+
+TEST_F(SessionsQt, MakeTheDatabaseThatIsMissing) {
+    Play("created");
 }
 
 // A setting that makes no sense leaves the others alone; settings that cannot be written are told of.
