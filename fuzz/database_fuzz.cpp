@@ -63,6 +63,14 @@ void WriteSome(const tav::Text& path) {
           u"delete from tav_operations where id=3;"}) {
         tav::fuzz::Try([&] { executor.Execute(tav::SqlText(sql)); });
     }
+    // Pages are allocated for these.
+    const tav::Text wide(255, u'ж');
+    for (int i = 0; i < 12; ++i) {
+        tav::SqlText sql(u"insert into tav_operations (id,p2,p3,p4,p5) values (");
+        sql.Number(i);
+        for (int column = 0; column < 4; ++column) sql.Fixed(u",'").Value(wide).Fixed(u"'");
+        tav::fuzz::Try([&] { executor.Execute(sql.Fixed(u");")); });
+    }
     executor.Commit();
 }
 
