@@ -191,10 +191,22 @@ void ForEachName(TextView folder, Wanted&& wanted, Take take) {
         if (errno == ENOENT || errno == ENOTDIR) return;
         Refuse(errno, folder);
     }
-    while (const dirent* entry = ::readdir(listing.get())) {
+    while (true) {
+        errno = 0;
+        const dirent* const entry = ::readdir(listing.get());
+        if (entry == nullptr) break;
         Text name = FromUtf8(entry->d_name);
         if (wanted(name)) take(::dirfd(listing.get()), *entry, std::move(name));
     }
+    if (errno != 0) Refuse(errno, folder);
+}
+
+// Of an entry of a listing. A name that leads nowhere has none; where the system cannot tell, nobody may take the file
+// for one that has gone.
+bool StatusOf(int listing, const dirent& entry, TextView folder, struct stat& status) {
+    if (::fstatat(listing, entry.d_name, &status, 0) == 0) return true;
+    if (errno != ENOENT && errno != ENOTDIR && errno != ELOOP && errno != EACCES) Refuse(errno, folder);
+    return false;
 }
 
 // The rights of the file that is replaced, or those of a new one.
@@ -279,8 +291,8 @@ std::vector<Text> ListFiles(TextView folder, TextView ending) {
     const auto wanted = [&](TextView name) { return EqualNoCase(Right(name, ending.size()), ending); };
     ForEachName(folder, wanted, [&](int listing, const dirent& entry, const Text& name) {
         struct stat status {};
-        const bool plain = entry.d_type == DT_REG ||
-                           (::fstatat(listing, entry.d_name, &status, 0) == 0 && S_ISREG(status.st_mode));
+        const bool plain =
+            entry.d_type == DT_REG || (StatusOf(listing, entry, folder, status) && S_ISREG(status.st_mode));
         if (plain) found.Add(UpperCase(name), name);
     });
     return found.Sorted();
@@ -290,7 +302,7 @@ std::vector<StampedFile> ListFilesWithStamps(TextView folder, const std::functio
     Listing<StampedFile> found;
     ForEachName(folder, wanted, [&](int listing, const dirent& entry, Text name) {
         struct stat status {};
-        if (::fstatat(listing, entry.d_name, &status, 0) != 0 || !S_ISREG(status.st_mode)) return;
+        if (!StatusOf(listing, entry, folder, status) || !S_ISREG(status.st_mode)) return;
         Text upper = UpperCase(name);
         found.Add(std::move(upper), {std::move(name), StampOf(status)});
     });
