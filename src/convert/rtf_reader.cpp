@@ -88,7 +88,13 @@ void RtfReader::ReadFile(const Text& path, TextView file_name, ReadingSteps& ste
 Conversion RtfReader::Read(TextView folder, TextView file_name, ReadingSteps& steps) {
     Conversion conversion;
     GuardedBy([&] { ReadFile(Text(folder).append(file_name), file_name, steps, conversion); },
-              [&](const Failure& failure) { conversion.failure = failure; });
+              [&](const Failure& failure) {
+                  conversion.failure = failure;
+                  // That is no fault of the document's: the next scan tries again.
+                  if (failure.error() != RunTimeError::OutOfMemory) return;
+                  conversion.unreadable = true;
+                  conversion.reason = WhyUnreadable(failure);
+              });
     return conversion;
 }
 

@@ -47,6 +47,15 @@ Text DaysFrom(Date date, int days) {
     return FormatDate(Date{date.serial + days});
 }
 
+// Without memory there is no default either: whoever called would go on with a value that is wrong.
+template <class Body>
+void Defaulting(TextView title, Body body) {
+    GuardedBy(body, [&](const Failure& failure) {
+        if (failure.error() == RunTimeError::OutOfMemory) throw;
+        ShowFailure(title, failure);
+    });
+}
+
 bool BetweenDates(Text& text, TextView mode) {
     if (text.empty()) return false;
     const Date date = DateOf(text);
@@ -71,7 +80,7 @@ bool BetweenDates(Text& text, TextView mode) {
 
 Value isn(const Value& value) {
     Value result = std::int64_t{0};
-    Guarded(u"Ошибка в функции isn", [&] {
+    Defaulting(u"Ошибка в функции isn", [&] {
         if (!IsNull(value)) result = value;
     });
     return result;
@@ -88,21 +97,21 @@ std::optional<std::int64_t> WholeNumberOf(const Value& value) {
 
 Text isns(const Value& value) {
     Text result;
-    Guarded(u"Ошибка в функции isns", [&] { result = ValueText(value); });
+    Defaulting(u"Ошибка в функции isns", [&] { result = ValueText(value); });
     return result;
 }
 
 Text sns(TextView text) {
     Text result;
-    Guarded(u"Ошибка в функции sns",
-            [&] { result = text.empty() ? Text(u"Null") : Concat(u"'", text, u"'"); });
+    Defaulting(u"Ошибка в функции sns",
+               [&] { result = text.empty() ? Text(u"Null") : Concat(u"'", text, u"'"); });
     return result;
 }
 
 Text snsi(TextView text) {
     Text result;
-    Guarded(u"Ошибка в функции snsi",
-            [&] { result = text.empty() || text == u"-" ? TextView(u"Null") : text; });
+    Defaulting(u"Ошибка в функции snsi",
+               [&] { result = text.empty() || text == u"-" ? TextView(u"Null") : text; });
     return result;
 }
 
@@ -119,7 +128,7 @@ Text ToLocalNumber(TextView text) {
 
 bool datebetween(Text& date, TextView mode) {
     bool result = false;
-    Guarded(u"Ошибка в функции datebetween", [&] { result = BetweenDates(date, mode); });
+    Defaulting(u"Ошибка в функции datebetween", [&] { result = BetweenDates(date, mode); });
     return result;
 }
 

@@ -7,7 +7,7 @@
 // found, and the range of dates that datebetween recorded last, in whatever procedure that was.
 //
 // A failure inside isn, isns, sns, snsi or datebetween is shown under the function's name, and the result is
-// 0, empty text or false.
+// 0, empty text or false; where memory ran out, it goes on to the caller.
 #pragma once
 
 #include <optional>

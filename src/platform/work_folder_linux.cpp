@@ -1,9 +1,11 @@
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 
 #include <cstdio>
 #include <filesystem>
+#include <memory>
 
 #include "common/concat.h"
 #include "platform/files.h"
@@ -27,13 +29,16 @@ struct WorkFolder::InUse {
 };
 
 void RemoveWorkFolders(TextView folder) {
-    namespace fs = std::filesystem;
     std::error_code ignored;
-    fs::directory_iterator entry(folder.empty() ? "." : ToUtf8(folder), ignored);
-    for (; entry != fs::directory_iterator(); entry.increment(ignored)) {
-        if (!IsLeftover(FromUtf8(entry->path().filename().string()))) continue;
-        const posix::Descriptor leftover = Locked(entry->path().string());
-        if (leftover) fs::remove_all(entry->path(), ignored);
+    // The iterators of the standard library end the program where memory runs out.
+    const std::unique_ptr<DIR, int (*)(DIR*)> listing(
+        ::opendir(folder.empty() ? "." : ToUtf8(folder).c_str()), ::closedir);
+    if (listing == nullptr) return;
+    while (const dirent* entry = ::readdir(listing.get())) {
+        if (!IsLeftover(FromUtf8(entry->d_name))) continue;
+        const std::string path = ToUtf8(WithSeparator(folder)) + entry->d_name;
+        const posix::Descriptor leftover = Locked(path);
+        if (leftover) std::filesystem::remove_all(path, ignored);
     }
 }
 
