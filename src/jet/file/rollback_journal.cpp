@@ -66,7 +66,7 @@ class StoredJournal {
     // Whether it was made here: whole, invalid, or the beginning of one.
     bool IsOurs() const {
         if (size_ < kJournalMagic.size()) return kJournalMagic.starts_with(View(head_.data(), size_));
-        return Starts(kJournalMagic) || (Starts(kNoMagic) && (IsWhole() || IsEmpty()));
+        return Starts(kJournalMagic) || (Starts(kNoMagic) && (IsWhole() || LacksBeginning()));
     }
 
     // Calls take(image) until one is refused; whether none was.
@@ -123,18 +123,11 @@ class StoredJournal {
         file_.ReadAt(size_ - kChecksumSize, end.data(), end.size());
         return U64(end.data()) == sum;
     }
-    // Whether there is nothing in it: a power loss may leave a file's length without its bytes.
-    bool IsEmpty() const {
-        Page piece;
-        for (std::uint64_t at = 0; at < size_; at += kPageSize) {
-            const std::size_t size = std::min<std::uint64_t>(size_ - at, kPageSize);
-            file_.ReadAt(at, piece.data(), size);
-            if (std::any_of(piece.begin(), piece.begin() + size,
-                            [](std::uint8_t byte) { return byte != 0; })) {
-                return false;
-            }
-        }
-        return true;
+    // A power loss may leave a file's length, and any of its sectors, without the first one.
+    bool LacksBeginning() const {
+        std::array<std::uint8_t, kSector> first{};
+        file_.ReadAt(0, first.data(), std::min<std::uint64_t>(size_, kSector));
+        return std::all_of(first.begin(), first.end(), [](std::uint8_t byte) { return byte == 0; });
     }
 
     LockedFile file_;

@@ -14,7 +14,8 @@
 //     end  u64       checksum of everything before it
 //
 // A journal whose length and own checksum do not agree was torn before any page was overwritten, or is
-// invalid because the unit is done: it is of no use and deleted.
+// invalid because the unit is done: it is of no use and deleted. A torn one may lack any of its sectors, the
+// first one as well, which is zeros then.
 //
 // A whole one is played back only onto the state that it was made for: the first bytes are the same, the file
 // is as long as before the unit, as after it, or in between, and every sector of the journalled pages is the

@@ -23,8 +23,12 @@ TEST_F(Journal, KillAfterAnyPageLeavesTheOldState) {
 
 TEST_F(Journal, TornJournalIsIgnoredAndDeleted) {
     const std::string journal = Interrupt(0);
-    std::vector<std::string> useless = {"", journal.substr(0, 20), journal.substr(0, journal.size() - 1),
-                                        journal + "x", journal.substr(0, journal.size() / 2)};
+    std::vector<std::string> useless = {"",
+                                        journal.substr(0, 20),
+                                        journal.substr(0, journal.size() - 1),
+                                        journal + "x",
+                                        journal.substr(0, journal.size() / 2),
+                                        std::string(512, '\0') + journal.substr(512)};
     for (const std::size_t at : {17u, 21u, 25u, 33u, 1000u}) {
         useless.push_back(journal);
         useless.back()[at] = static_cast<char>(useless.back()[at] ^ 1);
