@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "common/aside.h"
-#include "common/get_next.h"
 #include "common/guard.h"
 #include "db/connection.h"
 #include "settings/session.h"
@@ -14,17 +13,12 @@ namespace {
 
 // The ends of the statements on headers: whose.
 std::vector<SqlText> Conditions(TextView inn, TextView kpp) {
-    SqlText opening(u" where h1='");
-    if (inn.find(u'|') == TextView::npos) {
-        opening.Value(inn);
-        if (!IsEverySubdivision(kpp)) opening.Fixed(u"' and h2='").Value(kpp);
-        return {opening.Fixed(u"';")};
-    }
+    const bool any_kpp = IsEverySubdivision(kpp) || inn.find(u'|') != TextView::npos;
     std::vector<SqlText> conditions;
-    while (!inn.empty()) {
-        SqlText condition = opening;
-        const TextView one = GetNext(inn, u"|");
-        if (!one.empty()) conditions.push_back(condition.Value(one).Fixed(u"';"));
+    for (const Text& one : InnsOf(inn)) {
+        SqlText& condition = conditions.emplace_back(u" where h1='").Value(one);
+        if (!any_kpp) condition.Fixed(u"' and h2='").Value(kpp);
+        condition.Fixed(u"';");
     }
     return conditions;
 }

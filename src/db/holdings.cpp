@@ -5,7 +5,6 @@
 #include <map>
 #include <tuple>
 
-#include "common/get_next.h"
 #include "common/regional.h"
 #include "db/connection.h"
 #include "db/literals.h"
@@ -65,13 +64,15 @@ std::vector<HeldDocument> HeldDocuments(TextView database, TextView inn, TextVie
     TextView next = u" where ";
     if (!inn.empty()) {
         sql.Fixed(next).Fixed(u"h1 in (");
-        for (TextView inns = inn, comma; !inns.empty(); comma = u",") {
-            sql.Fixed(comma).Fixed(u"'").Value(GetNext(inns, u"|")).Fixed(u"'");
+        const std::vector<Text> inns = InnsOf(inn);
+        if (inns.empty()) sql.Fixed(u"null");
+        for (std::size_t i = 0; i < inns.size(); ++i) {
+            sql.Fixed(i == 0 ? u"'" : u",'").Value(inns[i]).Fixed(u"'");
         }
         sql.Fixed(u")");
         next = u" and ";
     }
-    if (!kpp.empty() && !IsEverySubdivision(kpp)) {
+    if (!kpp.empty() && !IsEverySubdivision(kpp) && inn.find(u'|') == TextView::npos) {
         sql.Fixed(next).Fixed(u"h2='").Value(kpp).Fixed(u"'");
     }
     sql.Fixed(u" order by h7, h10, perb");

@@ -31,8 +31,8 @@ struct HeldDocument {
 // and h10; number and INN are left to the caller.
 HeldDocument HeldDocumentOf(const Recordset& row);
 
-// Ordered by code, OKATO and begin. An empty INN means every taxpayer; several INNs stand between "|". An
-// empty KPP, or one of 16 characters and more, means every subdivision.
+// Ordered by code, OKATO and begin. An empty INN means every taxpayer; several INNs stand between "|". To
+// several INNs any KPP belongs; an empty KPP, or one of 16 characters and more, means every subdivision.
 // Failures are thrown.
 std::vector<HeldDocument> HeldDocuments(TextView database, TextView inn, TextView kpp);
 

@@ -5,6 +5,7 @@
 #include <unordered_set>
 
 #include "common/concat.h"
+#include "settings/session.h"
 
 namespace tav {
 namespace {
@@ -31,7 +32,7 @@ constexpr std::array kOwn = {Finding::New, Finding::Loaded, Finding::Superseded,
                              Finding::Failed};
 
 bool IsOneOf(TextView inn, TextView inns) {
-    return Concat(u"|", inns, u"|").find(Concat(u"|", inn, u"|")) != Text::npos;
+    return std::ranges::any_of(InnsOf(inns), [&](const Text& one) { return one == inn; });
 }
 
 // "7701, 7702 и ещё 3": the different texts in the order of their first occurrence.

@@ -80,6 +80,7 @@ struct ImportAccount {
     std::vector<Text> notices;       // what concerns the folder as a whole, one sentence each
     bool complete = false;           // nothing stopped it
     bool imported = false;           // an import or a load, not just a look
+    bool database_failed = false;    // it cannot be opened, is full or damaged: nothing else goes into it now
 
     // What was done now.
     int documents = 0;  // statements and acts stored

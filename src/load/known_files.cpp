@@ -23,11 +23,11 @@ HeldFiles ReadHeldFiles(Connection& connection, const TaxpayerChoice& taxpayer) 
     for (; !headers.Eof(); headers.MoveNext()) {
         HeldOfFile& file = held[UpperCase(isns(headers.Field(1)))];
         const bool superseded = !IsNull(headers.Field(2)) && IsNull(headers.Field(3));
-        if (superseded) file.replaced.push_back(Counter(headers.Field(0)).value());
         const Text inn = isns(headers.Field(4));
         const Text kpp = isns(headers.Field(5));
         if (taxpayer.Owns(inn, kpp)) {
             (superseded ? file.superseded : file.current) = true;
+            if (superseded) file.replaced.push_back(Counter(headers.Field(0)).value());
             continue;
         }
         const Remark remark = OtherTaxpayer(inn, kpp);

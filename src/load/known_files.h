@@ -23,7 +23,7 @@ struct HeldOfFile {
     bool current = false;     // an act of the taxpayer, or a statement that is the current one of its series
     bool superseded = false;  // a statement that is not
     std::vector<Remark> foreign;         // of a file that has documents of others only: whose
-    std::vector<std::int16_t> replaced;  // the numbers of its superseded statements, whoever's they are
+    std::vector<std::int16_t> replaced;  // the numbers of these superseded statements
 };
 // By the upper-cased name.
 using HeldFiles = std::unordered_map<Text, HeldOfFile>;

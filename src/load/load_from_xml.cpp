@@ -41,11 +41,16 @@ void RemoveLeftovers(Connection& connection, std::int16_t highest_part) {
 }
 
 // The headers of statements that another one of their series has superseded go with their rows once their
-// file has left the folder. As long as it lies there the header says that it is known.
-void RemoveSuperseded(Connection& connection, const HeldFiles& held, const std::vector<Text>& listed) {
+// file has left the folder. As long as it lies there the header says that it is known: also while it cannot
+// be read, and is not listed for that. Other taxpayers' files lie in folders of their own.
+void RemoveSuperseded(Connection& connection, const HeldFiles& held, const std::vector<Text>& listed,
+                      const ScanAccount* scan) {
     if (std::ranges::all_of(held, [](const auto& file) { return file.second.replaced.empty(); })) return;
     std::unordered_set<Text> there;
     for (const Text& name : listed) there.insert(UpperCase(name));
+    if (scan != nullptr) {
+        for (const ScannedFile& file : scan->files) there.insert(UpperCase(file.name));
+    }
     std::vector<std::int16_t> departed;
     for (const auto& [name, file] : held) {
         if (!there.contains(name))
@@ -113,6 +118,7 @@ class Load {
     ImportAccount account;
     Text unmovable;            // the file that could not be moved, if that ended the load
     std::vector<Text> failed;  // documents of which nothing was stored: "name: why"
+    bool opened = false;       // the database
 
  private:
     void LoadNewFiles();
@@ -147,6 +153,7 @@ void Load::Run(TextView database) {
     if (!move_folder_.empty()) MakeFolders(move_folder_);
     connection_.CursorLocation = 3;
     connection_.Open(ConnectionString(database));
+    opened = true;
     try {
         LoadNewFiles();
         EndUnit();
@@ -155,6 +162,7 @@ void Load::Run(TextView database) {
         GuardedBy([&] { EndUnit(); }, [](const Failure&) {});
         held_.reset();
         TakeAccount();
+        // A message that waits for somebody does not keep others from the database.
         GuardedBy([&] { connection_.Close(); }, [](const Failure&) {});
         throw;
     }
@@ -172,7 +180,7 @@ void Load::LoadNewFiles() {
     const std::vector<Text> names = NewFiles();
 
     RemoveLeftovers(connection_, numbers.part.value());
-    RemoveSuperseded(connection_, *held_, listed_);
+    RemoveSuperseded(connection_, *held_, listed_, scan_);
     // The import folder itself is no archive: what is in it stays there.
     if (SameFolder(move_folder_, FolderOf(catalogue_))) move_folder_.clear();
     int looked_at = 0;
@@ -325,6 +333,7 @@ ImportAccount LoadFromXml(TextView catalogue, TextView database, TextView inn, T
             load.account.complete = true;
         },
         [&](const Failure& failure) {
+            load.account.database_failed = load.unmovable.empty() && (!load.opened || ConcernsDatabase());
             if (load.unmovable.empty()) {
                 ShowFailure(kTitle, failure);
             } else {

@@ -90,7 +90,7 @@ ImportAccount LoadCatalogue(TextView catalogue, TextView inn, TextView kpp, Text
         },
         [](const Failure&) {});
     ImportAccount account = LoadFromXml(catalogue, getbase(), inn, kpp, move_folder, scan);
-    if (account.complete || account.documents > 0) ConstrTabTypeOper(getbase());
+    if (!account.database_failed || account.documents > 0) ConstrTabTypeOper(getbase());
     return account;
 }
 

@@ -1,16 +1,15 @@
 #include "load/taxpayer_choice.h"
 
-#include "common/concat.h"
+#include <algorithm>
+
 #include "settings/session.h"
 
 namespace tav {
 
-TaxpayerChoice::TaxpayerChoice(TextView inn, TextView kpp) : inn_(Trim(inn)), kpp_(Trim(kpp)) {
-    if (inn_.find(u'|') == inn_.npos) return;
-    if (!inn_.starts_with(u'|')) inn_.insert(0, u"|");
-    if (!inn_.ends_with(u'|')) inn_ += u'|';
-    inn_ = UpperCase(inn_);
-    kpp_ = kAllSubdivisions;
+TaxpayerChoice::TaxpayerChoice(TextView inn, TextView kpp) : inns_(InnsOf(inn)), kpp_(Trim(kpp)) {
+    if (inn.find(u'|') == inn.npos) return;
+    for (Text& one : inns_) one = UpperCase(one);
+    several_ = true;
 }
 
 TaxpayerChoice TaxpayerChoice::Everybody() {
@@ -20,11 +19,12 @@ TaxpayerChoice TaxpayerChoice::Everybody() {
 }
 
 bool TaxpayerChoice::HasInn(TextView inn) const {
-    return inn == inn_ || inn_.find(Concat(u"|", UpperCase(inn), u"|")) != inn_.npos;
+    if (!several_) return inn == inns_.front();
+    return std::ranges::find(inns_, UpperCase(inn)) != inns_.end();
 }
 
 bool TaxpayerChoice::HasKpp(TextView kpp) const {
-    return kpp == kpp_ || IsEverySubdivision(kpp_);
+    return several_ || kpp == kpp_ || IsEverySubdivision(kpp_);
 }
 
 }  // namespace tav

@@ -1,6 +1,8 @@
 // Whose documents are loaded.
 #pragma once
 
+#include <vector>
+
 #include "common/text.h"
 
 namespace tav {
@@ -20,7 +22,8 @@ class TaxpayerChoice {
     bool HasKpp(TextView kpp) const;
 
     bool everybody_ = false;
-    Text inn_;  // several: upper-cased, with "|" at both ends
+    bool several_ = false;
+    std::vector<Text> inns_;  // several: upper-cased
     Text kpp_;
 };
 

@@ -1,5 +1,6 @@
 #include "settings/session.h"
 
+#include "common/get_next.h"
 #include "platform/environment.h"
 
 namespace tav {
@@ -7,6 +8,16 @@ namespace tav {
 CurrentTaxpayer& Taxpayer() {
     static CurrentTaxpayer taxpayer;
     return taxpayer;
+}
+
+std::vector<Text> InnsOf(TextView text) {
+    if (text.find(u'|') == TextView::npos) return {Text(Trim(text))};
+    std::vector<Text> inns;
+    while (!text.empty()) {
+        const TextView inn = Trim(GetNext(text, u"|"));
+        if (!inn.empty()) inns.emplace_back(inn);
+    }
+    return inns;
 }
 
 AtOnce& StartedFor() {

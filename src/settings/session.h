@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <vector>
 
 #include "common/text.h"
 
@@ -16,6 +17,9 @@ struct CurrentTaxpayer {
     Text date;  // "dd.mm.yyyy", the host's working date
 };
 CurrentTaxpayer& Taxpayer();
+
+// The INNs of a text: one, which may be empty, or several between "|", which are not. Outer spaces are no part of an INN.
+std::vector<Text> InnsOf(TextView text);
 
 // What the main window does by itself when it is opened, and closes then.
 struct AtOnce {

@@ -89,7 +89,8 @@ std::optional<Text> ReadSetting(TextView name) {
         if (LastRegistryResult() == kRegistryAbsent) return std::nullopt;
         throw Failure(LastRegistryFailure());
     }
-    if (const auto* number = std::get_if<std::uint32_t>(&value)) return Digits(*number);
+    if (const auto* number = std::get_if<std::uint32_t>(&value))
+        return Digits(static_cast<std::int32_t>(*number));
     const Text* text = std::get_if<Text>(&value);
     if (text == nullptr) throw Failure(RunTimeError::TypeMismatch, setting->name);
     if (text->size() > kLongestText) throw Failure(RunTimeError::Overflow, setting->name);

@@ -49,15 +49,19 @@ std::vector<HeldDocument> DocumentsOf(Connection& connection, TextView inn, Text
     const Recordset highest = connection.Execute(u"select max(id), max(vid) from tav_operations_header");
     if (IsNull(highest.Field(0))) return documents;
 
-    SqlText sql(
-        u"select filename, vid, perb, pere, h2, h3, h6, h7,h8, h10  from tav_operations_header where h1='");
-    sql.Value(inn);
-    if (!kpp.empty() && !IsEverySubdivision(kpp)) sql.Fixed(u"' and h2='").Value(kpp);
-    sql.Fixed(u"' order by h7, h10, perb");
-    for (Recordset rows = connection.Execute(sql); !rows.Eof(); rows.MoveNext()) {
-        HeldDocument document = HeldDocumentOf(rows);
-        document.inn = inn;
-        documents.push_back(std::move(document));
+    const bool any_kpp = kpp.empty() || IsEverySubdivision(kpp) || inn.find(u'|') != TextView::npos;
+    for (const Text& one : InnsOf(inn)) {
+        SqlText sql(
+            u"select filename, vid, perb, pere, h2, h3, h6, h7,h8, h10  from tav_operations_header where "
+            u"h1='");
+        sql.Value(one);
+        if (!any_kpp) sql.Fixed(u"' and h2='").Value(kpp);
+        sql.Fixed(u"' order by h7, h10, perb");
+        for (Recordset rows = connection.Execute(sql); !rows.Eof(); rows.MoveNext()) {
+            HeldDocument document = HeldDocumentOf(rows);
+            document.inn = one;
+            documents.push_back(std::move(document));
+        }
     }
     return documents;
 }

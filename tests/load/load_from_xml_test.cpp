@@ -39,6 +39,17 @@ TEST_F(Loader, StopsBeforeAFileWhenTheDatabaseIsFull) {
     EXPECT_THAT(Rows(u"select id from tav_operations_header"), IsEmpty());
 }
 
+TEST_F(Loader, KnowsASupersededStatementWhoseFileCannotBeReadAtTheMoment) {
+    const Text half = StatementPart({.end = u"30.06.2011"}, {u"p10=1.00"});
+    Load({{u"a.rtf", kPaid}, {u"b.rtf", half}});
+    Write({{u"b.rtf", half}});
+    ScanAccount scan;
+    scan.files = {{.name = u"A.rtf", .state = ScannedFile::State::Unreadable}, {.name = u"b.rtf"}};
+    LoadFromXml(catalogue_, database_, u"7701234567", u"770101001", {}, &scan);
+    EXPECT_THAT(Rows(u"select filename, vid from tav_operations_header order by id"),
+                ElementsAre("a.rtf|-", "b.rtf|1"));
+}
+
 // A person who clicks while files are loaded.
 class ClicksClear : public Progress {
  public:
@@ -119,10 +130,25 @@ TEST_F(Moves, SayWhatCannotBeMovedAndKeepWhatIsLoaded) {
     // A folder of the file's name is in the way, whoever runs this.
     MakeFolders(folder_ / u"done/a.rtf/x");
     folder_.Write(u"done/a.rtf/x", "");
-    LoadAndMove(folder_ / u"done");
+    EXPECT_FALSE(LoadAndMove(folder_ / u"done").database_failed);
     EXPECT_THAT(Shown(), ElementsAre("Запрет: Файл a.rtf используется и не может быть перемещён"));
     EXPECT_THAT(Rows(u"select filename from tav_operations_header"), ElementsAre("a.rtf"));
     EXPECT_TRUE(FileExists(folder_ / u"in/a.rtf"));
+
+    class Waits : public MessageBox {
+     public:
+        explicit Waits(TextView database) : database_(database) {}
+        void Show(const Message&) override { held.push_back(IsHeld(database_)); }
+
+        std::vector<bool> held;
+
+     private:
+        Text database_;
+    } waits(database_);
+    const ScopedMessageBox scope(waits);
+    Execute(u"delete from tav_operations_header");
+    LoadAndMove(folder_ / u"done");
+    EXPECT_THAT(waits.held, ElementsAre(false));
 }
 
 }  // namespace

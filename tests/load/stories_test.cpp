@@ -72,7 +72,7 @@ class Story : public test::OperationsDatabase {
         const Text name(GetNext(line, u" "));
         if (verb == u"clear")
             return Failures(
-                [&] { name.empty() ? clearbaseAll(database_) : clearbase(database_, name, line); });
+                [&] { name.empty() ? clearbaseAll(database_) : clearbase(database_, Said(name), line); });
         if (verb == u"list") List(name, line);
         if (verb == u"put") WriteFileWhole(Path(name), Document(line));
         if (verb == u"text") WriteFileWhole(Path(name), test::Bytes(line));

@@ -80,6 +80,7 @@ TEST(SettingsTable, WhatIsNoTextIsRefusedByItsName) {
     EXPECT_EQ(refusal(u"ImportPath", Binary{"abc"}, RegistryType::Binary), u"Type mismatch: ImportPath");
     EXPECT_EQ(refusal(u"ChkOut", Binary{}, RegistryType::MultiString), u"Type mismatch: ChkOut");
     EXPECT_EQ(refusal(u"SpVupis", std::uint32_t{1}, RegistryType::DoubleWord), u"= 1");
+    EXPECT_EQ(refusal(u"SpVupis", ~std::uint32_t{0}, RegistryType::DoubleWord), u"= -1");
     EXPECT_EQ(refusal(u"OutPath", Text(32768, u'x'), RegistryType::String), u"Overflow: OutPath");
     EXPECT_EQ(refusal(u"DataBasePath", Binary{"x"}, RegistryType::Binary), u"Type mismatch: DataBasePath");
     test::MessageList shown;
