@@ -70,6 +70,7 @@ class ListBox : public ControlWin {
         if (shown == (width > 0)) return;
         if (!shown) hidden_width = width;
         Send(LVM_SETCOLUMNWIDTH, number, shown ? hidden_width : 0);
+        FitLastColumn();
     }
     std::vector<int> ColumnWidths() const override {
         std::vector<int> widths;
@@ -131,7 +132,7 @@ class ListBox : public ControlWin {
                 break;
             case WM_SIZE: {
                 const LRESULT result = ControlWin::OnMessage(message, wparam, lparam);
-                FitLastColumn(LOWORD(lparam));
+                if (std::exchange(fitted_, LOWORD(lparam)) != LOWORD(lparam)) FitLastColumn();
                 return result;
             }
             case WM_NOTIFY:
@@ -172,9 +173,9 @@ class ListBox : public ControlWin {
         return static_cast<int>(Send(LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(column)));
     }
     // It takes what the others leave beside a scroll bar, if it is seen.
-    void FitLastColumn(int width) {
+    void FitLastColumn() {
         const int last = static_cast<int>(widths_.size()) - 1;
-        if (std::exchange(fitted_, width) == width || last < 0 || WidthOf(last) == 0) return;
+        if (last < 0 || WidthOf(last) == 0) return;
         Send(LVM_SETCOLUMNWIDTH, static_cast<WPARAM>(last), LVSCW_AUTOSIZE_USEHEADER);
     }
     int Digit() const { return static_cast<int>(metrics().TextSize(u"0", 0, DT_SINGLELINE).cx); }
