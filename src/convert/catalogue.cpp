@@ -101,22 +101,21 @@ void Catalogue::Read(CatalogueWindow& window) {
     std::size_t at = window.text().find(kActualClosing);
     if (at == std::string_view::npos) at = 0;
     CatalogueLines lines(bytes_);
+    entries_.reserve(current_files_.size());
     while (std::optional<CatalogueEntry> entry = NextEntry(window, at)) {
         if (!entry->IsReadable()) entry->fault_line = lines.At(entry->fault_at);
         entries_.push_back(*std::move(entry));
         CurrentProgress().ProcessEvents();
     }
-    entries_by_name_.reserve(entries_.size());
-    for (std::size_t i = 0; i < entries_.size(); ++i) {
-        entries_by_name_[UpperCase(entries_[i].name)].push_back(i);
-    }
+    by_name_.reserve(entries_.size());
+    for (std::size_t i = 0; i < entries_.size(); ++i) by_name_.emplace(entries_[i].name, i);
 }
 
 std::vector<const CatalogueEntry*> Catalogue::EntriesNamed(TextView name) const {
     std::vector<const CatalogueEntry*> found;
-    const auto entries = entries_by_name_.find(UpperCase(name));
-    if (entries == entries_by_name_.end()) return found;
-    for (const std::size_t entry : entries->second) found.push_back(&entries_[entry]);
+    const auto [begin, end] = by_name_.equal_range(name);
+    for (auto entry = begin; entry != end; ++entry) found.push_back(&entries_[entry->second]);
+    std::ranges::sort(found);
     const auto is_exact = [&](const CatalogueEntry* entry) { return entry->name == name; };
     if (std::ranges::any_of(found, is_exact)) {
         std::erase_if(found, [&](const CatalogueEntry* entry) { return !is_exact(entry); });

@@ -25,6 +25,7 @@
 #include <utility>
 #include <vector>
 
+#include "common/name_hash.h"
 #include "common/text.h"
 #include "convert/catalogue_bytes.h"
 #include "convert/catalogue_elements.h"
@@ -65,7 +66,7 @@ class Catalogue {
     CatalogueBytes bytes_;
     std::vector<Text> current_files_;
     std::vector<CatalogueEntry> entries_;
-    std::unordered_map<Text, std::vector<std::size_t>> entries_by_name_;  // by the upper-cased name
+    std::unordered_multimap<TextView, std::size_t, NameHash, SameName> by_name_;  // places in entries_
 };
 
 }  // namespace tav

@@ -1,6 +1,7 @@
 #include "convert/catalogue_bytes.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 namespace tav {
@@ -22,22 +23,24 @@ CatalogueBytes CatalogueBytes::OfText(std::string text) {
     return bytes;
 }
 
+std::size_t CatalogueBytes::Read(std::size_t begin, char* to, std::size_t size) const {
+    return file_ ? file_->ReadAt(begin, to, size) : text_.copy(to, size, std::min(begin, text_.size()));
+}
+
 void CatalogueBytes::Append(std::string& to, std::size_t begin, std::size_t size) const {
-    if (!file_) {
-        to.append(text_, std::min(begin, text_.size()), size);
-        return;
-    }
     const std::size_t before = to.size();
     to.resize(before + size);
-    to.resize(before + file_->ReadAt(begin, to.data() + before, size));
+    to.resize(before + Read(begin, to.data() + before, size));
 }
 
 bool CatalogueWindow::ReadOn(std::size_t at) {
-    text_.erase(0, at);
+    const std::size_t before = size_ - at;
+    std::memmove(buffer_.data(), buffer_.data() + at, before);
     begin_ += at;
-    const std::size_t before = text_.size();
-    bytes_.Append(text_, begin_ + before, std::max(before, kPiece));
-    return text_.size() > before;
+    const std::size_t wanted = std::max(before, kPiece);
+    if (buffer_.size() < before + wanted) buffer_.resize(before + wanted);
+    size_ = before + bytes_.Read(begin_ + before, buffer_.data() + before, wanted);
+    return size_ > before;
 }
 
 int CatalogueLines::At(std::size_t place) {

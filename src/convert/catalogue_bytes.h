@@ -18,7 +18,9 @@ class CatalogueBytes {
     static CatalogueBytes OfFile(TextView path);
     static CatalogueBytes OfText(std::string text);
 
-    // Appends those from `begin` on, `size` of them; fewer where the catalogue ends before.
+    // Reads those from `begin` on, `size` of them; fewer where the catalogue ends before. How many.
+    std::size_t Read(std::size_t begin, char* to, std::size_t size) const;
+    // The same, appended.
     void Append(std::string& to, std::size_t begin, std::size_t size) const;
 
  private:
@@ -31,7 +33,7 @@ class CatalogueWindow {
  public:
     explicit CatalogueWindow(const CatalogueBytes& bytes) : bytes_(bytes) { ReadOn(0); }
 
-    std::string_view text() const { return text_; }
+    std::string_view text() const { return {buffer_.data(), size_}; }
     // Where the text begins in the catalogue.
     std::size_t begin() const { return begin_; }
     // Lets the text before `at` go, and doubles what is left of it at least. False at the catalogue's end.
@@ -39,7 +41,8 @@ class CatalogueWindow {
 
  private:
     const CatalogueBytes& bytes_;
-    std::string text_;
+    std::string buffer_;  // the text, and what is free after it
+    std::size_t size_ = 0;
     std::size_t begin_ = 0;
 };
 

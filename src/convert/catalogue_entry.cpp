@@ -20,6 +20,15 @@ constexpr std::string_view kNameClosing = "</name>";
 constexpr std::size_t kOpening = sizeof "<p01>" - 1;
 constexpr std::size_t kBothTags = sizeof "<p01></p01>" - 1;
 
+constexpr std::string_view kRow = "<row>";
+constexpr std::string_view kRowClosing = "</row>";
+
+constexpr int kNumbers = std::tuple_size_v<FieldLengths> / 2;  // of each letter's fields
+
+constexpr std::size_t PlaceOf(char letter, int number) {
+    return static_cast<std::size_t>(number + (letter == 'p' ? kNumbers : 0));
+}
+
 // Where the closing tag of an element ends whose text begins at `at` and holds no "<"; npos when it has
 // more in it.
 std::size_t EndOfValue(std::string_view text, std::size_t at, std::string_view name) {
@@ -34,44 +43,47 @@ std::size_t EndOfValue(std::string_view text, std::size_t at, std::string_view n
     return closing + size;
 }
 
-// Where an element <p01>text</p01> ends whose tag begins at `at` and is so long; npos when none begins there.
+// Where an element <p01>text</p01> ends whose tag is so long; nullptr when none begins there.
 template <std::size_t TagSize>
-std::size_t EndOfPlainValue(std::string_view text, std::size_t at) {
-    const std::size_t closing = text.find('<', at + TagSize);
-    if (closing == text.npos || text.size() - closing <= TagSize || text[closing + 1] != '/')
-        return text.npos;
-    const bool closes = std::memcmp(text.data() + closing + 2, text.data() + at + 1, TagSize - 1) == 0;
-    return closes ? closing + TagSize + 1 : text.npos;
+const char* EndOfPlainValue(const char* tag, const char* end) {
+    const char* const text = tag + TagSize;
+    const char* const closing =
+        static_cast<const char*>(std::memchr(text, '<', static_cast<std::size_t>(end - text)));
+    if (closing == nullptr || end - closing <= static_cast<std::ptrdiff_t>(TagSize) || closing[1] != '/')
+        return nullptr;
+    return std::memcmp(closing + 2, tag + 1, TagSize - 1) == 0 ? closing + TagSize + 1 : nullptr;
 }
 
 // A value's element begins with that tag and has so many bytes, its tags included.
 void NoteLength(CatalogueEntry& entry, const char* tag, std::size_t bytes) {
-    if (tag[kOpening - 1] != '>') return;  // an amount of an act
-    const auto place = PlaceOfField(tag[1], 10 * (tag[2] - '0') + (tag[3] - '0'));
-    if (!place) return;
+    if (tag[kOpening - 1] != '>' || tag[2] > '1') return;  // an amount of an act, or no field that is noted
+    const int number = 10 * (tag[2] - '0') + (tag[3] - '0');
     constexpr std::size_t kMost = std::numeric_limits<std::uint16_t>::max();
-    std::uint16_t& longest = entry.longest[*place];
+    std::uint16_t& longest = entry.longest[PlaceOf(tag[1], number)];
     longest = std::max(longest, static_cast<std::uint16_t>(std::min(bytes - kBothTags, kMost)));
 }
 
 // Passes over the elements <p01>text</p01>, <h01> and <p0001>, of which nearly all of a catalogue
 // consists: where the first other tag at or after `at` begins; the text's end when there is none.
 // The lengths of their texts are noted in the entry.
-std::size_t PassValues(std::string_view text, std::size_t at, CatalogueEntry& entry) {
+std::size_t PassValues(std::string_view text, std::size_t begin, CatalogueEntry& entry) {
     constexpr std::size_t kShort = sizeof "<p01>" - 1;
     constexpr std::size_t kLong = sizeof "<p0001>" - 1;
-    while (true) {
-        at = text.find('<', at);
-        if (at == text.npos || text.size() - at <= kLong) return std::min(at, text.size());
-        const char* const tag = text.data() + at;
-        if ((tag[1] != 'p' && tag[1] != 'h') || !IsDigit(tag[2]) || !IsDigit(tag[3])) return at;
-        std::size_t end = text.npos;
-        if (tag[kShort - 1] == '>') end = EndOfPlainValue<kShort>(text, at);
-        if (tag[kLong - 1] == '>' && IsDigit(tag[4]) && IsDigit(tag[5]))
-            end = EndOfPlainValue<kLong>(text, at);
-        if (end == text.npos) return at;
-        NoteLength(entry, tag, end - at);
-        at = end;
+    const char* const end = text.data() + text.size();
+    for (const char* at = text.data() + begin;;) {
+        while (at != end && *at != '<') ++at;  // a line end and a few TABs
+        const auto tag = static_cast<std::size_t>(at - text.data());
+        if (text.size() - tag <= kLong) return std::min(text.find('<', tag), text.size());
+        if ((at[1] != 'p' && at[1] != 'h') || !IsDigit(at[2]) || !IsDigit(at[3])) return tag;
+        const char* after = nullptr;
+        if (at[kShort - 1] == '>') {
+            after = EndOfPlainValue<kShort>(at, end);
+        } else if (at[kLong - 1] == '>' && IsDigit(at[4]) && IsDigit(at[5])) {
+            after = EndOfPlainValue<kLong>(at, end);
+        }
+        if (after == nullptr) return tag;
+        NoteLength(entry, at, static_cast<std::size_t>(after - at));
+        at = after;
     }
 }
 
@@ -95,7 +107,9 @@ class EntryReader {
 
     CatalogueEntry Read() {
         while (!open_.empty()) {
-            const MarkupTag tag = NextTag(text_, PassValues(text_, at_, entry_));
+            at_ = PassValues(text_, at_, entry_);
+            if (PassRowTag()) continue;
+            const MarkupTag tag = NextTag(text_, at_);
             if (EndsBefore(tag)) {
                 entry_.end = tag.name.empty() ? text_.size() : tag.begin;
                 Refuse(u"запись обрывается, не закрыт " + Markup(u"<", open_.back().name), entry_.end);
@@ -118,6 +132,22 @@ class EntryReader {
     // Only the catalogue itself has these.
     static bool EndsBefore(const MarkupTag& tag) {
         return tag.name.empty() || tag.name == "all" || (tag.name == "file" && !tag.closes);
+    }
+
+    // After its values a row's tags are the commonest: nothing has to be looked up for them.
+    bool PassRowTag() {
+        const std::string_view rest = text_.substr(at_);
+        if (rest.starts_with(kRow)) {
+            open_.push_back({.name = rest.substr(1, 3), .begin = at_, .end = at_ + kRow.size()});
+            at_ += kRow.size();
+        } else if (rest.starts_with(kRowClosing) && open_.back().name == "row") {
+            open_.pop_back();
+            at_ += kRowClosing.size();
+        } else {
+            return false;
+        }
+        entry_.end = at_;
+        return true;
     }
 
     void Open(const MarkupTag& tag) {
@@ -187,9 +217,8 @@ bool IsValue(std::string_view line) {
 }  // namespace
 
 std::optional<std::size_t> PlaceOfField(char letter, int number) {
-    constexpr int kNumbers = std::tuple_size_v<FieldLengths> / 2;
     if ((letter != 'h' && letter != 'p') || number < 0 || number >= kNumbers) return std::nullopt;
-    return static_cast<std::size_t>(number + (letter == 'p' ? kNumbers : 0));
+    return PlaceOf(letter, number);
 }
 
 CatalogueEntry ReadEntry(std::string_view catalogue, const MarkupTag& file) {

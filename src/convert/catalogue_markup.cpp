@@ -12,8 +12,9 @@
 namespace tav {
 namespace {
 
-constexpr std::array<std::string_view, 11> kNames = {"all",  "actual", "item", "file", "name", "part",
-                                                     "head", "body",   "row",  "perb", "pere"};
+// The most frequent one first.
+constexpr std::array<std::string_view, 11> kNames = {"row",  "head", "body", "part",   "file", "name",
+                                                     "perb", "pere", "item", "actual", "all"};
 // h01, p01 and p0001: a letter and so many digits.
 constexpr std::size_t kFewestDigits = 2;
 constexpr std::size_t kMostDigits = 4;
@@ -149,9 +150,12 @@ MarkupTag NextTag(std::string_view text, std::size_t at) {
 
 Text TextBetweenTags(std::string_view markup) {
     const std::array<char16_t, 256>& characters = Characters();
-    Text text;
-    text.reserve(markup.size());
-    for (std::size_t at = 0; at < markup.size(); ++at) {
+    Text text(markup.size(), u'\0');
+    std::size_t plain = 0;  // most texts have nothing else
+    for (; plain < markup.size() && markup[plain] != '&' && markup[plain] != '\r'; ++plain)
+        text[plain] = characters[static_cast<unsigned char>(markup[plain])];
+    text.resize(plain);
+    for (std::size_t at = plain; at < markup.size(); ++at) {
         const char c = markup[at];
         if (c == '&') {
             if (const Reference reference = ReferenceAt(markup.substr(at)); reference.length > 0) {

@@ -91,6 +91,7 @@ class Scan {
         account_.unnamable = std::move(state_.unnamable);
         ShowLines(u"Имена этих файлов нельзя записать в каталог (Windows-1251), файлы пропущены:",
                   account_.unnamable);
+        account_.files.reserve(state_.documents.size());
         for (const ListedDocument& document : state_.documents)
             account_.files.push_back(SettledFile(document));
         if (state_.documents.empty()) return true;

@@ -30,6 +30,7 @@ ScanAccount GlanceAtFolder(TextView folder, std::optional<bool> acts_as_xml) {
     FolderState state = ReadFolderState(path, acts_as_xml);
     account.unnamable = std::move(state.unnamable);
     account.unlisted_acts = CountUnlistedActs(path, state);
+    account.files.reserve(state.documents.size());
     for (const ListedDocument& document : state.documents) {
         CurrentProgress().ProcessEvents();
         account.files.push_back(Glance(path, document));

@@ -1,6 +1,8 @@
 #include "convert/folder_state.h"
 
 #include <algorithm>
+#include <exception>
+#include <future>
 #include <unordered_set>
 #include <utility>
 
@@ -26,16 +28,18 @@ bool FitsCatalogue(TextView name) {
     return !control && IsWindows1251(name);
 }
 
-// Sorts the folder's files into the lists of the state.
-void List(TextView folder, bool acts_as_xml, FolderState& state) {
-    const Text schema = NameOf(ActSchemaPath());
+// The folder's files, sorted into the lists of a state.
+FolderState List(TextView folder, bool acts_as_xml, TextView schema) {
+    FolderState state;
     const auto is_xml = [&](TextView name) {
         return EndsIn(name, kXml) && !EqualNoCase(name, kCatalogueName) && !EqualNoCase(name, schema);
     };
     const auto wanted = [&](TextView name) {
         return EndsIn(name, kForm) || is_xml(name) || IsLeftover(name);
     };
-    for (StampedFile& file : ListFilesWithStamps(folder, wanted)) {
+    std::vector<StampedFile> files = ListFilesWithStamps(folder, wanted);
+    state.documents.reserve(files.size());
+    for (StampedFile& file : files) {
         if (IsLeftover(file.name)) {
             state.leftovers.push_back(std::move(file.name));
         } else if (!acts_as_xml && !EndsIn(file.name, kForm)) {
@@ -46,6 +50,7 @@ void List(TextView folder, bool acts_as_xml, FolderState& state) {
             state.documents.push_back({.name = std::move(file.name), .changed = file.stamp.changed});
         }
     }
+    return state;
 }
 
 std::optional<Catalogue> ExistingCatalogue(TextView path) {
@@ -60,27 +65,39 @@ std::optional<Catalogue> ExistingCatalogue(TextView path) {
 }  // namespace
 
 FolderState ReadFolderState(TextView folder, std::optional<bool> acts_as_xml) {
-    FolderState state;
-    List(folder, acts_as_xml ? *acts_as_xml : SettingTruth(u"ActXml"), state);
-    if (state.documents.empty()) return state;
+    const bool acts = acts_as_xml ? *acts_as_xml : SettingTruth(u"ActXml");
+    const Text schema = NameOf(ActSchemaPath());
     const Text path = Text(folder).append(kCatalogueName);
+    // Where there are cores for it, the files are looked at while the catalogue is read.
+    std::future<FolderState> listing = std::async([&] { return List(folder, acts, schema); });
     const std::optional<FileStamp> stamp = StampOf(path);
-    state.catalogue = ExistingCatalogue(path);
+    std::optional<Catalogue> catalogue;
+    std::exception_ptr unread;
+    try {
+        catalogue = ExistingCatalogue(path);
+    } catch (...) {
+        unread = std::current_exception();
+    }
+    FolderState state = listing.get();
+    if (state.documents.empty()) return state;
+    if (unread) std::rethrow_exception(unread);
+    state.catalogue = std::move(catalogue);
     if (!state.catalogue || !stamp) {
         for (ListedDocument& document : state.documents) document.changed_since = true;
         return state;
     }
     const std::vector<Text>& listed = state.catalogue->CurrentFiles();
-    const std::unordered_set<TextView> listed_names(listed.begin(), listed.end());
+    const bool same_list = std::ranges::equal(state.documents, listed, {}, &ListedDocument::name);
+    std::unordered_set<TextView> listed_names;
+    if (!same_list) listed_names.insert(listed.begin(), listed.end());
     for (ListedDocument& document : state.documents) {
         document.entries = state.catalogue->EntriesNamed(document.name);
-        document.listed_before = listed_names.contains(document.name);
+        document.listed_before = same_list || listed_names.contains(document.name);
         document.changed_since = document.changed > stamp->written;
         document.settled = !document.changed_since && (document.listed_before || !document.entries.empty()) &&
                            std::ranges::all_of(document.entries, &CatalogueEntry::IsReadable);
     }
-    state.all_settled = std::ranges::all_of(state.documents, &ListedDocument::settled) &&
-                        std::ranges::equal(state.documents, listed, {}, &ListedDocument::name);
+    state.all_settled = same_list && std::ranges::all_of(state.documents, &ListedDocument::settled);
     return state;
 }
 

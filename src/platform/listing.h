@@ -18,13 +18,16 @@ class Listing {
     // What was added, in the order of the upper-cased names; of two that differ in letter case only, in
     // their own.
     std::vector<File> Sorted() {
-        std::ranges::sort(found_, [](const auto& a, const auto& b) {
-            const int order = a.first.compare(b.first);
-            return order != 0 ? order < 0 : NameOf(a.second) < NameOf(b.second);
+        std::vector<Found*> order;
+        order.reserve(found_.size());
+        for (Found& found : found_) order.push_back(&found);
+        std::ranges::sort(order, [](const Found* a, const Found* b) {
+            const int names = a->first.compare(b->first);
+            return names != 0 ? names < 0 : NameOf(a->second) < NameOf(b->second);
         });
         std::vector<File> files;
-        files.reserve(found_.size());
-        for (auto& entry : found_) files.push_back(std::move(entry.second));
+        files.reserve(order.size());
+        for (Found* const found : order) files.push_back(std::move(found->second));
         return files;
     }
 
@@ -32,7 +35,8 @@ class Listing {
     static const Text& NameOf(const Text& name) { return name; }
     static const Text& NameOf(const auto& file) { return file.name; }
 
-    std::vector<std::pair<Text, File>> found_;  // with the upper-cased name
+    using Found = std::pair<Text, File>;  // with the upper-cased name
+    std::vector<Found> found_;
 };
 
 }  // namespace tav
