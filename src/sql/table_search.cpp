@@ -18,6 +18,12 @@ constexpr double kScanCost = 1e6;
 constexpr double kRangeCost = 1e5;
 constexpr double kLookupCost = 50;
 
+// Whether a row without a value of the column is one in which SQL sees a Null, and no other row is.
+bool ShowsNull(const Column& column) {
+    return column.IsText() || column.type == ColumnType::Byte || column.type == ColumnType::Integer ||
+           column.type == ColumnType::Long;
+}
+
 bool SortsLikeIndex(const Column& column) {
     return !column.IsText() && column.type != ColumnType::Boolean;
 }
@@ -33,12 +39,15 @@ struct TableSearch::Conditions {
     std::vector<Equal> equal;
     std::vector<Equal> low;
     std::vector<Equal> high;
+    std::optional<std::size_t> null;
 
     Conditions(sqlite3_index_info& question, const TableDefinition& table) {
         for (int i = 0; i < question.nConstraint; ++i) {
             const auto& constraint = question.aConstraint[i];
             if (constraint.usable == 0 || constraint.iColumn < 0) continue;
             const auto column = static_cast<std::size_t>(constraint.iColumn);
+            if (constraint.op == SQLITE_INDEX_CONSTRAINT_ISNULL && ShowsNull(table.columns[column]))
+                null = column;
             // A comparison by another order than the column's own cannot be answered here.
             const std::string_view collation = sqlite3_vtab_collation(&question, i);
             if (table.columns[column].IsText() && collation != kCollation) continue;
@@ -111,6 +120,8 @@ void TableSearch::Plan(sqlite3_index_info& question) {
         if (plan.high) use(*Conditions::FindColumn(conditions.high, column));
         question.estimatedCost = kRangeCost;
         question.estimatedRows = static_cast<sqlite3_int64>(kRangeCost);
+    } else {
+        plan.null = conditions.null;
     }
     question.idxNum = Remember(plan);
 }

@@ -29,6 +29,11 @@ class TableSearch {
         return plans_[static_cast<std::size_t>(plan)].list;
     }
 
+    // The column that is Null in the rows wanted, where all rows are candidates: others need not be looked at.
+    std::optional<std::size_t> NullColumn(int plan) const {
+        return plans_[static_cast<std::size_t>(plan)].null;
+    }
+
     // What happened to the rows, so that the hashes stay current.
     void Inserted(std::span<const Value> row, RowId id);
     void Updated(std::span<const Value> before, std::span<const Value> after, RowId id);
@@ -45,6 +50,7 @@ class TableSearch {
         std::optional<std::size_t> index;  // of the file
         std::size_t leading = 0;           // how many of its columns are in `equal`
         std::optional<std::size_t> list;   // place in `equal` of a column that equals one of several values
+        std::optional<std::size_t> null;   // of a scan: a column that the rows have no value of
 
         bool operator==(const SearchPlan&) const = default;
     };

@@ -24,6 +24,7 @@ struct Handle : sqlite3_vtab {
 struct Cursor : sqlite3_vtab_cursor {
     VirtualTable* table = nullptr;
     std::optional<Table::Scan> scan;
+    std::optional<std::size_t> null;  // a column that the scan's rows have no value of
     std::vector<RowId> found;
     std::size_t next = 0;
     std::optional<Table::Row> row;  // nothing after the last one
@@ -39,7 +40,13 @@ struct Cursor : sqlite3_vtab_cursor {
         trims = table->table().Trims();
         row.reset();
         if (scan) {
-            if (!scan->AtEnd()) row = scan->row();
+            for (; !scan->AtEnd(); scan->Next()) {
+                row = scan->row();
+                if (!null || !row->Stored(*null)) return;
+                row.reset();
+                table->table().Trim();
+                trims = table->table().Trims();
+            }
         } else if (next < found.size()) {
             row = table->table().Find(found[next]);
         }
@@ -136,6 +143,7 @@ int Filter(sqlite3_vtab_cursor* handle, int plan, const char*, int count, sqlite
             cursor.found = *std::move(found);
         } else {
             cursor.scan = cursor.table->table().Rows();
+            cursor.null = cursor.table->search().NullColumn(plan);
         }
         cursor.Show();
     });

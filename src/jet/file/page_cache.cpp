@@ -15,10 +15,20 @@ constexpr std::size_t kChangedPages = 4096;
 PageCache::PageCache(const LockedFile& file, TextView path, PageNumber count)
     : file_(&file), spill_(path), pages_(count) {}
 
+// Its bytes are still to be set.
+std::unique_ptr<PageCache::CachedPage> PageCache::NewPage() {
+    if (spare_.empty()) return std::make_unique_for_overwrite<CachedPage>();
+    std::unique_ptr<CachedPage> page = std::move(spare_.back());
+    spare_.pop_back();
+    page->kept = {};
+    page->changed = false;
+    return page;
+}
+
 PageCache::CachedPage& PageCache::Load(PageNumber page) {
     std::unique_ptr<CachedPage>& cached = pages_[page];
     if (cached != nullptr) return *cached;
-    auto loaded = std::make_unique<CachedPage>();
+    std::unique_ptr<CachedPage> loaded = NewPage();
     if (const auto found = spilled_.find(page); found != spilled_.end()) {
         spill_.Get(found->second.place, loaded->bytes);
         loaded->kept = found->second.kept;
@@ -41,7 +51,7 @@ void PageCache::MarkChanged(PageNumber page, CachedPage& cached) {
 }
 
 PageCache::CachedPage& PageCache::Append() {
-    auto cached = std::make_unique<CachedPage>();
+    std::unique_ptr<CachedPage> cached = NewPage();
     cached->bytes.fill(0);
     cached->changed = true;
     changed_.push_back(Count());
@@ -67,6 +77,7 @@ void PageCache::LetGo(PageNumber page) {
     std::unique_ptr<CachedPage>& cached = pages_[page];
     if (cached == nullptr) return;
     --(cached->changed ? changed_count_ : unchanged_count_);
+    if (spare_.size() < spare_.capacity()) spare_.push_back(std::move(cached));
     cached.reset();
 }
 
@@ -121,6 +132,7 @@ bool PageCache::Trim() {
     const bool too_many_unchanged = unchanged_count_ > kUnchangedPages;
     const bool too_many_changed = changed_count_ > kChangedPages;
     if (too_many_unchanged) {
+        spare_.reserve(kUnchangedPages);
         for (PageNumber page = 0; page < Count(); ++page) {
             if (pages_[page] != nullptr && !pages_[page]->changed) LetGo(page);
         }

@@ -65,6 +65,7 @@ class PageCache {
         std::array<std::uint64_t, kLevels> kept{};
     };
 
+    std::unique_ptr<CachedPage> NewPage();
     void LetGo(PageNumber page);
     void Spill(PageNumber page);
     void EndUnit();
@@ -72,6 +73,7 @@ class PageCache {
     const LockedFile* file_;
     SpillFile spill_;
     std::vector<std::unique_ptr<CachedPage>> pages_;  // by number; null when not in memory
+    std::vector<std::unique_ptr<CachedPage>> spare_;  // let go, for the next ones; not of a small file
     std::unordered_map<PageNumber, SpilledPage> spilled_;
     std::vector<PageNumber> changed_;
     // Pages in memory.

@@ -85,7 +85,9 @@ Table::Scan Table::Rows() {
 }
 
 Row Table::Scan::row() const {
-    return table_->RowAt(table_->FindPlace({pages_[page_], static_cast<std::uint8_t>(slot_)}));
+    const RowId id{pages_[page_], static_cast<std::uint8_t>(slot_)};
+    if (record_.flags == 0 && trims_ == table_->Trims()) return table_->RowAt({id, id, record_});
+    return table_->RowAt(table_->FindPlace(id));
 }
 
 void Table::Scan::Next() {
@@ -95,8 +97,9 @@ void Table::Scan::Next() {
         if (releases_ != table_->space_.pages().releases() && !table_->space_.pages().Owns(number)) continue;
         const Page& page = ReadDataPage(*table_->file_, number, table_->definition_.page);
         for (++slot_; slot_ < static_cast<int>(SlotCount(page)); ++slot_) {
-            const Record record = RecordAt(*table_->file_, number, page, static_cast<unsigned>(slot_));
-            if ((record.flags & kSlotBody) == 0) return;
+            record_ = RecordAt(*table_->file_, number, page, static_cast<unsigned>(slot_));
+            trims_ = table_->Trims();
+            if ((record_.flags & kSlotBody) == 0) return;
         }
     }
     at_end_ = true;

@@ -47,6 +47,8 @@ class Table {
         std::size_t page_ = 0;
         int slot_ = -1;
         bool at_end_ = false;
+        Record record_;               // of the present row
+        std::uint64_t trims_ = 0;     // when it was found
         std::uint64_t releases_ = 0;  // of the table, when the present page was last known to be the table's
     };
     Scan Rows();
