@@ -34,6 +34,8 @@ class Connection {
 
     Recordset Execute(const SqlText& sql);
     Recordset Execute(TextView sql) { return Execute(SqlText(sql)); }
+    // Gives `take` the rows of a select one after the other: many rows need little memory.
+    void ForEachRow(const SqlText& sql, const TakeRow& take);
 
     // The statements executed so far reach the disk together (one
     // unit per source file). Nothing a caller can see changes.

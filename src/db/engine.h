@@ -24,6 +24,10 @@ class Engine {
     virtual ~Engine() = default;
 
     virtual Recordset Execute(const SqlText& sql) = 0;
+    // Gives `take` the rows of a select one after the other, where an engine can do that without gathering them.
+    virtual void ForEachRow(const SqlText& sql, const TakeRow& take) {
+        for (Recordset rows = Execute(sql); !rows.Eof(); rows.MoveNext()) take(rows.Row());
+    }
     // The statements executed so far reach the disk together, where an engine can do that.
     virtual void EndUnit() {}
     // What is executed since SetSavepoint is taken back by RollBackToSavepoint, or kept by ReleaseSavepoint.

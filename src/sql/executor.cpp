@@ -42,6 +42,7 @@ struct Executor::State {
     Prepared& Prepare(const SqlText& sql);
     void Bind(Prepared& prepared, const SqlText& sql);
     ResultTable Run(Prepared& prepared);
+    void List(const Rewritten& rewritten, const TakeRow& take);
     Recordset Execute(const SqlText& sql);
     void DropHashes();
     void RequireChangeable();
@@ -94,6 +95,7 @@ StatementHandle Executor::State::PrepareFinding(const Rewritten& rewritten) {
 }
 
 Prepared& Executor::State::Prepare(const SqlText& sql) {
+    if (Prepared* known = cache.Find(sql)) return *known;
     Rewritten rewritten = Rewrite(sql, [this](TextView name) { return FindTable(name); });
     StatementHandle statement = PrepareOne(rewritten, rewritten.sql);
     const int columns = sqlite3_column_count(statement.get());
@@ -142,11 +144,27 @@ void Executor::State::Bind(Prepared& prepared, const SqlText& sql) {
     }
 }
 
+// The columns of all rows, as they lie in the file.
+void Executor::State::List(const Rewritten& rewritten, const TakeRow& take) {
+    Table& table = *database.FindTable(rewritten.listed->name);
+    std::vector<Value> row(rewritten.listed_columns.size());
+    for (Table::Scan scan = table.Rows(); !scan.AtEnd(); scan.Next()) {
+        const Table::Row read = scan.row();
+        for (std::size_t i = 0; i < row.size(); ++i) row[i] = AsResult(read.Get(rewritten.listed_columns[i]));
+        table.Trim();
+        take(row);
+    }
+}
+
 ResultTable Executor::State::Run(Prepared& prepared) {
     sqlite3_stmt* statement = prepared.statement.get();
     const Reset reset(statement);
     ResultTable table;
     table.names = prepared.names;
+    if (prepared.rewritten.listed != nullptr) {
+        List(prepared.rewritten, [&](auto row) { table.rows.emplace_back(row.begin(), row.end()); });
+        return table;
+    }
     int result = SQLITE_ROW;
     while ((result = sqlite3_step(statement)) == SQLITE_ROW) {
         if (prepared.finds_rows) {
@@ -184,8 +202,7 @@ void Executor::State::EndLogs() {
 }
 
 Recordset Executor::State::Execute(const SqlText& sql) {
-    Prepared* known = cache.Find(sql);
-    Prepared& prepared = known != nullptr ? *known : Prepare(sql);
+    Prepared& prepared = Prepare(sql);
     database.file().Trim();
     Bind(prepared, sql);
     if (prepared.changed == nullptr) return Recordset(Run(prepared));
@@ -220,6 +237,12 @@ Executor::~Executor() = default;
 Recordset Executor::Execute(const SqlText& sql) {
     if (!sql.values().empty()) return state_->Execute(sql);
     return state_->Execute(WithValues(sql));
+}
+
+void Executor::ForEachRow(const SqlText& sql, const TakeRow& take) {
+    const Rewritten& rewritten = state_->Prepare(sql).rewritten;
+    if (rewritten.listed != nullptr) return state_->List(rewritten, take);
+    for (Recordset rows = Execute(sql); !rows.Eof(); rows.MoveNext()) take(rows.Row());
 }
 
 void Executor::SetSavepoint() {

@@ -24,6 +24,9 @@ class Executor {
     // Exactly one statement: select, insert, update or delete on the tables there are. A statement that fails
     // leaves the file as it was. Changes become part of the present unit of work.
     Recordset Execute(const SqlText& sql);
+    // Gives `take` the rows of a select one after the other. Those of a list of one table's columns, all rows of it,
+    // are not gathered first.
+    void ForEachRow(const SqlText& sql, const TakeRow& take);
 
     // What is executed since SetSavepoint is taken back by RollBackToSavepoint, or kept. There is one savepoint at
     // a time; Commit releases it.

@@ -5,20 +5,23 @@
 namespace tav {
 namespace {
 
+const std::vector<Value>& RowOf(const ResultTable* table, std::size_t row) {
+    if (table != nullptr && row < table->rows.size()) return table->rows[row];
+    throw Failure(
+        u"Either BOF or EOF is True, or the current record has been deleted. Requested operation "
+        u"requires a current record.");
+}
+
 const Value& FieldOf(const ResultTable* table, std::size_t row, std::size_t ordinal) {
-    if (table == nullptr || ordinal >= table->names.size()) {
-        throw Failure(
-            u"Item cannot be found in the collection corresponding to the requested name or ordinal.");
-    }
-    if (row >= table->rows.size()) {
-        throw Failure(
-            u"Either BOF or EOF is True, or the current record has been deleted. Requested operation "
-            u"requires a current record.");
-    }
-    return table->rows[row][ordinal];
+    if (table != nullptr && ordinal < table->names.size()) return RowOf(table, row)[ordinal];
+    throw Failure(u"Item cannot be found in the collection corresponding to the requested name or ordinal.");
 }
 
 }  // namespace
+
+std::span<const Value> Recordset::Row() const {
+    return RowOf(table_.get(), row_);
+}
 
 const Value& Recordset::Field(std::size_t ordinal) const {
     return FieldOf(table_.get(), row_, ordinal);

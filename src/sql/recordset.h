@@ -1,7 +1,9 @@
 // The rows a select returned, all of them (a client-side cursor): RecordCount is known.
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "common/text.h"
@@ -13,6 +15,9 @@ struct ResultTable {
     std::vector<Text> names;
     std::vector<std::vector<Value>> rows;
 };
+
+// Takes one row of a select. It uses no connection meanwhile.
+using TakeRow = std::function<void(std::span<const Value> row)>;
 
 class Recordset {
  public:
@@ -26,6 +31,8 @@ class Recordset {
     const Text& FieldName(std::size_t ordinal) const { return table_->names.at(ordinal); }
     int RecordCount() const { return table_ == nullptr ? 0 : static_cast<int>(table_->rows.size()); }
 
+    // The current row's fields; past the last row a Failure.
+    std::span<const Value> Row() const;
     // The current row's field by ordinal or by name (letter case ignored, the first of that name). Past the
     // last row, or without such a field, a Failure with the usual words.
     const Value& Field(std::size_t ordinal) const;

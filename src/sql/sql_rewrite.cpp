@@ -79,6 +79,7 @@ class Rewriter {
         if (out_.kind == StatementKind::Insert) ReadInsertColumns();
         CheckDepth();
         for (std::size_t i = 0; i < tokens_.size(); ++i) Emit(i);
+        if (out_.kind == StatementKind::Select) ReadListedColumns();
         out_.reads_changed = out_.changed != nullptr && Mentions(*out_.changed) > 1;
         return std::move(out_);
     }
@@ -122,6 +123,20 @@ class Rewriter {
             const Text name = UpperCase(out_.changed->columns[i].name);
             if (!std::binary_search(seen.begin(), seen.end(), name)) out_.unnamed.push_back(i);
         }
+    }
+
+    // Of a select that is a list of columns and one table, and nothing else.
+    void ReadListedColumns() {
+        const TableDefinition* table = statement_.TableAt(tokens_.size() - 1);
+        std::vector<std::size_t> columns;
+        for (std::size_t i = 1; table != nullptr && i + 1 < tokens_.size(); i += 2) {
+            const bool last = i + 3 == tokens_.size();
+            const auto column = IsName(At(i)) ? table->FindColumn(At(i).text) : std::nullopt;
+            if (!column || !At(i + 1).Is(last ? u"from" : u",")) return;
+            columns.push_back(*column);
+        }
+        out_.listed = columns.empty() ? nullptr : table;
+        out_.listed_columns = std::move(columns);
     }
 
     void Emit(std::size_t i) {

@@ -53,6 +53,9 @@ struct Rewritten {
     std::vector<std::size_t> unnamed;  // columns of `changed` that an insert does not name
     bool reads_changed = false;        // in a select within the statement
     bool sorts_by_columns = false;     // select distinct without an order
+    // select a, b from t: the table, and the columns by their places in it. Such a select needs no SQLite.
+    const TableDefinition* listed = nullptr;
+    std::vector<std::size_t> listed_columns;
     std::string sql;
     std::vector<Parameter> parameters;
 };

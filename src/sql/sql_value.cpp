@@ -124,6 +124,14 @@ Value FromSqlite(sqlite3_value* value) {
     }
 }
 
+Value AsResult(Value value) {
+    if (const bool* flag = std::get_if<bool>(&value)) return std::int64_t{*flag ? -1 : 0};
+    if (const Money* money = std::get_if<Money>(&value)) return AsDouble(*money);
+    const double* number = std::get_if<double>(&value);
+    if (number != nullptr && std::isnan(*number)) return Null();
+    return value;
+}
+
 void SetResult(sqlite3_context* context, const Value& value) {
     const auto blob = [&](const void* bytes, std::size_t size) {
         sqlite3_result_blob(context, bytes, Size(size), SQLITE_TRANSIENT);

@@ -20,6 +20,8 @@ using DateBlob = std::array<unsigned char, 8>;
 DateBlob EncodeDate(Date date);
 
 Value FromSqlite(sqlite3_value* value);
+// A value of a row as SQLite would give it back.
+Value AsResult(Value value);
 // A text into `out`, whose memory is used again.
 void TakeText(sqlite3_value* value, Text& out);
 void SetResult(sqlite3_context* context, const Value& value);
