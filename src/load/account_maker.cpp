@@ -26,7 +26,7 @@ void AccountMaker::AddScanned(const ScannedFile& file, const HeldFiles& held) {
         add_once(Finding::NotRecognised);
     }
     // Nothing was stored of such a document.
-    if (nothing && !unreadable && held.contains(UpperCase(file.name))) {
+    if (nothing && !unreadable && held.contains(file.name)) {
         Add(file.name, {Finding::Changed});
     }
     if (file.cut_off) Add(file.name, {Finding::CutOff});
@@ -46,18 +46,19 @@ std::vector<Text> NoticesOf(const ScanAccount& scan) {
     return notices;
 }
 
-std::vector<FileAccount> AccountMaker::FilesOf(const std::vector<Text>& listed, const HeldFiles& held) const {
+std::vector<FileAccount> AccountMaker::FilesOf(const std::vector<TextView>& listed,
+                                               const HeldFiles& held) const {
     std::vector<FileAccount> files;
     files.reserve(listed.size());
-    for (const Text& name : listed) {
+    for (const TextView name : listed) {
         FileAccount& file = files.emplace_back();
         file.name = name;
-        const auto stored = held.find(UpperCase(name));
+        const auto stored = held.find(name);
         if (stored != held.end()) {
             if (stored->second.current) file.remarks.push_back({Finding::Loaded});
             if (stored->second.superseded) file.remarks.push_back({Finding::Superseded});
         }
-        if (const auto found = found_.find(name); found != found_.end()) {
+        if (const auto found = found_.find(file.name); found != found_.end()) {
             file.now = found->second.now;
             const std::vector<Remark>& remarks = found->second.remarks;
             file.remarks.insert(file.remarks.end(), remarks.begin(), remarks.end());
@@ -69,7 +70,7 @@ std::vector<FileAccount> AccountMaker::FilesOf(const std::vector<Text>& listed, 
             }
         }
         if (file.remarks.empty()) file.remarks.push_back({Finding::New});
-        std::ranges::stable_sort(file.remarks, {}, &Remark::finding);
+        if (file.remarks.size() > 1) std::ranges::stable_sort(file.remarks, {}, &Remark::finding);
     }
     return files;
 }

@@ -29,7 +29,7 @@ class AccountMaker {
 
     // The files that are listed, with what the database holds of them and what was found; a file of which
     // nothing is known is new.
-    std::vector<FileAccount> FilesOf(const std::vector<Text>& listed, const HeldFiles& held) const;
+    std::vector<FileAccount> FilesOf(const std::vector<TextView>& listed, const HeldFiles& held) const;
 
  private:
     std::unordered_map<Text, FileAccount> found_;  // by the name; without the state in the database

@@ -35,7 +35,7 @@ ImportAccount AccountOfFolder(TextView import_folder, TextView database, TextVie
     const bool everybody = account.inn.empty();
     const TaxpayerChoice taxpayer = everybody ? TaxpayerChoice::Everybody() : TaxpayerChoice(inn, kpp);
     const HeldFiles held = ReadHeldFiles(connection, taxpayer);
-    const auto is_held = [&](const ScannedFile& file) { return held.contains(UpperCase(file.name)); };
+    const auto is_held = [&](const ScannedFile& file) { return held.contains(file.name); };
     if (scan.read) {
         Rehearsals rehearsals(connection, *scan.read, taxpayer, found);
         // Only what is settled has an entry that says what the next import finds.
@@ -45,13 +45,14 @@ ImportAccount AccountOfFolder(TextView import_folder, TextView database, TextVie
         }
         rehearsals.OfHeld(held);
     }
-    std::vector<Text> names;
+    std::vector<TextView> names;
+    names.reserve(scan.files.size());
     for (ScannedFile& file : scan.files) {
         Explain(file, folder);
         if (file.state != State::Settled) found.Forget(file.name);  // its entry is another document's
         found.AddScanned(file, held);
         if (file.state == State::Again && is_held(file)) found.Add(file.name, {Finding::Changed});
-        names.push_back(file.name);
+        names.emplace_back(file.name);
     }
     account.notices = NoticesOf(scan);
     account.files = found.FilesOf(names, held);

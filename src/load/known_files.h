@@ -6,6 +6,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "common/name_hash.h"
 #include "common/text.h"
 #include "db/connection.h"
 #include "load/account.h"
@@ -13,8 +14,8 @@
 
 namespace tav {
 
-// Their upper-cased names: a file is known without regard to letter case.
-using KnownFiles = std::unordered_set<Text>;
+// Their names: a file is known without regard to letter case.
+using KnownFiles = std::unordered_set<Text, NameHash, SameName>;
 
 KnownFiles ReadKnownFiles(Connection& connection);
 
@@ -25,8 +26,8 @@ struct HeldOfFile {
     std::vector<Remark> foreign;         // of a file that has documents of others only: whose
     std::vector<std::int16_t> replaced;  // the numbers of these superseded statements
 };
-// By the upper-cased name.
-using HeldFiles = std::unordered_map<Text, HeldOfFile>;
+// By the name, without regard to letter case.
+using HeldFiles = std::unordered_map<Text, HeldOfFile, NameHash, SameName>;
 
 HeldFiles ReadHeldFiles(Connection& connection, const TaxpayerChoice& taxpayer);
 

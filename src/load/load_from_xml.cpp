@@ -43,13 +43,12 @@ void RemoveLeftovers(Connection& connection, std::int16_t highest_part) {
 // The headers of statements that another one of their series has superseded go with their rows once their
 // file has left the folder. As long as it lies there the header says that it is known: also while it cannot
 // be read, and is not listed for that. Other taxpayers' files lie in folders of their own.
-void RemoveSuperseded(Connection& connection, const HeldFiles& held, const std::vector<Text>& listed,
+void RemoveSuperseded(Connection& connection, const HeldFiles& held, const std::vector<TextView>& listed,
                       const ScanAccount* scan) {
     if (std::ranges::all_of(held, [](const auto& file) { return file.second.replaced.empty(); })) return;
-    std::unordered_set<Text> there;
-    for (const Text& name : listed) there.insert(UpperCase(name));
+    std::unordered_set<TextView, NameHash, SameName> there(listed.begin(), listed.end());
     if (scan != nullptr) {
-        for (const ScannedFile& file : scan->files) there.insert(UpperCase(file.name));
+        for (const ScannedFile& file : scan->files) there.insert(file.name);
     }
     std::vector<std::int16_t> departed;
     for (const auto& [name, file] : held) {
@@ -135,7 +134,7 @@ class Load {
     TaxpayerChoice taxpayer_;
     Text move_folder_;  // empty, or with its separator
     Connection connection_;
-    std::vector<Text> listed_;
+    std::vector<TextView> listed_;  // of the catalogue; in the end of the scan, if there was one
     const ScanAccount* scan_ = nullptr;
     const Catalogue* read_ = nullptr;
     std::optional<Catalogue> own_catalogue_;
@@ -202,14 +201,14 @@ const Catalogue& Load::ReadCatalogue() {
     } else {
         read_ = &own_catalogue_.emplace(Catalogue::Load(catalogue_));
     }
-    listed_ = read_->CurrentFiles();
+    listed_.assign(read_->CurrentFiles().begin(), read_->CurrentFiles().end());
     return *read_;
 }
 
 std::vector<Text> Load::NewFiles() const {
     std::vector<Text> names;
-    for (const Text& name : listed_) {
-        if (!held_->contains(UpperCase(name))) names.push_back(name);
+    for (const TextView name : listed_) {
+        if (!held_->contains(name)) names.emplace_back(name);
     }
     return names;
 }
@@ -244,8 +243,9 @@ void Load::TakeAccount() {
     const HeldFiles held = std::move(held_).value_or(HeldFiles());
     if (scan_ != nullptr) {
         listed_.clear();
+        listed_.reserve(scan_->files.size());
         for (const ScannedFile& file : scan_->files) {
-            listed_.push_back(file.name);
+            listed_.emplace_back(file.name);
             found_.AddScanned(file, held);
         }
         account.notices = NoticesOf(*scan_);

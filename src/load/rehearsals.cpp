@@ -64,7 +64,7 @@ void Rehearsals::OfNew(const Text& name) {
 void Rehearsals::OfHeld(const HeldFiles& held) {
     for (const CatalogueEntry& entry : catalogue_.entries()) {
         if (!NeedsLook(entry)) continue;
-        const auto found = held.find(UpperCase(entry.name));
+        const auto found = held.find(entry.name);
         if (found != held.end() && !account_.IsStored(entry.name)) OfHeld(entry, found->second);
     }
 }
