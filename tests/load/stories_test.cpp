@@ -5,6 +5,7 @@
 //                               a division)
 //   text NAME WORDS    cut NAME BYTES    remove NAME         a file with other contents, its beginning, none
 //   switch NAME VALUE    sql STATEMENT                       a setting; what the host does to the database
+//   narrow COLUMN CHARACTERS                                 a column of the headers has room for so many
 //   import [INN [KPP]]    status [INN [KPP]]                 the account: files that came in now with a "+"
 //   list NAME statement|act [HEAD] / ROW / ROW               an entry of the catalogue, its head and rows as
 //   list NAME text WORDS                                     in db/database_fixture.h; after a load they begin
@@ -22,6 +23,7 @@
 #include "common/get_next.h"
 #include "common/windows1251.h"
 #include "db/database_fixture.h"
+#include "jet/table/database.h"
 #include "load/account_of_folder.h"
 #include "load/run_import.h"
 #include "platform/environment.h"
@@ -79,6 +81,7 @@ class Story : public test::OperationsDatabase {
         if (verb == u"cut") fs::resize_file(test::NativePath(Path(name)), std::stoul(ToUtf8(line)));
         if (verb == u"remove") DeleteFile(Path(name));
         if (verb == u"switch") WriteSetting(name, line);
+        if (verb == u"narrow") Narrow(name, std::stoul(ToUtf8(line)));
         return {};
     }
 
@@ -101,6 +104,15 @@ class Story : public test::OperationsDatabase {
             bytes.replace(bytes.rfind('}'), 1, "\\page").append(second, second.find("{\\pard"));
         }
         return bytes;
+    }
+
+    // A column's description has 25 bytes, the last two of which are its length.
+    void Narrow(const Text& column, std::size_t characters) {
+        jet::Database database(database_, jet::Database::Access::Write);
+        const jet::TableDefinition& table = database.FindTable(u"tav_operations_header")->definition();
+        const std::size_t at = 63 + 12 * table.indexes.size() + 25 * *table.FindColumn(column) + 23;
+        jet::PutU16(&database.file().Change(table.page)[at], static_cast<std::uint16_t>(2 * characters));
+        database.file().Commit();
     }
 
     void List(const Text& name, TextView line) {
