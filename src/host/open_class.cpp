@@ -56,8 +56,12 @@ void View(Summarise summarise, TextView inn, TextView kpp) {
     RefuseDuringImport();
     const DatabasePatience wait;
     const Text folder = ExportFolder();
-    Taxpayer().inn = inn;
-    Taxpayer().kpp = kpp;
+    CurrentTaxpayer& current = Taxpayer();
+    const bool another = current.inn != inn || current.kpp != kpp;
+    current.inn = inn;
+    current.kpp = kpp;
+    // What the main window does, it does for the current taxpayer: so it shows no other.
+    if (another) Shared<frmmain>().Renew();
     Text path;
     {
         const ProgressGoes progress;

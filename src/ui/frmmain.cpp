@@ -33,6 +33,13 @@ constexpr TextView kLoadTitle = u"Ошибка в функции Form_Load";
 constexpr int kRefreshMilliseconds = 100;
 constexpr int kBusyMilliseconds = 2000;  // until a database that somebody holds is asked again
 
+// As high without numbers as with them: these then move nothing.
+TextView CountsShown(TextView counts) {
+    constexpr TextView kUnknown =
+        u"Выписок в базе данных:\r\nАктов в базе данных:\r\nНе перекрываются интервалами:";
+    return counts.empty() ? kUnknown : counts;
+}
+
 // The number after `label` in the information text, up to the line break; 0 when the label is missing.
 long long NumberAfter(TextView information, TextView label) {
     const std::size_t at = information.find(label);
@@ -111,9 +118,8 @@ void frmmain::Form_Load() {
     for (Button* button : {&Command1, &Command2, &Command3, &Command6}) button->Enable(false);
     ShowKpps(false);
     txtOut.Enable(chkImportPath.Checked());
-    // As high as they are with their numbers, which then move nothing.
     lblInfoFile.Set(u"Файлов в папке:\r\nПодлежат загрузке:");
-    lblInfoBase.Set(u"Выписок в базе данных:\r\nАктов в базе данных:\r\nНе перекрываются интервалами:");
+    lblInfoBase.Set(CountsShown({}));
     ShowAbout(false);
     load([&] { SetLayout(SettingText(u"MainWindow")); });
     for (const Failure& failure : failures) ShowFailure(kLoadTitle, failure);
@@ -123,6 +129,7 @@ void frmmain::Form_Load() {
 
 // The host may have gone on to another taxpayer.
 void frmmain::Form_Again() {
+    outcome_.clear();
     ShowFailuresAgain();
     Guarded(kLoadTitle, [&] { ShowTaxpayer(); });
     FillBase();
@@ -166,7 +173,7 @@ void frmmain::FillBase() {
     TextView rest = information;
     GetNext(rest, u"*");
     base_counts_ = GetNext(rest, u"*");
-    if (!base_counts_.empty()) lblInfoBase.Set(base_counts_);
+    lblInfoBase.Set(CountsShown(base_counts_));
 }
 
 void frmmain::Refill() {
@@ -175,6 +182,10 @@ void frmmain::Refill() {
         FillBase();
         if (Loaded()) ScheduleRefresh();
     });
+}
+
+void frmmain::Renew() {
+    if (Loaded()) RunAsHandler([&] { Form_Again(); });
 }
 
 void frmmain::ShowProgress(double part) {
@@ -230,6 +241,7 @@ void frmmain::Refresh() {
     if (!folder.empty()) SaveFolders();
     ShowAbout(busy);
     if (busy) {
+        lblInfoFile.Set(TextView(information).substr(information.rfind(u'*') + 1));
         Timer1.SetInterval(kBusyMilliseconds);
         return;
     }
@@ -251,7 +263,7 @@ void frmmain::ShowCounts(const Text& information) {
     TextView rest = information;
     if (const TextView name = GetNext(rest, u"*"); !name.empty()) lblInfoName.Set(name);
     const TextView base_counts = GetNext(rest, u"*");
-    if (!base_counts.empty()) lblInfoBase.Set(base_counts);
+    lblInfoBase.Set(CountsShown(base_counts));
     // The database was busy when its list was filled, or has changed without the window's knowing.
     if (base_counts != base_counts_) FillBase();
     lblInfoFile.Set(GetNext(rest, u"*"));
@@ -353,7 +365,7 @@ void frmmain::Summarise(SummaryKind kind) {
     if (summarising_) return;  // its windows live on meanwhile
     const Busy busy(summarising_);
     RefuseDuringImport();
-    if (txtExport.Get().empty()) txtExport.Set(ReportFolder());
+    if (UserPath(txtExport.Get()).empty()) txtExport.Set(ReportFolder());
     const bool statements = kind == SummaryKind::Statements;
     Text kpp = Kpp();
     if (chkKons.Checked()) {

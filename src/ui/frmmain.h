@@ -17,6 +17,8 @@ class frmmain : public Form {
     // For the windows around this one; nothing when it is not loaded. The
     // list of the database is filled again, and everything is refreshed.
     void Refill();
+    // Another taxpayer is the current one.
+    void Renew();
     // On the bar, from 0 to 1.
     void ShowProgress(double part);
 

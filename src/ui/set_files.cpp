@@ -1,6 +1,8 @@
 #include "ui/set_files.h"
 
+#include <algorithm>
 #include <memory>
+#include <optional>
 
 #include "common/aside.h"
 #include "common/concat.h"
@@ -23,6 +25,7 @@ constexpr TextView kTo = u" - ";
 
 Text shown_failure;
 ImportAccount folder_account;
+Text folder_counts;
 
 // "18210101011011000110   45286552000   201101 - 201103 (01.01.2011 - 31.03.2011) Налог на прибыль Выписка".
 // Up to the months the row, its gaps turned into "_", is how the name of its page ends in the folder of
@@ -123,17 +126,38 @@ std::vector<HeldDocument> ReadDocuments(Connection& connection, TextView databas
     return documents;
 }
 
-void ReadFolder(TextView folder, TextView database, TextView inn, TextView kpp,
-                const std::function<bool()>& go_on, Reading& reading) {
-    reading.listing = ListFolder(folder, go_on);
-    FolderListing& listing = reading.listing;
-    reading.file_counts = FolderCounts(folder, listing.files.size());
+void ReadStates(TextView folder, TextView database, TextView inn, TextView kpp, Reading& reading) {
+    const std::vector<FolderRow>& files = reading.listing.files;
     Connection connection;
     ReadDocuments(connection, database, inn, kpp, reading);
-    reading.file_counts += LeftToLoad(listing.files, ReadKnownFiles(connection));
+    if (!reading.file_counts.empty()) reading.file_counts += LeftToLoad(files, ReadKnownFiles(connection));
     connection.Close();
-    if (!listing.files.empty()) reading.account = AccountOfFolder(folder, database, inn, kpp);
-    AddStates(listing, reading.account);
+    if (!files.empty()) reading.account = AccountOfFolder(folder, database, inn, kpp);
+}
+
+bool IsAsBefore(const Reading& reading) {
+    return !reading.file_counts.empty() && folder_counts.starts_with(reading.file_counts) &&
+           std::ranges::equal(reading.listing.files, FolderRows(), {}, &FolderRow::path, &FolderRow::path);
+}
+
+// Neither has to do with what befalls the other: of a folder and the database, one may be out of reach.
+void ReadFolder(TextView folder, TextView database, TextView inn, TextView kpp,
+                const std::function<bool()>& go_on, Reading& reading) {
+    std::optional<Failure> failure;
+    const auto keep = [&](const Failure& last) { failure = last; };
+    GuardedBy(
+        [&] {
+            reading.listing = ListFolder(folder, go_on);
+            reading.file_counts = FolderCounts(folder, reading.listing.files.size());
+        },
+        keep);
+    GuardedBy([&] { ReadStates(folder, database, inn, kpp, reading); }, keep);
+    if (failure && failure->error() == RunTimeError::FileInUse && IsAsBefore(reading)) {
+        reading.account = folder_account;
+        reading.file_counts = folder_counts;
+    }
+    AddStates(reading.listing, reading.account);
+    if (failure) throw *failure;
 }
 
 void ReadDatabase(TextView database, TextView inn, TextView kpp, Reading& reading) {
@@ -171,6 +195,7 @@ Text SetFiles(ListBox& list, FilesOf source, TextView path, TextView inn, TextVi
     if (source == FilesOf::Folder) {
         reading.rows = list.SetRows(std::move(reading.listing.shown));
         std::swap(folder_account, reading.account);
+        folder_counts = reading.file_counts;
         SwapListing(reading.listing);
     } else if (!busy) {
         reading.rows = list.SetRows(std::move(reading.rows));  // none after a failure

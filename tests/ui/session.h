@@ -4,7 +4,7 @@
 //     statements N    many    act    division    database    documents (ui/desktop.h), a new database
 //     text FILE WORDS    remove FILE
 //     set NAME VALUE    is NAME VALUE    true NAME           a setting before, and after
-//     start    import [KPP]    view_v    view_a              calls of the host
+//     start    import [KPP]    view_v [KPP]    view_a        calls of the host
 //     click SPOT    double SPOT ROW    type SPOT WORDS       a spot is WINDOW.CONTROL
 //     choose SPOT NODE    focus SPOT    press KEY    close WINDOW    drop PATH
 //     when WINDOW CONTROL                                    a click as soon as that window is shown
@@ -91,7 +91,7 @@ class Session : public Desktop {
             {"true", [&] { EXPECT_TRUE(SettingTruth(name)); }},
             {"start", [&] { Begin(); }},
             {"import", [&] { Import(name.empty() ? Text(kKpp) : name); }},
-            {"view_v", [&] { host_.view_v(kInn, kKpp); }},
+            {"view_v", [&] { host_.view_v(kInn, name.empty() ? Text(kKpp) : name); }},
             {"view_a", [&] { host_.view_a(kInn, kKpp); }},
             {"click", [&] { ClickOn(spot); }},
             {"double", [&] { DoubleClickRow(spot, std::stoi(words)); }},

@@ -47,6 +47,10 @@ TEST_F(SessionsQt, MakeTheDatabaseThatIsMissing) {
     Play("created");
 }
 
+TEST_F(SessionsQt, ShowTheDatabaseBesideAFolderThatCannotBeRead) {
+    Play("unreadable");
+}
+
 // A setting that makes no sense leaves the others alone; settings that cannot be written are told of.
 TEST_F(WindowsQt, LosesNoSettingInSilence) {
     WriteSetting(u"ChkOut", u"abc");
