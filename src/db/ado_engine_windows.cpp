@@ -104,9 +104,9 @@ class AdoEngine : public Engine {
         set.Call(L"Close");
         return sizes;
     }
-    void SetSavepoint() override { connection_.Call(L"BeginTrans"); }
-    void ReleaseSavepoint() override { connection_.Call(L"CommitTrans"); }
-    void RollBackToSavepoint() override { connection_.Call(L"RollbackTrans"); }
+    void SetSavepoint() override { Transact(L"BeginTrans"); }
+    void ReleaseSavepoint() override { Transact(L"CommitTrans"); }
+    void RollBackToSavepoint() override { Transact(L"RollbackTrans"); }
     void Close() override { connection_.Call(L"Close"); }
 
  private:
@@ -116,6 +116,15 @@ class AdoEngine : public Engine {
             return Object(connection_.Call(L"Execute", {&text}));
         } catch (const Failure& failure) {
             if (IsAmong(kStatesOfStatement)) throw failure.In(provider_);
+            throw DatabaseFailure(failure.In(provider_));
+        }
+    }
+
+    // What a transaction fails for is no document's fault.
+    void Transact(const wchar_t* step) {
+        try {
+            connection_.Call(step);
+        } catch (const Failure& failure) {
             throw DatabaseFailure(failure.In(provider_));
         }
     }

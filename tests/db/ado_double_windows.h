@@ -21,6 +21,7 @@ struct ProviderHabits {
     bool with_pictures = false;  // every table ends with an OLE column
     bool fixed_locks = false;    // lacks the property that raises the limit of locks
     bool stuck = false;          // cannot undo a transaction
+    bool full = false;           // cannot commit one
     Text refusal = {};           // what it says instead of opening a file
     Text refusal_state = {};     // the number of that
 };

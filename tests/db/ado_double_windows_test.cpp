@@ -257,8 +257,10 @@ class ConnectionDouble : public Members {
         Add(L"Properties", [this](const auto&) { return Given(new PropertiesDouble(locks_)); });
         Add(L"Errors", [this](const auto&) { return Given(new ErrorsDouble(state_)); });
         Add(L"BeginTrans", [this](const auto&) { return Turn(u"BeginTrans", true, &Engine::SetSavepoint); });
-        Add(L"CommitTrans",
-            [this](const auto&) { return Turn(u"CommitTrans", false, &Engine::ReleaseSavepoint); });
+        Add(L"CommitTrans", [this](const auto&) {
+            if (Habits().full) throw Failure(u"There isn't enough disk space.");
+            return Turn(u"CommitTrans", false, &Engine::ReleaseSavepoint);
+        });
         Add(L"RollbackTrans", [this](const auto&) {
             if (Habits().stuck) throw Failure(u"Disk or network error.");
             return Turn(u"RollbackTrans", false, &Engine::RollBackToSavepoint);
@@ -294,7 +296,7 @@ class ConnectionDouble : public Members {
         state_ = u"3052";
         throw Failure(u"File sharing lock count exceeded. Increase MaxLocksPerFile registry entry.");
     }
-    // Of the table behind "select * from ".
+    // Of the table after "select * from ".
     Sizes SizesOf(TextView sql) const {
         constexpr TextView kAll = u"select * from ";
         Sizes sizes;

@@ -234,6 +234,13 @@ TEST_F(Ado, AFaultyDocumentIsUndoneAlone) {
                 ElementsAre("a.rtf|1", "c.rtf|-"));
 }
 
+TEST_F(Ado, AProviderThatCannotCommitEndsTheImport) {
+    const AdoDouble ado({.full = true});
+    Load({{u"a.rtf", StatementPart({}, {u"p10=1.00"})}, {u"c.rtf", ActPart({}, u"p0011=1.00")}});
+    EXPECT_THAT(Shown(), ElementsAre(AllOf(HasSubstr("isn't enough disk space"), HasSubstr("a.rtf"))));
+    EXPECT_THAT(Rows(u"select filename from tav_operations_header"), testing::IsEmpty());
+}
+
 // One that cannot even go back says so once, by the failure that ends the import.
 TEST_F(Ado, AProviderThatCannotUndoEndsTheImportInOneBox) {
     const AdoDouble ado({.stuck = true});
