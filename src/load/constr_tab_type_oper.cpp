@@ -1,13 +1,16 @@
 #include "load/constr_tab_type_oper.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
+#include <vector>
 
 #include "common/concat.h"
 #include "common/guard.h"
 #include "common/progress.h"
 #include "common/regional.h"
 #include "db/connection.h"
+#include "db/engine.h"
 #include "db/literals.h"
 #include "load/counter.h"
 #include "platform/environment.h"
@@ -48,12 +51,19 @@ void AddType(Connection& connection, std::int16_t type, TextView operation, Text
     connection.Execute(insert.Value(FormatDate(Today())).Fixed(u"');"));
 }
 
+bool Fits(const std::vector<TextSize>& sizes, TextView column, const Text& text) {
+    return std::ranges::none_of(sizes, [&](const TextSize& size) {
+        return EqualNoCase(size.column, column) && text.size() > size.characters;
+    });
+}
+
 void AssignTypes(TextView database) {
     Connection connection;
     connection.CursorLocation = 3;
     connection.Open(ConnectionString(database));
     Recordset highest = connection.Execute(u"select max(tid) as tid from tav_operations_type");
     Counter number(highest.Field(u"tid"));
+    const std::vector<TextSize> sizes = connection.TextSizes(u"tav_operations_type");
     Recordset rows = connection.Execute(
         u"select distinct ucase(t1.p3) as p3, t1.p9, t2.tid from tav_operations t1 left join "
         u"tav_operations_type t2"
@@ -66,6 +76,8 @@ void AssignTypes(TextView database) {
         std::int16_t type = BalanceType(operation, payment);
         if (type == 0) type = Counter(rows.Field(u"tid")).value();
         if (type == 0) {
+            // One that is cut could never be found again: it is passed over as one without a text is.
+            if (!Fits(sizes, u"tname", operation) || !Fits(sizes, u"tpayment", payment)) continue;
             type = number.Next();
             AddType(connection, type, operation, payment);
         }

@@ -5,7 +5,7 @@
 //                               a division)
 //   text NAME WORDS    cut NAME BYTES    remove NAME         a file with other contents, its beginning, none
 //   switch NAME VALUE    sql STATEMENT                       a setting; what the host does to the database
-//   narrow COLUMN CHARACTERS                                 a column of the headers has room for so many
+//   narrow TABLE COLUMN CHARACTERS                           a column has room for so many
 //   import [INN [KPP]]    status [INN [KPP]]                 the account: files that came in now with a "+"
 //   list NAME statement|act [HEAD] / ROW / ROW               an entry of the catalogue, its head and rows as
 //   list NAME text WORDS                                     in db/database_fixture.h; after a load they begin
@@ -81,7 +81,7 @@ class Story : public test::OperationsDatabase {
         if (verb == u"cut") fs::resize_file(test::NativePath(Path(name)), std::stoul(ToUtf8(line)));
         if (verb == u"remove") DeleteFile(Path(name));
         if (verb == u"switch") WriteSetting(name, line);
-        if (verb == u"narrow") Narrow(name, std::stoul(ToUtf8(line)));
+        if (verb == u"narrow") Narrow(name, line);
         return {};
     }
 
@@ -107,11 +107,13 @@ class Story : public test::OperationsDatabase {
     }
 
     // A column's description has 25 bytes, the last two of which are its length.
-    void Narrow(const Text& column, std::size_t characters) {
+    void Narrow(const Text& name, TextView line) {
+        const Text column(GetNext(line, u" "));
         jet::Database database(database_, jet::Database::Access::Write);
-        const jet::TableDefinition& table = database.FindTable(u"tav_operations_header")->definition();
+        const jet::TableDefinition& table = database.FindTable(name)->definition();
         const std::size_t at = 63 + 12 * table.indexes.size() + 25 * *table.FindColumn(column) + 23;
-        jet::PutU16(&database.file().Change(table.page)[at], static_cast<std::uint16_t>(2 * characters));
+        jet::PutU16(&database.file().Change(table.page)[at],
+                    static_cast<std::uint16_t>(2 * std::stoul(ToUtf8(line))));
         database.file().Commit();
     }
 
