@@ -95,7 +95,7 @@ void Scan(Context& context, const std::string& folder, const ImportOptions& opti
     Guarded(u"Ошибка в функции CheckXml", [&] {
         const Text path = ExistingFolder(PathArgument(folder));
         WithProgress(context, [&] {
-            const ScanAccount scan = CheckXml(path, options.ActsAsXml());
+            const ScanAccount scan = ScanFolder(path, options.ActsAsXml());
             context.incomplete = scan.DropsText();
             if (!scan.catalogue.empty()) PrintLine(scan.catalogue);
             return scan.catalogue.empty() && CancelStamp() != 0;

@@ -27,7 +27,7 @@ enum class EntryNote : unsigned {
     None = 0,
     DroppedText = 1,  // a page hid visible text after its last closing brace
     CutOff = 2,       // the document ended inside a group
-    Again = 4,        // converted again, with another result: the file had been changed
+    Again = 4,        // another document may have been loaded under its name
     Arithmetic = 8,   // a line's balance does not follow from the line before it (balance_fault.h)
 };
 // Several of them.

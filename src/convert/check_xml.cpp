@@ -77,10 +77,12 @@ void WaitForFileClock(const std::vector<ListedDocument>& documents) {
 
 class Scan {
  public:
-    Scan(Text folder, std::optional<bool> acts_as_xml, ScanAccount& account)
+    Scan(Text folder, std::optional<bool> acts_as_xml, const StoredOtherwise& stored_otherwise,
+         ScanAccount& account)
         : folder_(std::move(folder)),
           path_(folder_ + Text(kCatalogueName)),
           acts_as_xml_(acts_as_xml),
+          stored_otherwise_(stored_otherwise),
           account_(account) {}
 
     // False when the user cancelled.
@@ -116,6 +118,7 @@ class Scan {
     Text folder_;
     Text path_;
     std::optional<bool> acts_as_xml_;
+    const StoredOtherwise& stored_otherwise_;
     ScanAccount& account_;
     FolderState state_;
     std::string converted_;                               // the new entries
@@ -218,7 +221,11 @@ void Scan::Take(const ListedDocument& document, ScannedDocument made) {
         before.append(state_.catalogue->BytesOf(*old)).append("\r\n");
     }
     if (!entry.empty()) {
-        const bool other = document.listed_before && before != entry && !HasNote(document, EntryNote::Again);
+        const auto is_other = [&] {
+            if (document.listed_before) return before != entry;
+            return stored_otherwise_ && stored_otherwise_(document.name, entry);
+        };
+        const bool other = !HasNote(document, EntryNote::Again) && is_other();
         converted_ += other ? WithNotes(entry, NoteIf(true, EntryNote::Again)) : entry;
     }
     if (document.listed_before && before == entry) file.state = State::Settled;
@@ -253,11 +260,12 @@ std::string Scan::Carried(bool without_departed) const {
 
 }  // namespace
 
-ScanAccount CheckXml(TextView folder, std::optional<bool> acts_as_xml) {
+ScanAccount CheckXml(TextView folder, std::optional<bool> acts_as_xml,
+                     const StoredOtherwise& stored_otherwise) {
     ScanAccount account;
     bool complete = false;
     Guarded(u"Ошибка в функции CheckXml",
-            [&] { complete = Scan(WithSeparator(folder), acts_as_xml, account).Run(); });
+            [&] { complete = Scan(WithSeparator(folder), acts_as_xml, stored_otherwise, account).Run(); });
     return complete ? std::move(account) : ScanAccount{};
 }
 

@@ -23,16 +23,22 @@
 //   - The count of files is a 32-bit number: a folder may hold more than 32 767.
 #pragma once
 
+#include <functional>
 #include <optional>
+#include <string_view>
 
 #include "common/text.h"
 #include "convert/scan_account.h"
 
 namespace tav {
 
+// Whether the database holds another document of that name than the one of the entry.
+using StoredOtherwise = std::function<bool(const Text& name, std::string_view entry)>;
+
 // Acts delivered as XML are listed when the setting ActXml is true, unless `acts_as_xml` says it. The
 // account's catalogue is empty when the folder holds no document, after a cancel, and after a failure,
-// which is shown.
-ScanAccount CheckXml(TextView folder, std::optional<bool> acts_as_xml = {});
+// which is shown. `stored_otherwise` is asked of the documents that the catalogue did not list.
+ScanAccount CheckXml(TextView folder, std::optional<bool> acts_as_xml = {},
+                     const StoredOtherwise& stored_otherwise = {});
 
 }  // namespace tav

@@ -20,8 +20,11 @@ std::optional<Text> HeadValue(const CatalogueElement& part, std::string_view nam
 }  // namespace
 
 DocumentLoader::Taken DocumentLoader::Take(const Catalogue& catalogue, const Text& file) {
+    return Take(catalogue.PartsOf(file, bytes_), file);
+}
+
+DocumentLoader::Taken DocumentLoader::Take(const std::vector<CatalogueElement>& parts, const Text& file) {
     Taken taken;
-    const std::vector<CatalogueElement> parts = catalogue.PartsOf(file, bytes_);
     for (const CatalogueElement& part : parts) TakePart(part, file, taken);
     if (taken.documents == 0) return taken;
     for (const CatalogueElement& part : parts) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "convert/catalogue.h"
 #include "load/account_maker.h"
@@ -25,6 +26,7 @@ class DocumentLoader {
     };
     // What fails is thrown; the statements executed before stay.
     Taken Take(const Catalogue& catalogue, const Text& file);
+    Taken Take(const std::vector<CatalogueElement>& parts, const Text& file);
 
  private:
     void TakePart(const CatalogueElement& part, const Text& file, Taken& taken);

@@ -63,9 +63,11 @@ void Rehearsals::OfNew(const Text& name) {
 
 void Rehearsals::OfHeld(const HeldFiles& held) {
     for (const CatalogueEntry& entry : catalogue_.entries()) {
-        if (!NeedsLook(entry)) continue;
         const auto found = held.find(entry.name);
-        if (found != held.end() && !account_.IsStored(entry.name)) OfHeld(entry, found->second);
+        if (found == held.end() || account_.IsStored(entry.name)) continue;
+        // A file of others may be somebody else's of the same name.
+        const bool doubtful = entry.IsReadable() && !found->second.foreign.empty();
+        if (doubtful || NeedsLook(entry)) OfHeld(entry, found->second);
     }
 }
 

@@ -9,6 +9,7 @@
 #include "convert/check_xml.h"
 #include "load/account_maker.h"
 #include "load/constr_tab_type_oper.h"
+#include "load/stored_documents.h"
 #include "platform/environment.h"
 #include "platform/files.h"
 #include "platform/work_folder.h"
@@ -80,6 +81,13 @@ void RefuseDuringImport() {
     if (running) throw FileInUse(getbase());
 }
 
+ScanAccount ScanFolder(TextView folder, std::optional<bool> acts_as_xml) {
+    StoredDocuments stored(getbase());
+    return CheckXml(folder, acts_as_xml, [&](const Text& name, std::string_view entry) {
+        return stored.HasOther(name, entry);
+    });
+}
+
 ImportAccount LoadCatalogue(TextView catalogue, TextView inn, TextView kpp, TextView move_folder,
                             const ScanAccount* scan) {
     // The scan has seen to the documents' folder.
@@ -106,7 +114,7 @@ struct Import {
 
 ImportResult ScanAndLoad(const ImportFolders& folders, TextView inn, TextView kpp) {
     ImportResult result;
-    const ScanAccount scan = CheckXml(folders.import, folders.acts_as_xml);
+    const ScanAccount scan = ScanFolder(folders.import, folders.acts_as_xml);
     result.drops_text = scan.DropsText();
     const Text& catalogue = scan.catalogue;
     if (catalogue.empty()) {

@@ -43,6 +43,9 @@ void ForgetImport();
 // use." when an import runs.
 void RefuseDuringImport();
 
+// Scans a folder (CheckXml), in which a file may have come back that is not what the database holds of it.
+ScanAccount ScanFolder(TextView folder, std::optional<bool> acts_as_xml);
+
 // Loads a catalogue (LoadFromXml) and numbers the new operation types, but where the database itself stopped
 // the load before anything was stored: what it has to say has been shown by then. `scan`: what the scan that wrote the
 // catalogue has said; none when the catalogue is all there is.
