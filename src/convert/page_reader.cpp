@@ -125,7 +125,7 @@ bool PageReader::More() {
         page_end_ = static_cast<std::size_t>(found - buffer_.get());
         const bool whole = found != end && end_ - begin_ >= kBraceSearch;
         if (whole || file_ == nullptr) return begin_ != end_;
-        searched = std::max(end_ - begin_, kPage.size()) - kPage.size();
+        searched = std::min(page_end_, std::max(end_, begin_ + kPage.size()) - kPage.size()) - begin_;
         Fill();
     }
 }

@@ -44,6 +44,14 @@ TEST(PageReader, EqualsThePlainWords) {
         "\\page", "\\posx", "\\posx612", "page", "posx",    "g",     "x", "\\",   "\\par",    "{",   "}",
         " ",      "\\'c0",  "\\bin9 ",   "text", "\\u1040", "\\pag", "e", "\\po", "{\\rtf1 ", "\\*", "\r\n"};
     const test::TempFolder folder;
+    // One word ends where the first piece does, or a little before.
+    for (std::size_t left = 0; left < 12; ++left) {
+        const std::string before = "{\\rtf1 " + std::string(PageReader::kPiece - left - 12, 'x');
+        const std::string document = before + "\\page \\page\\b0\\i }end}";
+        folder.Write(u"at.rtf", document);
+        InputFile file(folder / u"at.rtf");
+        EXPECT_EQ(AllPages(file), AllPagesPlainly(document)) << left;
+    }
     std::string many;
     std::mt19937 random(2011);
     for (int round = 0; round < 5'000; ++round) {
