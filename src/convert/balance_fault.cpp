@@ -14,19 +14,22 @@ using Amount = std::optional<std::int64_t>;  // in ten-thousandths
 constexpr int kDecimals = 4;
 constexpr int kMostFaults = 10;  // one line in so many
 
-// "-1 234.50"; none of a text that is no such number, or too large.
+// "-1 234.50", "+1.5"; none of a text that is no such number, too fine or too large.
 Amount AmountOf(std::string_view text) {
     constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max() / 1'000'000;
+    text.remove_prefix(std::min(text.find_first_not_of(" \xA0"), text.size()));
     const bool negative = text.starts_with('-');
+    const bool has_sign = negative || text.starts_with('+');
     std::int64_t amount = 0;
     int digits = 0;
     int decimals = -1;
-    for (const char c : text.substr(negative ? 1 : 0)) {
+    for (const char c : text.substr(has_sign ? 1 : 0)) {
         if (c == ' ' || c == '\xA0') continue;
         if ((c == '.' || c == ',') && decimals < 0) {
             decimals = 0;
             continue;
         }
+        if (c == '0' && decimals == kDecimals) continue;
         if (c < '0' || c > '9' || decimals == kDecimals || amount > kMost) return std::nullopt;
         amount = 10 * amount + (c - '0');
         ++digits;
@@ -38,6 +41,7 @@ Amount AmountOf(std::string_view text) {
 }
 
 struct Line {
+    bool any = false;
     bool dated = false;
     std::string_view kind;
     Amount charged;
@@ -46,6 +50,7 @@ struct Line {
     Amount total;
 
     void Read(std::string_view column, std::string_view text) {
+        any = true;
         if (column == "p01") dated = true;
         if (column == "p09") kind = text;
         if (column == "p10") charged = AmountOf(text);
@@ -98,7 +103,8 @@ std::optional<int> BalanceFault(const CatalogueElement& part) {
             Line line;
             for (const CatalogueElement& value : ElementsOf(row.content))
                 line.Read(value.name, value.content);
-            balances.Add(line);
+            // The numbering that stands before the lines has nothing in it.
+            if (line.any) balances.Add(line);
         }
     }
     return balances.FirstFault();
