@@ -19,7 +19,7 @@ constexpr std::string_view kItemClosing = "</item>";
 constexpr std::string_view kActual = "actual";
 
 // The items between <actual> and </actual>. A file's name may hold whole tags, but no line end.
-std::vector<Text> ReadItems(std::string_view catalogue) {
+std::vector<Text> ReadItems(std::string_view catalogue, NameForm names) {
     std::vector<Text> items;
     bool inside = false;
     std::size_t at = 0;
@@ -31,7 +31,7 @@ std::vector<Text> ReadItems(std::string_view catalogue) {
         const std::string_view line =
             catalogue.substr(at, tag.is_whole ? 0 : catalogue.find_first_of("\r\n", at) - at);
         const std::string_view name = line.substr(0, line.find(kItemClosing));
-        items.push_back(TextBetweenTags(name));
+        items.push_back(NameOfDocument(name, names));
         at += name.size();
     }
     return items;
@@ -50,7 +50,7 @@ std::string BroughtToForm(TextView path, std::string bytes) {
 }
 
 // The next entry at or after the place, which goes on to its end; none when there are no more.
-std::optional<CatalogueEntry> NextEntry(CatalogueWindow& window, std::size_t& at) {
+std::optional<CatalogueEntry> NextEntry(CatalogueWindow& window, std::size_t& at, NameForm names) {
     const auto read_on = [&](std::size_t from) {
         at = 0;
         return window.ReadOn(from);
@@ -69,7 +69,7 @@ std::optional<CatalogueEntry> NextEntry(CatalogueWindow& window, std::size_t& at
             if (cut && !read_on(at)) return std::nullopt;
             continue;
         }
-        CatalogueEntry entry = ReadEntry(text, tag);
+        CatalogueEntry entry = ReadEntry(text, tag, names);
         // It may have been the text that ended.
         if (entry.end == text.size() && read_on(entry.begin)) continue;
         at = entry.end;
@@ -84,25 +84,25 @@ Catalogue Catalogue::Load(TextView path) {
     Catalogue catalogue(path, CatalogueBytes::OfFile(path));
     CatalogueWindow window(catalogue.bytes_);
     if (window.text().starts_with(kCatalogueOpening)) {
-        catalogue.Read(window);
+        catalogue.Read(window, NameForm::Raw);
         return catalogue;
     }
     Catalogue brought(path, CatalogueBytes::OfText(BroughtToForm(path, ReadFile(path))));
     CatalogueWindow whole(brought.bytes_);
-    brought.Read(whole);
+    brought.Read(whole, NameForm::Escaped);
     return brought;
 }
 
-void Catalogue::Read(CatalogueWindow& window) {
+void Catalogue::Read(CatalogueWindow& window, NameForm names) {
     while (window.text().find(kActualClosing) == std::string_view::npos && window.ReadOn(0)) {
     }
-    current_files_ = ReadItems(window.text());
+    current_files_ = ReadItems(window.text(), names);
     // Where the items end, so that no name among them is taken for the beginning of an entry.
     std::size_t at = window.text().find(kActualClosing);
     if (at == std::string_view::npos) at = 0;
     CatalogueLines lines(bytes_);
     entries_.reserve(current_files_.size());
-    while (std::optional<CatalogueEntry> entry = NextEntry(window, at)) {
+    while (std::optional<CatalogueEntry> entry = NextEntry(window, at, names)) {
         if (!entry->IsReadable()) entry->fault_line = lines.At(entry->fault_at);
         entries_.push_back(*std::move(entry));
         CurrentProgress().ProcessEvents();
@@ -123,9 +123,17 @@ std::vector<const CatalogueEntry*> Catalogue::EntriesNamed(TextView name) const 
     return found;
 }
 
+std::vector<const CatalogueEntry*> Catalogue::EntriesOf(TextView name) const {
+    std::vector<const CatalogueEntry*> entries = EntriesNamed(name);
+    if (entries.empty() || entries.front()->name == name) return entries;
+    if (listed_.empty()) listed_.insert(current_files_.begin(), current_files_.end());
+    std::erase_if(entries, [&](const CatalogueEntry* entry) { return listed_.contains(entry->name); });
+    return entries;
+}
+
 std::vector<CatalogueElement> Catalogue::PartsOf(TextView name, std::string& bytes) const {
     bytes.clear();
-    const std::vector<const CatalogueEntry*> entries = EntriesNamed(name);
+    const std::vector<const CatalogueEntry*> entries = EntriesOf(name);
     for (const CatalogueEntry* const entry : entries) {
         if (!entry->IsReadable()) {
             throw XmlFailure(Text(path_) + u": документ " + Text(name) + u", ",

@@ -10,7 +10,7 @@
 //   </file>
 //   </all>
 //
-// Windows-1251, CR LF, values raw (catalogue_markup.h). It grows to hundreds of megabytes, so it is read entry by
+// Windows-1251, CR LF, values raw (catalogue_markup.h), names without any mark-up. It grows to hundreds of megabytes, so it is read entry by
 // entry (catalogue_entry.h) in one pass, and what an entry holds is read once more when it is asked for
 // (catalogue_elements.h). An entry that cannot be read harms no other.
 //
@@ -22,6 +22,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -45,6 +46,8 @@ inline constexpr std::string_view kAllClosing = "</all>";
 class Catalogue {
  public:
     static Catalogue Load(TextView path);
+    Catalogue(Catalogue&&) = default;
+    Catalogue& operator=(Catalogue&&) = default;
 
     // The items of `actual`, in order.
     const std::vector<Text>& CurrentFiles() const { return current_files_; }
@@ -52,6 +55,8 @@ class Catalogue {
     // The entries of a document, in order: those that have this very name, else those that have it in other
     // letters' case.
     std::vector<const CatalogueEntry*> EntriesNamed(TextView name) const;
+    // The same without those of another item of `actual`.
+    std::vector<const CatalogueEntry*> EntriesOf(TextView name) const;
     // Their parts, found in `bytes`, which becomes those of the entries. An entry that cannot be read is an
     // XmlFailure that names the file, the document, the line and the reason.
     std::vector<CatalogueElement> PartsOf(TextView name, std::string& bytes) const;
@@ -60,11 +65,12 @@ class Catalogue {
 
  private:
     Catalogue(TextView path, CatalogueBytes bytes) : path_(path), bytes_(std::move(bytes)) {}
-    void Read(CatalogueWindow& window);
+    void Read(CatalogueWindow& window, NameForm names);
 
     Text path_;
     CatalogueBytes bytes_;
     std::vector<Text> current_files_;
+    mutable std::unordered_set<TextView> listed_;  // these, once somebody has asked
     std::vector<CatalogueEntry> entries_;
     std::unordered_multimap<TextView, std::size_t, NameHash, SameName> by_name_;  // places in entries_
 };

@@ -99,7 +99,8 @@ Text Markup(TextView opening, std::string_view name) {
 
 class EntryReader {
  public:
-    EntryReader(std::string_view text, const MarkupTag& file) : text_(text), at_(file.end) {
+    EntryReader(std::string_view text, const MarkupTag& file, NameForm names)
+        : text_(text), names_(names), at_(file.end) {
         entry_.begin = file.begin;
         entry_.end = file.end;
         if (!file.is_whole) open_.push_back(file);
@@ -154,7 +155,7 @@ class EntryReader {
         if (open_.size() == 1 && tag.name == "part") ++entry_.parts;
         if (open_.size() == 1 && tag.name == "name" && entry_.name.empty()) {
             const std::string_view name = NameFrom(text_, tag.end);
-            entry_.name = TextBetweenTags(name);
+            entry_.name = NameOfDocument(name, names_);
             at_ = tag.end + name.size();
             if (text_.substr(at_).starts_with(kNameClosing)) {
                 at_ += kNameClosing.size();
@@ -197,6 +198,7 @@ class EntryReader {
     }
 
     std::string_view text_;
+    NameForm names_;
     std::size_t at_;
     std::vector<MarkupTag> open_;
     std::vector<MarkupTag> left_open_;
@@ -221,8 +223,12 @@ std::optional<std::size_t> PlaceOfField(char letter, int number) {
     return PlaceOf(letter, number);
 }
 
-CatalogueEntry ReadEntry(std::string_view catalogue, const MarkupTag& file) {
-    return EntryReader(catalogue, file).Read();
+Text NameOfDocument(std::string_view bytes, NameForm form) {
+    return form == NameForm::Raw ? FromWindows1251(bytes) : TextBetweenTags(bytes);
+}
+
+CatalogueEntry ReadEntry(std::string_view catalogue, const MarkupTag& file, NameForm names) {
+    return EntryReader(catalogue, file, names).Read();
 }
 
 std::vector<CatalogueElement> PartsIn(std::string_view bytes, const CatalogueEntry& entry) {
@@ -242,7 +248,7 @@ std::string WithNotes(std::string entry, EntryNotes notes) {
 }
 
 std::string WithAllClosed(std::string entry) {
-    EntryReader reader(entry, TagAt(entry, 0));
+    EntryReader reader(entry, TagAt(entry, 0), NameForm::Raw);
     reader.Read();
     std::vector<MarkupTag> open = reader.TakeLeftOpen();
     if (open.empty()) return entry;

@@ -59,8 +59,13 @@ struct CatalogueEntry {
     bool Has(EntryNote note) const { return (notes & static_cast<EntryNotes>(note)) != 0; }
 };
 
+// How the names of documents stand in a catalogue: the scan writes them as they are, also those that hold an
+// entity; whoever edits it as XML has the entities replaced.
+enum class NameForm { Raw, Escaped };
+Text NameOfDocument(std::string_view bytes, NameForm form);
+
 // The entry whose <file> is that tag of the catalogue.
-CatalogueEntry ReadEntry(std::string_view catalogue, const MarkupTag& file);
+CatalogueEntry ReadEntry(std::string_view catalogue, const MarkupTag& file, NameForm names = NameForm::Raw);
 
 // The parts of a readable entry, whose bytes these are or begin with. Its `name` is passed over: any text is a
 // name there.

@@ -62,6 +62,13 @@ std::optional<Catalogue> ExistingCatalogue(TextView path) {
     }
 }
 
+// Whether one of them, in the order of the listing, has this very name.
+bool IsAmong(const std::vector<ListedDocument>& documents, const Text& name) {
+    const auto upper = [](const ListedDocument& document) { return UpperCase(document.name); };
+    const auto alike = std::ranges::equal_range(documents, UpperCase(name), {}, upper);
+    return std::ranges::find(alike, name, &ListedDocument::name) != alike.end();
+}
+
 }  // namespace
 
 FolderState ReadFolderState(TextView folder, std::optional<bool> acts_as_xml) {
@@ -92,6 +99,9 @@ FolderState ReadFolderState(TextView folder, std::optional<bool> acts_as_xml) {
     if (!same_list) listed_names.insert(listed.begin(), listed.end());
     for (ListedDocument& document : state.documents) {
         document.entries = state.catalogue->EntriesNamed(document.name);
+        std::erase_if(document.entries, [&](const CatalogueEntry* entry) {
+            return entry->name != document.name && IsAmong(state.documents, entry->name);
+        });
         document.listed_before = same_list || listed_names.contains(document.name);
         document.changed_since = document.changed > stamp->written;
         document.settled = !document.changed_since && (document.listed_before || !document.entries.empty()) &&

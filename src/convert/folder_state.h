@@ -3,7 +3,8 @@
 //
 // A document is settled when the catalogue has an entry for it that can be read, or lists it and has
 // none (it was looked at and nothing was found), and its file was not changed since the catalogue was
-// written. An entry under the same name in other letters' case is an entry for it.
+// written. An entry under the same name in other letters' case is an entry for it, unless it is that of
+// another document in the folder.
 #pragma once
 
 #include <optional>

@@ -262,7 +262,7 @@ void Load::LoadFile(const Catalogue& catalogue, const Text& name, PartLoader& pa
     try {
         taken = DocumentLoader(taxpayer_, parts, found_).Take(catalogue, name);
         if (!taken.any) {
-            const auto entries = catalogue.EntriesNamed(name);
+            const auto entries = catalogue.EntriesOf(name);
             const bool cut_off = !entries.empty() && entries.front()->Has(EntryNote::CutOff);
             found_.Add(name, {Finding::NotRecognised, WhyNothing(FolderOf(catalogue_) + name, cut_off)});
         }

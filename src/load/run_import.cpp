@@ -83,9 +83,8 @@ void RefuseDuringImport() {
 
 ScanAccount ScanFolder(TextView folder, std::optional<bool> acts_as_xml) {
     StoredDocuments stored(getbase());
-    return CheckXml(folder, acts_as_xml, [&](const Text& name, std::string_view entry) {
-        return stored.HasOther(name, entry);
-    });
+    return CheckXml(folder, acts_as_xml,
+                    [&](const Text& name, std::string_view entry) { return stored.HasOther(name, entry); });
 }
 
 ImportAccount LoadCatalogue(TextView catalogue, TextView inn, TextView kpp, TextView move_folder,

@@ -79,12 +79,13 @@ const std::string kTwo = Bytes(
     u"<file>\r\n\t<name>плохой.rtf</name>\r\n\t<part type=\"акт\">\r\n\t<head>\r\n</file>\r\n");
 const std::string kWhole =
     std::string(kCatalogueOpening) +
-    Bytes(u"<actual>\r\n\t<item>б.rtf</item>\r\n\t<item>a & b.rtf</item>\r\n</actual>\r\n") + kTwo +
-    "</all>\r\n";
+    Bytes(
+        u"<actual>\r\n\t<item>б.rtf</item>\r\n\t<item>a & b.rtf</item>\r\n\t<item>Б.rtf</item>\r\n</actual>\r\n") +
+    kTwo + "</all>\r\n";
 
 TEST_F(Catalogues, AnswerByName) {
     const Catalogue catalogue = Catalogue::Load(Write(kWhole));
-    EXPECT_THAT(catalogue.CurrentFiles(), ElementsAre(u"б.rtf", u"a & b.rtf"));
+    EXPECT_THAT(catalogue.CurrentFiles(), ElementsAre(u"б.rtf", u"a & b.rtf", u"Б.rtf"));
     std::string bytes;
     EXPECT_EQ(catalogue.PartsOf(u"б.rtf", bytes).size(), 1u);
     const std::vector<CatalogueElement> parts = catalogue.PartsOf(u"A.RTF", bytes);
@@ -92,13 +93,14 @@ TEST_F(Catalogues, AnswerByName) {
     EXPECT_EQ(parts[0].type, Bytes(u"выписка"));
     EXPECT_EQ(parts[1].type, "x");
     EXPECT_TRUE(catalogue.PartsOf(u"none.rtf", bytes).empty());
+    EXPECT_TRUE(catalogue.PartsOf(u"Б.rtf", bytes).empty());
     try {
         catalogue.PartsOf(u"плохой.rtf", bytes);
         ADD_FAILURE();
     } catch (const XmlFailure& failure) {
         EXPECT_EQ(failure.description(),
                   folder_ / kCatalogueName +
-                      u": документ плохой.rtf, строка 18: </file> стоит там, где нужен </head>");
+                      u": документ плохой.rtf, строка 19: </file> стоит там, где нужен </head>");
     }
 }
 
