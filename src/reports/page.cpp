@@ -62,7 +62,7 @@ Text ReportPath(TextView folder, TextView name) {
 // A summary writes thousands into one folder.
 void WriteReport(TextView path, TextView page) {
     if (!FolderExists(FolderOf(path))) MakeFolders(path);
-    WriteFileWhole(path, ToWindows1251(Concat(page, kPageEnd)), {}, OnDisk::Later);
+    WriteFileWhole(path, ToWindows1251(page).append(ToWindows1251(kPageEnd)), {}, OnDisk::Later);
 }
 
 Text GuardedReport(TextView title, TextView database, const std::function<Text(Text& file)>& body) {
