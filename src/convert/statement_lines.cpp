@@ -244,7 +244,7 @@ void StatementLines::AddActHeaderField(std::string_view line) {
 }
 
 // "##a<h@@>name 7701000000/ 770101001": the number before the slash has 10 characters, or 12 when they
-// all are digits, and a blank before it.
+// all are digits. The character before the 10 is a blank; before the 12 the name may end without one.
 void StatementLines::AddTaxpayer(std::string_view line) {
     const std::size_t found = line.find("/ ");
     const std::size_t position = found == line.npos ? 0 : found + 1;
@@ -255,7 +255,8 @@ void StatementLines::AddTaxpayer(std::string_view line) {
     if (position == 0) return;
     if (position < 20) throw Failure(RunTimeError::InvalidProcedureCall);
     const std::size_t digits = position > 20 && IsNumber(Mid(line, position - 12, 12)) ? 12 : 10;
-    const std::size_t name = std::max<std::size_t>(position, 10 + digits) - 10 - digits;
+    const std::size_t around = digits + (digits == 12 ? 9 : 10);
+    const std::size_t name = std::max(position, around) - around;
     WriteHeadField("h03", TrimBlanks(Mid(line, 9, name)));
     WriteHeadField("h01", Mid(line, position - digits, digits));
     WriteHeadField("h02", Mid(line, position + 2));
