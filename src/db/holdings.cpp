@@ -53,8 +53,8 @@ HeldDocument HeldDocumentOf(const Recordset& row) {
     document.okato = text(u"h10");
     document.begin = row.Field(u"perb");
     document.end = row.Field(u"pere");
-    document.act = IsNull(row.Field(u"h6"));
     document.current = !IsNull(row.Field(u"vid"));
+    document.act = IsNull(row.Field(u"h6")) && !document.current;
     return document;
 }
 

@@ -22,7 +22,7 @@ namespace {
 
 // The consolidated select gives other columns the names that the ordinary one has: `kpp` and `h8` are the
 // code there, `h7` is the name of its tax.
-Recordset Groups(Connection& connection, Summary& summary) {
+Recordset Groups(Connection& connection, Summary& summary, SummaryChoice& choice) {
     if (!IsConsolidated(summary.kpp)) {
         SqlText sql(
             u"select h10, vid, min(perb), max(pere), max(h1) as inn, max(h2) as kpp, max(h3) as name , "
@@ -35,7 +35,7 @@ Recordset Groups(Connection& connection, Summary& summary) {
     }
     SqlText codes(u"select distinct h7 from tav_operations_header where h1='");
     codes.Value(summary.inn).Fixed(u"'  and not(isnull(vid))");
-    ChooseCode(connection, codes, summary);
+    ChooseCode(connection, codes, summary, choice);
     SqlText sql(
         u"select h10, vid, min(perb), max(pere), max(h1) as inn, h7 as kpp, max(h3) as name , h7 as h8, "
         u"max(h8) as h7 from tav_operations_header where h1='");
@@ -106,16 +106,17 @@ class StatementsSummary {
 
     // The page of the chosen groups, their own pages written beside it; empty when there are none.
     Text Write(Summary& summary) {
-        Recordset groups = Groups(connection_, summary);
+        SummaryChoice choice = request_.choice;
+        Recordset groups = Groups(connection_, summary, choice);
         int chosen = 0;
         for (Recordset each = groups; !each.Eof(); each.MoveNext()) {
             const Text code = isns(each.Field(consolidated_ ? u"kpp" : u"h7"));
             summary.documents.push_back({each.Field(kBegin), each.Field(kEnd), code, {}});
-            if (IsChosen(request_.choice, summary.documents.back())) ++chosen;
+            if (IsChosen(choice, summary.documents.back())) ++chosen;
         }
         PageProgress progress(chosen);
         for (auto document = summary.documents.begin(); !groups.Eof(); groups.MoveNext(), ++document) {
-            if (!IsChosen(request_.choice, *document)) continue;
+            if (!IsChosen(choice, *document)) continue;
             if (!progress.Next(isns(groups.Field(u"h8")))) throw CancelledSummary{progress.done(), chosen};
             WriteGroup(groups, *document);
         }
@@ -172,8 +173,8 @@ Text GetFiles(TextView database, TextView inn, TextView kpp, TextView export_fol
            SummaryCopy& copy) { return StatementsSummary(connection, request, file, copy).Write(summary); });
 }
 
-void ListStatements(TextView database, TextView inn, TextView kpp) {
-    GetFiles(database, inn, kpp, {}, {kNever, false, {}});
+void ListStatements(TextView database, TextView inn, TextView kpp, TextView code) {
+    GetFiles(database, inn, kpp, {}, {kNever, false, Text(code)});
 }
 
 }  // namespace tav

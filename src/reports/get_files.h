@@ -17,6 +17,6 @@ Text GetFiles(TextView database, TextView inn, TextView kpp, TextView export_fol
               const SummaryChoice& choice = {});
 
 // The same for LastSummary() alone: nothing is written.
-void ListStatements(TextView database, TextView inn, TextView kpp);
+void ListStatements(TextView database, TextView inn, TextView kpp, TextView code = {});
 
 }  // namespace tav

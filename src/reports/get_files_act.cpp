@@ -20,7 +20,7 @@ namespace {
 
 // The consolidated select gives other columns the names that the ordinary one has: `h8` is the KPP there and
 // `h2` the name of the tax.
-Recordset Acts(Connection& connection, Summary& summary) {
+Recordset Acts(Connection& connection, Summary& summary, SummaryChoice& choice) {
     if (!IsConsolidated(summary.kpp)) {
         SqlText sql(
             u"select * from (select h1, h2,max(h3) as h3,max(h4) as h4,h7,max(h6) as h6, max(h8) as h8,h10,"
@@ -34,7 +34,7 @@ Recordset Acts(Connection& connection, Summary& summary) {
     }
     SqlText codes(u"select distinct h7 from tav_operations_header where h1='");
     codes.Value(summary.inn).Fixed(u"'  and isnull(vid) and isnull(h6)");
-    ChooseCode(connection, codes, summary);
+    ChooseCode(connection, codes, summary, choice);
     SqlText sql(
         u"select * from (select h1, h2 as h8,max(h3) as h3,max(h4) as h4,h7 as h7,max(h6) as h6, max(h8) as "
         u"h2,h10,perb,pere,max(id) as id from tav_operations_header where h1='");
@@ -114,10 +114,10 @@ void AddActRow(ReportPage& page, const Recordset& act, const ActAmounts& amounts
 }
 
 // The page of the chosen acts; empty when there are none.
-Text SummaryPage(Connection& connection, const SummaryChoice& choice, Summary& summary, SummaryCopy& copy) {
+Text SummaryPage(Connection& connection, SummaryChoice& choice, Summary& summary, SummaryCopy& copy) {
     const bool consolidated = IsConsolidated(summary.kpp);
     ReportPage page(copy.sheet);
-    for (Recordset acts = Acts(connection, summary); !acts.Eof(); acts.MoveNext()) {
+    for (Recordset acts = Acts(connection, summary, choice); !acts.Eof(); acts.MoveNext()) {
         CurrentProgress().ProcessEvents();
         summary.documents.push_back({acts.Field(u"perb"), acts.Field(u"pere"), isns(acts.Field(u"h7")), {}});
         if (!IsChosen(choice, summary.documents.back())) continue;
@@ -144,16 +144,17 @@ Text GetFilesAct(TextView database, TextView inn, TextView kpp, TextView export_
     Text path = WriteSummary(plan, asked,
                              [omitted](Connection& connection, const SummaryRequest& request,
                                        Summary& summary, Text&, SummaryCopy& copy) {
-                                 Text page = SummaryPage(connection, request.choice, summary, copy);
-                                 *omitted = OmittedActs(connection, summary, request.choice);
+                                 SummaryChoice left = request.choice;
+                                 Text page = SummaryPage(connection, left, summary, copy);
+                                 *omitted = OmittedActs(connection, summary, left);
                                  return page;
                              });
     if (!LastSummary().failed) ShowOmittedActs(*omitted);
     return path;
 }
 
-void ListActs(TextView database, TextView inn, TextView kpp) {
-    GetFilesAct(database, inn, kpp, {}, {kNever, false, {}});
+void ListActs(TextView database, TextView inn, TextView kpp, TextView code) {
+    GetFilesAct(database, inn, kpp, {}, {kNever, false, Text(code)});
 }
 
 }  // namespace tav

@@ -18,6 +18,6 @@ Text GetFilesAct(TextView database, TextView inn, TextView kpp, TextView export_
                  const SummaryChoice& choice = {});
 
 // The same for LastSummary() alone: nothing is written, and no message about omitted acts is shown.
-void ListActs(TextView database, TextView inn, TextView kpp);
+void ListActs(TextView database, TextView inn, TextView kpp, TextView code = {});
 
 }  // namespace tav

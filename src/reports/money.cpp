@@ -46,7 +46,11 @@ std::size_t ColumnNumber(TextView digits) {
 }
 
 Text AmountText(double amount) {
-    return Text(amount < 0 ? u"- " : u"").append(FormatAmount(std::fabs(amount) / kTenThousandths));
+    constexpr double kMoneyEnd = 9223372036854775808.0;  // beyond what a whole number holds
+    const double size = std::fabs(amount);
+    return Text(amount < 0 ? u"- " : u"")
+        .append(size < kMoneyEnd ? FormatAmount(Money{static_cast<std::int64_t>(size)})
+                                 : FormatAmount(size / kTenThousandths));
 }
 
 // The closing balances by kind (tax, penalty interest, fine), as a credit or as a debt, and their net.

@@ -41,7 +41,7 @@ struct SummaryDocument {
 struct SummaryChoice {
     std::optional<DayRange> period;  // no value: all periods
     bool overlapping = false;        // false: documents wholly inside the period; true: overlapping ones too
-    Text code;                       // empty: all codes
+    Text code;                       // empty: all codes; the twenty zeros' own, whatever its length
 };
 
 // A document without days (DaysOf) belongs to no period, only to all of them.

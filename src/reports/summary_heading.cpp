@@ -17,12 +17,14 @@ bool IsConsolidated(TextView kpp) {
     return kpp.size() > kLongestKpp;
 }
 
-void ChooseCode(Connection& connection, const SqlText& codes, Summary& summary) {
+void ChooseCode(Connection& connection, const SqlText& codes, Summary& summary, SummaryChoice& choice) {
     for (Recordset rows = connection.Execute(codes); !rows.Eof(); rows.MoveNext()) {
         if (Text code = isns(rows.Field(0)); !code.empty()) summary.codes.push_back(std::move(code));
     }
     if (summary.kpp != kAllSubdivisions) {
         summary.code = summary.kpp;
+    } else if (!choice.code.empty()) {
+        summary.code = std::exchange(choice.code, {});
     } else if (!summary.codes.empty()) {
         summary.code = summary.codes.front();
     }

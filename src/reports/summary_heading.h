@@ -18,9 +18,9 @@ namespace tav {
 bool IsConsolidated(TextView kpp);
 
 // Reads the codes that a consolidated summary can be of (`codes` is a select whose first column is the code)
-// and notes them and its own one in `summary`: its KPP itself, or, for the twenty zeros, the first of them;
-// empty when there is none.
-void ChooseCode(Connection& connection, const SqlText& codes, Summary& summary);
+// and notes them and its own one in `summary`: its KPP itself, or, for the twenty zeros, the one of the choice,
+// which has none then, else the first of them; empty when there is none.
+void ChooseCode(Connection& connection, const SqlText& codes, Summary& summary, SummaryChoice& choice);
 
 struct CodeAndTax {
     Text code;

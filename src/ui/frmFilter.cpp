@@ -1,7 +1,6 @@
 #include "ui/frmFilter.h"
 
 #include <algorithm>
-#include <map>
 #include <memory>
 #include <utility>
 
@@ -14,6 +13,7 @@
 #include "reports/get_files.h"
 #include "reports/get_files_act.h"
 #include "reports/paper.h"
+#include "settings/session.h"
 #include "settings/settings.h"
 
 namespace tav {
@@ -54,6 +54,27 @@ Picture PictureOf(PeriodKind kind) {
     return Picture::None;
 }
 
+// Without them the codes alone are shown.
+TaxNames NamesOfTaxes(TextView inn) {
+    const auto taxes = std::make_shared<TaxNames>();
+    GuardedBy(
+        [&] {
+            RunAside([taxes, inn = Text(inn)] {
+                for (HeldDocument& document : HeldDocuments(getbase(), inn, {})) {
+                    taxes->emplace(std::move(document.code), std::move(document.tax));
+                }
+            });
+        },
+        [](const Failure&) {});
+    return *taxes;
+}
+
+// "18210101011011000110   Налог на прибыль".
+ListRow RowOf(const Text& code, const TaxNames& taxes) {
+    const auto tax = taxes.find(code);
+    return {tax == taxes.end() || tax->second.empty() ? code : Concat(code, u"   ", tax->second), {}};
+}
+
 }  // namespace
 
 frmFilter::frmFilter() : Form(kFilterPlan, u"Ошибка в процедуре frmFilter_load") {
@@ -67,48 +88,34 @@ frmFilter::frmFilter() : Form(kFilterPlan, u"Ошибка в процедуре 
 
 void frmFilter::Form_Load() {
     building_ = false;  // the thread of the window before may have ended in a handler
+    const Busy busy(building_);
+    // Meanwhile all that is shown is of the summary before.
+    const TaxNames taxes = NamesOfTaxes(LastSummary().inn);
     summary_ = LastSummary();
     periods_.clear();
-    ShowCodes();
+    ShowCodes(taxes);
     FindPeriods();
     Check1.Check(SettingTruth(u"ChkFilter"));
     ShowPeriods();
 }
 
-std::vector<ListRow> frmFilter::RowsOfCodes() const {
-    const auto taxes = std::make_shared<std::map<Text, Text>>();
-    // Without the names the codes alone are shown.
-    GuardedBy(
-        [&] {
-            RunAside([taxes, inn = summary_.inn] {
-                for (HeldDocument& document : HeldDocuments(getbase(), inn, {})) {
-                    taxes->emplace(std::move(document.code), std::move(document.tax));
-                }
-            });
-        },
-        [](const Failure&) {});
+void frmFilter::ShowCodes(const TaxNames& taxes) {
     std::vector<ListRow> rows;
     if (!Consolidated()) rows.push_back({Text(kAllCodes), {}});
-    for (const Text& code : summary_.codes) {
-        const Text& tax = (*taxes)[code];
-        rows.push_back({tax.empty() ? code : Concat(code, u"   ", tax), {}});
-    }
-    return rows;
-}
-
-void frmFilter::ShowCodes() {
-    cmbKBK.SetRows(RowsOfCodes());
+    for (const Text& code : summary_.codes) rows.push_back(RowOf(code, taxes));
+    cmbKBK.SetRows(std::move(rows));
     SelectCode();
 }
 
 void frmFilter::SelectCode() {
     const auto code = std::find(summary_.codes.begin(), summary_.codes.end(), summary_.code);
-    cmbKBK.Select(Consolidated() ? static_cast<int>(code - summary_.codes.begin()) : 0);
+    code_row_ = Consolidated() ? static_cast<int>(code - summary_.codes.begin()) : 0;
+    cmbKBK.Select(code_row_);
 }
 
 Text frmFilter::ChosenCode() const {
-    const int row = cmbKBK.Selected();
-    return Consolidated() || row <= 0 ? Text() : summary_.codes[static_cast<std::size_t>(row - 1)];
+    return Consolidated() || code_row_ <= 0 ? Text()
+                                            : summary_.codes[static_cast<std::size_t>(code_row_ - 1)];
 }
 
 void frmFilter::FindPeriods() {
@@ -128,19 +135,24 @@ void frmFilter::ShowPeriods() {
     TreeView1.SetNodes(std::move(nodes));
 }
 
+// While a report is made, the box stays at the code of the periods shown.
 void frmFilter::cmbKBK_Click() {
-    if (building_) return;
+    if (building_) return cmbKBK.Select(code_row_);
     const Busy busy(building_);
     if (Consolidated()) {
         const Text code = summary_.codes[static_cast<std::size_t>(cmbKBK.Selected())];
         SelectCode();  // of the periods shown, until others are shown
         RefuseDuringImport();
-        (summary_.kind == SummaryKind::Statements ? ListStatements : ListActs)(getbase(), summary_.inn, code);
+        const TaxNames taxes = NamesOfTaxes(summary_.inn);
+        (summary_.kind == SummaryKind::Statements ? ListStatements : ListActs)(getbase(), summary_.inn,
+                                                                               kAllSubdivisions, code);
         if (LastSummary().failed) return;
         const Text path = summary_.path;
         summary_ = LastSummary();
         summary_.path = path;
-        ShowCodes();
+        ShowCodes(taxes);
+    } else {
+        code_row_ = cmbKBK.Selected();
     }
     FindPeriods();
 }
@@ -157,17 +169,20 @@ SummaryChoice frmFilter::Choice() const {
                                    [&](const PeriodNode& period) { return period.key == key; });
     if (node != periods_.end()) choice.period = node->period;
     choice.overlapping = Check1.Checked();
-    choice.code = ChosenCode();
+    choice.code = Consolidated() ? summary_.code : ChosenCode();
     return choice;
 }
 
 void frmFilter::Command1_Click() {
     if (building_) return;
-    const Busy busy(building_);
-    RefuseDuringImport();
-    const Text kpp = Consolidated() ? summary_.code : summary_.kpp;
-    const Text path = (summary_.kind == SummaryKind::Statements ? GetFiles : GetFilesAct)(
-        getbase(), summary_.inn, kpp, FolderOf(summary_.path), Choice());
+    Text path;
+    {
+        const Busy busy(building_);
+        RefuseDuringImport();
+        const TextView kpp = Consolidated() ? kAllSubdivisions : TextView(summary_.kpp);
+        path = (summary_.kind == SummaryKind::Statements ? GetFiles : GetFilesAct)(
+            getbase(), summary_.inn, kpp, FolderOf(summary_.path), Choice());
+    }
     if (path.empty()) {
         ShowNothingToSumUp();
     } else {

@@ -6,11 +6,15 @@
 // consolidated taxpayer a summary has one code, and choosing another lists that code's documents.
 #pragma once
 
+#include <map>
+
 #include "reports/summary_documents.h"
 #include "ui/form.h"
 #include "ui/period_tree.h"
 
 namespace tav {
+
+using TaxNames = std::map<Text, Text>;  // by code
 
 class frmFilter : public Form {
  public:
@@ -24,7 +28,7 @@ class frmFilter : public Form {
     void Command1_Click();
     void Command2_Click();
     bool Consolidated() const { return !summary_.code.empty(); }
-    void ShowCodes();
+    void ShowCodes(const TaxNames& taxes);
     // The summary's own code, or all codes of an ordinary one.
     void SelectCode();
     // The one that narrows an ordinary summary; empty for all codes.
@@ -33,14 +37,12 @@ class frmFilter : public Form {
     void ShowPeriods();
     SummaryChoice Choice() const;
 
-    // "18210101011011000110   Налог на прибыль".
-    std::vector<ListRow> RowsOfCodes() const;
-
     ListBox cmbKBK{*this, u"cmbKBK"};
     TreeView TreeView1{*this, u"TreeView1"};
     CheckBox Check1{*this, u"Check1"};
     Button Command1{*this, u"Command1"};
     Summary summary_;
+    int code_row_ = 0;  // in the box, of the periods shown
     bool building_ = false;
     std::vector<PeriodNode> periods_;
 };

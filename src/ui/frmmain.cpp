@@ -367,14 +367,14 @@ void frmmain::Summarise(SummaryKind kind) {
     RefuseDuringImport();
     if (UserPath(txtExport.Get()).empty()) txtExport.Set(ReportFolder());
     const bool statements = kind == SummaryKind::Statements;
-    Text kpp = Kpp();
+    SummaryChoice choice;
     if (chkKons.Checked()) {
         const Text selected = lstBase.SelectedText();
         TextView rest = selected;
-        if (selected.ends_with(statements ? u" Выписка" : u" Акт")) kpp = GetNext(rest, u" ");
+        if (selected.ends_with(statements ? u" Выписка" : u" Акт")) choice.code = GetNext(rest, u" ");
     }
-    const Text path =
-        (statements ? GetFiles : GetFilesAct)(getbase(), Taxpayer().inn, kpp, UserPath(txtExport.Get()), {});
+    const Text path = (statements ? GetFiles : GetFilesAct)(getbase(), Taxpayer().inn, Kpp(),
+                                                            UserPath(txtExport.Get()), choice);
     if (path.empty()) {
         ShowNothingToSumUp();
     } else {

@@ -8,6 +8,9 @@ insert into tav_operations_header (id,h2,h6,h7,h8,h10,perb,pere,vid,h1,h3) value
 insert into tav_operations_header (id,h2,h6,h7,h8,h10,perb,pere,vid,h1,h3) values (7,'770101001',Null,'18210301000011000110','НДС','45286552000','01.01.2011','31.03.2011',Null,'7701234567','ООО "Ромашка"');
 insert into tav_operations_header (id,h2,h6,h7,h8,h10,perb,pere,vid,h1,h3) values (8,'770201001',Null,'18210101011011000110','Налог','46000000000','01.01.2010','31.12.2010',Null,'7701234567','ООО "Ромашка"');
 insert into tav_operations_header (id,h2,h6,h7,h8,h10,perb,pere,vid,h1,h3) values (9,'770101001',Null,'18210301000011000110','НДС','45286552000','01.01.2008','31.12.2008',Null,'7701234567','ООО "Ромашка"');
+-- Another taxpayer's: 11 has an odd code, and no h6.
+insert into tav_operations_header (id,h2,h6,h7,h8,h10,perb,pere,vid,h1,h3) values (10,'500101001','1','18210301000011000110','НДС','46000000000','01.01.2011','31.12.2011',5,'5001007322','АО');
+insert into tav_operations_header (id,h2,h6,h7,h8,h10,perb,pere,vid,h1,h3) values (11,'500101001',Null,'короткий','НДС','46000000000','01.01.2012','31.12.2012',6,'5001007322','АО');
 insert into tav_operations (id,p3,p9,p13) values (1,'Сальдо на 01.01.2011','налог','-1000,5');
 insert into tav_operations (id,p3,p9,p13) values (1,'Сальдо на 01.01.2011','пеня','20');
 insert into tav_operations (id,p1,p3,p9,p10,p14) values (1,'15.01.2011','Начислено','налог','1234567,8','-1235548,3');

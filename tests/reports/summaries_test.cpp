@@ -3,6 +3,7 @@
 #include "common/failure.h"
 #include "common/progress.h"
 #include "common/regional.h"
+#include "db/holdings.h"
 #include "reports/act_amounts.h"
 #include "reports/get_files.h"
 #include "reports/get_files_act.h"
@@ -52,6 +53,16 @@ TEST_F(Summaries, OfStatementsConsolidated) {
     ExpectReport(out_ + u"index.doc", "statements_consolidated.txt", "statements.html");
     EXPECT_EQ(ReadFile(GetFiles(database_, kInn, kCode, folder_ / u"other")).size(),
               ReadFile(out_ + u"index.doc").size());
+}
+
+TEST_F(Summaries, OfACodeOfAnyLength) {
+    constexpr TextView kOther = u"5001007322";
+    GetFiles(database_, kOther, kAllSubdivisions, out_, {std::nullopt, false, u"короткий"});
+    EXPECT_EQ(LastSummary().code, u"короткий");
+    ASSERT_EQ(LastSummary().documents.size(), 1U);
+    EXPECT_EQ(LastSummary().documents[0].begin, Value(*DateFromCivil({2012, 1, 1})));
+    // What has a series is a statement, whatever else it lacks.
+    for (const HeldDocument& document : HeldDocuments(database_, kOther, {})) EXPECT_FALSE(document.act);
 }
 
 TEST_F(Summaries, OfActsIsTheGoldenOne) {

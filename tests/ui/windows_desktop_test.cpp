@@ -1,3 +1,4 @@
+#include "common/progress.h"
 #include "db/connection.h"
 #include "ui/session.h"
 
@@ -71,6 +72,14 @@ TEST_F(Windows, AnImportSurvivesAnotherTaxpayer) {
     EXPECT_TRUE(WaitCounts("lblInfoBase", "Выписок в базе данных: 225"));
 }
 
+// Somebody who chooses another code while a report is made.
+class Restless : public Progress {
+    void ProcessEvents() override {
+        Focus({"frmFilter", "cmbKBK"});
+        Press(Key::Up);
+    }
+};
+
 // The box, the tree and the report are of the same code, whatever becomes of the database meanwhile.
 TEST_F(Windows, KeepsToTheCodeWhosePeriodsItShows) {
     WriteStatements(5);
@@ -104,6 +113,14 @@ TEST_F(Windows, KeepsToTheCodeWhosePeriodsItShows) {
                                .append(samples::Taxes()[0].kbk)
                                .append(u"'"));
     }
+    {
+        Restless person;
+        const ScopedProgress scope(person);
+        Click({"frmFilter", "Command1"});
+        Focus(codes);
+    }
+    EXPECT_THAT(Opened("index"), HasSubstr("index"));
+    EXPECT_EQ(shown(), second);
     Press(Key::Up);
     EXPECT_THAT(RowsOf(codes), SizeIs(1));
     EXPECT_EQ(shown(), "");
