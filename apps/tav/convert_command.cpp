@@ -23,10 +23,11 @@ std::string ConvertXml(const Text& folder, const Text& name) {
     return act.entry;
 }
 
-std::string ConvertRtf(const Text& folder, const Text& name) {
+std::string ConvertRtf(Context& context, const Text& folder, const Text& name) {
     Conversion form = LoadRtfFile(folder, name);
     const Text dropped = DroppedTextLine(name, form.dropped_pages);
     if (!dropped.empty()) std::fputs(ToUtf8(dropped + u"\n").c_str(), stderr);
+    context.incomplete = context.incomplete || !dropped.empty();
     return std::move(form.entry);
 }
 
@@ -35,18 +36,18 @@ Text WhyNoPart(const Text& path) {
     return reason.empty() ? Text(u"не выписка и не акт") : reason;
 }
 
-std::string ConvertFile(const Text& path) {
+std::string ConvertFile(Context& context, const Text& path) {
     const Text folder = FolderOf(path);
     const Text name = NameOf(path);
     const TextView ending = Right(name, 3);
-    if (EqualNoCase(ending, u"rtf")) return ConvertRtf(folder, name);
+    if (EqualNoCase(ending, u"rtf")) return ConvertRtf(context, folder, name);
     if (EqualNoCase(ending, u"xml")) return ConvertXml(folder, name);
     throw Failure(Text(u"Не rtf и не xml: ") + path);
 }
 
 // An entry without a part would be taken for a document that was read.
-void PrintEntry(const Text& path) {
-    const std::string entry = ConvertFile(path);
+void PrintEntry(Context& context, const Text& path) {
+    const std::string entry = ConvertFile(context, path);
     if (entry.empty()) return;  // a message has told
     if (entry.find("<part") == entry.npos) throw Failure(NameOf(path) + u": " + WhyNoPart(path));
     Print(entry);
@@ -54,14 +55,14 @@ void PrintEntry(const Text& path) {
 
 }  // namespace
 
-void AddConvertCommand(CLI::App& app, Context&) {
+void AddConvertCommand(CLI::App& app, Context& context) {
     const auto files = std::make_shared<std::vector<std::string>>();
     CLI::App& convert = *app.add_subcommand(
         "convert", "Записи каталога для файлов rtf и xml — на стандартный вывод (Windows-1251)");
     convert.add_option("ФАЙЛ", *files, "Документы")->required();
-    convert.callback([files] {
+    convert.callback([&context, files] {
         for (const std::string& file : *files) {
-            Guarded(u"Преобразование", [&] { PrintEntry(PathArgument(file)); });
+            Guarded(u"Преобразование", [&] { PrintEntry(context, PathArgument(file)); });
         }
     });
 }

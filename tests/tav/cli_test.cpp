@@ -28,6 +28,8 @@ TEST_F(Cli, AFolderBecomesADatabaseAndAReport) {
     EXPECT_THAT(first.out, HasSubstr("Загружено документов: "));
     ExpectWhole();
     EXPECT_THAT(Tav({"convert", Path(u"in/Акт 01 прибыль ФБ 2010.xml")}).out, HasSubstr("<part type="));
+    folder_.Write(u"hidden.rtf", "{\\rtf1\\posx627\\par\\posx627 A}}} lost");
+    EXPECT_EQ(Tav({"convert", Path(u"hidden.rtf")}).status, 1);
     const Json before = Dump();
     const Outcome second = Import();
     EXPECT_EQ(second.status, 0) << second.err;
