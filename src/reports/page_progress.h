@@ -11,7 +11,6 @@ namespace tav {
 // A summary that is done in no time shows no progress.
 class PageProgress {
  public:
-    // A cancel that is pending was meant for something else and is forgotten.
     explicit PageProgress(int pages);
     ~PageProgress();
     PageProgress(const PageProgress&) = delete;
