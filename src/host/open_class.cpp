@@ -79,7 +79,7 @@ void View(Summarise summarise, TextView inn, TextView kpp) {
     }
 }
 
-// The filter dialog, loaded though not shown, to own what the shell asks or says.
+// The filter dialog, loaded though not shown, to own what the shell asks or says. It stays when somebody was shown it meanwhile.
 class LoadedFilter {
  public:
     LoadedFilter() {
@@ -92,7 +92,7 @@ class LoadedFilter {
 
  private:
     void End() const {
-        if (mine_) form_.Unload();
+        if (mine_ && !form_.Shown()) form_.Unload();
     }
 
     frmFilter& form_ = Shared<frmFilter>();

@@ -59,6 +59,7 @@ Form::Form(const FormPlan& plan, TextView load_title) : plan_(plan), load_title_
 
 void Form::Load() {
     const bool again = Loaded();
+    if (!again) shown_ = false;
     if (window_ == nullptr || !window_->Exists()) window_ = CurrentToolkit().Create(plan_, *this);
     unloaded_ = false;
     const Running running(*this);
@@ -68,13 +69,15 @@ void Form::Load() {
 void Form::Show(Form* owner) {
     Load();
     const bool owned = owner != nullptr && owner != this && owner->Loaded();
-    if (Loaded()) window_->Show(owned ? owner->window_.get() : nullptr);
+    shown_ = Loaded();
+    if (shown_) window_->Show(owned ? owner->window_.get() : nullptr);
 }
 
 void Form::ShowModal(Form& owner) {
     Load();
     const Running running(*this);
-    if (Loaded()) window_->ShowModal(owner.window_.get());
+    shown_ = Loaded();
+    if (shown_) window_->ShowModal(owner.window_.get());
 }
 
 void Form::Unload() {

@@ -25,6 +25,8 @@ class Form : public FormEvents {
 
     // Whether there is a window that the user has not closed.
     bool Loaded() const { return window_ != nullptr && !unloaded_ && window_->Exists(); }
+    // Whether it was shown since it was loaded.
+    bool Shown() const { return Loaded() && shown_; }
     // Creates the window and runs Form_Load; a window that exists gets
     // Form_Again. Without a toolkit: a Failure, and nothing has changed.
     void Load();
@@ -100,6 +102,7 @@ class Form : public FormEvents {
     OwnedWindow window_;
     int running_ = 0;        // handlers of this form that have not returned
     bool unloaded_ = false;  // the window goes when they have
+    bool shown_ = false;
 };
 
 // While it lives, the flag is set: a handler that runs events shows by it that it runs.

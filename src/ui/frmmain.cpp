@@ -116,7 +116,7 @@ void frmmain::Form_Load() {
     load([&] { txtOut.Set(SettingText(u"OutPath")); });
     load([&] { chkImportPath.Check(SettingTruth(u"ChkOut")); });
     for (Button* button : {&Command1, &Command2, &Command3, &Command6}) button->Enable(false);
-    ShowKpps(false);
+    ShowKpps();
     txtOut.Enable(chkImportPath.Checked());
     lblInfoFile.Set(u"Файлов в папке:\r\nПодлежат загрузке:");
     lblInfoBase.Set(CountsShown({}));
@@ -132,6 +132,7 @@ void frmmain::Form_Again() {
     outcome_.clear();
     ShowFailuresAgain();
     Guarded(kLoadTitle, [&] { ShowTaxpayer(); });
+    ShowKpps();
     FillBase();
     ScheduleRefresh();
 }
@@ -413,13 +414,14 @@ void frmmain::Browse(TextView title, TextControl& box) {
 }
 
 // Of one taxpayer they are all the same.
-void frmmain::ShowKpps(bool shown) {
+void frmmain::ShowKpps() {
+    const bool shown = IsEverySubdivision(Kpp());
     for (ListBox* list : {&lstFile, &lstBase}) list->ShowColumn(kKppColumn, shown);
 }
 
 void frmmain::chkKons_Click() {
     Guarded(u"Ошибка в функции chkKons_Click", [&] { ShowTaxpayer(); });
-    ShowKpps(chkKons.Checked());
+    ShowKpps();
     Refill();
 }
 

@@ -47,7 +47,7 @@ class frmmain : public Form {
     void txtAbout_Click();
 
     void ShowTaxpayer();
-    void ShowKpps(bool shown);
+    void ShowKpps();
     void FillBase();
     void ScheduleRefresh();
     void Refresh();
