@@ -90,7 +90,7 @@ class AdoEngine : public Engine {
     Recordset Execute(const SqlText& sql) override { return Recordset(ReadAll(Ask(sql))); }
     std::vector<TextSize> TextSizes(TextView table) override {
         constexpr long kTexts[] = {129, 130, 200, 202};  // the kinds of text that have a size
-        Object set = Ask(SqlText(Concat(u"select * from ", table, u" where id=0")));
+        Object set = Ask(SqlText(Concat(u"select * from ", table, u" where 1=0")));
         Object fields(set.Get(L"Fields"));
         std::vector<TextSize> sizes;
         const long count = fields.Get(L"Count").lVal;
