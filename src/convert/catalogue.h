@@ -10,9 +10,9 @@
 //   </file>
 //   </all>
 //
-// Windows-1251, CR LF, values raw (catalogue_markup.h), names without any mark-up. It grows to hundreds of megabytes, so it is read entry by
-// entry (catalogue_entry.h) in one pass, and what an entry holds is read once more when it is asked for
-// (catalogue_elements.h). An entry that cannot be read harms no other.
+// Windows-1251, CR LF, values raw (catalogue_markup.h), names without any mark-up. It grows to hundreds of
+// megabytes, so it is read entry by entry (catalogue_entry.h) in one pass, and what an entry holds is read once
+// more when it is asked for (catalogue_elements.h). An entry that cannot be read harms no other.
 //
 // A catalogue that somebody edited may have another encoding or other line ends: as long as it is XML,
 // it is brought to the form above first. One without a readable frame (no <all>, neither XML nor

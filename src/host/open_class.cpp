@@ -79,7 +79,8 @@ void View(Summarise summarise, TextView inn, TextView kpp) {
     }
 }
 
-// The filter dialog, loaded though not shown, to own what the shell asks or says. It stays when somebody was shown it meanwhile.
+// The filter dialog, loaded though not shown, to own what the shell asks or says. It stays when somebody was
+// shown it meanwhile.
 class LoadedFilter {
  public:
     LoadedFilter() {

@@ -23,12 +23,14 @@ enum class FilesOf {
 //   "Файлов в папке: " n CR LF "Подлежат загрузке: " n        (empty parts where nothing is known)
 // A KPP of 16 characters and more, or none, means every subdivision.
 //
-// `busy` says whether somebody else holds the database: its part of the text is empty then, and the list of the database
-// keeps its rows. A folder that has the same files as at its last listing keeps their states and its counts. `go_on` is called between the files of a folder, by the work that reads it (common/aside.h); false
-// ends the listing where it is.
+// `busy` says whether somebody else holds the database: its part of the text is empty then, and the list of the
+// database keeps its rows. A folder that has the same files as at its last listing keeps their states and its
+// counts. `go_on` is called between the files of a folder, by the work that reads it (common/aside.h); false ends
+// the listing where it is.
 //
-// Any other failure is shown (a file held by another program as "Запрет", else "Ошибка в функции SetFiles") and the text
-// holds what was found all the same: of the database though the folder cannot be read. The same failure is shown once, until a listing succeeds or ShowFailuresAgain.
+// Any other failure is shown (a file held by another program as "Запрет", else "Ошибка в функции SetFiles") and
+// the text holds what was found all the same: of the database though the folder cannot be read. The same failure
+// is shown once, until a listing succeeds or ShowFailuresAgain.
 Text SetFiles(
     ListBox& list, FilesOf source, TextView path, TextView inn, TextView kpp, bool& busy,
     const std::function<bool()>& go_on = [] { return true; });
