@@ -3,6 +3,9 @@
 #include <algorithm>
 
 #include "common/concat.h"
+#include "convert/catalogue.h"
+#include "convert/load_xml_file.h"
+#include "settings/settings.h"
 
 namespace tav {
 namespace {
@@ -20,6 +23,21 @@ SeenFile Look(const Text& path, const std::unordered_map<Text, SeenFile>& before
     const auto known = before.find(path);
     if (known != before.end() && stamp && known->second.stamp == stamp) return known->second;
     return {stamp, GlanceAtDocument(path)};
+}
+
+// Those that a scan lists, in its order.
+std::vector<Text> Documents(TextView folder) {
+    std::vector<Text> names = ListFiles(folder, u".rtf");
+    if (!SettingTruth(u"ActXml")) return names;
+    const auto forms = static_cast<std::ptrdiff_t>(names.size());
+    const Text schema = NameOf(ActSchemaPath());
+    for (Text& name : ListFiles(folder, u".xml")) {
+        if (!EqualNoCase(name, kCatalogueName) && !EqualNoCase(name, schema))
+            names.push_back(std::move(name));
+    }
+    std::ranges::inplace_merge(names, names.begin() + forms, {},
+                               [](const Text& name) { return UpperCase(name); });
+    return names;
 }
 
 ListRow RowOf(const FolderRow& file, const DocumentGlance& glance) {
@@ -53,7 +71,7 @@ Picture PictureOf(Finding finding) {
 
 FolderListing ListFolder(TextView folder, const std::function<bool()>& go_on) {
     FolderListing listing;
-    for (const Text& name : ListFiles(folder, u".rtf")) {
+    for (const Text& name : Documents(folder)) {
         if (!go_on()) break;
         FolderRow file{name, Concat(WithSeparator(folder), name)};
         SeenFile seen = Look(file.path, Last().seen);

@@ -39,7 +39,7 @@ struct FolderListing {
     std::unordered_map<Text, SeenFile> seen = {};  // by path
 };
 
-// One row per "*.rtf" file of the folder, in the order of the scan: code, OKATO and
+// One row per document that a scan lists, in its order: code, OKATO and
 // period of a document that is recognised, and the file's name. A file that cannot be
 // read says why in its tool-tip. A folder that is not there has no rows. `go_on` is
 // called between the files; false ends the listing, and the rows are those so far.

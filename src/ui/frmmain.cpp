@@ -276,6 +276,7 @@ void frmmain::ShowAbout(bool busy) {
     if (busy) lines.push_back(u"База данных занята: списки обновятся, когда она освободится.");
     if (!outcome_.empty()) lines.push_back(outcome_);
     if (Text states = CountsOfStates(FolderAccount()); !states.empty()) lines.push_back(std::move(states));
+    lines.insert(lines.end(), FolderAccount().notices.begin(), FolderAccount().notices.end());
     if (OffersDatabase()) {
         lines.push_back(u"Базы данных нет. Щелчок по этому тексту создаст её.");
     } else if (NextOfConcern(-1) >= 0) {

@@ -5,6 +5,7 @@
 #include "common/progress.h"
 #include "forms/forms.h"
 #include "reports/paper.h"
+#include "ui/frmShortImport.h"
 #include "ui/open_as.h"
 #include "ui/window_progress.h"
 
@@ -13,7 +14,11 @@ namespace {
 
 class WindowBox : public MessageBox {
  public:
-    void Show(const Message& message) override { CurrentToolkit().ShowMessage(message); }
+    // A progress window that is about to go would take the box along, unread.
+    void Show(const Message& message) override {
+        Shared<frmShortImport>().CloseNow();
+        CurrentToolkit().ShowMessage(message);
+    }
 };
 
 }  // namespace

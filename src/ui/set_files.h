@@ -14,7 +14,7 @@ namespace tav {
 
 enum class FilesOf {
     Database,  // one row per document held for the taxpayer; `path` is the database file
-    Folder     // one row per "*.rtf" file; `path` is the folder
+    Folder     // one row per document that a scan lists; `path` is the folder
 };
 
 // Fills `list` and returns the information text, three parts separated by "*":

@@ -1,5 +1,7 @@
 #include "common/progress.h"
 #include "db/connection.h"
+#include "ui/frmShortImport.h"
+#include "ui/screen.h"
 #include "ui/session.h"
 
 namespace tav {
@@ -194,6 +196,26 @@ INSTANTIATE_TEST_SUITE_P(Desktop, Sessions,
                          testing::Values("session", "import", "catches_up", "summary", "nothing", "settings",
                                          "surroundings", "double_click", "subdivisions", "lost", "folders"),
                          [](const auto& session) { return session.param; });
+
+// By the toolkit itself, as a person has it.
+TEST(WindowBox, IsNotTakenAlongByTheProgressWindow) {
+    const OwnSettings own;
+    UseWindows();
+    auto& progress = Shared<frmShortImport>();
+    progress.Begin(frmShortImport::Work::Import);
+    ASSERT_TRUE(WaitActive("frmShortImport"));
+    progress.CloseSoon();
+    const auto stayed = std::make_shared<bool>(false);
+    Soon(
+        [stayed] {
+            *stayed = BoxOnScreen().has_value();
+            if (*stayed) CloseBox();
+        },
+        400);
+    ShowMessage(u"import", u"нет");
+    EXPECT_TRUE(*stayed);
+    EXPECT_TRUE(WaitGone("frmShortImport"));
+}
 
 }  // namespace
 }  // namespace tav

@@ -148,6 +148,8 @@ void FormWindowQt::Show(FormWindow* owner) {
     if (!isVisible()) {
         setWindowModality(Qt::NonModal);
         setWindowFlags(owner == nullptr ? Qt::Window : Qt::Dialog);
+        contents_->layout()->activate();  // what has been set since then may need more room
+        FitContents();
         SetOwner(owner);
     }
     Appear();
