@@ -54,13 +54,14 @@ class ListBox : public SeenControl<OpenedByEnter<QTreeView>> {
         std::vector<int> widths;
         widths.reserve(static_cast<std::size_t>(widget_->header()->count()));
         for (int i = 0; i < widget_->header()->count(); ++i) {
-            widths.push_back(qRound(kTenths * widget_->header()->sectionSize(i) / Digit()));
+            widths.push_back(
+                i == LastShown() ? 0 : qRound(kTenths * widget_->header()->sectionSize(i) / Digit()));
         }
         return widths;
     }
     void SetColumnWidths(const std::vector<int>& widths) override {
         for (std::size_t i = 0; i < std::min(widths.size(), plan().columns.size()); ++i) {
-            if (widths[i] <= 0) continue;
+            if (widths[i] <= 0 || static_cast<int>(i) == LastShown()) continue;
             widget_->header()->resizeSection(static_cast<int>(i), qRound(widths[i] * Digit() / kTenths));
         }
     }
@@ -68,6 +69,12 @@ class ListBox : public SeenControl<OpenedByEnter<QTreeView>> {
  private:
     static constexpr double kTenths = 10;
 
+    // It has what is left, which is no width of its own: a column shown after it would have no room.
+    int LastShown() const {
+        int last = widget_->header()->count() - 1;
+        while (last >= 0 && widget_->header()->isSectionHidden(last)) --last;
+        return last;
+    }
     int Digit() const { return widget_->fontMetrics().horizontalAdvance(u'0'); }
     void SortBy(int column) {
         const int selected = SelectedRow();
