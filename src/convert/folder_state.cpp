@@ -65,8 +65,10 @@ std::optional<Catalogue> ExistingCatalogue(TextView path) {
 // Whether one of them, in the order of the listing, has this very name.
 bool IsAmong(const std::vector<ListedDocument>& documents, const Text& name) {
     const auto upper = [](const ListedDocument& document) { return UpperCase(document.name); };
-    const auto alike = std::ranges::equal_range(documents, UpperCase(name), {}, upper);
-    return std::ranges::find(alike, name, &ListedDocument::name) != alike.end();
+    const Text wanted = UpperCase(name);
+    auto document = std::ranges::lower_bound(documents, wanted, {}, upper);
+    while (document != documents.end() && document->name != name && upper(*document) == wanted) ++document;
+    return document != documents.end() && document->name == name;
 }
 
 }  // namespace
