@@ -197,7 +197,12 @@ Operand Operands::OperandOf(TokenRange expression) const {
     }
     if (At(begin).Is(u"distinct")) ++begin;
     if (begin >= end) return {Kind::Null, nullptr};
-    if (At(begin).Is(u"select")) return OperandOf(statement_.ScopeOf(begin).columns.front().expression);
+    if (At(begin).Is(u"select")) {
+        const std::vector<ResultColumn>& columns = statement_.ScopeOf(begin).columns;
+        // One that lacks its parentheses is itself a column of the select around it.
+        if (columns.empty() || columns.front().expression.begin <= begin) return {Kind::Other, nullptr};
+        return OperandOf(columns.front().expression);
+    }
     if (end - begin > 1 && TermAfter(begin).end != end) return {Kind::Number, nullptr};  // of operators
     if (!IsName(At(begin))) return OperandOfWord(At(begin));
     if (At(begin + 1).Is(u"(") && end - begin > 2) return ResultOf(expression);
