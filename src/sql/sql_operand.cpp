@@ -77,11 +77,10 @@ bool IsArithmetic(const Token& token) {
 }
 
 TextView Operands::NameOf(const ResultColumn& column) const {
-    if (!column.alias.empty() || column.expression.begin == column.expression.end) return column.alias;
-    const Token& last = statement_.tokens()[column.expression.end - 1];
+    if (!column.alias.empty() || column.expression.begin >= column.expression.end) return column.alias;
+    const Token& last = At(column.expression.end - 1);
     const std::size_t length = column.expression.end - column.expression.begin;
-    const bool plain =
-        length == 1 || (length == 3 && statement_.tokens()[column.expression.end - 2].Is(u"."));
+    const bool plain = length == 1 || (length == 3 && At(column.expression.end - 2).Is(u"."));
     return plain && IsName(last) ? last.text : TextView();
 }
 
@@ -92,8 +91,8 @@ Operands::Meaning Operands::ResolveIn(const Source& source, TextView name) const
                       : Meaning();
     }
     for (const ResultColumn& column : source.select->columns) {
-        if (column.expression.begin == column.expression.end) continue;
-        if (statement_.tokens()[column.expression.end - 1].Is(u"*")) {
+        if (column.expression.begin >= column.expression.end) continue;
+        if (At(column.expression.end - 1).Is(u"*")) {
             for (const Source& inner : source.select->sources) {
                 const Meaning meaning = ResolveIn(inner, name);
                 if (meaning.found) return {true, meaning.operand, source.name};
