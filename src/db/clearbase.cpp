@@ -13,7 +13,7 @@ namespace {
 
 // The ends of the statements on headers: whose.
 std::vector<SqlText> Conditions(TextView inn, TextView kpp) {
-    const bool any_kpp = IsEverySubdivision(kpp) || inn.find(u'|') != TextView::npos;
+    const bool any_kpp = TakesEveryKpp(inn, kpp);
     std::vector<SqlText> conditions;
     for (const Text& one : InnsOf(inn)) {
         SqlText& condition = conditions.emplace_back(u" where h1='").Value(one);

@@ -72,7 +72,7 @@ std::vector<HeldDocument> HeldDocuments(TextView database, TextView inn, TextVie
         sql.Fixed(u")");
         next = u" and ";
     }
-    if (!kpp.empty() && !IsEverySubdivision(kpp) && inn.find(u'|') == TextView::npos) {
+    if (!kpp.empty() && !TakesEveryKpp(inn, kpp)) {
         sql.Fixed(next).Fixed(u"h2='").Value(kpp).Fixed(u"'");
     }
     sql.Fixed(u" order by h7, h10, perb");

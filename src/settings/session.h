@@ -34,6 +34,10 @@ inline bool IsEverySubdivision(TextView kpp) {
     constexpr std::size_t kCharacters = 16;
     return kpp.size() >= kCharacters;
 }
+// Whether any KPP belongs to these INNs: to several, and with such a KPP.
+inline bool TakesEveryKpp(TextView inns, TextView kpp) {
+    return IsEverySubdivision(kpp) || inns.find(u'|') != inns.npos;
+}
 
 // The cancel stamp: 0 when no cancel is pending, else the time of day of the last cancel as the number HHMMSS
 // (143005 at 14:30:05). A cancel at exactly 00:00:00 stores 0 and is not seen.

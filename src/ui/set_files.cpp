@@ -52,7 +52,7 @@ std::vector<HeldDocument> DocumentsOf(Connection& connection, TextView inn, Text
     const Recordset highest = connection.Execute(u"select max(id), max(vid) from tav_operations_header");
     if (IsNull(highest.Field(0))) return documents;
 
-    const bool any_kpp = kpp.empty() || IsEverySubdivision(kpp) || inn.find(u'|') != TextView::npos;
+    const bool any_kpp = kpp.empty() || TakesEveryKpp(inn, kpp);
     for (const Text& one : InnsOf(inn)) {
         SqlText sql(
             u"select filename, vid, perb, pere, h2, h3, h6, h7,h8, h10  from tav_operations_header where "
