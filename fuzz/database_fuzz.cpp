@@ -15,16 +15,16 @@ constexpr std::size_t kPage = 4096;
 std::string GoodDatabase(const tav::fuzz::Scratch& file) {
     file.Write(tav::NewOperationsDatabase());
     tav::jet::Executor executor(file.path(), Database::Access::Write);
-    for (int i = 1; i <= 300; ++i) {
+    for (int i = 1; i <= 80; ++i) {
         tav::SqlText sql(u"insert into tav_operations_header (id,filename,h1,h2,h3,perb) values (");
         executor.Execute(sql.Number(i)
                              .Fixed(u",'")
-                             .Value(tav::Text(i % 200, u'x'))
+                             .Value(tav::Text(i + 60, u'x'))
                              .Fixed(u"','1','2','3','01.01.2010');"));
         tav::SqlText line(u"insert into tav_operations (id,p2,p10) values (");
         executor.Execute(line.Number(i % 7).Fixed(u",'text','12,50');"));
     }
-    executor.Execute(tav::SqlText(u"delete from tav_operations_header where id>100 and id<150;"));
+    executor.Execute(tav::SqlText(u"delete from tav_operations_header where id>50 and id<70;"));
     executor.Commit();
     std::ifstream in(tav::ToUtf8(file.path()), std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(in), {});
@@ -58,7 +58,7 @@ void WriteSome(const tav::Text& path) {
     for (const tav::TextView sql :
          {u"insert into tav_operations_header (id,filename,h1) values (1000,'new','1');",
           u"update tav_operations_header set h2='longer than it was' where id=7;",
-          u"delete from tav_operations_header where id<60;", u"insert into tav_acts (id) values (1);",
+          u"delete from tav_operations_header where id<30;", u"insert into tav_acts (id) values (1);",
           u"select * from tav_operations_header where h1='1' order by id desc;",
           u"delete from tav_operations where id=3;"}) {
         tav::fuzz::Try([&] { executor.Execute(tav::SqlText(sql)); });
