@@ -16,6 +16,30 @@ Text Reason(const xmlError& error) {
     return FromUtf8(words);
 }
 
+void Silence(void*, const char*, ...) {}
+
+// What the library says besides a parser, to the thread: a broken character of UTF-16 is an error of that kind. The
+// host may have functions of its own there.
+class ThreadErrors {
+ public:
+    ThreadErrors(xmlStructuredErrorFunc note, void* context) {
+        xmlSetStructuredErrorFunc(context, note);
+        xmlSetGenericErrorFunc(nullptr, Silence);
+    }
+    ~ThreadErrors() {
+        xmlSetStructuredErrorFunc(context_, note_);
+        xmlSetGenericErrorFunc(generic_context_, generic_);
+    }
+    ThreadErrors(const ThreadErrors&) = delete;
+    ThreadErrors& operator=(const ThreadErrors&) = delete;
+
+ private:
+    xmlStructuredErrorFunc note_ = xmlStructuredError;
+    void* context_ = xmlStructuredErrorContext;
+    xmlGenericErrorFunc generic_ = xmlGenericError;
+    void* generic_context_ = xmlGenericErrorContext;
+};
+
 }  // namespace
 
 PushParser::PushParser() : context_(xmlCreatePushParserCtxt(nullptr, nullptr, nullptr, 0, nullptr)) {
@@ -60,6 +84,7 @@ void PushParser::NoteError(void* context, xmlError* error) {
 }
 
 bool PushParser::Feed(std::string_view piece, bool last) {
+    const ThreadErrors errors(NoteError, context_.get());
     xmlParseChunk(context_.get(), piece.data(), static_cast<int>(piece.size()), last ? 1 : 0);
     return !exception_ && !error_ && context_->wellFormed != 0;
 }
@@ -80,7 +105,9 @@ void PushParser::Read(std::string_view bytes) {
     if (well) well = Feed({}, true);
     if (exception_) std::rethrow_exception(exception_);
     if (error_) throw XmlFailure(*error_);
-    if (!well) throw XmlFailure(XmlError{0, u"not well-formed"});
+    if (!well || xmlDocGetRootElement(context_->myDoc) == nullptr) {
+        throw XmlFailure(XmlError{0, u"not well-formed"});
+    }
 }
 
 xmlDoc* PushParser::TakeTree() {

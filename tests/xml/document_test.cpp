@@ -76,6 +76,11 @@ TEST(Document, RefusesWithLineAndReason) {
     const std::string bomb = "<!DOCTYPE a [<!ENTITY x \"yyyy\"><!ENTITY y \"&x;&x;\">]><a>&y;</a>";
     std::string deep;
     for (int i = 0; i < 100000; ++i) deep += "<a>";
+    // Half a character, before the root and in it, later than what is read at first.
+    std::string utf16("\xFF\xFE<\0a\0>\0", 8);
+    for (int i = 0; i < 40000; ++i) utf16 += std::string("b\0", 2);
+    const std::string half = "\xD8\xD8\xD8\xD8";
+    const std::string end("<\0/\0a\0>\0", 8);
     const Broken cases[] = {
         {"", 1},
         {"<a>\n<b>\n</a>", 3},
@@ -89,6 +94,9 @@ TEST(Document, RefusesWithLineAndReason) {
         {bomb, 1},
         {"<?xml version=\"1.0\"?>\n<!DOCTYPE a SYSTEM \"http://localhost/a.dtd\"><a/>", 2},
         {deep, 1},
+        {std::string("<\0?\0", 4) + half + half + utf16.substr(2), 0},
+        {utf16 + half + end, 0},
+        {utf16 + end + half, 0},
         {"{\\rtf1 no xml at all}", 1},
     };
     for (const Broken& broken : cases) {
