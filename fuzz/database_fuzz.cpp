@@ -17,10 +17,8 @@ std::string GoodDatabase(const tav::fuzz::Scratch& file) {
     tav::jet::Executor executor(file.path(), Database::Access::Write);
     for (int i = 1; i <= 80; ++i) {
         tav::SqlText sql(u"insert into tav_operations_header (id,filename,h1,h2,h3,perb) values (");
-        executor.Execute(sql.Number(i)
-                             .Fixed(u",'")
-                             .Value(tav::Text(i + 60, u'x'))
-                             .Fixed(u"','1','2','3','01.01.2010');"));
+        executor.Execute(
+            sql.Number(i).Fixed(u",'").Value(tav::Text(i + 60, u'x')).Fixed(u"','1','2','3','01.01.2010');"));
         tav::SqlText line(u"insert into tav_operations (id,p2,p10) values (");
         executor.Execute(line.Number(i % 7).Fixed(u",'text','12,50');"));
     }
