@@ -1,13 +1,10 @@
 #include "account_output.h"
 
-#include <nlohmann/json.hpp>
-
+#include "json_text.h"
 #include "terminal_output.h"
 
 namespace tav::cli {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 // Of more files with one finding a person is told the number; --json has all.
 constexpr int kNamesShown = 20;
@@ -30,19 +27,20 @@ void PrintNames(const ImportAccount& account, Finding finding, int count) {
     if (count > shown) PrintLine(u"    ... и ещё " + Digits(count - shown));
 }
 
-Json JsonOf(const Remark& remark) {
-    Json json = {{"finding", TextOf(remark.finding).key}};
+JsonText JsonOf(const Remark& remark) {
+    JsonText::Members members = {{"finding", TextOf(remark.finding).key}};
     for (const auto& [name, text] :
          {std::pair{"reason", &remark.reason}, {"inn", &remark.inn}, {"kpp", &remark.kpp}}) {
-        if (!text->empty()) json[name] = ToUtf8(*text);
+        if (!text->empty()) members.emplace_back(name, ToUtf8(*text));
     }
-    return json;
+    return JsonText::Object(members);
 }
 
-Json JsonOf(const FileAccount& file) {
-    Json remarks = Json::array();
+JsonText JsonOf(const FileAccount& file) {
+    std::vector<JsonText> remarks;
     for (const Remark& remark : file.remarks) remarks.push_back(JsonOf(remark));
-    return {{"name", ToUtf8(file.name)}, {"now", file.now}, {"remarks", remarks}};
+    return JsonText::Object(
+        {{"name", ToUtf8(file.name)}, {"now", file.now}, {"remarks", JsonText::Array(remarks)}});
 }
 
 }  // namespace
@@ -61,23 +59,22 @@ void PrintAccount(const ImportAccount& account) {
 }
 
 void PrintAccountAsJson(const ImportAccount& account) {
-    Json counts = Json::object();
-    for (const FindingText& text : FindingTexts())
-        counts[std::string(text.key)] = account.Count(text.finding);
-    Json notices = Json::array();
-    for (const Text& notice : account.notices) notices.push_back(ToUtf8(notice));
-    Json files = Json::array();
+    JsonText::Members counts;
+    for (const FindingText& text : FindingTexts()) counts.emplace_back(text.key, account.Count(text.finding));
+    std::vector<JsonText> notices;
+    for (const Text& notice : account.notices) notices.emplace_back(ToUtf8(notice));
+    std::vector<JsonText> files;
     for (const FileAccount& file : account.files) files.push_back(JsonOf(file));
-    const Json whole = {{"sentence", ToUtf8(ClosingSentence(account))},
-                        {"imported", account.imported},
-                        {"complete", account.complete},
-                        {"documents", account.documents},
-                        {"rows", account.rows},
-                        {"moved", account.moved},
-                        {"counts", counts},
-                        {"notices", notices},
-                        {"files", files}};
-    Print(whole.dump(1, ' ', false, Json::error_handler_t::replace) + "\n");
+    const JsonText whole = JsonText::Object({{"sentence", ToUtf8(ClosingSentence(account))},
+                                             {"imported", account.imported},
+                                             {"complete", account.complete},
+                                             {"documents", account.documents},
+                                             {"rows", account.rows},
+                                             {"moved", account.moved},
+                                             {"counts", JsonText::Object(counts)},
+                                             {"notices", JsonText::Array(notices)},
+                                             {"files", JsonText::Array(files)}});
+    Print(whole.text() + "\n");
 }
 
 }  // namespace tav::cli

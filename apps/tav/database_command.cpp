@@ -1,7 +1,5 @@
 // tav db: create, check, dump; export is export_command.cpp.
 
-#include <nlohmann/json.hpp>
-
 #include "commands.h"
 #include "common/guard.h"
 #include "db/empty_database.h"
@@ -9,46 +7,41 @@
 #include "exports/value_text.h"
 #include "jet/check/checker.h"
 #include "jet/table/database.h"
+#include "json_text.h"
 #include "settings/settings.h"
 #include "terminal_output.h"
 
 namespace tav::cli {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-Json JsonOf(const Value& value) {
+JsonText JsonOf(const Value& value) {
     struct Converter {
-        Json operator()(const Null&) const { return nullptr; }
-        Json operator()(bool flag) const { return flag; }
-        Json operator()(std::int64_t number) const { return number; }
-        Json operator()(double number) const { return number; }
-        Json operator()(const Money& money) const {
+        JsonText operator()(const Null&) const { return nullptr; }
+        JsonText operator()(bool flag) const { return flag; }
+        JsonText operator()(std::int64_t number) const { return number; }
+        JsonText operator()(double number) const { return number; }
+        JsonText operator()(const Money& money) const {
             return static_cast<double>(money.ten_thousandths) / 10000;
         }
-        Json operator()(const Date& date) const { return IsoDate(date); }
-        Json operator()(const Text& text) const { return ToUtf8(text); }
-        Json operator()(const Binary& binary) const { return HexDigits(binary.bytes); }
+        JsonText operator()(const Date& date) const { return IsoDate(date); }
+        JsonText operator()(const Text& text) const { return ToUtf8(text); }
+        JsonText operator()(const Binary& binary) const { return HexDigits(binary.bytes); }
     };
     return std::visit(Converter(), value);
 }
 
-std::string Dumped(const Json& json) {
-    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
 void DumpTable(jet::Table& table, bool first) {
     std::string out = first ? "\n" : ",\n";
-    out += Dumped(ToUtf8(table.definition().name)) + ": [";
+    out += JsonText(ToUtf8(table.definition().name)).text() + ": [";
     std::vector<std::string> names;
     for (const jet::Column& column : table.definition().columns)
         names.push_back(ToUtf8(LowerCase(column.name)));
     const char* separator = "\n";
     for (auto rows = table.Rows(); !rows.AtEnd(); rows.Next()) {
-        Json row = Json::object();
+        JsonText::Members row;
         const std::vector<Value> values = rows.row().All();
-        for (std::size_t i = 0; i < values.size(); ++i) row[names[i]] = JsonOf(values[i]);
-        out.append(separator).append(Dumped(row));
+        for (std::size_t i = 0; i < values.size(); ++i) row.emplace_back(names[i], JsonOf(values[i]));
+        out.append(separator).append(JsonText::Object(row, JsonText::Layout::Line).text());
         separator = ",\n";
         if (out.size() > 1 << 16) {
             Print(out);

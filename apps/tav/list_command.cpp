@@ -1,19 +1,17 @@
 // tav list: what the database holds.
 
 #include <memory>
-#include <nlohmann/json.hpp>
 
 #include "commands.h"
 #include "common/guard.h"
 #include "common/regional.h"
 #include "db/holdings.h"
+#include "json_text.h"
 #include "settings/settings.h"
 #include "terminal_output.h"
 
 namespace tav::cli {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 struct ListOptions {
     std::string inn;
@@ -21,30 +19,30 @@ struct ListOptions {
     bool json = false;
 };
 
-Json JsonOf(const HeldDocument& document) {
-    return {{"id", document.id},
-            {"kind", document.act ? "act" : "statement"},
-            {"current", document.current},
-            {"superseded", document.Superseded()},
-            {"filename", ToUtf8(document.file_name)},
-            {"inn", ToUtf8(document.inn)},
-            {"kpp", ToUtf8(document.kpp)},
-            {"name", ToUtf8(document.name)},
-            {"kbk", ToUtf8(document.code)},
-            {"tax", ToUtf8(document.tax)},
-            {"okato", ToUtf8(document.okato)},
-            {"begin", ToUtf8(ValueText(document.begin))},
-            {"end", ToUtf8(ValueText(document.end))}};
+JsonText JsonOf(const HeldDocument& document) {
+    return JsonText::Object({{"id", document.id},
+                             {"kind", document.act ? "act" : "statement"},
+                             {"current", document.current},
+                             {"superseded", document.Superseded()},
+                             {"filename", ToUtf8(document.file_name)},
+                             {"inn", ToUtf8(document.inn)},
+                             {"kpp", ToUtf8(document.kpp)},
+                             {"name", ToUtf8(document.name)},
+                             {"kbk", ToUtf8(document.code)},
+                             {"tax", ToUtf8(document.tax)},
+                             {"okato", ToUtf8(document.okato)},
+                             {"begin", ToUtf8(ValueText(document.begin))},
+                             {"end", ToUtf8(ValueText(document.end))}});
 }
 
 void PrintJson(const std::vector<HeldDocument>& documents, const HoldingCounts& counts) {
-    Json list = Json::array();
+    std::vector<JsonText> list;
     for (const HeldDocument& document : documents) list.push_back(JsonOf(document));
-    const Json whole = {{"statements", counts.statements},
-                        {"acts", counts.acts},
-                        {"alone", counts.alone},
-                        {"documents", list}};
-    Print(whole.dump(1, ' ', false, Json::error_handler_t::replace) + "\n");
+    const JsonText whole = JsonText::Object({{"statements", counts.statements},
+                                             {"acts", counts.acts},
+                                             {"alone", counts.alone},
+                                             {"documents", JsonText::Array(list)}});
+    Print(whole.text() + "\n");
 }
 
 void PrintText(const std::vector<HeldDocument>& documents, const HoldingCounts& counts) {
