@@ -39,15 +39,6 @@ class RunningImport {
     const OnLeft left_{ForgetImport};
 };
 
-// What killed imports, reports and exports have left there.
-void RemoveLeftoversIn(TextView folder) {
-    if (folder.empty()) return;
-    for (const StampedFile& file : ListFilesWithStamps(folder, IsLeftover)) {
-        RemoveLeftover(WithSeparator(folder).append(file.name));
-    }
-    RemoveWorkFolders(folder);
-}
-
 }  // namespace
 
 ImportFolders ChooseFolders(TextView import_folder, TextView move_folder) {
@@ -93,7 +84,7 @@ ImportAccount LoadCatalogue(TextView catalogue, TextView inn, TextView kpp, Text
     GuardedBy(
         [&] {
             for (const Text& folder : {Text(move_folder), FolderOf(getbase()), ExportFolder()})
-                RemoveLeftoversIn(folder);
+                RemoveLeftovers(folder);
         },
         [](const Failure&) {});
     ImportAccount account = LoadFromXml(catalogue, getbase(), inn, kpp, move_folder, scan);

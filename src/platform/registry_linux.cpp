@@ -13,6 +13,7 @@
 #include "platform/files.h"
 #include "platform/posix_linux.h"
 #include "platform/registry.h"
+#include "platform/work_folder.h"
 
 namespace tav {
 namespace {
@@ -148,8 +149,7 @@ constexpr char16_t kByteOrderMark = 0xFEFF;
 class Store {
  public:
     Store() : path_(StorePath()) {
-        if (!FileExists(path_)) return;
-        const Text content = FromUtf8(ReadFile(path_));
+        const Text content = Content();
         TextView rest = content;
         if (rest.starts_with(kByteOrderMark)) rest.remove_prefix(1);
         while (!rest.empty()) {
@@ -188,6 +188,7 @@ class Store {
     void Save() const {
         Text content;
         for (const Text& line : lines_) content += line + u'\n';
+        RemoveLeftovers(FolderOf(path_));
         WriteFileWhole(path_, ToUtf8(content));
     }
 
@@ -197,6 +198,18 @@ class Store {
         bool found = false;
         std::size_t line = 0;  // of the value, or where a new one of the section goes
     };
+
+    // A file that is there but cannot be read is not taken for an empty one, which would be written over it.
+    Text Content() const {
+        try {
+            return FromUtf8(ReadFile(path_));
+        } catch (const Failure& failure) {
+            if (failure.error() != RunTimeError::FileNotFound &&
+                failure.error() != RunTimeError::PathNotFound)
+                throw;
+            return {};
+        }
+    }
 
     Place Locate(TextView section, TextView name) const {
         Place place;

@@ -35,4 +35,7 @@ class WorkFolder {
 // Removes the work folders that killed programs left in a folder.
 void RemoveWorkFolders(TextView folder);
 
+// The same of temporary files and work folders. What cannot be seen or removed stays.
+void RemoveLeftovers(TextView folder);
+
 }  // namespace tav

@@ -3,6 +3,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -44,18 +45,24 @@ void RemoveWorkFolders(TextView folder) {
 
 WorkFolder::WorkFolder(TextView target) : in_use_(std::make_unique<InUse>()) {
     RemoveWorkFolders(FolderOf(target));
-    std::string pattern = ToUtf8(FolderOf(target)) + ".tav-" + std::string(6, 'X');
-    if (::mkdtemp(pattern.data()) == nullptr) posix::Refuse(errno, target);
-    in_use_->folder = Locked(pattern);
+    constexpr std::size_t kLetters = 6;
+    std::string pattern = ToUtf8(FolderOf(target)) + ".tav-" + std::string(kLetters, 'X');
     path_ = WithSeparator(FromUtf8(pattern));
+    if (::mkdtemp(pattern.data()) == nullptr) posix::Refuse(errno, target);
+    // From here on nothing fails: nobody would remove the folder.
+    std::copy(pattern.end() - kLetters, pattern.end(), path_.end() - kLetters - 1);
+    in_use_->folder = Locked(pattern);
     const mode_t mask = ::umask(0);
     ::umask(mask);
     ::chmod(pattern.c_str(), 0777 & ~mask);
 }
 
 WorkFolder::~WorkFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(ToUtf8(path_), ignored);
+    try {
+        std::filesystem::remove_all(ToUtf8(path_));
+    } catch (...) {
+        return;  // it goes another time
+    }
 }
 
 void WorkFolder::Publish(TextView name, TextView target) {

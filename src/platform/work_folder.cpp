@@ -1,0 +1,19 @@
+#include "platform/work_folder.h"
+
+#include "common/failure.h"
+#include "platform/files.h"
+
+namespace tav {
+
+void RemoveLeftovers(TextView folder) {
+    if (folder.empty()) return;
+    try {
+        for (const StampedFile& file : ListFilesWithStamps(folder, IsLeftover))
+            RemoveLeftover(WithSeparator(folder).append(file.name));
+    } catch (const Failure&) {
+        return;  // they harm nobody, and go another time
+    }
+    RemoveWorkFolders(folder);
+}
+
+}  // namespace tav
