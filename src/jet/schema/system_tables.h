@@ -34,7 +34,9 @@ enum SystemTable : std::size_t { kObjects, kAccess, kQueries, kRelationships, kS
 
 struct SystemTablePlan {
     TablePlan table;
-    std::vector<std::uint8_t> index_flags;  // one per index
+    // One per index. (No vector: when that at the end of an aggregate in a list gets no memory, the compiler's
+    // code frees what stands before it twice.)
+    std::array<std::uint8_t, 3> index_flags{};
 };
 const std::array<SystemTablePlan, kSystemTables>& SystemTablePlans();
 
