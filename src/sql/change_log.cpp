@@ -51,8 +51,8 @@ void ChangeLog::TakeBack(std::size_t length) {
                 search_.Updated(now, before, id);
             }
         }
-    } catch (const Failure&) {
-        lost_ = true;  // a damaged page; the statement's own failure says so
+    } catch (...) {
+        lost_ = true;  // a damaged page, or too little memory; the statement's own failure says so
     }
     if (lost_) search_.DropHashes();
 }

@@ -61,11 +61,16 @@ struct Executor::State {
 const TableDefinition* Executor::State::FindTable(TextView name) {
     Table* table = database.FindTable(name);
     if (table == nullptr) return nullptr;
-    std::unique_ptr<VirtualTable>& known = tables[table];
-    if (known == nullptr) {
-        known = std::make_unique<VirtualTable>(*table, callbacks);
-        if (savepoint) known->log().Begin();
-        known->Register(sqlite.get());
+    if (!tables.contains(table)) {
+        auto made = std::make_unique<VirtualTable>(*table, callbacks);
+        if (savepoint) made->log().Begin();
+        const auto known = tables.emplace(table, std::move(made)).first;
+        try {
+            known->second->Register(sqlite.get());
+        } catch (...) {
+            tables.erase(known);
+            throw;
+        }
     }
     return &table->definition();
 }

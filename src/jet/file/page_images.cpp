@@ -10,6 +10,10 @@ constexpr std::size_t kSpareBuffers = 64;
 
 }  // namespace
 
+PageImages::PageImages(PageCache& cache, PageCache::Level level) : cache_(&cache), level_(level) {
+    spare_.reserve(kSpareBuffers);
+}
+
 void PageImages::Begin() {
     End();
     active_ = true;
@@ -52,10 +56,12 @@ bool PageImages::TakeBack() {
     return true;
 }
 
-void PageImages::End() {
+// It needs no memory: a unit that is whole cannot fail here.
+void PageImages::End() noexcept {
     active_ = false;
     for (Image& image : images_) {
-        if (image.bytes != nullptr && spare_.size() < kSpareBuffers) spare_.push_back(std::move(image.bytes));
+        if (image.bytes != nullptr && spare_.size() < spare_.capacity())
+            spare_.push_back(std::move(image.bytes));
     }
     images_.clear();
     in_memory_ = 0;

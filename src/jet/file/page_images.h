@@ -12,7 +12,7 @@ namespace tav::jet {
 class PageImages {
  public:
     // The cache outlives the images.
-    PageImages(PageCache& cache, PageCache::Level level) : cache_(&cache), level_(level) {}
+    PageImages(PageCache& cache, PageCache::Level level);
 
     // From now on; what was kept before is dropped.
     void Begin();
@@ -21,7 +21,7 @@ class PageImages {
     void Appended(PageCache::CachedPage& cached) const { cached.kept[level_] = number_; }
     // False when none has begun. Images of the other level that began later are of no use after this.
     bool TakeBack();
-    void End();
+    void End() noexcept;
 
  private:
     // One that the unit had not changed yet is as it is on the disk.

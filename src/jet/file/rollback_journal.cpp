@@ -210,7 +210,7 @@ void RollbackJournal::Validate() const {
 void RollbackJournal::Remove() const noexcept {
     try {
         DeleteFile(path_);
-    } catch (const Failure&) {
+    } catch (...) {
         return;
     }
 }

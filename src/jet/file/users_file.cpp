@@ -47,7 +47,7 @@ UsersFile::~UsersFile() {
     if (!lock_) return;
     try {
         DeleteFile(path_);
-    } catch (const Failure&) {
+    } catch (...) {
         return;  // it goes with the next open
     }
 }
