@@ -65,8 +65,9 @@ void RichText::Begin(std::string_view document) {
     at_ = document.data();
     end_ = at_ + document.size();
     if (capacity_ < document.size() + 1) {
-        capacity_ = 2 * document.size() + 1;
-        buffer_ = std::make_unique_for_overwrite<char[]>(capacity_);
+        const std::size_t capacity = 2 * document.size() + 1;
+        buffer_ = std::make_unique_for_overwrite<char[]>(capacity);
+        capacity_ = capacity;
     }
     out_ = paragraph_ = buffer_.get();
     depth_ = 0;
