@@ -11,7 +11,7 @@
 namespace tav {
 
 struct ActField {
-    TextView path;          // XPath; one that does not begin with "//" starts at the act's section 2
+    TextView path;  // of the attribute; one that does not begin with "//" starts at the act's section 2
     std::string_view name;  // "h1", "p11", "perb"
 };
 

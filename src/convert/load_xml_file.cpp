@@ -42,9 +42,9 @@ std::string Element(int tabs, std::string_view name, std::string_view value) {
 std::string Part(const Document& document) {
     std::string part;
     for (const ActField& field : ActFields()) {
-        const Node node = document.SelectSingleNode(FullPath(field));
-        if (!node) continue;
-        const std::string value = ToWindows1251(node.Content());
+        const std::optional<Text> content = document.Attribute(FullPath(field));
+        if (!content) continue;
+        const std::string value = ToWindows1251(*content);
         if (field.name == "h1") part += Line(1, ToWindows1251(u"<part type=\"акт\">")) + Line(2, "<head>");
         if (field.name == "perb") part += Element(3, "h13", value);
         part += Element(3, ElementName(field), value);

@@ -1,4 +1,4 @@
-// XML documents as a tree, over libxml2: Document, Node and the selection language XPath.
+// XML documents as a tree, over libxml2.
 //
 // Input: bytes of XML 1.0 in Windows-1251, UTF-8, UTF-16 or whatever encoding else the document
 // declares and the library knows. Nothing is fetched from the network, and no entity is substituted
@@ -12,15 +12,14 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "common/failure.h"
 #include "common/text.h"
 
 struct _xmlDoc;
-struct _xmlNode;
 
 namespace tav {
 
@@ -46,41 +45,14 @@ class XmlFailure : public Failure {
     XmlError error_;
 };
 
-// An element or attribute of a living Document, or nothing. Copied freely.
-class Node {
- public:
-    Node() = default;
-    explicit Node(_xmlNode* node) : node_(node) {}
-
-    explicit operator bool() const { return node_ != nullptr; }
-
-    Text Name() const;
-    // The text of the element with everything in it, or the attribute's value.
-    Text Content() const;
-    // The element's child elements, in document order.
-    std::vector<Node> Children() const;
-    // The first attribute, or nothing.
-    Node FirstAttribute() const;
-
-    // The nodes an XPath selects from here, in document order. A path that is no
-    // XPath is a Failure; so is, by a limit of the library, one that begins with
-    // a single "/" and a letter outside ASCII (say "//" or start without it).
-    std::vector<Node> SelectNodes(TextView path) const;
-    // The first of them, or nothing.
-    Node SelectSingleNode(TextView path) const;
-
- private:
-    _xmlNode* node_ = nullptr;
-};
-
 class Document {
  public:
     static Document Parse(std::string_view bytes);
 
-    Node Root() const;
-    // A relative path starts above the root element.
-    std::vector<Node> SelectNodes(TextView path) const { return Whole().SelectNodes(path); }
-    Node SelectSingleNode(TextView path) const { return Whole().SelectSingleNode(path); }
+    // The value of the first attribute, in document order, that a path leads to: "//a/b/@c" is attribute c of
+    // an element b in an element a, wherever that is. Names of no namespace. (The library's XPath, which could
+    // do more, ends the program when it gets no memory.)
+    std::optional<Text> Attribute(TextView path) const;
 
     // The document as Windows-1251 with CR LF line ends, its white space kept. A character the code page
     // lacks becomes a character reference.
@@ -94,7 +66,6 @@ class Document {
     };
 
     explicit Document(_xmlDoc* document) : document_(document) {}
-    Node Whole() const;
 
     std::unique_ptr<_xmlDoc, Free> document_;
 };

@@ -3,6 +3,7 @@
 #include <new>
 #include <utility>
 
+#include "common/memory_watch.h"
 #include "xml/encoding.h"
 
 namespace tav {
@@ -97,6 +98,7 @@ void PushParser::Read(std::string_view bytes) {
     xmlCtxtUseOptions(context_.get(),
                       XML_PARSE_NONET | XML_PARSE_COMPACT | (settled ? XML_PARSE_IGNORE_ENC : 0));
     if (bytes.empty()) throw XmlFailure(XmlError{1, u"the document is empty"});
+    const MemoryWatch memory;
     bool well = true;
     for (std::size_t at = 0; well && at < bytes.size(); at += kPiece) {
         const std::string_view piece = bytes.substr(at, kPiece);
@@ -104,6 +106,7 @@ void PushParser::Read(std::string_view bytes) {
     }
     if (well) well = Feed({}, true);
     if (exception_) std::rethrow_exception(exception_);
+    memory.Check();
     if (error_) throw XmlFailure(*error_);
     if (!well || xmlDocGetRootElement(context_->myDoc) == nullptr) {
         throw XmlFailure(XmlError{0, u"not well-formed"});

@@ -6,6 +6,7 @@
 
 #include <new>
 
+#include "common/memory_watch.h"
 #include "xml/handles.h"
 
 namespace tav {
@@ -64,7 +65,9 @@ Schema::Schema(TextView path, std::string_view bytes) {
     FirstError first;
     xmlSchemaSetParserStructuredErrors(parser.get(), FirstError::Note, &first);
     const NoNetwork no_network;
+    const MemoryWatch memory;
     state_->schema.reset(xmlSchemaParse(parser.get()));
+    memory.Check();
     if (!state_->schema) throw XmlFailure(subject, first.error.value_or(XmlError{0, u"not a schema"}));
 }
 
@@ -76,7 +79,10 @@ std::optional<XmlError> Schema::Validate(const Document& document) const {
     if (!validator) throw std::bad_alloc();
     FirstError first;
     xmlSchemaSetValidStructuredErrors(validator.get(), FirstError::Note, &first);
-    if (xmlSchemaValidateDoc(validator.get(), document.handle()) == 0) return std::nullopt;
+    const MemoryWatch memory;
+    const bool valid = xmlSchemaValidateDoc(validator.get(), document.handle()) == 0;
+    memory.Check();
+    if (valid) return std::nullopt;
     return first.error ? first.error : XmlError{0, u"not valid"};
 }
 

@@ -6,6 +6,7 @@
 #include <QPainter>
 #include <QPdfWriter>
 
+#include "common/memory_watch.h"
 #include "forms/qt/application.h"
 #include "pdf/qt/page_links.h"
 #include "pdf/qt/sheet_painter.h"
@@ -28,19 +29,23 @@ class PdfDocumentQt : public PdfDocument {
     }
 
     void Add(const Sheet& sheet) override {
+        const MemoryWatch memory;
         if (painter_.isActive()) {
             NewPage();
-        } else {
-            painter_.begin(&writer_);
+        } else if (!painter_.begin(&writer_)) {
+            throw std::bad_alloc();
         }
         first_pages_.push_back(page_);
         const QSizeF area(writer_.width(), writer_.height());
         SheetPainter(painter_, area, [this] { NewPage(); }).Draw(sheet);
+        memory.Check();
         if (between_pages_) between_pages_();
     }
 
     std::string Finish() override {
+        const MemoryWatch memory;
         painter_.end();
+        memory.Check();
         std::string bytes = file_.buffer().toStdString();
         ArrangePages(bytes, first_pages_);
         return bytes;
@@ -49,7 +54,7 @@ class PdfDocumentQt : public PdfDocument {
  private:
     void NewPage() {
         if (between_pages_) between_pages_();
-        writer_.newPage();
+        if (!writer_.newPage()) throw std::bad_alloc();
         ++page_;
     }
 
