@@ -1,5 +1,6 @@
-// A library that a program is started with (LD_PRELOAD): it sees the system calls on the files of one folder, lets them
-// fail, and writes them down. tests/faults/run plays with it.
+// A library that a program is started with (LD_PRELOAD): it sees the system calls on the files of one folder,
+// lets them fail, and writes them down. The date stands still, so that the same run writes the same bytes.
+// tests/faults/run plays with it.
 //
 //     TAV_FAULT_FOLDER   the folder, from the root on
 //     TAV_FAULT_LOG      the calls, one on a line, in fields separated by tabs: name; "failed", -1 (refused by the
@@ -7,13 +8,16 @@
 //                        the bytes written, which follow the line; path; second path. At the end "allocations", their
 //                        number and empty fields
 //     TAV_FAULT_CALL     the number of the call that fails, from 1 on; "7-": the seventh and all after it
-//     TAV_FAULT_ERROR    with which errno
+//     TAV_FAULT_ERROR    with which errno (28, a full disk: only calls that take space fail); 0: the call does
+//                        not fail, but reads or writes half of what was asked
 //     TAV_FAULT_MEMORY   the number of the allocation that fails, from the first call in the folder on
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <sched.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -60,6 +64,13 @@ struct Faults {
     int error = static_cast<int>(Number("TAV_FAULT_ERROR"));
     long calls = 0;
 
+    Faults() {
+        // On one processor the calls have one order.
+        cpu_set_t one;
+        CPU_ZERO(&one);
+        CPU_SET(static_cast<std::size_t>(::sched_getcpu()), &one);
+        if (!folder.empty()) ::sched_setaffinity(0, sizeof one, &one);
+    }
     void Log(const std::string& line) const {
         if (::write(log, line.data(), line.size()) < 0) std::abort();
     }
@@ -95,7 +106,13 @@ struct Call {
     std::string second = {};
     long number = 0;
     std::string_view bytes = {};
+    std::size_t* size = nullptr;  // of what is read or written
 };
+
+bool TakesSpace(std::string_view name, const Call& call) {
+    return !call.bytes.empty() || name == "ftruncate" || name == "fsync" || name == "mkdir" ||
+           name.starts_with("rename") || (name == "open" && (call.number & O_CREAT) != 0);
+}
 
 template <class Result, class Real>
 Result Through(const char* name, const Call& call, Result failed, Real real) {
@@ -104,7 +121,9 @@ Result Through(const char* name, const Call& call, Result failed, Real real) {
     const std::lock_guard lock(faults.one_at_a_time);
     if (allocations < 0) allocations = 0;
     ++faults.calls;
-    const bool fails = faults.calls == faults.failing || (faults.all_after && faults.calls > faults.failing);
+    const bool meant = faults.calls == faults.failing || (faults.all_after && faults.calls > faults.failing);
+    if (meant && faults.error == 0 && call.size != nullptr) *call.size = (*call.size + 1) / 2;
+    const bool fails = meant && faults.error != 0 && (faults.error != ENOSPC || TakesSpace(name, call));
     const ino_t before = InodeOf(call.path);
     errno = fails ? faults.error : errno;
     const Result result = fails ? failed : real();
@@ -149,12 +168,13 @@ __attribute__((destructor)) void LogAllocations() {
     }
 extern "C" {
 
-FAULTY(ssize_t, read, (int file, void* to, size_t size), (file, to, size), -1, PathOf(file))
-FAULTY(ssize_t, pread, (int file, void* to, size_t size, off_t at), (file, to, size, at), -1, PathOf(file))
+FAULTY(ssize_t, read, (int file, void* to, size_t size), (file, to, size), -1, PathOf(file), "", 0, {}, &size)
+FAULTY(ssize_t, pread, (int file, void* to, size_t size, off_t at), (file, to, size, at), -1, PathOf(file),
+       "", 0, {}, &size)
 FAULTY(ssize_t, pwrite, (int file, const void* from, size_t size, off_t at), (file, from, size, at), -1,
-       PathOf(file), "", at, {static_cast<const char*>(from), size})
+       PathOf(file), "", at, {static_cast<const char*>(from), size}, &size)
 FAULTY(ssize_t, write, (int file, const void* from, size_t size), (file, from, size), -1, PathOf(file), "",
-       ::lseek(file, 0, SEEK_CUR), {static_cast<const char*>(from), size})
+       ::lseek(file, 0, SEEK_CUR), {static_cast<const char*>(from), size}, &size)
 FAULTY(int, ftruncate, (int file, off_t size), (file, size), -1, PathOf(file), "", size)
 FAULTY(int, fsync, (int file), (file), -1, PathOf(file))
 FAULTY(int, fdatasync, (int file), (file), -1, PathOf(file))
@@ -227,6 +247,33 @@ int fcntl(int file, int what, ...) {
     if (inside || (what != F_OFD_SETLK && what != F_OFD_GETLK)) return real(file, what, argument);
     const Inside scope;
     return Through("fcntl", {PathOf(file)}, -1, [&] { return real(file, what, argument); });
+}
+
+// By the names of libraries whose files may be large.
+#define ALIAS(result, name, parameters) result name##64 parameters __attribute__((alias(#name)))
+ALIAS(int, open, (const char* path, int how, ...));
+ALIAS(int, fcntl, (int file, int what, ...));
+ALIAS(ssize_t, pread, (int file, void* to, size_t size, off_t at));
+ALIAS(ssize_t, pwrite, (int file, const void* from, size_t size, off_t at));
+ALIAS(int, ftruncate, (int file, off_t size));
+ALIAS(int, fstat, (int file, struct stat64* status));
+ALIAS(int, stat, (const char* path, struct stat64* status));
+ALIAS(int, lstat, (const char* path, struct stat64* status));
+
+int clock_gettime(clockid_t clock, timespec* time) noexcept {
+    const long result = ::syscall(SYS_clock_gettime, clock, time);
+    if (clock == CLOCK_REALTIME) *time = {1'300'000'000, 0};
+    return static_cast<int>(result);
+}
+time_t time(time_t* to) noexcept {
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    if (to != nullptr) *to = now.tv_sec;
+    return now.tv_sec;
+}
+int gettimeofday(timeval* to, void*) noexcept {
+    *to = {time(nullptr), 0};
+    return 0;
 }
 
 void* malloc(std::size_t size) {
