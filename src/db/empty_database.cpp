@@ -5,6 +5,7 @@
 #include "jet/create/create.h"
 #include "jet/file/rollback_journal.h"
 #include "platform/files.h"
+#include "platform/work_folder.h"
 
 namespace tav {
 namespace {
@@ -102,6 +103,7 @@ void CreateDatabase(TextView path) {
             Concat(u"Рядом лежит журнал отката прежней базы данных, сначала уберите его: ", journal));
     }
     WriteFileWhole(path, NewOperationsDatabase());
+    RemoveLeftovers(FolderOf(path));
 }
 
 }  // namespace tav

@@ -1,6 +1,5 @@
 #include "platform/work_folder.h"
 
-#include "common/failure.h"
 #include "platform/files.h"
 
 namespace tav {
@@ -10,10 +9,10 @@ void RemoveLeftovers(TextView folder) {
     try {
         for (const StampedFile& file : ListFilesWithStamps(folder, IsLeftover))
             RemoveLeftover(WithSeparator(folder).append(file.name));
-    } catch (const Failure&) {
+        RemoveWorkFolders(folder);
+    } catch (...) {
         return;  // they harm nobody, and go another time
     }
-    RemoveWorkFolders(folder);
 }
 
 }  // namespace tav

@@ -9,6 +9,7 @@
 #include "common/windows1251.h"
 #include "platform/environment.h"
 #include "platform/files.h"
+#include "platform/work_folder.h"
 #include "settings/session.h"
 
 namespace tav {
@@ -81,6 +82,7 @@ Text GuardedReport(TextView title, TextView database, const std::function<Text(T
                 [report, body] {
                     const RunningReport this_one(report->database);
                     report->written = body(report->file);
+                    RemoveLeftovers(FolderOf(report->written));
                 },
                 RequestCancel);
         },
