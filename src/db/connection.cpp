@@ -41,6 +41,10 @@ Recordset Connection::Execute(const SqlText& sql) {
     return Opened().Execute(sql);
 }
 
+void Connection::ExecuteAll(std::span<const SqlText> statements) {
+    Opened().ExecuteAll(statements);
+}
+
 void Connection::ForEachRow(const SqlText& sql, const TakeRow& take) {
     Opened().ForEachRow(sql, take);
 }

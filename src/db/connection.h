@@ -5,6 +5,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 
 #include "common/text.h"
 #include "sql/recordset.h"
@@ -34,11 +35,12 @@ class Connection {
 
     Recordset Execute(const SqlText& sql);
     Recordset Execute(TextView sql) { return Execute(SqlText(sql)); }
+    // Statements that return no rows, one after the other. Updates of one shape cost little more than one of them.
+    void ExecuteAll(std::span<const SqlText> statements);
     // Gives `take` the rows of a select one after the other: many rows need little memory.
     void ForEachRow(const SqlText& sql, const TakeRow& take);
 
-    // The statements executed so far reach the disk together (one
-    // unit per source file). Nothing a caller can see changes.
+    // The statements executed so far reach the disk together. Nothing a caller can see changes.
     void EndUnit();
     // What is executed since SetSavepoint is taken back by RollBackToSavepoint, or kept by ReleaseSavepoint.
     // There is one savepoint at a time, and no EndUnit between the two.

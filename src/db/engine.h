@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <limits>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "common/text.h"
@@ -24,6 +25,11 @@ class Engine {
     virtual ~Engine() = default;
 
     virtual Recordset Execute(const SqlText& sql) = 0;
+    // Statements that return no rows, one after the other. An engine may do what it does for all of them at once; the
+    // one that fails ends them.
+    virtual void ExecuteAll(std::span<const SqlText> statements) {
+        for (const SqlText& sql : statements) Execute(sql);
+    }
     // Gives `take` the rows of a select one after the other, where an engine can do that without gathering them.
     virtual void ForEachRow(const SqlText& sql, const TakeRow& take) {
         for (Recordset rows = Execute(sql); !rows.Eof(); rows.MoveNext()) take(rows.Row());

@@ -28,6 +28,7 @@ class NativeEngine : public Engine {
                     kTables) {}
 
     Recordset Execute(const SqlText& sql) override { return executor_.Execute(sql); }
+    void ExecuteAll(std::span<const SqlText> statements) override { executor_.ExecuteAll(statements); }
     void ForEachRow(const SqlText& sql, const TakeRow& take) override { executor_.ForEachRow(sql, take); }
     void EndUnit() override { executor_.Commit(); }
     void SetSavepoint() override { executor_.SetSavepoint(); }

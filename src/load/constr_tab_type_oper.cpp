@@ -39,10 +39,10 @@ std::int16_t BalanceType(TextView operation, TextView payment) {
     return 0;
 }
 
-void AssignType(Connection& connection, std::int16_t type, TextView operation, TextView payment) {
+SqlText AssignType(std::int16_t type, TextView operation, TextView payment) {
     SqlText update(u"update tav_operations set tid=");
     update.Number(type).Fixed(u" where p3='").Value(operation).Fixed(u"' and p9='").Value(payment);
-    connection.Execute(update.Fixed(u"';"));
+    return std::move(update.Fixed(u"';"));
 }
 
 void AddType(Connection& connection, std::int16_t type, TextView operation, TextView payment) {
@@ -57,10 +57,8 @@ bool Fits(const std::vector<TextSize>& sizes, TextView column, const Text& text)
     });
 }
 
-void AssignTypes(TextView database) {
-    Connection connection;
-    connection.CursorLocation = 3;
-    connection.Open(ConnectionString(database));
+// Gives every pair without a type its type, and gathers the updates that write it into the rows.
+void ChooseTypes(Connection& connection, std::vector<SqlText>& updates) {
     Recordset highest = connection.Execute(u"select max(tid) as tid from tav_operations_type");
     Counter number(highest.Field(u"tid"));
     const std::vector<TextSize> sizes = connection.TextSizes(u"tav_operations_type");
@@ -81,8 +79,22 @@ void AssignTypes(TextView database) {
             type = number.Next();
             AddType(connection, type, operation, payment);
         }
-        AssignType(connection, type, operation, payment);
+        updates.push_back(AssignType(type, operation, payment));
     }
+}
+
+void AssignTypes(TextView database) {
+    Connection connection;
+    connection.CursorLocation = 3;
+    connection.Open(ConnectionString(database));
+    std::vector<SqlText> updates;
+    try {
+        ChooseTypes(connection, updates);
+    } catch (...) {
+        connection.ExecuteAll(updates);  // the types chosen before the failure
+        throw;
+    }
+    connection.ExecuteAll(updates);
     connection.Close();
 }
 

@@ -35,10 +35,6 @@ void ChangeLog::Updated(RowId id, std::vector<Value> before) {
     Note({id, std::move(before)});
 }
 
-void ChangeLog::Deleted() {
-    lost_ = lost_ || noting_;
-}
-
 void ChangeLog::TakeBack(std::size_t length) {
     if (!search_.HasHashes()) return changes_.resize(length);
     try {

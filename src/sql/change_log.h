@@ -20,7 +20,8 @@ class ChangeLog {
 
     void Inserted(RowId id);
     void Updated(RowId id, std::vector<Value> before);
-    void Deleted();
+    // More happened than is worth following.
+    void Lose() { lost_ = lost_ || noting_; }
 
     std::size_t Length() const { return changes_.size(); }
     // The hashes become what they were when the log had that length. Called while the rows are still as the

@@ -4,6 +4,7 @@
 #include <map>
 #include <utility>
 
+#include "jet/table/column_conversion.h"
 #include "sql/sql_value.h"
 #include "sql/statement_cache.h"
 #include "sql/virtual_table.h"
@@ -43,7 +44,12 @@ struct Executor::State {
     void Bind(Prepared& prepared, const SqlText& sql);
     ResultTable Run(Prepared& prepared);
     void List(const Rewritten& rewritten, const TakeRow& take);
+    void InsertPlain(const Prepared& prepared, const SqlText& sql);
+    PlainUpdate ReadUpdate(const Prepared& prepared, const SqlText& sql);
+    template <class Change>
+    void ChangeBy(Prepared& prepared, Change change);
     Recordset Execute(const SqlText& sql);
+    std::size_t UpdateTogether(std::span<const SqlText> statements);
     void DropHashes();
     void RequireChangeable();
     void EndLogs();
@@ -78,8 +84,10 @@ const TableDefinition* Executor::State::FindTable(TextView name) {
 StatementHandle Executor::State::PrepareOne(const Rewritten& rewritten, const std::string& sql) {
     sqlite3_stmt* statement = nullptr;
     const char* tail = nullptr;
+    callbacks.ignores_repeats = rewritten.ignores_repeats;
     const int result = sqlite3_prepare_v3(sqlite.get(), sql.data(), static_cast<int>(sql.size()),
                                           SQLITE_PREPARE_PERSISTENT, &statement, &tail);
+    callbacks.ignores_repeats = false;
     StatementHandle handle(statement);
     callbacks.Rethrow();
     if (result != SQLITE_OK) throw SqliteFailure(sqlite.get(), rewritten.kind);
@@ -206,11 +214,39 @@ void Executor::State::EndLogs() {
     for (auto& [table, virtual_table] : tables) virtual_table->log().End();
 }
 
-Recordset Executor::State::Execute(const SqlText& sql) {
-    Prepared& prepared = Prepare(sql);
-    database.file().Trim();
-    Bind(prepared, sql);
-    if (prepared.changed == nullptr) return Recordset(Run(prepared));
+// Gives the values of a plain insert to the table.
+void Executor::State::InsertPlain(const Prepared& prepared, const SqlText& sql) {
+    VirtualTable& table = *prepared.changed;
+    table.BeginRow();
+    for (const PlainValue& value : prepared.rewritten.plain->stored) {
+        if (!value.parameter) continue;
+        const Parameter& parameter = prepared.rewritten.parameters[*value.parameter];
+        if (const auto whole = parameter.WholeValue(sql)) {
+            table.Put(value.column, *whole);
+        } else {
+            table.Put(value.column, parameter.Read(sql));
+        }
+    }
+    table.InsertRow();
+}
+
+PlainUpdate Executor::State::ReadUpdate(const Prepared& prepared, const SqlText& sql) {
+    const std::vector<Parameter>& parameters = prepared.rewritten.parameters;
+    PlainUpdate update;
+    for (const PlainValue& value : prepared.rewritten.plain->stored) {
+        const Column& column = prepared.rewritten.changed->columns[value.column];
+        const Value literal = value.parameter ? parameters[*value.parameter].Read(sql) : Value();
+        update.stored.push_back(ConvertForColumn(column, literal));
+    }
+    for (const PlainValue& condition : prepared.rewritten.plain->conditions) {
+        update.conditions.push_back(std::get<Text>(parameters[*condition.parameter].Read(sql)));
+    }
+    return update;
+}
+
+// A change that fails leaves the file as it was.
+template <class Change>
+void Executor::State::ChangeBy(Prepared& prepared, Change change) {
     if (!database.file().writable()) {
         throw Failure(u"Operation must use an updateable query.").In(database.file().path());
     }
@@ -220,7 +256,7 @@ Recordset Executor::State::Execute(const SqlText& sql) {
     prepared.changed->SetUnnamed(prepared.rewritten.unnamed);
     database.file().BeginStatement();
     try {
-        Run(prepared);
+        change();
     } catch (...) {
         if (savepoint) {
             log.TakeBack(changes);
@@ -231,7 +267,36 @@ Recordset Executor::State::Execute(const SqlText& sql) {
         throw;
     }
     database.file().KeepStatement();
+}
+
+Recordset Executor::State::Execute(const SqlText& sql) {
+    Prepared& prepared = Prepare(sql);
+    database.file().Trim();
+    if (prepared.rewritten.kind == StatementKind::Insert && prepared.rewritten.plain) {
+        ChangeBy(prepared, [&] { InsertPlain(prepared, sql); });
+        return Recordset();
+    }
+    Bind(prepared, sql);
+    if (prepared.changed == nullptr) return Recordset(Run(prepared));
+    ChangeBy(prepared, [&] { Run(prepared); });
     return Recordset();
+}
+
+// How many of the statements, from the first one on, are done: those that one walk through a table can carry out.
+std::size_t Executor::State::UpdateTogether(std::span<const SqlText> statements) {
+    Prepared& prepared = Prepare(statements.front());
+    if (prepared.rewritten.kind != StatementKind::Update || !prepared.rewritten.plain) return 0;
+    std::vector<PlainUpdate> updates;
+    try {
+        for (const SqlText& sql : statements) {
+            if (!prepared.shape.Fits(sql)) break;
+            updates.push_back(ReadUpdate(prepared, sql));
+        }
+    } catch (const Failure&) {
+        // A value that its column cannot hold: whether a row would take it is the statement's own affair.
+    }
+    ChangeBy(prepared, [&] { prepared.changed->Update(*prepared.rewritten.plain, updates); });
+    return updates.size();
 }
 
 Executor::Executor(TextView path, Database::Access access, std::span<const TextView> together)
@@ -242,6 +307,12 @@ Executor::~Executor() = default;
 Recordset Executor::Execute(const SqlText& sql) {
     if (!sql.values().empty()) return state_->Execute(sql);
     return state_->Execute(WithValues(sql));
+}
+
+void Executor::ExecuteAll(std::span<const SqlText> statements) {
+    const bool has_values = !statements.empty() && !statements.front().values().empty();
+    const std::size_t done = has_values ? state_->UpdateTogether(statements) : 0;
+    for (const SqlText& sql : statements.subspan(done)) Execute(sql);
 }
 
 void Executor::ForEachRow(const SqlText& sql, const TakeRow& take) {

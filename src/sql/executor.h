@@ -24,6 +24,9 @@ class Executor {
     // Exactly one statement: select, insert, update or delete on the tables there are. A statement that fails
     // leaves the file as it was. Changes become part of the present unit of work.
     Recordset Execute(const SqlText& sql);
+    // The same for statements that return no rows, one after the other. Updates that differ in their values only
+    // are one statement then: they need one walk through their table together.
+    void ExecuteAll(std::span<const SqlText> statements);
     // Gives `take` the rows of a select one after the other. Those of a list of one table's columns, all rows of it,
     // are not gathered first.
     void ForEachRow(const SqlText& sql, const TakeRow& take);

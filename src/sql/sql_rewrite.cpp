@@ -76,7 +76,9 @@ class Rewriter {
         out_.changed = statement_.Changed();
         const Scope& outermost = statement_.Outermost();
         out_.sorts_by_columns = outermost.distinct && outermost.order.begin == 0;
+        out_.ignores_repeats = IgnoresRepeats(statement_);
         if (out_.kind == StatementKind::Insert) ReadInsertColumns();
+        out_.plain = ReadPlain(statement_);
         CheckDepth();
         for (std::size_t i = 0; i < tokens_.size(); ++i) Emit(i);
         if (out_.kind == StatementKind::Select) ReadListedColumns();

@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "common/value.h"
+#include "sql/plain_statement.h"
 #include "sql/sql_scope.h"
 
 namespace tav::jet {
@@ -50,9 +51,11 @@ struct Parameter {
 struct Rewritten {
     StatementKind kind = StatementKind::Select;
     const TableDefinition* changed = nullptr;
-    std::vector<std::size_t> unnamed;  // columns of `changed` that an insert does not name
-    bool reads_changed = false;        // in a select within the statement
-    bool sorts_by_columns = false;     // select distinct without an order
+    std::vector<std::size_t> unnamed;     // columns of `changed` that an insert does not name
+    bool reads_changed = false;           // in a select within the statement
+    std::optional<PlainStatement> plain;  // an insert or update of literals
+    bool sorts_by_columns = false;        // select distinct without an order
+    bool ignores_repeats = false;         // of rows (plain_statement.h)
     // select a, b from t: the table, and the columns by their places in it. Such a select needs no SQLite.
     const TableDefinition* listed = nullptr;
     std::vector<std::size_t> listed_columns;

@@ -29,6 +29,8 @@ class Callbacks {
     }
     // While a table is declared, SQLite writes to its own catalogue.
     bool declares_table = false;
+    // While a statement is prepared that ignores repeated rows, the scans planned for it may leave them out.
+    bool ignores_repeats = false;
 
  private:
     std::exception_ptr failure_;

@@ -28,6 +28,17 @@ bool SortsLikeIndex(const Column& column) {
     return !column.IsText() && column.type != ColumnType::Boolean;
 }
 
+// None when SQLite does not tell them one by one.
+std::vector<std::size_t> UsedColumns(const sqlite3_index_info& question, const TableDefinition& table) {
+    constexpr std::size_t kTold = 63;
+    std::vector<std::size_t> columns;
+    if (question.colUsed >> kTold != 0) return columns;
+    for (std::size_t i = 0; i < std::min(kTold, table.columns.size()); ++i) {
+        if ((question.colUsed >> i & 1) != 0) columns.push_back(i);
+    }
+    return columns;
+}
+
 }  // namespace
 
 // The usable conditions of a question, by what they do: places in aConstraint.
@@ -89,7 +100,7 @@ TableSearch::TableSearch(Table& table) : table_(&table) {
     }
 }
 
-void TableSearch::Plan(sqlite3_index_info& question) {
+void TableSearch::Plan(sqlite3_index_info& question, bool ignores_repeats) {
     const Conditions conditions(question, table_->definition());
     SearchPlan plan;
     int argument = 0;
@@ -122,6 +133,7 @@ void TableSearch::Plan(sqlite3_index_info& question) {
         question.estimatedRows = static_cast<sqlite3_int64>(kRangeCost);
     } else {
         plan.null = conditions.null;
+        if (ignores_repeats) plan.repeats = UsedColumns(question, table_->definition());
     }
     question.idxNum = Remember(plan);
 }

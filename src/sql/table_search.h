@@ -18,7 +18,8 @@ class TableSearch {
     explicit TableSearch(Table& table);
 
     // SQLite asks how the conditions it has could be used; the answer's idxNum is given to Find.
-    void Plan(sqlite3_index_info& question);
+    // Rows that repeat another in all columns used may be left out where `ignores_repeats`.
+    void Plan(sqlite3_index_info& question, bool ignores_repeats);
 
     // The candidates among which SQLite tests the conditions again, in the order in which the table stores them
     // whatever found them; no value when all rows are. `arguments` are those the plan asked for.
@@ -32,6 +33,11 @@ class TableSearch {
     // The column that is Null in the rows wanted, where all rows are candidates: others need not be looked at.
     std::optional<std::size_t> NullColumn(int plan) const {
         return plans_[static_cast<std::size_t>(plan)].null;
+    }
+
+    // The columns whose repetition makes a row needless, where all rows are candidates; empty: none is.
+    std::span<const std::size_t> RepeatColumns(int plan) const {
+        return plans_[static_cast<std::size_t>(plan)].repeats;
     }
 
     // What happened to the rows, so that the hashes stay current.
@@ -51,6 +57,8 @@ class TableSearch {
         std::size_t leading = 0;           // how many of its columns are in `equal`
         std::optional<std::size_t> list;   // place in `equal` of a column that equals one of several values
         std::optional<std::size_t> null;   // of a scan: a column that the rows have no value of
+        std::vector<std::size_t>
+            repeats;  // of a scan: the columns used, where rows that repeat them do not count
 
         bool operator==(const SearchPlan&) const = default;
     };

@@ -12,6 +12,7 @@
 #include "sql/default_value.h"
 #include "sql/sql_collation.h"
 #include "sql/sql_value.h"
+#include "sql/stored_key.h"
 
 namespace tav::jet {
 namespace {
@@ -20,11 +21,14 @@ struct Handle : sqlite3_vtab {
     VirtualTable* table = nullptr;
 };
 
+struct Met {};
+
 // Walks all rows, or the candidates a search found.
 struct Cursor : sqlite3_vtab_cursor {
     VirtualTable* table = nullptr;
     std::optional<Table::Scan> scan;
-    std::optional<std::size_t> null;  // a column that the scan's rows have no value of
+    std::optional<std::size_t> null;     // a column that the scan's rows have no value of
+    std::optional<StoredKeys<Met>> met;  // where the scan passes over rows that repeat another
     std::vector<RowId> found;
     std::size_t next = 0;
     std::optional<Table::Row> row;  // nothing after the last one
@@ -36,13 +40,21 @@ struct Cursor : sqlite3_vtab_cursor {
         return *row;
     }
 
+    bool IsWanted() {
+        if (null && row->Stored(*null)) return false;
+        if (!met) return true;
+        if (met->Find(*row) != nullptr) return false;
+        met->Add({});
+        return true;
+    }
+
     void Show() {
         trims = table->table().Trims();
         row.reset();
         if (scan) {
             for (; !scan->AtEnd(); scan->Next()) {
                 row = scan->row();
-                if (!null || !row->Stored(*null)) return;
+                if (IsWanted()) return;
                 row.reset();
                 table->table().Trim();
                 trims = table->table().Trims();
@@ -96,7 +108,9 @@ int Disconnect(sqlite3_vtab* handle) {
 }
 
 int BestIndex(sqlite3_vtab* handle, sqlite3_index_info* question) {
-    return Guarded(TableOf(handle).callbacks(), [&] { TableOf(handle).search().Plan(*question); });
+    VirtualTable& table = TableOf(handle);
+    return Guarded(table.callbacks(),
+                   [&] { table.search().Plan(*question, table.callbacks().ignores_repeats); });
 }
 
 int Open(sqlite3_vtab* handle, sqlite3_vtab_cursor** cursor) {
@@ -144,6 +158,12 @@ int Filter(sqlite3_vtab_cursor* handle, int plan, const char*, int count, sqlite
         } else {
             cursor.scan = cursor.table->table().Rows();
             cursor.null = cursor.table->search().NullColumn(plan);
+            const auto repeats = cursor.table->search().RepeatColumns(plan);
+            cursor.met.reset();
+            if (!repeats.empty()) {
+                cursor.met.emplace(cursor.table->table().definition(),
+                                   std::vector(repeats.begin(), repeats.end()));
+            }
         }
         cursor.Show();
     });
@@ -256,8 +276,25 @@ void VirtualTable::Take(std::size_t column_at, sqlite3_value* value) {
     if (&taken != &place) place = ConvertForColumn(column, literal_);
 }
 
+void VirtualTable::Put(std::size_t column_at, TextView text) {
+    const Column& column = table_.definition().columns[column_at];
+    Value& place = row_[column_at];
+    Value& taken = column.IsText() ? place : literal_;
+    if (!std::holds_alternative<Text>(taken)) taken = Text();
+    std::get<Text>(taken).assign(text);
+    if (&taken != &place) place = ConvertForColumn(column, literal_);
+}
+
+void VirtualTable::Put(std::size_t column, const Value& value) {
+    row_[column] = ConvertForColumn(table_.definition().columns[column], value);
+}
+
 RowId VirtualTable::Insert(sqlite3_value** values) {
     for (std::size_t i = 0; i < row_.size(); ++i) Take(i, values[i]);
+    return InsertRow();
+}
+
+RowId VirtualTable::InsertRow() {
     for (const std::size_t i : unnamed_) {
         const Column& column = table_.definition().columns[i];
         if (!column.default_value.empty()) row_[i] = DefaultOf(table_.definition(), column);
@@ -282,8 +319,14 @@ void VirtualTable::Update(RowId id, sqlite3_value** values) {
     log_.Updated(id, std::move(old));
 }
 
+void VirtualTable::Update(const PlainStatement& statement, std::span<const PlainUpdate> updates) {
+    log_.Lose();
+    search_.DropHashes();
+    UpdateRows(table_, statement, updates);
+}
+
 void VirtualTable::Delete(RowId id) {
-    log_.Deleted();
+    log_.Lose();
     if (!search_.HasHashes()) {
         table_.Delete(id);
         return;

@@ -3,12 +3,14 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "jet/table/table.h"
 #include "sql/change_log.h"
+#include "sql/plain_statement.h"
 #include "sql/sqlite_handles.h"
 #include "sql/table_search.h"
 
@@ -34,6 +36,12 @@ class VirtualTable {
     void SetUnnamed(std::span<const std::size_t> columns) { unnamed_ = columns; }
     RowId Insert(sqlite3_value** values);
     void Update(RowId id, sqlite3_value** values);
+    // A row that is inserted without SQLite: all Null at first, then its values, then the insert.
+    void BeginRow() { std::ranges::fill(row_, Null()); }
+    void Put(std::size_t column, TextView text);
+    void Put(std::size_t column, const Value& value);
+    RowId InsertRow();
+    void Update(const PlainStatement& statement, std::span<const PlainUpdate> updates);
     void Delete(RowId id);
 
  private:

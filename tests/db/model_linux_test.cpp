@@ -43,6 +43,7 @@ constexpr Template kTemplates[] = {
     {4, "insert into tav_operations_type (tid,tname,tpayment,add_date) values ({v},{o}, {p}, {d});"},
     {6, "update tav_operations set tid={v} where p3={o} and p9={p};"},
     {3, "update tav_operations set tid=Null where p3={o}"},
+    {2, "update tav_operations set p4={L}, tid={v}, p10={A} where p3={o} and p9={p}"},
     {4, "update tav_operations set p4={l} where id={n}"},
     {4, "update tav_operations_header set vid=Null where vid={v}"},
     {4, "update tav_operations_header set vid={v}, h3={L} where id={n}"},
@@ -376,7 +377,12 @@ class Comparison {
         Rows found;
         std::vector<Text> names;
         try {
-            const Recordset set = executor_->Execute(statement.jet);
+            Recordset set;
+            if (statement.jet.text().starts_with(u"update") && maker_.Below(2) == 0) {
+                executor_->ExecuteAll({&statement.jet, 1});
+            } else {
+                set = executor_->Execute(statement.jet);
+            }
             for (std::size_t i = 0; i < set.FieldCount(); ++i) names.push_back(set.FieldName(i));
             found = RowsOf(set);
         } catch (const Failure& thrown) {

@@ -77,6 +77,19 @@ std::optional<std::span<const std::uint8_t>> Row::Stored(std::size_t position) c
     return StoredOf(column);
 }
 
+std::optional<std::size_t> Row::FixedPlace(std::size_t position) const {
+    const Column& column = definition_->columns[position];
+    if (!column.IsFixed() || column.number >= column_count_) return std::nullopt;
+    const std::size_t begin = 2 + std::size_t{column.fixed_offset};
+    std::size_t end = mask_;
+    if (definition_->variable_columns > 0) {
+        if (!has_variable_part_) return std::nullopt;
+        // The first variable value, or the end of none, follows the fixed area.
+        end = U16(bytes_.data() + mask_ - 4);
+    }
+    return begin + ValueSize(column) <= end ? std::optional(begin) : std::nullopt;
+}
+
 Value Row::Get(std::size_t position) const {
     const Column& column = definition_->columns[position];
     if (column.type == ColumnType::Boolean) return IsPresent(column);

@@ -39,6 +39,13 @@ class Row {
     std::vector<Value> All() const;
     // The bytes that a column's value has in the row; nothing for Null and for a boolean.
     std::optional<std::span<const std::uint8_t>> Stored(std::size_t column) const;
+    // The offset of a fixed column's value in the row, whether it is Null or not. No value when the row has no place
+    // for it: it is older than the column, or of another program and shorter.
+    std::optional<std::size_t> FixedPlace(std::size_t column) const;
+    // The offset of the byte of the null mask that has the column's bit (number % 8).
+    std::size_t MaskPlace(std::size_t column) const {
+        return mask_ + definition_->columns[column].number / 8u;
+    }
     // The records of a memo or OLE value that lies outside the row.
     std::vector<Pointer> LongRecords(std::size_t column) const;
 

@@ -80,6 +80,37 @@ void AppendBinary(std::string& out, const Column& column, const std::string& byt
     out += bytes;
 }
 
+// Of any value but a long one.
+void AppendShortValue(std::string& out, const TableDefinition& table, const Column& column,
+                      const Value& value) {
+    switch (column.type) {
+        case ColumnType::Byte:
+            return AppendInteger<std::uint8_t>(out, column, value);
+        case ColumnType::Integer:
+            return AppendInteger<std::int16_t>(out, column, value);
+        case ColumnType::Long:
+            return AppendInteger<std::int32_t>(out, column, value);
+        case ColumnType::Currency:
+            return AppendNumber(out, static_cast<std::uint64_t>(As<Money>(column, value).ten_thousandths), 8);
+        case ColumnType::Single:
+            return AppendSingle(out, column, As<double>(column, value));
+        case ColumnType::Double:
+            return AppendDouble(out, column, As<double>(column, value));
+        case ColumnType::Date:
+            return AppendDate(out, column, As<Date>(column, value));
+        case ColumnType::Text:
+            return AppendTextValue(out, column, As<Text>(column, value));
+        case ColumnType::Binary:
+        case ColumnType::Guid:
+            return AppendBinary(out, column, As<Binary>(column, value).bytes);
+        case ColumnType::Numeric:
+            return AppendNumeric(out, table, column, value);
+        default:
+            throw Failure(Concat(u"Values of column '", column.name,
+                                 u"' cannot be written: its type is not supported."));
+    }
+}
+
 std::uint16_t Offset(const std::string& out) {
     return static_cast<std::uint16_t>(std::min<std::size_t>(out.size(), 0xFFFF));
 }
@@ -145,39 +176,9 @@ class RowEncoder {
 
     // The stored bytes of a value that is not Null.
     void AppendStored(std::string& out, std::size_t position) {
-        const Column& column = table_.columns[position];
-        const Value& value = values_[position];
         if (Keep(out, position)) return;
-        switch (column.type) {
-            case ColumnType::Byte:
-                return AppendInteger<std::uint8_t>(out, column, value);
-            case ColumnType::Integer:
-                return AppendInteger<std::int16_t>(out, column, value);
-            case ColumnType::Long:
-                return AppendInteger<std::int32_t>(out, column, value);
-            case ColumnType::Currency:
-                return AppendNumber(out, static_cast<std::uint64_t>(As<Money>(column, value).ten_thousandths),
-                                    8);
-            case ColumnType::Single:
-                return AppendSingle(out, column, As<double>(column, value));
-            case ColumnType::Double:
-                return AppendDouble(out, column, As<double>(column, value));
-            case ColumnType::Date:
-                return AppendDate(out, column, As<Date>(column, value));
-            case ColumnType::Text:
-                return AppendTextValue(out, column, As<Text>(column, value));
-            case ColumnType::Binary:
-            case ColumnType::Guid:
-                return AppendBinary(out, column, As<Binary>(column, value).bytes);
-            case ColumnType::Memo:
-            case ColumnType::Ole:
-                return LongValueOf(position);
-            case ColumnType::Numeric:
-                return AppendNumeric(out, table_, column, value);
-            default:
-                throw Failure(Concat(u"Values of column '", column.name,
-                                     u"' cannot be written: its type is not supported."));
-        }
+        if (table_.columns[position].IsLongValue()) return LongValueOf(position);
+        AppendShortValue(out, table_, table_.columns[position], values_[position]);
     }
 
     bool Keep(std::string& out, std::size_t position) const {
@@ -232,6 +233,15 @@ void RefuseMissing(const TableDefinition& table, std::span<const Value> values, 
 }
 
 }  // namespace
+
+void AppendFixedValue(std::string& out, const TableDefinition& table, const Column& column,
+                      const Value& value) {
+    if (IsNull(value)) {
+        out.append(ValueSize(column), '\0');
+    } else {
+        AppendShortValue(out, table, column, value);
+    }
+}
 
 void EncodeRow(const TableDefinition& definition, std::span<const Value> values, EncodedRow& out,
                const OldRow& old) {

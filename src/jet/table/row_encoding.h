@@ -44,4 +44,8 @@ struct OldRow {
 void EncodeRow(const TableDefinition& definition, std::span<const Value> values, EncodedRow& out,
                const OldRow& old = {});
 
+// Appends the bytes of one value of a fixed column, no boolean; those of a Null are zeros.
+void AppendFixedValue(std::string& out, const TableDefinition& table, const Column& column,
+                      const Value& value);
+
 }  // namespace tav::jet

@@ -1,6 +1,7 @@
 #include "jet/table/table.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "common/concat.h"
 #include "common/database_failure.h"
@@ -171,6 +172,52 @@ void Table::Update(RowId id, std::span<const Value> values) {
     keys.Apply(id);
     Drop(dropped);
     NoteAutonumber(values);
+}
+
+// Without a change of the row's size, of an index or of the table's counters.
+bool Table::IsSetInPlace(const Column& column, std::size_t position, const Value& value) const {
+    const auto has_column = [&](const RealIndex& index) {
+        return std::ranges::find(index.columns, position, &IndexColumn::column) != index.columns.end();
+    };
+    return column.IsFixed() && column.type != ColumnType::Boolean && autonumber_ != position &&
+           !(column.required && IsNull(value)) && std::ranges::none_of(definition_.indexes, has_column);
+}
+
+bool Table::SetInPlace(const RowPlace& place, const Row& row, std::span<const std::size_t> columns,
+                       std::span<const Value> values) {
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        if (!row.FixedPlace(columns[i]) ||
+            !IsSetInPlace(definition_.columns[columns[i]], columns[i], values[i]))
+            return false;
+    }
+    std::string& bytes = row_.bytes;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        const Column& column = definition_.columns[columns[i]];
+        bytes.clear();
+        AppendFixedValue(bytes, definition_, column, values[i]);
+        const std::size_t at = place.record.begin + *row.FixedPlace(columns[i]);
+        const std::size_t mask = place.record.begin + row.MaskPlace(columns[i]);
+        const Page& page = file_->Read(place.body.page);
+        const auto bit = static_cast<std::uint8_t>(1u << column.number % 8);
+        const auto marks =
+            static_cast<std::uint8_t>(IsNull(values[i]) ? page[mask] & ~bit : page[mask] | bit);
+        if (page[mask] == marks && std::memcmp(page.data() + at, bytes.data(), bytes.size()) == 0) continue;
+        Page& changed = file_->Change(place.body.page);
+        std::memcpy(changed.data() + at, bytes.data(), bytes.size());
+        changed[mask] = marks;
+    }
+    return true;
+}
+
+void Table::Set(RowId id, std::span<const std::size_t> columns, std::span<const Value> values) {
+    RequireChangeable();
+    const RowPlace place = FindOwnPlace(id);
+    const Row row = RowAt(place);
+    if (SetInPlace(place, row, columns, values)) return;
+    const std::vector<Value> before = row.All();
+    std::vector<Value> after = before;
+    for (std::size_t i = 0; i < columns.size(); ++i) after[columns[i]] = values[i];
+    if (after != before) Update(id, after);
 }
 
 void Table::Delete(RowId id) {

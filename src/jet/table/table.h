@@ -69,6 +69,8 @@ class Table {
     // statement.
     RowId Insert(std::span<const Value> values);
     void Update(RowId id, std::span<const Value> values);
+    // Some columns of a row get other values; where they can, in their places. Nothing is written when it has them.
+    void Set(RowId id, std::span<const std::size_t> columns, std::span<const Value> values);
     void Delete(RowId id);
 
  private:
@@ -89,6 +91,9 @@ class Table {
         std::size_t column = 0;
         Pointer at;
     };
+    bool IsSetInPlace(const Column& column, std::size_t position, const Value& value) const;
+    bool SetInPlace(const RowPlace& place, const Row& row, std::span<const std::size_t> columns,
+                    std::span<const Value> values);
     RecordSpace& LongSpace(std::size_t column);
     void CheckLongValues();
     void WriteLongValues();
