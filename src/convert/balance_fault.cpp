@@ -1,10 +1,8 @@
 #include "convert/balance_fault.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <limits>
-#include <optional>
-#include <unordered_map>
+#include <utility>
 
 namespace tav {
 namespace {
@@ -40,71 +38,51 @@ Amount AmountOf(std::string_view text) {
     return negative ? -amount : amount;
 }
 
-struct Line {
-    bool any = false;
-    bool dated = false;
-    std::string_view kind;
-    Amount charged;
-    Amount paid;
-    Amount balance;
-    Amount total;
-
-    void Read(std::string_view column, std::string_view text) {
-        any = true;
-        if (column == "p01") dated = true;
-        if (column == "p09") kind = text;
-        if (column == "p10") charged = AmountOf(text);
-        if (column == "p11") paid = AmountOf(text);
-        if (column == "p13") balance = AmountOf(text);
-        if (column == "p14") total = AmountOf(text);
-    }
-};
-
-class Balances {
- public:
-    void Add(const Line& line) {
-        ++lines_;
-        started_ = started_ || line.dated;
-        const std::int64_t change = line.paid.value_or(0) - line.charged.value_or(0);
-        const bool kind_follows = Follows(by_kind_[line.kind], line.balance, change);
-        const bool total_follows = Follows(total_, line.total, change);
-        if (kind_follows && total_follows) return;
-        if (++faults_ == 1) first_fault_ = lines_;
-    }
-
-    std::optional<int> FirstFault() const {
-        if (faults_ == 0 || faults_ * kMostFaults > lines_) return std::nullopt;
-        return first_fault_;
-    }
-
- private:
-    // After a line that does not follow, the balance is what that line says.
-    bool Follows(Amount& before, const Amount& balance, std::int64_t change) const {
-        if (!balance) return true;
-        const Amount expected = before ? Amount(*before + change) : before;
-        before = balance;
-        return !started_ || !expected || *expected == *balance;
-    }
-
-    bool started_ = false;
-    int lines_ = 0;
-    int faults_ = 0;
-    int first_fault_ = 0;
-    Amount total_;
-    std::unordered_map<std::string_view, Amount> by_kind_;
-};
-
 }  // namespace
 
+void RunningBalances::Add(std::string_view element, std::string_view text) {
+    line_.any = true;
+    if (element.size() != 3 || element[0] != 'p') return;
+    if (element == "p01") line_.dated = true;
+    if (element == "p09") line_.kind = text;
+    if (element == "p10") line_.charged = AmountOf(text);
+    if (element == "p11") line_.paid = AmountOf(text);
+    if (element == "p13") line_.balance = AmountOf(text);
+    if (element == "p14") line_.total = AmountOf(text);
+}
+
+void RunningBalances::EndLine() {
+    const Line line = std::exchange(line_, {});
+    if (!line.any) return;
+    ++lines_;
+    started_ = started_ || line.dated;
+    const std::int64_t change = line.paid.value_or(0) - line.charged.value_or(0);
+    const bool kind_follows = Follows(by_kind_[line.kind], line.balance, change);
+    const bool total_follows = Follows(total_, line.total, change);
+    if (kind_follows && total_follows) return;
+    if (++faults_ == 1) first_fault_ = lines_;
+}
+
+std::optional<int> RunningBalances::FirstFault() const {
+    if (faults_ == 0 || faults_ * kMostFaults > lines_) return std::nullopt;
+    return first_fault_;
+}
+
+// After a line that does not follow, the balance is what that line says.
+bool RunningBalances::Follows(Amount& before, const Amount& balance, std::int64_t change) const {
+    if (!balance) return true;
+    const Amount expected = before ? Amount(*before + change) : before;
+    before = balance;
+    return !started_ || !expected || *expected == *balance;
+}
+
 std::optional<int> BalanceFault(const CatalogueElement& part) {
-    Balances balances;
+    RunningBalances balances;
     for (const CatalogueElement& body : ElementsOf(part.content, "body")) {
         for (const CatalogueElement& row : ElementsOf(body.content, "row")) {
-            Line line;
             for (const CatalogueElement& value : ElementsOf(row.content))
-                line.Read(value.name, value.content);
-            // The numbering that stands before the lines has nothing in it.
-            if (line.any) balances.Add(line);
+                balances.Add(value.name, value.content);
+            balances.EndLine();
         }
     }
     return balances.FirstFault();

@@ -7,8 +7,9 @@ namespace {
 
 // Whether a tag of that name, opening or closing, may begin at the "<".
 bool MayBe(std::string_view text, std::size_t at, std::string_view name) {
-    const std::string_view rest = text.substr(at + 1);
-    return rest.starts_with(name) || (rest.starts_with('/') && rest.substr(1).starts_with(name));
+    std::size_t begin = at + 1;
+    if (begin < text.size() && text[begin] == '/') ++begin;
+    return begin < text.size() && text[begin] == name[0] && text.substr(begin).starts_with(name);
 }
 
 // The tag that closes an element of that name whose content begins at `at`.

@@ -2,6 +2,7 @@
 // be said of each goes into the account.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,7 +30,8 @@ class DocumentLoader {
     Taken Take(const std::vector<CatalogueElement>& parts, const Text& file);
 
  private:
-    void TakePart(const CatalogueElement& part, const Text& file, Taken& taken);
+    // What a statement has come to that is the taxpayer's; of other parts nothing.
+    std::optional<PartOutcome> TakePart(const CatalogueElement& part, const Text& file, Taken& taken);
 
     const TaxpayerChoice taxpayer_;
     PartLoader& parts_;

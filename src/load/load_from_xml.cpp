@@ -1,6 +1,7 @@
 #include "load/load_from_xml.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <unordered_set>
@@ -25,9 +26,9 @@
 namespace tav {
 namespace {
 
-// Without a move folder, several files reach the disk together: so many, or fewer with so many lines.
-constexpr int kFilesPerUnit = 64;
-constexpr int kRowsPerUnit = 20000;
+// What reaches the disk together without a move folder: so many rows, or what comes in this time.
+constexpr int kRowsPerUnit = 3000;
+constexpr std::chrono::seconds kTimePerUnit(2);
 // What a source file may need in the database, in bytes: a statement of 10,000 lines.
 constexpr std::uint64_t kRoomForFile = 4 << 20;
 
@@ -143,6 +144,8 @@ class Load {
     std::optional<HeldFiles> held_;
 
     // What has been stored and not yet reached the disk.
+    using Clock = std::chrono::steady_clock;
+    Clock::time_point unit_began_;
     std::vector<Text> unit_files_;
     int unit_documents_ = 0;
     int unit_rows_ = 0;
@@ -183,14 +186,14 @@ void Load::LoadNewFiles() {
     // The import folder itself is no archive: what is in it stays there.
     if (SameFolder(move_folder_, FolderOf(catalogue_))) move_folder_.clear();
     int looked_at = 0;
-    int files = 0;
+    unit_began_ = Clock::now();
     for (const Text& name : names) {
         CurrentProgress().SetLoaded(looked_at++, static_cast<int>(names.size()));
         CurrentProgress().ProcessEvents();
         LoadFile(catalogue, name, parts);
-        if (++files < kFilesPerUnit && unit_rows_ < kRowsPerUnit) continue;
-        EndUnit();
-        files = 0;
+        // A document has a row of its own.
+        const bool is_long = unit_rows_ + unit_documents_ >= kRowsPerUnit;
+        if (is_long || Clock::now() - unit_began_ >= kTimePerUnit) EndUnit();
     }
 }
 
@@ -218,6 +221,7 @@ void Load::EndUnit() {
     const auto clear = [&] {
         unit_files_.clear();
         unit_documents_ = unit_rows_ = 0;
+        unit_began_ = Clock::now();
     };
     try {
         connection_.EndUnit();

@@ -140,6 +140,7 @@ PartOutcome PartLoader::LoadStatement(const CatalogueElement& part, TextView fil
     for (const CatalogueElement& body : ElementsOf(part.content, "body")) {
         for (const CatalogueElement& row : ElementsOf(body.content, "row")) LoadRow(row.content, reading);
     }
+    reading.outcome.balance_fault = reading.balances.FirstFault();
     reading.outcome.stored = switches_.zero_statements != 0 || reading.nonzero;
     LoadStatementHeader(ContentOf(part, "head"), file_name, reading);
     return Finish(reading);
@@ -147,7 +148,12 @@ PartOutcome PartLoader::LoadStatement(const CatalogueElement& part, TextView fil
 
 // Once an amount has counted, every later line is stored, zero or not.
 void PartLoader::LoadRow(std::string_view row, Reading& reading) {
-    Collect(row, row_);
+    row_.Clear();
+    for (const CatalogueElement& value : ElementsOf(row)) {
+        row_.Add(value.name, TextOf(value.content));
+        reading.balances.Add(value.name, value.content);
+    }
+    reading.balances.EndLine();
     CutToSize(row_, reading);
     Insert insert(u"insert into tav_operations (id", numbers_.part.value());
     bool ignored = switches_.dated_lines_only != 0;

@@ -11,8 +11,10 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 
 #include "common/text.h"
+#include "convert/balance_fault.h"
 #include "convert/catalogue_elements.h"
 #include "db/connection.h"
 #include "load/account.h"
@@ -34,6 +36,7 @@ struct PartOutcome {
     bool stored = false;  // if not, every amount that counts is 0.00
     int rows = 0;         // lines of a statement stored
     std::vector<Remark> remarks;
+    std::optional<int> balance_fault;  // of a statement (convert/balance_fault.h)
 };
 
 class PartLoader {
@@ -60,8 +63,9 @@ class PartLoader {
  private:
     // What is gathered while one part is read.
     struct Reading {
-        bool nonzero = false;                    // an amount has counted
-        std::vector<SqlText> held;               // lines before that, which have an amount
+        bool nonzero = false;       // an amount has counted
+        std::vector<SqlText> held;  // lines before that, which have an amount
+        RunningBalances balances;
         std::map<Text, std::size_t> long_texts;  // columns whose texts were cut, and the longest one's length
         PartOutcome outcome;
     };

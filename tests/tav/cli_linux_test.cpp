@@ -44,13 +44,13 @@ TEST_F(LinuxCli, IndependentReadersSeeTheSame) {
 
 TEST_F(LinuxCli, AFullDiskLosesNothing) {
     samples::SampleFolder(folder_ / u"in/");
-    samples::ManyFiles(folder_ / u"in/", 150);  // so that some reach the disk before it is full
+    samples::ManyFiles(folder_ / u"in/", 450);  // so that a unit reaches the disk before it is full
     Create();
     ASSERT_EQ(Tav({"scan", Path(u"in")}).status, 0);
     const auto size = static_cast<rlim_t>(ReadFile(folder_ / u"PlX_Base.mdb").size());
     std::vector<std::string> arguments = ImportArguments();
     arguments.push_back("--json");
-    for (const rlim_t room : {rlim_t{0}, rlim_t{8192}, rlim_t{40000}, rlim_t{250000}}) {
+    for (const rlim_t room : {rlim_t{0}, rlim_t{40000}, rlim_t{750000}}) {
         const std::size_t before = Dump()["tav_operations_header"].size();
         const Outcome outcome = Tav(arguments, [&] {
             ::signal(SIGXFSZ, SIG_IGN);
