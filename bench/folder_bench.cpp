@@ -60,5 +60,20 @@ void SecondImport(benchmark::State& state) {
 }
 BENCHMARK(SecondImport)->Arg(2000)->Arg(20000)->Unit(benchmark::kMillisecond);
 
+// The rows of N documents, none of which has a type yet.
+void AssignTypes(benchmark::State& state) {
+    const bench::Folder folder;
+    bench::LoadManyFiles(folder, static_cast<int>(state.range(0)));
+    const std::string untyped = ReadFile(folder / u"base.mdb");
+    for (auto _ : state) {
+        state.PauseTiming();
+        WriteFileWhole(folder / u"base.mdb", untyped);
+        state.ResumeTiming();
+        ConstrTabTypeOper(folder / u"base.mdb");
+    }
+    state.SetComplexityN(state.range(0));
+}
+BENCHMARK(AssignTypes)->Apply(Sizes)->Unit(benchmark::kMillisecond)->Complexity();
+
 }  // namespace
 }  // namespace tav

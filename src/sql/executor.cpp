@@ -12,6 +12,9 @@
 namespace tav::jet {
 namespace {
 
+// Rows whose index entries and pages go together; each may have a page of its own.
+constexpr std::size_t kDeletedTogether = 4096;
+
 // Brings a statement back to its beginning, whatever ended it.
 class Reset {
  public:
@@ -42,6 +45,7 @@ struct Executor::State {
     StatementHandle PrepareFinding(const Rewritten& rewritten);
     Prepared& Prepare(const SqlText& sql);
     void Bind(Prepared& prepared, const SqlText& sql);
+    void Delete(Prepared& prepared);
     ResultTable Run(Prepared& prepared);
     void List(const Rewritten& rewritten, const TakeRow& take);
     void InsertPlain(const Prepared& prepared, const SqlText& sql);
@@ -97,8 +101,8 @@ StatementHandle Executor::State::PrepareOne(const Rewritten& rewritten, const st
     return handle;
 }
 
-// For a delete, the select of the rows it deletes, so that they can go one by one: SQLite itself would list them all
-// first. None for one whose selects look at the table while it changes, or whose table has a column of that name.
+// For a delete, the select of the rows it deletes, so that they can go some at a time: SQLite itself would list them
+// all first. None for one whose selects look at the table while it changes, or whose table has a column of that name.
 StatementHandle Executor::State::PrepareFinding(const Rewritten& rewritten) {
     const bool one_by_one = rewritten.kind == StatementKind::Delete && !rewritten.reads_changed &&
                             !rewritten.changed->FindColumn(u"rowid");
@@ -169,6 +173,22 @@ void Executor::State::List(const Rewritten& rewritten, const TakeRow& take) {
     }
 }
 
+// Deletes the rows that the statement finds, many at a time.
+void Executor::State::Delete(Prepared& prepared) {
+    sqlite3_stmt* statement = prepared.statement.get();
+    std::vector<RowId> rows;
+    int result = SQLITE_ROW;
+    while ((result = sqlite3_step(statement)) == SQLITE_ROW) {
+        rows.push_back(RowId::FromWord(static_cast<std::uint32_t>(sqlite3_column_int64(statement, 0))));
+        if (rows.size() < kDeletedTogether) continue;
+        prepared.changed->Delete(rows);
+        rows.clear();
+    }
+    callbacks.Rethrow();
+    if (result != SQLITE_DONE) throw SqliteFailure(sqlite.get(), prepared.rewritten.kind);
+    if (!rows.empty()) prepared.changed->Delete(rows);
+}
+
 ResultTable Executor::State::Run(Prepared& prepared) {
     sqlite3_stmt* statement = prepared.statement.get();
     const Reset reset(statement);
@@ -178,13 +198,12 @@ ResultTable Executor::State::Run(Prepared& prepared) {
         List(prepared.rewritten, [&](auto row) { table.rows.emplace_back(row.begin(), row.end()); });
         return table;
     }
+    if (prepared.finds_rows) {
+        Delete(prepared);
+        return table;
+    }
     int result = SQLITE_ROW;
     while ((result = sqlite3_step(statement)) == SQLITE_ROW) {
-        if (prepared.finds_rows) {
-            prepared.changed->Delete(
-                RowId::FromWord(static_cast<std::uint32_t>(sqlite3_column_int64(statement, 0))));
-            continue;
-        }
         std::vector<Value>& row = table.rows.emplace_back();
         row.reserve(table.names.size());
         // The connection belongs to this thread alone, so a column's value may be read where it lies.

@@ -207,7 +207,8 @@ int Change(sqlite3_vtab* handle, int count, sqlite3_value** arguments, sqlite3_i
     return Guarded(table.callbacks(), [&] {
         table.table().Trim();
         if (count == 1) {
-            table.Delete(row());
+            const RowId deleted = row();
+            table.Delete(std::span(&deleted, 1));
         } else if (sqlite3_value_type(arguments[0]) == SQLITE_NULL) {
             *id = table.Insert(arguments + 2).Word();
         } else {
@@ -325,15 +326,11 @@ void VirtualTable::Update(const PlainStatement& statement, std::span<const Plain
     UpdateRows(table_, statement, updates);
 }
 
-void VirtualTable::Delete(RowId id) {
+void VirtualTable::Delete(std::span<const RowId> rows) {
     log_.Lose();
-    if (!search_.HasHashes()) {
-        table_.Delete(id);
-        return;
-    }
-    const std::vector<Value> old = table_.Find(id).All();
-    table_.Delete(id);
-    search_.Deleted(old, id);
+    for (std::size_t i = 0; search_.HasHashes() && i < rows.size(); ++i)
+        search_.Deleted(table_.Find(rows[i]).All(), rows[i]);
+    table_.Delete(rows);
 }
 
 }  // namespace tav::jet

@@ -42,7 +42,7 @@ class VirtualTable {
     void Put(std::size_t column, const Value& value);
     RowId InsertRow();
     void Update(const PlainStatement& statement, std::span<const PlainUpdate> updates);
-    void Delete(RowId id);
+    void Delete(std::span<const RowId> rows);
 
  private:
     void Take(std::size_t column, sqlite3_value* value);

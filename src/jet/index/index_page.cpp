@@ -224,12 +224,11 @@ bool IndexPageEditor::Insert(std::size_t place, std::string_view entry) {
     return true;
 }
 
-void IndexPageEditor::Erase(std::size_t place) {
-    const std::size_t end = After(place);
-    if (place == 0 && end < used_) {
+void IndexPageEditor::Erase(std::size_t begin, std::size_t end) {
+    if (begin == 0 && end < used_) {
         Splice(prefix_, end - prefix_, {});  // the next entry takes over the prefix
     } else {
-        Splice(place, end - place, {});
+        Splice(begin, end - begin, {});
     }
     if (IsEmpty()) SetPrefix(0);
 }

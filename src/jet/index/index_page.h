@@ -105,7 +105,9 @@ class IndexPageEditor : public IndexPage {
     // Puts an entry (in a node with its child) in front of the one at `place`. False, and nothing changed,
     // when it does not fit as the page is packed now.
     bool Insert(std::size_t place, std::string_view entry);
-    void Erase(std::size_t place);
+    void Erase(std::size_t place) { Erase(place, After(place)); }
+    // The entries from the one at `begin` to the one at `end`, which stays.
+    void Erase(std::size_t begin, std::size_t end);
 
     // What Insert could not take: all entries with the new one among them.
     struct Overflow {

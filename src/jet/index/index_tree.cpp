@@ -26,8 +26,9 @@ IndexPage ViewPage(PageFile& file, PageNumber table, PageNumber number) {
     return page;
 }
 
-std::string EntryOf(std::string_view key, RowId row) {
-    return std::string(key).append(BigEndian(row.Word()));
+RowId RowOf(std::string_view entry) {
+    const std::string_view word = entry.substr(entry.size() - kRowIdSize);
+    return RowId::FromWord(BigU32(reinterpret_cast<const std::uint8_t*>(word.data())));
 }
 
 Text Named(RowId row) {
@@ -38,6 +39,10 @@ Text Named(RowId row) {
 
 IndexTree::IndexTree(PageFile& file, const TableDefinition& table, const RealIndex& index)
     : file_(&file), table_(&table), index_(&index) {}
+
+std::string IndexTree::EntryOf(std::string_view key, RowId row) {
+    return std::string(key).append(BigEndian(row.Word()));
+}
 
 IndexPage IndexTree::View(PageNumber page) const {
     return ViewPage(*file_, table_->page, page);
@@ -152,16 +157,28 @@ void IndexTree::Split(Path& path, std::size_t level, const IndexPageEditor::Over
 
 void IndexTree::Remove(std::string_view key, RowId row) {
     const std::string entry = EntryOf(key, row);
+    Remove(std::span(&entry, 1));
+}
+
+void IndexTree::Remove(std::span<const std::string> entries) {
     searched_.clear();
-    Path path = Descend(entry);
+    while (!entries.empty()) entries = entries.subspan(RemoveRun(entries));
+}
+
+// Removes the first entry, and those of the next ones that follow it in its leaf; how many.
+std::size_t IndexTree::RemoveRun(std::span<const std::string> entries) {
+    Path path = Descend(entries.front());
     std::size_t level = path.size() - 1;
     IndexPageEditor page = Edit(path[level].page);
-    if (!page.Equals(path[level].place, entry)) page.Damaged(u"there is no entry of " + Named(row));
-    page.Erase(path[level].place);
+    std::size_t end = path[level].place;
+    std::size_t count = 0;
+    for (; count < entries.size() && page.Equals(end, entries[count]); ++count) end = page.After(end);
+    if (count == 0) page.Damaged(u"there is no entry of " + Named(RowOf(entries.front())));
+    page.Erase(path[level].place, end);
 
     if (!page.IsEmpty()) {
         if (path[level].place == page.Used()) Rename(path, level, page.Entry(page.LastPlace()));
-        return;
+        return count;
     }
     while (level > 0) {
         Drop(page);
@@ -182,6 +199,7 @@ void IndexTree::Remove(std::string_view key, RowId row) {
         if (level == 0) IndexPageEditor::FormatLeaf(file_->Change(index_->root), table_->page);
     }
     PullUp();
+    return count;
 }
 
 // What is below the path's page of that level ends with `last` now: the node that says so is corrected.
@@ -277,8 +295,7 @@ void IndexTree::Cursor::Load() {
 }
 
 RowId IndexTree::Cursor::row() const {
-    const std::string_view word = std::string_view(entry_).substr(entry_.size() - kRowIdSize);
-    return RowId::FromWord(BigU32(reinterpret_cast<const std::uint8_t*>(word.data())));
+    return RowOf(entry_);
 }
 
 void IndexTree::Cursor::Next() {

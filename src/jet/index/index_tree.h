@@ -14,6 +14,7 @@
 // half-way leaves the tree broken: the caller takes the statement back (page_file.h).
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -38,6 +39,9 @@ class IndexTree {
     // found out about the key serves the Add that follows; nobody else changes the tree in between.
     void Add(std::string_view key, RowId row);
     void Remove(std::string_view key, RowId row);
+    // Removes many, as EntryOf makes them, in ascending order: those that follow each other go together.
+    void Remove(std::span<const std::string> entries);
+    static std::string EntryOf(std::string_view key, RowId row);
 
     // Walks entries in order, across leaves. The tree must not change meanwhile.
     class Cursor {
@@ -83,6 +87,7 @@ class IndexTree {
     void PushDown(Path& path);
     void Split(Path& path, std::size_t level, const IndexPageEditor::Overflow& all);
 
+    std::size_t RemoveRun(std::span<const std::string> entries);
     void Rename(Path& path, std::size_t level, std::string_view last);
     void PullUp();
     void Drop(const IndexPage& page);

@@ -7,6 +7,7 @@
 #include "jet/file/page_file.h"
 #include "jet/index/index_key.h"
 #include "jet/schema/definition_layout.h"
+#include "jet/table/row.h"
 
 namespace tav::jet {
 namespace {
@@ -67,6 +68,27 @@ void KeyChanges::Apply(RowId id) {
         if (!change.is_new) continue;
         std::uint8_t* counter = file_.Change(table_.page).data() + index.counter_at + layout::kDistinctKeysAt;
         PutU32(counter, U32(counter) + 1);
+    }
+}
+
+EntriesToRemove::EntriesToRemove(PageFile& file, const TableDefinition& table)
+    : file_(file), table_(table), values_(table.columns.size()), entries_(table.indexes.size()) {}
+
+void EntriesToRemove::Add(const Row& row) {
+    for (const RealIndex& index : table_.indexes) {
+        for (const IndexColumn& part : index.columns) values_[part.column] = row.Get(part.column);
+    }
+    std::string key;
+    for (std::size_t i = 0; i < entries_.size(); ++i) {
+        if (MakeKey(table_, table_.indexes[i], values_, key))
+            entries_[i].push_back(IndexTree::EntryOf(key, row.id()));
+    }
+}
+
+void EntriesToRemove::Apply() {
+    for (std::size_t i = 0; i < entries_.size(); ++i) {
+        std::ranges::sort(entries_[i]);
+        IndexTree(file_, table_, table_.indexes[i]).Remove(entries_[i]);
     }
 }
 

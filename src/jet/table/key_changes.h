@@ -1,4 +1,4 @@
-// What a change of one row does to the indexes of its table.
+// What a change of one row, and what deleting rows, does to the indexes of their table.
 //
 // Keys are made and the rules of all indexes are checked before anything is written: required and primary
 // indexes take no Null, unique ones no second row with the same key (an all-Null key may repeat).
@@ -15,11 +15,12 @@
 namespace tav::jet {
 
 class PageFile;
+class Row;
 
 class KeyChanges {
  public:
-    // Row values in the order of the table's columns; `before` is empty for a row that is inserted,
-    // `after` for one that is deleted. A value that has no key is a Failure that names column and index.
+    // Row values in the order of the table's columns; `before` is empty for a row that is inserted. A value that
+    // has no key is a Failure that names column and index.
     KeyChanges(PageFile& file, const TableDefinition& table, std::span<const Value> before,
                std::span<const Value> after);
 
@@ -43,6 +44,22 @@ class KeyChanges {
     PageFile& file_;
     const TableDefinition& table_;
     std::vector<Change> changes_;  // of each real index
+};
+
+// The index entries of rows that are deleted together.
+class EntriesToRemove {
+ public:
+    EntriesToRemove(PageFile& file, const TableDefinition& table);
+
+    void Add(const Row& row);
+    // Removes them all.
+    void Apply();
+
+ private:
+    PageFile& file_;
+    const TableDefinition& table_;
+    std::vector<Value> values_;                      // of a row, those of columns that an index has
+    std::vector<std::vector<std::string>> entries_;  // of each real index
 };
 
 }  // namespace tav::jet

@@ -1,5 +1,7 @@
 #include "jet/table/record_space.h"
 
+#include <algorithm>
+
 #include "jet/file/page_file.h"
 #include "jet/file/usage_map.h"
 
@@ -60,21 +62,38 @@ Pointer RecordSpace::Add(std::string_view bytes, std::uint16_t flags) {
     return {number, slot};
 }
 
-void RecordSpace::Drop(Pointer at) {
-    Page& page = file_->Change(at.page);
-    CheckSlots(*file_, at.page, page);
-    const std::uint16_t free_before = FreeBytes(*file_, at.page, page);
-    ResizeRecord(page, at.slot, 0);
-    SetSlotFlags(page, at.slot, kSlotDeleted);
-    for (unsigned slot = 0; slot < SlotCount(page); ++slot) {
-        if (RecordAt(*file_, at.page, page, slot).IsDeleted()) continue;
-        const bool has_room_again =
-            free_before < kNearlyFull && FreeBytes(*file_, at.page, page) >= kNearlyFull;
-        // The map is a hint. It never takes a page for it, so that rows of a full file can be deleted.
-        if (has_room_again && HasMap(free_map_)) UsageMap(*file_, free_map_).AddInPlace(at.page);
-        return;
+void RecordSpace::Drop(std::vector<Pointer> slots) {
+    std::ranges::sort(slots);
+    const std::span<const Pointer> all = slots;
+    for (std::size_t begin = 0, end = 0; begin < all.size(); begin = end) {
+        const PageNumber page = all[begin].page;
+        while (end < all.size() && all[end].page == page) ++end;
+        DropFrom(page, all.subspan(begin, end - begin));
     }
-    Release(at.page);
+}
+
+// Slots of one page, ascending. A page that nothing is left of goes as it is.
+void RecordSpace::DropFrom(PageNumber number, std::span<const Pointer> slots) {
+    const Page& before = ReadDataPage(*file_, number, owner_);
+    bool is_left = false;
+    std::size_t dropped = 0;
+    for (unsigned slot = 0; slot < SlotCount(before); ++slot) {
+        const bool goes = dropped < slots.size() && slots[dropped].slot == slot;
+        while (dropped < slots.size() && slots[dropped].slot == slot) ++dropped;
+        is_left = is_left || (!RecordAt(*file_, number, before, slot).IsDeleted() && !goes);
+    }
+    if (dropped < slots.size()) RecordAt(*file_, number, before, slots[dropped].slot);  // which is not there
+    if (!is_left) return Release(number);
+
+    const std::uint16_t free_before = FreeBytes(*file_, number, before);
+    Page& page = file_->Change(number);
+    for (const Pointer at : slots) {
+        ResizeRecord(page, at.slot, 0);
+        SetSlotFlags(page, at.slot, kSlotDeleted);
+    }
+    const bool has_room_again = free_before < kNearlyFull && FreeBytes(*file_, number, page) >= kNearlyFull;
+    // The map is a hint. It never takes a page for it, so that rows of a full file can be deleted.
+    if (has_room_again && HasMap(free_map_)) UsageMap(*file_, free_map_).AddInPlace(number);
 }
 
 void RecordSpace::Release(PageNumber page) {

@@ -6,7 +6,9 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string_view>
+#include <vector>
 
 #include "jet/file/data_page.h"
 
@@ -31,12 +33,13 @@ class RecordSpace {
     PageNumber OpenPage();
     // A record of at most a page's room; `flags` as in data_page.h.
     Pointer Add(std::string_view bytes, std::uint16_t flags);
-    // Marks a slot deleted and squeezes its bytes out. The slot itself stays.
-    void Drop(Pointer at);
+    // Marks slots deleted and squeezes their bytes out. The slots themselves stay.
+    void Drop(std::vector<Pointer> slots);
 
  private:
     PageNumber PageFor(std::size_t size);
     PageNumber Candidate() const;
+    void DropFrom(PageNumber number, std::span<const Pointer> slots);
     void Release(PageNumber page);
 
     PageFile* file_;

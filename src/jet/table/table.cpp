@@ -123,7 +123,7 @@ void Table::NoteAutonumber(std::span<const Value> values) {
     if (given > static_cast<std::int32_t>(U32(last))) PutU32(last, static_cast<std::uint32_t>(given));
 }
 
-void Table::CountRows(int difference) {
+void Table::CountRows(std::int64_t difference) {
     std::uint8_t* count = file_->Change(definition_.page).data() + layout::kRowCountAt;
     const std::int64_t rows = std::int64_t{U32(count)} + difference;
     PutU32(count, static_cast<std::uint32_t>(std::clamp<std::int64_t>(rows, 0, UINT32_MAX)));
@@ -220,17 +220,27 @@ void Table::Set(RowId id, std::span<const std::size_t> columns, std::span<const 
     if (after != before) Update(id, after);
 }
 
-void Table::Delete(RowId id) {
+void Table::Delete(std::span<const RowId> rows) {
     RequireChangeable();
-    const RowPlace place = FindOwnPlace(id);
-    const Row row = RowAt(place);
-    KeyChanges keys(*file_, definition_, row.All(), {});
-    const std::vector<LongRecord> dropped = LongRecords(row, [](std::size_t) { return true; });
+    EntriesToRemove entries(*file_, definition_);
+    std::vector<Pointer> slots;
+    std::vector<LongRecord> dropped;
+    slots.reserve(rows.size());
+    for (const RowId id : rows) {
+        const RowPlace place = FindOwnPlace(id);
+        const Row row = RowAt(place);
+        entries.Add(row);
+        slots.push_back(place.home);
+        if (place.body != place.home) slots.push_back(place.body);
+        if (definition_.long_values.empty()) continue;
+        const std::vector<LongRecord> records = LongRecords(row, [](std::size_t) { return true; });
+        dropped.insert(dropped.end(), records.begin(), records.end());
+    }
 
-    keys.Apply(id);
-    space_.Remove(place);
+    entries.Apply();
+    space_.Drop(std::move(slots));
     Drop(dropped);
-    CountRows(-1);
+    CountRows(-static_cast<std::int64_t>(rows.size()));
 }
 
 // The pages of a column's long values.
@@ -281,7 +291,9 @@ std::vector<Table::LongRecord> Table::LongRecords(const Row& row, Wanted wanted)
 }
 
 void Table::Drop(std::span<const LongRecord> records) {
-    for (const LongRecord& record : records) LongSpace(record.column).Drop(record.at);
+    std::map<std::size_t, std::vector<Pointer>> slots;
+    for (const LongRecord& record : records) slots[record.column].push_back(record.at);
+    for (auto& [column, of_column] : slots) LongSpace(column).Drop(std::move(of_column));
 }
 
 }  // namespace tav::jet

@@ -71,7 +71,9 @@ class Table {
     void Update(RowId id, std::span<const Value> values);
     // Some columns of a row get other values; where they can, in their places. Nothing is written when it has them.
     void Set(RowId id, std::span<const std::size_t> columns, std::span<const Value> values);
-    void Delete(RowId id);
+    // Rows that are there, each named once.
+    void Delete(std::span<const RowId> rows);
+    void Delete(RowId id) { Delete(std::span(&id, 1)); }
 
  private:
     PageFile* file_;
@@ -103,7 +105,7 @@ class Table {
 
     Value NextAutonumber();
     void NoteAutonumber(std::span<const Value> values);
-    void CountRows(int difference);
+    void CountRows(std::int64_t difference);
 };
 
 }  // namespace tav::jet

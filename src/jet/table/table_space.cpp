@@ -43,12 +43,7 @@ void TableSpace::Replace(const RowPlace& place, std::string_view row) {
         SetSlotFlags(page, place.home.slot, kSlotMoved);
     }
     PutU32(page.data() + RecordAt(*file_, place.home.page, page, place.home.slot).begin, body.Word());
-    if (moved_before) pages_.Drop(place.body);
-}
-
-void TableSpace::Remove(const RowPlace& place) {
-    if (place.body != place.home) pages_.Drop(place.body);
-    pages_.Drop(place.home);
+    if (moved_before) pages_.Drop({place.body});
 }
 
 }  // namespace tav::jet

@@ -27,7 +27,8 @@ class TableSpace {
     // Puts a row in the place of another: where its bytes are when they fit, else elsewhere with a pointer left
     // in its home.
     void Replace(const RowPlace& place, std::string_view row);
-    void Remove(const RowPlace& place);
+    // Frees slots of rows, those of moved bodies among them.
+    void Drop(std::vector<Pointer> slots) { pages_.Drop(std::move(slots)); }
 
  private:
     PageFile* file_;
