@@ -314,6 +314,7 @@ std::size_t Executor::State::UpdateTogether(std::span<const SqlText> statements)
     } catch (const Failure&) {
         // A value that its column cannot hold: whether a row would take it is the statement's own affair.
     }
+    if (updates.empty()) return 0;
     ChangeBy(prepared, [&] { prepared.changed->Update(*prepared.rewritten.plain, updates); });
     return updates.size();
 }

@@ -26,11 +26,14 @@ class StoredKeys {
     }
     // Adds something for the row that Find did not know, as long as memory is not too much.
     void Add(Known known) {
-        if (known_.size() < kMostKeys) known_.emplace(key_, std::move(known));
+        if (bytes_ >= kMostBytes) return;
+        bytes_ += key_.size() + kBesideKey;
+        known_.emplace(key_, std::move(known));
     }
 
  private:
-    static constexpr std::size_t kMostKeys = 16'384;
+    static constexpr std::size_t kMostBytes = 8 << 20;
+    static constexpr std::size_t kBesideKey = 80;  // what a key costs without its bytes
 
     void Read(const Row& row) {
         key_.clear();
@@ -52,6 +55,7 @@ class StoredKeys {
     std::vector<std::size_t> columns_;
     std::string key_;  // of the row last asked for
     std::unordered_map<std::string, Known> known_;
+    std::size_t bytes_ = 0;  // of memory
 };
 
 }  // namespace tav::jet
