@@ -241,7 +241,6 @@ void TakeBlocks(const DefinitionBlocks& blocks, TableDefinition& table) {
     for (std::size_t i = 0; i < blocks.columns.size(); ++i) {
         table.columns.push_back(blocks.columns[i].column);
         table.columns.back().name = blocks.column_names[i];
-        table.columns.back().required = !table.columns.back().IsNullable();
     }
     for (const RealIndexBlock& block : blocks.indexes) {
         table.indexes.push_back(IndexOf(block, table.columns));

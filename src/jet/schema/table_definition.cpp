@@ -46,8 +46,18 @@ std::vector<std::uint8_t> Gather(PageFile& file, PageNumber first, std::vector<P
     return bytes;
 }
 
+TableDefinition Take(PageFile& file, PageNumber page, TextView name, DefinitionBlocks& blocks) {
+    const Damage damaged(file, page);
+    TableDefinition table;
+    table.name = name;
+    table.page = page;
+    if (const Text why = ReadBlocks(Gather(file, page, table.pages), blocks); !why.empty()) damaged(why);
+    TakeBlocks(blocks, table);
+    if (blocks.header.constant != kConstant) damaged(u"the table definition does not look like one");
+    return table;
+}
+
 void CheckColumn(const Damage& damaged, const TableDefinition& table, const Column& column) {
-    if (!IsKnown(column.type)) damaged(u"a column has an unknown type");
     if (column.number >= table.column_capacity) damaged(u"a column number is too high");
     if (column.type == ColumnType::Numeric &&
         (column.precision() < 1 || column.precision() > kMostPrecision ||
@@ -138,13 +148,8 @@ bool IsKnown(ColumnType type) {
 
 TableDefinition ReadTableDefinition(PageFile& file, PageNumber page, TextView name) {
     const Damage damaged(file, page);
-    TableDefinition table;
-    table.name = name;
-    table.page = page;
     DefinitionBlocks blocks;
-    if (const Text why = ReadBlocks(Gather(file, page, table.pages), blocks); !why.empty()) damaged(why);
-    TakeBlocks(blocks, table);
-    if (blocks.header.constant != kConstant) damaged(u"the table definition does not look like one");
+    TableDefinition table = Take(file, page, name, blocks);
     if (table.column_capacity > kPageSize || table.variable_columns > table.column_capacity ||
         table.columns.size() > table.column_capacity) {
         damaged(u"the table definition has impossible numbers of columns");
@@ -153,6 +158,11 @@ TableDefinition ReadTableDefinition(PageFile& file, PageNumber page, TextView na
     PlaceColumns(damaged, table);
     CheckIndexes(damaged, blocks, table, file.PageCount());
     return table;
+}
+
+TableDefinition ReadTablePages(PageFile& file, PageNumber page, TextView name) {
+    DefinitionBlocks blocks;
+    return Take(file, page, name, blocks);
 }
 
 std::optional<std::size_t> TableDefinition::FindColumn(TextView column_name) const {

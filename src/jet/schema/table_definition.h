@@ -50,7 +50,6 @@ struct Column {
     int precision() const { return sort_order & 0xFF; }
     int scale() const { return sort_order >> 8; }
     bool IsFixed() const { return (flags & 0x01) != 0; }
-    bool IsNullable() const { return (flags & 0x02) != 0; }
     bool IsAutonumber() const { return (flags & 0x04) != 0; }
     bool CompressesText() const { return (extended_flags & 0x01) != 0; }
     bool IsLongValue() const { return type == ColumnType::Memo || type == ColumnType::Ole; }
@@ -121,7 +120,11 @@ bool IsKnown(ColumnType type);
 std::uint16_t ValueSize(const Column& column);
 
 // Reads the definition that starts on `page`. What contradicts itself is a Failure that names file, page and
-// reason.
+// reason. Columns of an unknown type have their bytes as values, and no others.
 TableDefinition ReadTableDefinition(PageFile& file, PageNumber page, TextView name);
+
+// The same without a judgement on columns and indexes: enough to know the pages and maps of a table that
+// nobody reads.
+TableDefinition ReadTablePages(PageFile& file, PageNumber page, TextView name);
 
 }  // namespace tav::jet

@@ -61,7 +61,7 @@ class Join {
 PageSet PagesInUse(PageFile& file) {
     Join join(file);
     for (const TableEntry& table : ReadCatalogue(file).tables) {
-        join.Add(ReadTableDefinition(file, table.page, table.name));
+        join.Add(ReadTablePages(file, table.page, table.name));
     }
     return join.Take();
 }

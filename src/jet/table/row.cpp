@@ -99,7 +99,7 @@ Value Row::Get(std::size_t position) const {
 
 Value Row::Decode(const Column& column, std::span<const std::uint8_t> stored) const {
     const std::uint8_t* at = stored.data();
-    const bool sized = !column.IsText() && column.type != ColumnType::Binary &&
+    const bool sized = IsKnown(column.type) && !column.IsText() && column.type != ColumnType::Binary &&
                        column.type != ColumnType::Ole && column.type != ColumnType::Internal;
     if (sized && stored.size() != ValueSize(column)) Damaged(column, u"has a value of a wrong length");
     const auto text = [&](const std::uint8_t* bytes, std::size_t size) -> Value {

@@ -56,7 +56,7 @@ Text TextOf(std::string_view data) {
 void TakeValue(Column& column, TextView property, std::string_view data) {
     const bool set = !data.empty() && data[0] != '\0';
     if (property == u"Required") {
-        column.required = column.required || set;
+        column.required = set;
     } else if (property == u"AllowZeroLength") {
         column.refuses_empty = !set;
     } else if (property == u"DefaultValue") {
