@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <set>
 
+#include "common/failure.h"
 #include "jet/check/check_slots.h"
 #include "jet/schema/definition_layout.h"
 
@@ -23,6 +24,7 @@ class DefinitionCheck {
  private:
     void Error(int invariant, const Text& text) {
         context_.Error(invariant, Place(table_.place, page_) + text);
+        sound_ = false;
     }
     bool ReadChain();
     bool ReadBlocks();
@@ -32,12 +34,14 @@ class DefinitionCheck {
     void CheckFixedPlaces();
     void CheckRealIndexes();
     void CheckLogicalIndexes();
+    void CheckUse();
 
     CheckContext& context_;
     PageNumber page_;
     CheckedTable table_;
     std::vector<std::uint8_t> bytes_;
     DefinitionBlocks blocks_;
+    bool sound_ = true;
 };
 
 // Collects the bytes of all pages. False when not even the first one is there.
@@ -129,8 +133,9 @@ void DefinitionCheck::CheckColumns() {
         if (column.number >= definition.column_capacity || !numbers.insert(column.number).second) {
             Error(10, name + u" has a number beyond the table's, or that of another column");
         }
-        if (!column.IsFixed() && (column.variable_index >= definition.variable_columns ||
-                                  !places.insert(column.variable_index).second)) {
+        if (column.type == ColumnType::Boolean || column.IsFixed()) continue;
+        if (column.variable_index >= definition.variable_columns ||
+            !places.insert(column.variable_index).second) {
             Error(10, name + u" has a variable place beyond the table's, or that of another column");
         }
     }
@@ -187,11 +192,21 @@ void DefinitionCheck::CheckLogicalIndexes() {
     if (primary_keys > 1) Error(12, u"the table has more than one primary key");
 }
 
+// What nothing is said of can be used.
+void DefinitionCheck::CheckUse() {
+    try {
+        ReadTableDefinition(context_.file(), page_, table_.definition.name);
+    } catch (const Failure& failure) {
+        if (sound_) Error(10, failure.description());
+    }
+}
+
 std::optional<CheckedTable> DefinitionCheck::Run() {
     if (!ReadChain() || !ReadBlocks()) return std::nullopt;
     CheckColumns();
     CheckRealIndexes();
     CheckLogicalIndexes();
+    CheckUse();
     return std::move(table_);
 }
 

@@ -14,8 +14,6 @@
 namespace tav::jet::check {
 namespace {
 
-constexpr std::size_t kPassword = 0x42;
-constexpr std::size_t kPasswordSize = 40;
 constexpr std::size_t kCreated = 0x72;
 constexpr std::size_t kSystemTablesAt = 0x20;  // four page numbers, the first of them 2
 
@@ -49,6 +47,8 @@ bool CheckPageOne(CheckContext& context, const GlobalMapPointers& maps) {
         } else if (slot && !slot->record.empty() && slot->record[0] == 1 &&
                    slot->record.size() != kReferenceSize) {
             return error(u"a reference map has another length than 69 bytes");
+        } else if (slot && slot->record.size() < kReferenceSize) {
+            context.Note(3, u"page 1: a global map is shorter than 69 bytes");
         }
     }
     return true;
@@ -102,11 +102,6 @@ void CheckHeader(CheckContext& context) {
     }
     const double created = DoubleAt(&page[kCreated]);
     if (!std::isfinite(created)) return error(u"the creation date is not a number");
-    std::uint8_t day[4];
-    PutU32(day, static_cast<std::uint32_t>(static_cast<std::int64_t>(std::trunc(created))));
-    for (std::size_t i = 0; i < kPasswordSize; ++i) {
-        if (page[kPassword + i] != day[i % 4]) return error(u"the password field is neither empty nor text");
-    }
     if (IsOwnFile(page)) context.SetOwnFile();
 }
 

@@ -155,6 +155,7 @@ class TreeCheck {
     void Visit(PageNumber page, int depth);
     void VisitLeaf(PageNumber page, int depth, const IndexPage& leaf);
     void VisitNode(PageNumber page, int depth, const IndexPage& node);
+    void CheckLinks(PageNumber page, int depth, const IndexPage& node);
 
     CheckContext& context_;
     PageNumber table_;
@@ -166,6 +167,11 @@ class TreeCheck {
     PageNumber leaf_ = 0;       // the last one visited
     PageNumber leaf_next_ = 0;  // what it says comes next
     std::string last_;          // the last leaf entry
+    struct Level {
+        PageNumber last = 0;  // the node visited last
+        PageNumber next = 0;  // what it says comes next
+    };
+    std::vector<Level> levels_;  // of nodes, by depth
 };
 
 void TreeCheck::Visit(PageNumber number, int depth) {
@@ -209,7 +215,19 @@ void TreeCheck::VisitLeaf(PageNumber number, int depth, const IndexPage& leaf) {
     last_ = leaf.entries.back();
 }
 
+// Other programs may leave the nodes of a level unlinked.
+void TreeCheck::CheckLinks(PageNumber number, int depth, const IndexPage& node) {
+    levels_.resize(std::max(levels_.size(), static_cast<std::size_t>(depth) + 1));
+    Level& level = levels_[static_cast<std::size_t>(depth)];
+    const bool linked = node.previous != 0 || level.next != 0;
+    if (linked && (node.previous != level.last || (level.last != 0 && level.next != number))) {
+        Error(22, number, u"the links between this node and the one before are wrong");
+    }
+    level = {number, node.next};
+}
+
 void TreeCheck::VisitNode(PageNumber number, int depth, const IndexPage& node) {
+    CheckLinks(number, depth, node);
     for (std::size_t i = 0; i < node.children.size(); ++i) {
         Visit(node.children[i], depth + 1);
         if (node.entries[i] != last_) {
@@ -219,6 +237,9 @@ void TreeCheck::VisitNode(PageNumber number, int depth, const IndexPage& node) {
     }
     if (node.tail == 0) return Error(21, number, u"the node has no last child");
     Visit(node.tail, depth + 1);
+    if (node.height == leaf_depth_ - depth || leaf_depth_ == -1) return;
+    context_.Note(21, Place(name_, number) + u"its height is " + Digits(node.height) +
+                          u", but the leaves are " + Digits(leaf_depth_ - depth) + u" below it");
 }
 
 void TreeCheck::Run(PageNumber root) {
@@ -227,6 +248,9 @@ void TreeCheck::Run(PageNumber root) {
     }
     Visit(root, 0);
     if (leaf_next_ != 0) Error(22, leaf_, u"the last leaf leads on to page " + Digits(leaf_next_));
+    for (const Level& level : levels_) {
+        if (level.next != 0) Error(22, level.last, u"the last node leads on to page " + Digits(level.next));
+    }
     for (std::size_t i = 0; i < pages_.size(); ++i) {
         if (!reached_[i]) Error(23, pages_[i], u"the page is in the index's map, but not in its tree");
     }

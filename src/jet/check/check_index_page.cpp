@@ -3,6 +3,7 @@
 namespace tav::jet::check {
 namespace {
 
+constexpr std::size_t kHeight = 26;
 constexpr std::size_t kMask = 27;
 constexpr std::size_t kEntries = 480;
 constexpr std::size_t kEntryBytes = kPageSize - kEntries;
@@ -28,6 +29,9 @@ IndexPage ReadIndexPage(const Page& page) {
     read.previous = U32(&page[12]);
     read.next = U32(&page[16]);
     read.tail = U32(&page[20]);
+    read.height = page[kHeight];
+    if (read.leaf && read.height != 0)
+        read.faults.push_back(u"it is a leaf, but says that it stands above others");
 
     std::vector<std::size_t> ends = EntryEnds(page);
     if (!ends.empty() && ends.back() > kEntryBytes) {

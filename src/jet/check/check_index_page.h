@@ -14,6 +14,7 @@ struct IndexPage {
     PageNumber previous = 0;
     PageNumber next = 0;
     PageNumber tail = 0;               // the last child of a node
+    int height = 0;                    // above the leaves
     std::vector<std::string> entries;  // whole, with the prefix put back; a node's without the child
     std::vector<PageNumber> children;  // one per entry of a node
     std::vector<Text> faults;          // what is wrong with the page

@@ -1,5 +1,7 @@
 #include "jet/check/check_row.h"
 
+#include <algorithm>
+
 #include "jet/table/row.h"
 #include "jet/table/text_compression.h"
 
@@ -9,6 +11,7 @@ namespace {
 // Where the parts of a row stand.
 struct Layout {
     std::size_t columns = 0;
+    bool has_variables = false;
     std::size_t variables = 0;
     std::size_t mask = 0;     // offset of the null mask
     std::size_t trailer = 0;  // offset past which no value reaches
@@ -21,7 +24,12 @@ std::optional<Layout> FindParts(const TableDefinition& definition, Bytes row) {
     const std::size_t mask_size = (parts.columns + 7) / 8;
     if (parts.columns > definition.column_capacity || row.size() < 2 + mask_size) return std::nullopt;
     parts.mask = parts.trailer = row.size() - mask_size;
-    if (definition.variable_columns == 0) return parts;
+    // A row from before the first of the variable columns has no part for them.
+    const auto in_row = [&](const Column& column) {
+        return column.type != ColumnType::Boolean && !column.IsFixed() && column.number < parts.columns;
+    };
+    parts.has_variables = std::ranges::any_of(definition.columns, in_row);
+    if (!parts.has_variables) return parts;
     if (parts.mask < 6) return std::nullopt;
     parts.variables = U16(&row[parts.mask - 2]);
     if (parts.variables > definition.variable_columns || parts.mask < 6 + 2 * parts.variables) {
@@ -70,7 +78,7 @@ class RowCheck {
 
 bool RowCheck::CheckOffsets() {
     fixed_limit_ = parts_.trailer;
-    if (definition_.variable_columns == 0) return true;
+    if (!parts_.has_variables) return true;
     for (std::size_t i = 0; i < parts_.variables; ++i) {
         if (VariableStart(i) > VariableStart(i + 1)) return Broken(u"its variable values are out of order");
     }
@@ -123,6 +131,7 @@ bool RowCheck::CheckValue(const Column& column, Bytes value) {
         default:
             break;
     }
+    if (!IsKnown(column.type)) return true;
     if (value.size() != ValueSize(column)) return WrongValue(column, u"the value has a wrong length");
     if (column.type == ColumnType::Date && !IsDatabaseDate(tav::Date{DoubleAt(value.data())})) {
         return WrongValue(column, u"there is no such date");

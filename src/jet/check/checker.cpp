@@ -3,10 +3,9 @@
 //
 //      1 E  The size is a whole number of pages, three at least; the file is a Jet 4 database, neither encrypted
 //           nor protected by a password.
-//      2 E  The header points to the two global maps and the system tables; it has a creation date and a
-//           password field that holds text.
+//      2 E  The header points to the two global maps and the system tables; it has a creation date.
 //      3 E  Page 1 holds the global maps and nothing else; one of references has 69 bytes.
-//        N  Pages that the map of free pages does not cover.
+//        N  Pages that the map of free pages does not cover; maps that are too short for other programs.
 //      4 E  A pointer to a map leads to a living record of a map page; the map is of a known kind and its bitmap
 //           pages are of their type.
 //      5 E  No page has two owners, no map record serves twice.
@@ -18,7 +17,7 @@
 //      9 E  A definition has its constant, pages of its type that end, and the length it says.
 //        N  Free field.
 //     10 E  Columns: numbers and variable places within the table's and unique, fixed places apart from each
-//           other, types known where indexes need them.
+//           other, types known where indexes need them, lengths and precisions that can be.
 //     11 E  Real indexes: constant, flag, one to ten existing columns, a root of an index's type in its map.
 //     12 E  Logical indexes name a real index; one primary key at most.
 //        N  Number other than the real index's.
@@ -33,11 +32,12 @@
 //     18 E  The row count is exact, in a file that only this program wrote.
 //        N  The same in other files.
 //     19 E  Index pages: type, owner, exact free field, entries inside and long enough, a prefix inside the
-//           first.
+//           first; height 0 of a leaf.
 //     20 E  Entries ascend within a page and along the leaves.
 //     21 E  An entry of a node is the last entry of its child; there is a last child; the tree's pages are
 //           in its map, none twice, all leaves at one depth.
-//     22 E  Leaves are linked in the order of the tree.
+//        N  The height that a node says it has.
+//     22 E  Leaves are linked in the order of the tree, nodes of one level too if they are linked at all.
 //     23 E  The map of an index holds the pages of its tree only.
 //     24 E  An entry leads to a living row, no two entries to one.
 //     25 E  Every row has an entry, but for rows that are all Null in an index that ignores Nulls.
@@ -68,6 +68,7 @@ using check::CheckedRows;
 using check::CheckedTable;
 
 constexpr PageNumber kCatalogue = 2;
+constexpr PageNumber kPageOfId = 0xFFFFFF;
 
 struct CatalogueTable {
     PageNumber page = 0;
@@ -95,7 +96,7 @@ class CatalogueReader {
         if (!std::holds_alternative<std::int64_t>(id) || !std::holds_alternative<Text>(name)) {
             return context_.Error(8, place + u"a table has no name or no page");
         }
-        const auto page = static_cast<PageNumber>(std::get<std::int64_t>(id));
+        const auto page = static_cast<PageNumber>(std::get<std::int64_t>(id)) & kPageOfId;
         const Text& text = std::get<Text>(name);
         if (!names_.insert(UpperCase(text)).second) {
             context_.Error(8, place + u"there is another table of the name " + text);
