@@ -205,6 +205,7 @@ std::optional<std::vector<RowId>> TableSearch::Find(int plan_number, std::span<c
 
 std::optional<std::vector<RowId>> TableSearch::ByIndex(const SearchPlan& plan,
                                                        std::span<const Value> arguments) {
+    if (!table_->HasWholeIndex(*plan.index)) return std::nullopt;
     const TableDefinition& definition = table_->definition();
     const RealIndex& index = definition.indexes[*plan.index];
     std::string key;
@@ -229,6 +230,7 @@ std::optional<std::vector<RowId>> TableSearch::ByIndex(const SearchPlan& plan,
 
 std::optional<std::vector<RowId>> TableSearch::ByRange(const SearchPlan& plan,
                                                        std::span<const Value> arguments) {
+    if (!table_->HasWholeIndex(*plan.index)) return std::nullopt;
     const Column& column =
         table_->definition().columns[table_->definition().indexes[*plan.index].columns[0].column];
     std::vector<std::string> bounds;

@@ -1,4 +1,5 @@
-// Finds the rows that a statement's conditions allow: by an index of the file, by a hash, or by a scan.
+// Finds the rows that a statement's conditions allow: by an index of the file, by a hash, or by a scan. An
+// index that damage has left with too few entries or too many is not asked.
 #pragma once
 
 #include <sqlite3.h>

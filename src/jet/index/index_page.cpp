@@ -81,6 +81,13 @@ std::size_t IndexPage::Boundary(std::size_t place) const {
     return bits == 0 ? 0 : word * kWordBits + static_cast<std::size_t>(std::bit_width(bits)) - 1;
 }
 
+std::size_t IndexPage::Count() const {
+    std::size_t count = 0;
+    for (std::size_t word = 0; word < kMaskWords; ++word)
+        count += static_cast<std::size_t>(std::popcount(MaskWord(word)));
+    return count;
+}
+
 std::size_t IndexPage::After(std::size_t place) const {
     std::size_t word = (place + 1) / kWordBits;
     std::uint64_t bits = MaskWord(word) & ~std::uint64_t{0} << (place + 1) % kWordBits;

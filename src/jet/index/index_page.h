@@ -48,6 +48,8 @@ class IndexPage {
     std::uint8_t Height() const { return bytes_[kHeightAt]; }
     std::size_t Used() const { return used_; }
     bool IsEmpty() const { return used_ == 0; }
+    // How many entries there are.
+    std::size_t Count() const;
 
     // The first entry whose key and row id are not below `bytes`.
     std::size_t Find(std::string_view bytes) const;

@@ -88,6 +88,18 @@ bool IndexTree::HasKey(std::string_view key) {
     return entry.size() == key.size() + kRowIdSize && entry.starts_with(key);
 }
 
+std::uint64_t IndexTree::CountEntries() {
+    std::uint64_t count = 0;
+    PageNumber number = Descend({}).back().page;
+    for (PageNumber steps = 0; number != 0; ++steps) {
+        const IndexPage leaf = View(number);
+        if (!leaf.IsLeaf() || steps == file_->PageCount()) leaf.Damaged(u"the chain of leaves is broken");
+        count += leaf.Count();
+        number = leaf.Next();
+    }
+    return count;
+}
+
 void IndexTree::Add(std::string_view key, RowId row) {
     if (key.size() > kMaxKeySize) {
         throw Failure(u"A key is too long for the index \"" + index_->name + u"\".");
@@ -169,11 +181,12 @@ void IndexTree::Remove(std::span<const std::string> entries) {
 std::size_t IndexTree::RemoveRun(std::span<const std::string> entries) {
     Path path = Descend(entries.front());
     std::size_t level = path.size() - 1;
+    // Damage has taken it before.
+    if (!View(path[level].page).Equals(path[level].place, entries.front())) return 1;
     IndexPageEditor page = Edit(path[level].page);
     std::size_t end = path[level].place;
     std::size_t count = 0;
     for (; count < entries.size() && page.Equals(end, entries[count]); ++count) end = page.After(end);
-    if (count == 0) page.Damaged(u"there is no entry of " + Named(RowOf(entries.front())));
     page.Erase(path[level].place, end);
 
     if (!page.IsEmpty()) {

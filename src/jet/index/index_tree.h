@@ -33,10 +33,13 @@ class IndexTree {
     IndexTree(PageFile& file, const TableDefinition& table, const RealIndex& index);
 
     bool HasKey(std::string_view key);
+    // From all leaves.
+    std::uint64_t CountEntries();
 
-    // Adds or removes one entry, splitting and dropping pages as needed. Adding an entry that is there, or
-    // removing one that is not, is a Failure: the index is damaged. A key is at most kMaxKeySize long. What HasKey
-    // found out about the key serves the Add that follows; nobody else changes the tree in between.
+    // Adds or removes one entry, splitting and dropping pages as needed. Adding an entry that is there is a
+    // Failure: the index is damaged. Where damage has left no entry to remove, nothing is done. A key is at most
+    // kMaxKeySize long. What HasKey found out about the key serves the Add that follows; nobody else changes
+    // the tree in between.
     void Add(std::string_view key, RowId row);
     void Remove(std::string_view key, RowId row);
     // Removes many, as EntryOf makes them, in ascending order: those that follow each other go together.

@@ -8,6 +8,7 @@
 #include "jet/index/index_key.h"
 #include "jet/schema/definition_layout.h"
 #include "jet/table/row.h"
+#include "jet/table/table.h"
 
 namespace tav::jet {
 namespace {
@@ -46,7 +47,7 @@ KeyChanges::KeyChanges(PageFile& file, const TableDefinition& table, std::span<c
     }
 }
 
-void KeyChanges::Check(std::span<const Value> after) {
+void KeyChanges::Check(std::span<const Value> after, const Table& rows) {
     for (std::size_t i = 0; i < changes_.size(); ++i) {
         const RealIndex& index = table_.indexes[i];
         Change& change = changes_[i];
@@ -54,7 +55,12 @@ void KeyChanges::Check(std::span<const Value> after) {
         if (!change.has_entry || change.IsSame()) continue;
         change.is_new = !change.tree.HasKey(change.new_key);
         const bool unique = index.unique || index.primary;
-        if (unique && !change.is_new && !AllNull(index, after)) throw Failure(kDuplicate).In(table_.name);
+        if (!unique || change.is_new || AllNull(index, after)) continue;
+        const std::string& key = change.new_key;
+        for (IndexTree::Cursor at = change.tree.Seek(key); !at.AtEnd() && at.key() == key; at.Next()) {
+            if (rows.HasRow(at.row(), index, key)) throw Failure(kDuplicate).In(table_.name);
+            change.lost.push_back(at.row());
+        }
     }
 }
 
@@ -63,6 +69,7 @@ void KeyChanges::Apply(RowId id) {
         const RealIndex& index = table_.indexes[i];
         Change& change = changes_[i];
         if (change.IsSame()) continue;
+        for (const RowId lost : change.lost) change.tree.Remove(change.new_key, lost);
         if (change.had_entry) change.tree.Remove(change.old_key, id);
         if (change.has_entry) change.tree.Add(change.new_key, id);
         if (!change.is_new) continue;

@@ -16,6 +16,7 @@ namespace tav::jet {
 
 class PageFile;
 class Row;
+class Table;
 
 class KeyChanges {
  public:
@@ -24,8 +25,9 @@ class KeyChanges {
     KeyChanges(PageFile& file, const TableDefinition& table, std::span<const Value> before,
                std::span<const Value> after);
 
-    // What breaks a rule is a Failure with the database engine's usual message.
-    void Check(std::span<const Value> after);
+    // What breaks a rule is a Failure with the database engine's usual message. An entry that damage has left,
+    // which leads to no row of `rows` with its key, breaks none: it goes.
+    void Check(std::span<const Value> after, const Table& rows);
     // Removes and adds the entries of that row; counts keys that no row had.
     void Apply(RowId id);
 
@@ -36,7 +38,8 @@ class KeyChanges {
         std::string new_key = {};
         bool had_entry = false;
         bool has_entry = false;
-        bool is_new = false;  // no row had the new key yet
+        bool is_new = false;           // no row had the new key yet
+        std::vector<RowId> lost = {};  // what entries of the new key lead to, but is no row of it
 
         bool IsSame() const { return had_entry && has_entry && old_key == new_key; }
     };

@@ -7,6 +7,7 @@
 #include "common/database_failure.h"
 #include "jet/file/page_file.h"
 #include "jet/file/usage_map.h"
+#include "jet/index/index_key.h"
 #include "jet/schema/definition_layout.h"
 #include "jet/table/key_changes.h"
 #include "jet/table/read_only.h"
@@ -21,7 +22,10 @@ constexpr TextView kNullAutonumber =
 }  // namespace
 
 Table::Table(PageFile& file, TableDefinition definition)
-    : file_(&file), definition_(std::move(definition)), space_(file, definition_) {
+    : file_(&file),
+      definition_(std::move(definition)),
+      space_(file, definition_),
+      whole_indexes_(definition_.indexes.size()) {
     for (std::size_t i = 0; i < definition_.columns.size(); ++i) {
         const Column& column = definition_.columns[i];
         if (column.IsAutonumber() && column.type == ColumnType::Long) autonumber_ = i;
@@ -53,9 +57,6 @@ RowPlace Table::FindPlace(RowId id) const {
     place.body = Pointer::FromWord(U32(file_->Read(id.page).data() + place.record.begin));
     if (!space_.pages().Owns(place.body.page)) file_->Damaged(id.page, u"a moved row lies outside its table");
     place.record = record_at(place.body);
-    if (place.record.flags != kSlotBody) {
-        file_->Damaged(id.page, u"a moved row is not where its pointer says");
-    }
     return place;
 }
 
@@ -65,15 +66,47 @@ Row Table::RowAt(const RowPlace& place) const {
                std::span<const std::uint8_t>(page).subspan(place.record.begin, place.record.size));
 }
 
+void Table::RequireOwn(PageNumber page) const {
+    if (space_.pages().Owns(page)) return;
+    file_->Damaged(page, Concat(u"table '", definition_.name, u"' has no rows there"));
+}
+
 RowPlace Table::FindOwnPlace(RowId id) const {
-    if (!space_.pages().Owns(id.page)) {
-        file_->Damaged(id.page, Concat(u"table '", definition_.name, u"' has no rows there"));
+    RequireOwn(id.page);
+    const RowPlace place = FindPlace(id);
+    if (place.body != place.home && place.record.flags != kSlotBody) {
+        file_->Damaged(id.page, u"a moved row is not where its pointer says");
     }
-    return FindPlace(id);
+    return place;
 }
 
 Row Table::Find(RowId id) {
-    return RowAt(FindOwnPlace(id));
+    RequireOwn(id.page);
+    return RowAt(FindPlace(id));
+}
+
+bool Table::HasRow(RowId id, const RealIndex& index, std::string_view key) const {
+    if (!space_.pages().Owns(id.page)) return false;
+    const Page& page = ReadDataPage(*file_, id.page, definition_.page);
+    if (id.slot >= SlotCount(page) || (RecordAt(*file_, id.page, page, id.slot).flags & kSlotBody) != 0)
+        return false;
+    const Row row = RowAt(FindPlace(id));
+    std::vector<Value> values(definition_.columns.size());
+    for (const IndexColumn& part : index.columns) values[part.column] = row.Get(part.column);
+    return EncodeKey(definition_, index, values) == key;
+}
+
+bool Table::HasWholeIndex(std::size_t real_index) {
+    if (definition_.indexes.at(real_index).ignores_nulls) return true;
+    std::optional<bool>& whole = whole_indexes_[real_index];
+    if (whole) return *whole;
+    const std::uint64_t entries = Index(real_index).CountEntries();
+    whole = entries == U32(file_->Read(definition_.page).data() + layout::kRowCountAt);
+    if (*whole) return true;
+    std::uint64_t rows = 0;  // which the count may not be
+    for (Scan scan = Rows(); !scan.AtEnd(); scan.Next()) ++rows;
+    whole = entries == rows;
+    return *whole;
 }
 
 Table::Scan Table::Rows() {
@@ -140,7 +173,7 @@ RowId Table::Insert(std::span<const Value> given) {
     }
     EncodeRow(definition_, values, row_);
     KeyChanges keys(*file_, definition_, {}, values);
-    keys.Check(values);
+    keys.Check(values, *this);
     CheckLongValues();
 
     WriteLongValues();
@@ -162,7 +195,7 @@ void Table::Update(RowId id, std::span<const Value> values) {
     const OldRow old{&row, old_values};
     EncodeRow(definition_, values, row_, old);
     KeyChanges keys(*file_, definition_, old_values, values);
-    keys.Check(values);
+    keys.Check(values, *this);
     CheckLongValues();
     const std::vector<LongRecord> dropped =
         LongRecords(row, [&](std::size_t column) { return !old.Keeps(column, values[column]); });

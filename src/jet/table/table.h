@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "common/value.h"
@@ -29,6 +30,9 @@ class Table {
     void Trim();
     std::uint64_t Trims() const;
     IndexTree Index(std::size_t real_index);
+    // Whether the index has as many entries as the table has rows, so that a search by it can be believed.
+    // Looked at once; one that leaves out rows of Nulls is believed.
+    bool HasWholeIndex(std::size_t real_index);
 
     using Row = jet::Row;
 
@@ -58,6 +62,8 @@ class Table {
 
     // The row of that id; a Failure when there is none.
     Row Find(RowId id);
+    // Whether there is one, and that is its key in the index.
+    bool HasRow(RowId id, const RealIndex& index, std::string_view key) const;
 
     // A Failure that names table and column when rows cannot be changed safely (read_only.h).
     void RequireChangeable();
@@ -79,13 +85,16 @@ class Table {
     PageFile* file_;
     TableDefinition definition_;
     TableSpace space_;
+    std::vector<std::optional<bool>> whole_indexes_;    // by real index, once they were looked at
     std::optional<std::size_t> autonumber_;             // the column, if there is one
     std::optional<Text> why_read_only_;                 // once it was asked for
     std::map<std::uint16_t, RecordSpace> long_spaces_;  // by column number
     EncodedRow row_;                                    // the one being written
 
+    void RequireOwn(PageNumber page) const;
+    // A moved row is read whatever the flags of its body say.
     RowPlace FindPlace(RowId id) const;
-    // The same for a row that is to be changed; its page must be the table's.
+    // The same for a row that is to be changed; its page must be the table's, its body one.
     RowPlace FindOwnPlace(RowId id) const;
     Row RowAt(const RowPlace& place) const;
 
