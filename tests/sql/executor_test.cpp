@@ -105,7 +105,8 @@ TEST(Executor, SearchesFindWhatScansFind) {
     EXPECT_GT(searches, test::SampleFolder().empty() ? 60 : 400);
 }
 
-// Columns that only a file of somebody else has: executor.txt. "use FILE" takes another database.
+// Columns that only a file of somebody else has: executor.txt. "use FILE" takes another database, with
+// "PAGE+OFFSET=BYTES" one in which these bytes have been damaged.
 TEST(Executor, ColumnsOfEveryKind) {
     const test::TempFolder folder;
     const TablePlan plan = {
@@ -117,9 +118,16 @@ TEST(Executor, ColumnsOfEveryKind) {
     const auto answer = [&](TextView line) -> Text {
         if (line.starts_with(u"use ")) {
             executor.reset();
-            const std::string file = ToUtf8(line.substr(4));
-            const Text path =
-                file == "own" ? own : folder.Write(u"used.mdb", test::TestFile("tav/hosts/" + file));
+            GetNext(line, u" ");
+            const std::string file = ToUtf8(GetNext(line, u" "));
+            std::string bytes = file == "own" ? ReadFile(own) : test::TestFile("tav/hosts/" + file);
+            while (!line.empty()) {
+                std::size_t at = kPageSize * std::stoul(ToUtf8(GetNext(line, u"+")));
+                at += std::stoul(ToUtf8(GetNext(line, u"=")));
+                for (TextView hex = GetNext(line, u" "); !hex.empty(); hex.remove_prefix(2))
+                    bytes.at(at++) = static_cast<char>(std::stoi(ToUtf8(hex.substr(0, 2)), nullptr, 16));
+            }
+            const Text path = folder.Write(u"used.mdb", bytes);
             executor = std::make_unique<Executor>(path, Database::Access::Write);
             return {};
         }
@@ -130,7 +138,8 @@ TEST(Executor, ColumnsOfEveryKind) {
             }
             return rows;
         } catch (const Failure& failure) {
-            return Text(u"! ").append(failure.description()).append(u"\n");
+            const Text words = ReplaceAll(failure.description(), folder / u"used.mdb", u"FILE");
+            return Text(u"! ").append(words).append(u"\n");
         }
     };
     test::ExpectTranscript("sql/executor.txt", [&](TextView statements) {

@@ -1,6 +1,7 @@
 // A row's values as the bytes of row.h.
 #pragma once
 
+#include <cmath>
 #include <span>
 #include <string>
 #include <vector>
@@ -33,8 +34,13 @@ struct OldRow {
     const Row* row = nullptr;
     std::span<const Value> values;
 
+    // What is no number equals nothing, itself included.
     bool Keeps(std::size_t column, const Value& value) const {
-        return row != nullptr && values[column] == value;
+        if (row == nullptr) return false;
+        const auto* old = std::get_if<double>(&values[column]);
+        const auto* now = std::get_if<double>(&value);
+        return values[column] == value ||
+               (old != nullptr && now != nullptr && std::isnan(*old) && std::isnan(*now));
     }
 };
 
