@@ -115,7 +115,8 @@ bool GlobalMap::Lengthen(PageNumber page) {
     const PageNumber file_end = file_->PageCount();
     const PageNumber old_end = old.first > file_end ? 0 : old.first + old.count;
     const PageNumber end = std::max(page + 1, std::min(old_end, file_end));
-    const std::size_t size = kInlineHead + kGrowth * ((end - 1) / kPagesPerGrowth + std::size_t{1});
+    const std::size_t needed = kInlineHead + kGrowth * ((end - 1) / kPagesPerGrowth + std::size_t{1});
+    const std::size_t size = std::max<std::size_t>({needed, free_.Size(), kReferenceSize});
     std::vector<bool> was_free(old_end);
     for (PageNumber at = old.first; at < old_end; ++at) was_free[at] = Bit(free_.Bits(old), at - old.first);
     if (size > kPageSize || !free_.Resize(static_cast<std::uint16_t>(size), kSpare)) return false;
@@ -134,7 +135,7 @@ void GlobalMap::Convert() {
     std::vector<PageNumber> free;
     for (PageNumber at = FindBit(free_.Bits(old), 0, old.count); at < old.count;
          at = FindBit(free_.Bits(old), at + 1, old.count)) {
-        if (old.first + at < file_->PageCount()) free.push_back(old.first + at);
+        if (std::uint64_t{old.first} + at < file_->PageCount()) free.push_back(old.first + at);
     }
     free_.MakeReferences();
     for (std::size_t entry = 0; entry * kPagesPerBitmap < file_->PageCount(); ++entry) AddBitmap(entry);

@@ -20,7 +20,7 @@ namespace tav::jet {
 inline constexpr std::size_t kInlineHead = 5;
 inline constexpr std::size_t kBitmapHead = 4;
 inline constexpr PageNumber kPagesPerBitmap = (kPageSize - kBitmapHead) * 8;
-// 17 entries: 2 GB. The length of every reference map that is made.
+// 17 entries: 2 GB. The length of every reference map that is made, and the least one of a global inline map.
 inline constexpr std::uint16_t kReferenceSize = 69;
 inline constexpr PageNumber kGlobalPage = 1;  // the page of the file's own two maps
 

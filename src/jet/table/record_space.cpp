@@ -1,6 +1,7 @@
 #include "jet/table/record_space.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "jet/file/page_file.h"
 #include "jet/file/usage_map.h"
@@ -40,6 +41,7 @@ PageNumber RecordSpace::OpenPage() {
 PageNumber RecordSpace::PageFor(std::size_t size) {
     if (OpenPage() != 0) {
         const Page& page = ReadDataPage(*file_, open_page_, owner_);
+        if (std::exchange(sound_page_, open_page_) != open_page_) CheckSlots(*file_, open_page_, page);
         const bool has_room = FreeBytes(*file_, open_page_, page) >= size + kSlotSize;
         if (has_room && SlotCount(page) < kMaximumSlots) return open_page_;
     }
@@ -47,7 +49,7 @@ PageNumber RecordSpace::PageFor(std::size_t size) {
     const PageNumber fresh = UsageMap(*file_, owned_map_).TakePage(above);
     InitializeDataPage(file_->Change(fresh), owner_);
     if (HasMap(free_map_)) UsageMap(*file_, free_map_).Add(fresh);
-    open_page_ = fresh;
+    open_page_ = sound_page_ = fresh;
     return fresh;
 }
 
@@ -72,7 +74,8 @@ void RecordSpace::Drop(std::vector<Pointer> slots) {
     }
 }
 
-// Slots of one page, ascending. A page that nothing is left of goes as it is.
+// Slots of one page, ascending. A page that nothing is left of goes as it is. A deleted record that still has
+// bytes may be the body of a moved row.
 void RecordSpace::DropFrom(PageNumber number, std::span<const Pointer> slots) {
     const Page& before = ReadDataPage(*file_, number, owner_);
     bool is_left = false;
@@ -80,7 +83,8 @@ void RecordSpace::DropFrom(PageNumber number, std::span<const Pointer> slots) {
     for (unsigned slot = 0; slot < SlotCount(before); ++slot) {
         const bool goes = dropped < slots.size() && slots[dropped].slot == slot;
         while (dropped < slots.size() && slots[dropped].slot == slot) ++dropped;
-        is_left = is_left || (!RecordAt(*file_, number, before, slot).IsDeleted() && !goes);
+        const Record record = RecordAt(*file_, number, before, slot);
+        is_left = is_left || (!goes && (!record.IsDeleted() || record.size > 0));
     }
     if (dropped < slots.size()) RecordAt(*file_, number, before, slots[dropped].slot);  // which is not there
     if (!is_left) return Release(number);

@@ -52,6 +52,7 @@ class RecordSpace {
     // At hand, so that a record costs the same in a large file as in a small one. Read again after a rollback.
     std::optional<std::uint64_t> known_since_;  // the file's count of rollbacks then
     PageNumber open_page_ = 0;                  // the one that takes the next record, 0 for none
+    PageNumber sound_page_ = 0;                 // whose slots have been looked at
 };
 
 }  // namespace tav::jet

@@ -100,6 +100,9 @@ TEST_F(Growth, FreedPagesAreTakenAgainButNotBelowTheLastOne) {
     EXPECT_EQ(AllocatePage(file_), first);
     EXPECT_EQ(file_.Read(first), Page{});
     EXPECT_THAT(FailureOf([&] { FreePage(file_, 2); }), testing::HasSubstr("cannot be freed"));
+    MapRecord(file_, {1, 0}).SetStart(800);  // after the end of the file
+    AllocatePage(file_);
+    EXPECT_EQ(MapRecord(file_, {1, 0}).Size(), kReferenceSize);
 }
 
 // More changed pages than memory keeps, in statements that are taken back, alone and to a savepoint, and in
