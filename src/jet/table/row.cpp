@@ -1,5 +1,7 @@
 #include "jet/table/row.h"
 
+#include <algorithm>
+
 #include "common/concat.h"
 #include "jet/file/page_file.h"
 #include "jet/table/long_value.h"
@@ -85,7 +87,7 @@ std::optional<std::size_t> Row::FixedPlace(std::size_t position) const {
     if (definition_->variable_columns > 0) {
         if (!has_variable_part_) return std::nullopt;
         // The first variable value, or the end of none, follows the fixed area.
-        end = U16(bytes_.data() + mask_ - 4);
+        end = std::min<std::size_t>(U16(bytes_.data() + mask_ - 4), mask_ - 4 - 2 * variable_count_);
     }
     return begin + ValueSize(column) <= end ? std::optional(begin) : std::nullopt;
 }
