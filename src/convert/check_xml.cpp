@@ -143,11 +143,8 @@ bool Scan::Update() {
     WaitForFileClock(state_.documents);
     const Clock::time_point begin = Clock::now();
     if (!unsettled.empty() && !Convert(unsettled)) return false;
-    const std::string opening = Opening();
-    const std::string carried = Carried(!unsettled.empty());
-    std::string text;
-    text.reserve(opening.size() + carried.size() + converted_.size() + kAllClosing.size() + 2);
-    text.append(opening).append(carried).append(converted_).append(kAllClosing).append("\r\n");
+    std::string text = std::move(converted_);  // no second copy of what may be most of the catalogue
+    text.insert(0, Opening().append(Carried(!unsettled.empty()))).append(kAllClosing).append("\r\n");
     if (!must_be_written_ && state_.catalogue && text == ReadFile(path_)) return true;
     state_.catalogue.reset();
     WriteFileWhole(path_, text, Clock::now() - begin + kFileClockStep);
