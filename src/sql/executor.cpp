@@ -102,10 +102,11 @@ StatementHandle Executor::State::PrepareOne(const Rewritten& rewritten, const st
 }
 
 // For a delete, the select of the rows it deletes, so that they can go some at a time: SQLite itself would list them
-// all first. None for one whose selects look at the table while it changes, or whose table has a column of that name.
+// all first. None for one whose selects look at the table while it changes or that may meet a row again that is gone,
+// or whose table has a column of that name.
 StatementHandle Executor::State::PrepareFinding(const Rewritten& rewritten) {
     const bool one_by_one = rewritten.kind == StatementKind::Delete && !rewritten.reads_changed &&
-                            !rewritten.changed->FindColumn(u"rowid");
+                            !rewritten.may_meet_twice && !rewritten.changed->FindColumn(u"rowid");
     if (!one_by_one) return nullptr;
     constexpr std::size_t kVerb = 6;  // "delete"
     return PrepareOne(rewritten, "select rowid" + rewritten.sql.substr(kVerb));

@@ -147,7 +147,7 @@ std::optional<PlainStatement> ReadPlain(const Statement& statement) {
 }
 
 bool IgnoresRepeats(const Statement& statement) {
-    constexpr TextView kCounting[] = {u"group", u"having", u"union", u"top", u"limit",
+    constexpr TextView kCounting[] = {u"group", u"having", u"union", u"top", u"limit", u"right",
                                       u"count", u"sum",    u"avg",   u"min", u"max"};
     std::ptrdiff_t selects = 0;
     for (const Token& token : statement.tokens()) {

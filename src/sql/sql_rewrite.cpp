@@ -82,6 +82,8 @@ class Rewriter {
         CheckDepth();
         for (std::size_t i = 0; i < tokens_.size(); ++i) Emit(i);
         if (out_.kind == StatementKind::Select) ReadListedColumns();
+        out_.may_meet_twice =
+            std::ranges::any_of(tokens_, [](const Token& token) { return token.Is(u"or"); });
         out_.reads_changed = out_.changed != nullptr && Mentions(*out_.changed) > 1;
         return std::move(out_);
     }

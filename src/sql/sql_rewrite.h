@@ -53,6 +53,7 @@ struct Rewritten {
     const TableDefinition* changed = nullptr;
     std::vector<std::size_t> unnamed;     // columns of `changed` that an insert does not name
     bool reads_changed = false;           // in a select within the statement
+    bool may_meet_twice = false;          // one row, by either side of an "or"
     std::optional<PlainStatement> plain;  // an insert or update of literals
     bool sorts_by_columns = false;        // select distinct without an order
     bool ignores_repeats = false;         // of rows (plain_statement.h)

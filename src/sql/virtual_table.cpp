@@ -36,7 +36,10 @@ struct Cursor : sqlite3_vtab_cursor {
 
     // The present row's bytes, wherever they are by now.
     const Table::Row& Present() {
-        if (trims != table->table().Trims()) Show();
+        if (trims != table->table().Trims()) {
+            trims = table->table().Trims();
+            row = scan ? scan->row() : table->table().Find(found[next]);
+        }
         return *row;
     }
 
@@ -328,8 +331,10 @@ void VirtualTable::Update(const PlainStatement& statement, std::span<const Plain
 
 void VirtualTable::Delete(std::span<const RowId> rows) {
     log_.Lose();
-    for (std::size_t i = 0; search_.HasHashes() && i < rows.size(); ++i)
+    for (std::size_t i = 0; search_.HasHashes() && i < rows.size(); ++i) {
+        table_.Trim();
         search_.Deleted(table_.Find(rows[i]).All(), rows[i]);
+    }
     table_.Delete(rows);
 }
 

@@ -52,7 +52,7 @@ class VirtualTable {
     TableSearch search_;
     ChangeLog log_{table_, search_};
     std::span<const std::size_t> unnamed_;
-    std::vector<Value> row_;  // of the change being made; kept, so that its texts keep their memory
+    std::vector<Value> row_;  // of the change being made
     Value literal_;
 };
 

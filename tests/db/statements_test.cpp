@@ -48,6 +48,33 @@ Text Answers(Connection& connection, TextView statements) {
     return out;
 }
 
+// More pages than are kept in memory, a row on each; every row has two partners. More rows are deleted than go at once,
+// most of them found a second time.
+TEST(Statements, RowsStayWholeWhilePagesAreLetGo) {
+    const test::TempFolder folder;
+    const Text path = folder / u"base.mdb";
+    CreateDatabase(path);
+    Connection connection;
+    connection.Open(ConnectionString(path));
+    const Text wide(255, u'\u4E2D');
+    constexpr int kRows = 4300;
+    for (int i = 1; i <= kRows; ++i) {
+        SqlText sql(u"insert into tav_operations_header (id,h1,h2,h3,h5,h8,filename) values (");
+        sql.Number(i).Fixed(i > 300 ? u",'k','late'" : u",'k','early'");
+        for (int column = 0; column < 4; ++column) sql.Fixed(u",'").Value(wide).Fixed(u"'");
+        connection.Execute(sql.Fixed(u");"));
+    }
+    for (const TextView id : {u"1", u"2"})
+        connection.Execute(Text(u"insert into tav_operations (id,p3) values (").append(id).append(u",'k');"));
+    int rows = 0;
+    connection.ForEachRow(SqlText(u"select distinct a.id, b.id from tav_operations_header as a left join "
+                                  u"tav_operations as b on a.h1=b.p3"),
+                          [&](std::span<const Value> row) { rows += !IsNull(row[1]); });
+    EXPECT_EQ(rows, 2 * kRows);
+    connection.Execute(u"delete from tav_operations_header where h2='late' or h1='k';");
+    EXPECT_TRUE(connection.Execute(u"select id from tav_operations_header").Eof());
+}
+
 TEST(Statements, EverySqlTextOfTheSystem) {
     const test::TempFolder folder;
     const Text path = folder / u"base.mdb";

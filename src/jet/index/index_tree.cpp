@@ -96,6 +96,7 @@ std::uint64_t IndexTree::CountEntries() {
         if (!leaf.IsLeaf() || steps == file_->PageCount()) leaf.Damaged(u"the chain of leaves is broken");
         count += leaf.Count();
         number = leaf.Next();
+        file_->Trim();
     }
     return count;
 }

@@ -100,11 +100,16 @@ bool Table::HasWholeIndex(std::size_t real_index) {
     if (definition_.indexes.at(real_index).ignores_nulls) return true;
     std::optional<bool>& whole = whole_indexes_[real_index];
     if (whole) return *whole;
-    const std::uint64_t entries = Index(real_index).CountEntries();
+    std::uint64_t entries = 0;
+    try {
+        entries = Index(real_index).CountEntries();
+    } catch (const DatabaseFailure&) {
+        return *(whole = false);
+    }
     whole = entries == U32(file_->Read(definition_.page).data() + layout::kRowCountAt);
     if (*whole) return true;
     std::uint64_t rows = 0;  // which the count may not be
-    for (Scan scan = Rows(); !scan.AtEnd(); scan.Next()) ++rows;
+    for (Scan scan = Rows(); !scan.AtEnd(); scan.Next(), Trim()) ++rows;
     whole = entries == rows;
     return *whole;
 }
@@ -212,8 +217,9 @@ bool Table::IsSetInPlace(const Column& column, std::size_t position, const Value
     const auto has_column = [&](const RealIndex& index) {
         return std::ranges::find(index.columns, position, &IndexColumn::column) != index.columns.end();
     };
-    return column.IsFixed() && column.type != ColumnType::Boolean && autonumber_ != position &&
-           !(column.required && IsNull(value)) && std::ranges::none_of(definition_.indexes, has_column);
+    return column.IsFixed() && column.type != ColumnType::Boolean && !column.refuses_empty &&
+           autonumber_ != position && !(column.required && IsNull(value)) &&
+           std::ranges::none_of(definition_.indexes, has_column);
 }
 
 bool Table::SetInPlace(const RowPlace& place, const Row& row, std::span<const std::size_t> columns,
@@ -260,6 +266,7 @@ void Table::Delete(std::span<const RowId> rows) {
     std::vector<LongRecord> dropped;
     slots.reserve(rows.size());
     for (const RowId id : rows) {
+        Trim();
         const RowPlace place = FindOwnPlace(id);
         const Row row = RowAt(place);
         entries.Add(row);
