@@ -133,17 +133,20 @@ FileStamp StampOf(const struct stat& status) {
     return stamp;
 }
 
-constexpr TextView kTemporary = u".tav-";
+constexpr TextView kTemporary = u".tav-tmp-";
 constexpr std::size_t kTemporaryLetters = 6;
 
 // A new file beside `target` that becomes `target` by Rename, and goes if it does not get there.
 class ReplacementFile {
  public:
     ReplacementFile(TextView target, mode_t mode) : target_(target) {
-        pattern_ = Native(FolderOf(target_).append(kTemporary)) + std::string(kTemporaryLetters, 'X');
-        file_ = Descriptor(::mkostemp(pattern_.data(), O_CLOEXEC));
-        if (!file_) Refuse(errno, target_);
-        ::flock(file_.number(), LOCK_EX | LOCK_NB);  // so that nobody takes it for a leftover
+        // Locked, so that nobody takes it for a leftover; who was quicker has it gone.
+        do {
+            pattern_ = Native(FolderOf(target_).append(kTemporary)) + std::string(kTemporaryLetters, 'X');
+            file_ = Descriptor(::mkostemp(pattern_.data(), O_CLOEXEC));
+            if (!file_) Refuse(errno, target_);
+            ::flock(file_.number(), LOCK_EX);
+        } while (::access(pattern_.c_str(), F_OK) != 0 && errno == ENOENT);
         ::fchmod(file_.number(), mode);
     }
     ~ReplacementFile() {

@@ -74,7 +74,7 @@ void SetBack(const Handle& file, std::chrono::nanoseconds time, TextView path) {
     if (!::SetFileTime(file.get(), nullptr, nullptr, &written)) Refuse(::GetLastError(), path);
 }
 
-constexpr TextView kTemporary = u".tav-";
+constexpr TextView kTemporary = u".tav-tmp-";
 
 }  // namespace
 

@@ -49,7 +49,7 @@ LockedFile::LockedFile() : state_(std::make_unique<State>()) {}
 
 LockedFile LockedFile::Temporary(TextView beside) {
     LockedFile made;
-    made.state_->path = FolderOf(beside) + u".tav-";
+    made.state_->path = FolderOf(beside) + u".tav-tmp-";
     std::string native = ToUtf8(made.state_->path) + std::string(6, 'X');
     made.state_->file = Descriptor(::mkostemp(native.data(), O_CLOEXEC));
     if (!made.state_->file) Refuse(errno, made.state_->path);

@@ -1,6 +1,6 @@
 // A folder for work that is to appear elsewhere when it is complete: temporary, beside the target, so that a
 // rename can bring what is in it there. A kill leaves it, until the next one is made there, or an import
-// looks; its name begins with ".tav-".
+// looks; its name begins with ".tav-tmp-".
 #pragma once
 
 #include <memory>

@@ -46,7 +46,7 @@ void RemoveWorkFolders(TextView folder) {
 WorkFolder::WorkFolder(TextView target) : in_use_(std::make_unique<InUse>()) {
     RemoveWorkFolders(FolderOf(target));
     constexpr std::size_t kLetters = 6;
-    std::string pattern = ToUtf8(FolderOf(target)) + ".tav-" + std::string(kLetters, 'X');
+    std::string pattern = ToUtf8(FolderOf(target)) + ".tav-tmp-" + std::string(kLetters, 'X');
     path_ = WithSeparator(FromUtf8(pattern));
     if (::mkdtemp(pattern.data()) == nullptr) posix::Refuse(errno, target);
     // From here on nothing fails: nobody would remove the folder.

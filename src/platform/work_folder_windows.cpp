@@ -71,7 +71,7 @@ WorkFolder::WorkFolder(TextView target) : in_use_(std::make_unique<InUse>()) {
     RemoveWorkFolders(FolderOf(target));
     const auto process = static_cast<long long>(::GetCurrentProcessId());
     for (int number = 1;; ++number) {
-        const Text path = Concat(FolderOf(target), u".tav-", Digits(process), u"-", Digits(number));
+        const Text path = Concat(FolderOf(target), u".tav-tmp-", Digits(process), u"-", Digits(number));
         if (::CreateDirectoryW(win32::NativePath(path).c_str(), nullptr)) {
             path_ = WithSeparator(path);
             in_use_->folder =

@@ -115,7 +115,7 @@ TEST(WindowsFiles, MoveOntoAnotherDrive) {
     }
     EXPECT_EQ(ReadFile(folder / u"b"), "2");
     EXPECT_EQ(ReadFile(target), "1");
-    const Text own = u".tav-" + Digits(::GetCurrentProcessId());
+    const Text own = u".tav-tmp-" + Digits(::GetCurrentProcessId());
     for (const Text& name : ListFiles(there, u"")) EXPECT_FALSE(name.starts_with(own)) << ToUtf8(name);
     DeleteFile(target);
 }

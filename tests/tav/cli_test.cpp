@@ -192,7 +192,7 @@ TEST_F(Cli, AKillAtAnyMomentLosesNothing) {
         if (kill % 2 == 0) DeleteFile(folder_ / u"in/listfiles.xml");
         Create();
         for (const TextView folder : {u"", u"in/", u"reports/"})
-            folder_.Write(Text(folder).append(u".tav-123456"), "");
+            folder_.Write(Text(folder).append(u".tav-tmp-123456"), "");
         test::Process import("tav", arguments);
         std::this_thread::sleep_for(std::chrono::milliseconds(6 * kill));
         import.Kill();
