@@ -13,6 +13,7 @@
 #include "platform/files.h"
 #include "platform/listing.h"
 #include "platform/posix_linux.h"
+#include "platform/temporary_name.h"
 
 namespace tav {
 
@@ -133,7 +134,6 @@ FileStamp StampOf(const struct stat& status) {
     return stamp;
 }
 
-constexpr TextView kTemporary = u".tav-tmp-";
 constexpr std::size_t kTemporaryLetters = 6;
 
 // A new file beside `target` that becomes `target` by Rename, and goes if it does not get there.
@@ -142,7 +142,7 @@ class ReplacementFile {
     ReplacementFile(TextView target, mode_t mode) : target_(target) {
         // Locked, so that nobody takes it for a leftover; who was quicker has it gone.
         do {
-            pattern_ = Native(FolderOf(target_).append(kTemporary)) + std::string(kTemporaryLetters, 'X');
+            pattern_ = Native(FolderOf(target_).append(kTemporaryName)) + std::string(kTemporaryLetters, 'X');
             file_ = Descriptor(::mkostemp(pattern_.data(), O_CLOEXEC));
             if (!file_) Refuse(errno, target_);
             ::flock(file_.number(), LOCK_EX);
@@ -339,7 +339,7 @@ void WriteFileWhole(TextView path, std::string_view bytes, std::chrono::nanoseco
 }
 
 bool IsLeftover(TextView name) {
-    return name.starts_with(kTemporary) && name.size() == kTemporary.size() + kTemporaryLetters;
+    return name.starts_with(kTemporaryName) && name.size() == kTemporaryName.size() + kTemporaryLetters;
 }
 
 void RemoveLeftover(TextView path) {

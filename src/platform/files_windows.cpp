@@ -7,6 +7,7 @@
 #include "common/concat.h"
 #include "platform/files.h"
 #include "platform/listing.h"
+#include "platform/temporary_name.h"
 #include "platform/win32_windows.h"
 
 namespace tav {
@@ -74,8 +75,6 @@ void SetBack(const Handle& file, std::chrono::nanoseconds time, TextView path) {
     if (!::SetFileTime(file.get(), nullptr, nullptr, &written)) Refuse(::GetLastError(), path);
 }
 
-constexpr TextView kTemporary = u".tav-tmp-";
-
 }  // namespace
 
 std::size_t win32::ReadInto(const Handle& file, TextView path, char* buffer, std::size_t size) {
@@ -94,8 +93,8 @@ Text win32::TemporaryName(TextView target) {
     static unsigned counter = 0;
     for (;;) {
         const auto ticks = static_cast<long long>(::GetTickCount64());
-        Text name = Concat(FolderOf(target), kTemporary, Digits(::GetCurrentProcessId()), u"-", Digits(ticks),
-                           u"-", Digits(++counter));
+        Text name = Concat(FolderOf(target), kTemporaryName, Digits(::GetCurrentProcessId()), u"-",
+                           Digits(ticks), u"-", Digits(++counter));
         if (!Attributes(name)) return name;
     }
 }
@@ -332,8 +331,8 @@ void WriteFileWhole(TextView path, std::string_view bytes, std::chrono::nanoseco
 
 // The name goes on with three numbers.
 bool IsLeftover(TextView name) {
-    return name.starts_with(kTemporary) &&
-           name.find_first_not_of(u"0123456789-", kTemporary.size()) == name.npos;
+    return name.starts_with(kTemporaryName) &&
+           name.find_first_not_of(u"0123456789-", kTemporaryName.size()) == name.npos;
 }
 
 // A file that somebody still writes is not shared, so it cannot be deleted.

@@ -8,6 +8,7 @@
 #include "platform/files.h"
 #include "platform/locked_file.h"
 #include "platform/posix_linux.h"
+#include "platform/temporary_name.h"
 
 namespace tav {
 
@@ -49,7 +50,7 @@ LockedFile::LockedFile() : state_(std::make_unique<State>()) {}
 
 LockedFile LockedFile::Temporary(TextView beside) {
     LockedFile made;
-    made.state_->path = FolderOf(beside) + u".tav-tmp-";
+    made.state_->path = FolderOf(beside).append(kTemporaryName);
     std::string native = ToUtf8(made.state_->path) + std::string(6, 'X');
     made.state_->file = Descriptor(::mkostemp(native.data(), O_CLOEXEC));
     if (!made.state_->file) Refuse(errno, made.state_->path);

@@ -1,6 +1,6 @@
 // A folder for work that is to appear elsewhere when it is complete: temporary, beside the target, so that a
 // rename can bring what is in it there. A kill leaves it, until the next one is made there, or an import
-// looks; its name begins with ".tav-tmp-".
+// looks; its name is a temporary one (temporary_name.h).
 #pragma once
 
 #include <memory>

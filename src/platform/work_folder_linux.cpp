@@ -11,6 +11,7 @@
 #include "common/concat.h"
 #include "platform/files.h"
 #include "platform/posix_linux.h"
+#include "platform/temporary_name.h"
 #include "platform/work_folder.h"
 
 namespace tav {
@@ -46,7 +47,7 @@ void RemoveWorkFolders(TextView folder) {
 WorkFolder::WorkFolder(TextView target) : in_use_(std::make_unique<InUse>()) {
     RemoveWorkFolders(FolderOf(target));
     constexpr std::size_t kLetters = 6;
-    std::string pattern = ToUtf8(FolderOf(target)) + ".tav-tmp-" + std::string(kLetters, 'X');
+    std::string pattern = ToUtf8(FolderOf(target).append(kTemporaryName)) + std::string(kLetters, 'X');
     path_ = WithSeparator(FromUtf8(pattern));
     if (::mkdtemp(pattern.data()) == nullptr) posix::Refuse(errno, target);
     // From here on nothing fails: nobody would remove the folder.

@@ -2,6 +2,7 @@
 
 #include "common/concat.h"
 #include "platform/files.h"
+#include "platform/temporary_name.h"
 #include "platform/win32_windows.h"
 #include "platform/work_folder.h"
 
@@ -71,7 +72,7 @@ WorkFolder::WorkFolder(TextView target) : in_use_(std::make_unique<InUse>()) {
     RemoveWorkFolders(FolderOf(target));
     const auto process = static_cast<long long>(::GetCurrentProcessId());
     for (int number = 1;; ++number) {
-        const Text path = Concat(FolderOf(target), u".tav-tmp-", Digits(process), u"-", Digits(number));
+        const Text path = Concat(FolderOf(target), kTemporaryName, Digits(process), u"-", Digits(number));
         if (::CreateDirectoryW(win32::NativePath(path).c_str(), nullptr)) {
             path_ = WithSeparator(path);
             in_use_->folder =
