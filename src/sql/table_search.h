@@ -58,8 +58,7 @@ class TableSearch {
         std::size_t leading = 0;           // how many of its columns are in `equal`
         std::optional<std::size_t> list;   // place in `equal` of a column that equals one of several values
         std::optional<std::size_t> null;   // of a scan: a column that the rows have no value of
-        std::vector<std::size_t>
-            repeats;  // of a scan: the columns used, where rows that repeat them do not count
+        std::vector<std::size_t> repeats;  // of a scan: columns whose repetition makes a row needless
 
         bool operator==(const SearchPlan&) const = default;
     };

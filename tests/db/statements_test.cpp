@@ -48,14 +48,25 @@ Text Answers(Connection& connection, TextView statements) {
     return out;
 }
 
+// On an empty database.
+class Statements : public testing::Test {
+ protected:
+    Statements() {
+        const Text path = folder_ / u"base.mdb";
+        CreateDatabase(path);
+        connection.Open(ConnectionString(path));
+    }
+
+ private:
+    const test::TempFolder folder_;
+
+ protected:
+    Connection connection;
+};
+
 // More pages than are kept in memory, a row on each; every row has two partners. More rows are deleted than go at once,
 // most of them found a second time.
-TEST(Statements, RowsStayWholeWhilePagesAreLetGo) {
-    const test::TempFolder folder;
-    const Text path = folder / u"base.mdb";
-    CreateDatabase(path);
-    Connection connection;
-    connection.Open(ConnectionString(path));
+TEST_F(Statements, RowsStayWholeWhilePagesAreLetGo) {
     const Text wide(255, u'\u4E2D');
     constexpr int kRows = 4300;
     for (int i = 1; i <= kRows; ++i) {
@@ -75,12 +86,7 @@ TEST(Statements, RowsStayWholeWhilePagesAreLetGo) {
     EXPECT_TRUE(connection.Execute(u"select id from tav_operations_header").Eof());
 }
 
-TEST(Statements, EverySqlTextOfTheSystem) {
-    const test::TempFolder folder;
-    const Text path = folder / u"base.mdb";
-    CreateDatabase(path);
-    Connection connection;
-    connection.Open(ConnectionString(path));
+TEST_F(Statements, EverySqlTextOfTheSystem) {
     test::ExpectTranscript("db/statements.txt",
                            [&](TextView statements) { return Answers(connection, statements); });
 }

@@ -26,11 +26,6 @@ IndexPage ViewPage(PageFile& file, PageNumber table, PageNumber number) {
     return page;
 }
 
-RowId RowOf(std::string_view entry) {
-    const std::string_view word = entry.substr(entry.size() - kRowIdSize);
-    return RowId::FromWord(BigU32(reinterpret_cast<const std::uint8_t*>(word.data())));
-}
-
 Text Named(RowId row) {
     return u"the row on page " + Digits(row.page) + u", slot " + Digits(row.slot);
 }
@@ -309,7 +304,8 @@ void IndexTree::Cursor::Load() {
 }
 
 RowId IndexTree::Cursor::row() const {
-    return RowOf(entry_);
+    const std::string_view word = std::string_view(entry_).substr(entry_.size() - kRowIdSize);
+    return RowId::FromWord(BigU32(reinterpret_cast<const std::uint8_t*>(word.data())));
 }
 
 void IndexTree::Cursor::Next() {
